@@ -1,0 +1,108 @@
+#include "SATTentBlur.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "SATBlurTables.h"
+
+namespace PILib {
+
+namespace {
+
+// The tables are built for two pixels more than asked for. A negative radius stays one, for the base to
+// refuse.
+int Widened(int radius) {
+    constexpr int kExtraRadius = 2;
+    return radius < 0 ? radius
+                      : std::min(radius, std::numeric_limits<int>::max() - kExtraRadius) + kExtraRadius;
+}
+
+// Second-order sums of one row in place. These sums may exceed what a double holds exactly, so the order of
+// the three operations is part of the result. `up` is null for the top row.
+void AccumulateInPlace(double* row, const double* up, int tableWidth) {
+    for (int tx = 0; tx < tableWidth; ++tx) {
+        const double left = tx > 0 ? row[tx - 1] : 0.0;
+        const double above = up != nullptr ? up[tx] : 0.0;
+        const double aboveLeft = up != nullptr && tx > 0 ? up[tx - 1] : 0.0;
+        row[tx] = row[tx] + left + above - aboveLeft;
+    }
+}
+
+// Truncates toward zero into a channel's width. Values that no integer holds, which only a wrapped
+// normalisation gives, become 0 on every machine.
+template <class T>
+T Narrowed(double value) {
+    constexpr double kLimit = 9223372036854775808.0;  // 2^63
+    return value > -kLimit && value < kLimit ? static_cast<T>(static_cast<std::int64_t>(value)) : T{0};
+}
+
+}  // namespace
+
+template <class P>
+SATTentBlur<P>::SATTentBlur(PIContext& context, const FrameBuf<P>& source, int radiusX, int radiusY)
+    : SATBlur<P>(context, source, Widened(radiusX), Widened(radiusY)),
+      sumRed(std::make_unique_for_overwrite<double[]>(this->tableCells())),
+      sumGreen(std::make_unique_for_overwrite<double[]>(this->tableCells())),
+      sumBlue(std::make_unique_for_overwrite<double[]>(this->tableCells())),
+      sumAlpha(std::make_unique_for_overwrite<double[]>(this->tableCells())) {}
+
+template <class P>
+void SATTentBlur<P>::initialize() {
+    using Rows = detail::TableRows<double>;
+    const auto rowsAt = [this](int ty) {
+        return detail::RowsAt<double>(sumRed, sumGreen, sumBlue, sumAlpha, this->tableWidth, ty);
+    };
+    Rows up{};
+    for (int ty = 0; ty < this->tableHeight; ++ty) {
+        this->context.progress(ty, this->tableHeight, 0.0F, 0.5F);
+        const auto sourceRow = this->source.row(std::clamp(ty - this->borderY, 0, this->height - 1));
+        const Rows out = rowsAt(ty);
+        detail::AccumulateRow<typename P::ChannelType>(sourceRow, this->borderX, this->tableWidth, out,
+                                                       ty > 0 ? &up : nullptr);
+        up = out;
+    }
+    up = {};
+    for (int ty = 0; ty < this->tableHeight; ++ty) {
+        this->context.progress(ty, this->tableHeight, 0.5F, 1.0F);
+        const Rows out = rowsAt(ty);
+        AccumulateInPlace(out.red, up.red, this->tableWidth);
+        AccumulateInPlace(out.green, up.green, this->tableWidth);
+        AccumulateInPlace(out.blue, up.blue, this->tableWidth);
+        AccumulateInPlace(out.alpha, up.alpha, this->tableWidth);
+        up = out;
+    }
+}
+
+template <class P>
+P SATTentBlur<P>::getBlurInt(int x, int y, int radiusX, int radiusY) {
+    const int halfX = std::clamp(radiusX, -1, this->borderX - 2) + 1;
+    const int halfY = std::clamp(radiusY, -1, this->borderY - 2) + 1;
+    const int centreX = x + this->borderX - 1;
+    const int centreY = y + this->borderY - 1;
+    const auto rowStart = [this](int ty) {
+        return static_cast<std::size_t>(ty) * static_cast<std::size_t>(this->tableWidth);
+    };
+    const std::size_t top = rowStart(centreY - halfY);
+    const std::size_t middle = rowStart(centreY);
+    const std::size_t bottom = rowStart(centreY + halfY);
+        const auto centre = static_cast<std::size_t>(centreX);
+    const std::size_t left = centre - static_cast<std::size_t>(halfX);
+    const std::size_t right = centre + static_cast<std::size_t>(halfX);
+
+    const std::uint32_t weight = static_cast<std::uint32_t>(halfX) * static_cast<std::uint32_t>(halfY);
+    const double reciprocal = 1.0 / static_cast<double>(static_cast<std::int32_t>(weight * weight));
+
+    // The order of the terms is part of the result.
+    const auto filtered = [&](const Table& t) {
+        const double sum = t[top + left] - 2.0 * t[top + centre] + t[top + right] - 2.0 * t[middle + left] +
+                           4.0 * t[middle + centre] - 2.0 * t[middle + right] + t[bottom + left] -
+                           2.0 * t[bottom + centre] + t[bottom + right];
+        return Narrowed<typename P::Type>(sum * reciprocal + 0.5);
+    };
+    return P(filtered(sumAlpha), filtered(sumRed), filtered(sumGreen), filtered(sumBlue));
+}
+
+template class SATTentBlur<Pixel<Channel8>>;
+template class SATTentBlur<Pixel<Channel15>>;
+
+}  // namespace PILib

@@ -1,0 +1,42 @@
+# What every target of this project is compiled with.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+  set(CMAKE_BUILD_TYPE Release)
+endif()
+
+# The results are the same bytes on every machine: no fused multiply-add, no reassociation, and on 32-bit x86
+# SSE instead of the x87 unit with its wider intermediates.
+add_library(kestrel-numerics INTERFACE)
+target_compile_options(kestrel-numerics INTERFACE
+  $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-ffp-contract=off>
+  $<$<CXX_COMPILER_ID:MSVC>:/fp:precise>)
+if(CMAKE_SIZEOF_VOID_P EQUAL 4 AND CMAKE_SYSTEM_PROCESSOR MATCHES "i.86|x86|amd64|AMD64")
+  target_compile_options(kestrel-numerics INTERFACE
+    $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-msse2 -mfpmath=sse>)
+endif()
+
+# Warnings for the project's own sources; never handed on to a consumer.
+add_library(kestrel-warnings INTERFACE)
+target_compile_options(kestrel-warnings INTERFACE
+  $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion
+    -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wformat=2>
+  # Constructors name their parameters like the fields they set; only Clang knows that this hides nothing.
+  $<$<CXX_COMPILER_ID:GNU>:-Wshadow=local> $<$<CXX_COMPILER_ID:Clang,AppleClang>:-Wshadow>
+  $<$<CXX_COMPILER_ID:MSVC>:/W4>)
+if(KESTREL_WARNINGS_AS_ERRORS)
+  target_compile_options(kestrel-warnings INTERFACE
+    $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-Werror> $<$<CXX_COMPILER_ID:MSVC>:/WX>)
+endif()
+
+if(KESTREL_SANITIZE)
+  add_compile_options(-fsanitize=${KESTREL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${KESTREL_SANITIZE})
+endif()
