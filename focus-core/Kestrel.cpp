@@ -1,0 +1,104 @@
+#include "Kestrel.h"
+
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <memory>
+
+#include "SATTentBlur.h"
+#include "ThreadRows.h"
+
+namespace {
+
+using PILib::Channel15;
+using PILib::Channel8;
+using PILib::ChannelBuf;
+using PILib::FrameBuffer;
+using PILib::Pixel;
+using PILib::PixelBuf;
+
+constexpr char kFile[] = "Kestrel";
+constexpr int kSourcesCoverOutput = 1;
+constexpr int kSupportedDepth = 82;
+
+bool Covers(const FrameBuffer& source, const FrameBuffer& output) {
+    return source.width >= output.width && source.height >= output.height;
+}
+
+// A 16.16 share of a radius, truncated; beyond what 16.16 holds, the largest.
+std::int32_t FixedRadius(std::int32_t share, float radius) {
+    const float fixed = static_cast<float>(share) * radius;
+    return fixed >= 2147483648.0F ? std::numeric_limits<std::int32_t>::max() : PILib::TruncToInt32(fixed);
+}
+
+template <class P>
+std::unique_ptr<PILib::SATBlur<P>> MakeBlur(PILib::PIContext& context, const PixelBuf<P>& input, bool fine,
+                                            int radiusX, int radiusY) {
+    if (fine) return std::make_unique<PILib::SATTentBlur<P>>(context, input, radiusX, radiusY);
+    return std::make_unique<PILib::SATBoxBlur<P>>(context, input, radiusX, radiusY);
+}
+
+template <class C>
+void RenderAtDepth(PILib::PIContext& context, const FrameBuffer& output, const FrameBuffer& input,
+                   const FrameBuffer& control, bool fine, float radiusX, float radiusY) {
+    using P = Pixel<C>;
+    DepthDispatch<P>(context, dynamic_cast<const PixelBuf<P>&>(output),
+                     dynamic_cast<const PixelBuf<P>&>(input), dynamic_cast<const ChannelBuf<C>&>(control),
+                     fine, radiusX, radiusY);
+}
+
+}  // namespace
+
+template <class P>
+void KestrelThreadHandler<P>::rowOp(PILib::PIContext& /*context*/, int row) {
+    const auto out = output.row(row);
+    const auto in = input.row(row);
+    const auto map = control.row(row);
+    for (int x = 0; x < out.size(); ++x) {
+        if (map[x] == 0) {
+            out[x] = in[x];
+            continue;
+        }
+        const std::int32_t share = P::ChannelType::toFixed(map[x]);
+        out[x] = blur->getBlur(x, row, FixedRadius(share, radiusX), FixedRadius(share, radiusY));
+    }
+}
+
+template <class P>
+void DepthDispatch(PILib::PIContext& context, const PixelBuf<P>& output, const PixelBuf<P>& input,
+                   const ChannelBuf<typename P::ChannelType>& control, bool fine, float radiusX,
+                   float radiusY) {
+    PILib::_Assert(Covers(input, output) && Covers(control, output), kSourcesCoverOutput, kFile);
+    if (output.width <= 0 || output.height <= 0) return;
+
+    const int maxX = PILib::TruncToInt32(std::ceil(radiusX));
+    const int maxY = PILib::TruncToInt32(std::ceil(radiusY));
+    const auto blur = MakeBlur(context, input, fine, maxX, maxY);
+    context.setProgress(0.0F, 0.25F);
+    blur->initialize();
+    context.setProgress(0.25F, 1.0F);
+
+    KestrelThreadHandler<P> handler{output, input, control, blur.get(), radiusX, radiusY};
+    PILib::ThreadRows(context, handler, output.height, -1);
+}
+
+void Kestrel(PILib::PIContext& context, const PILib::PixelBuffer& output, const PILib::PixelBuffer& input,
+             const PILib::ChannelBuffer& control, bool fine, float radiusX, float radiusY) {
+    switch (output.elementKey()) {
+        case PILib::kElementKey<Pixel<Channel8>>:
+            return RenderAtDepth<Channel8>(context, output, input, control, fine, radiusX, radiusY);
+        case PILib::kElementKey<Pixel<Channel15>>:
+            return RenderAtDepth<Channel15>(context, output, input, control, fine, radiusX, radiusY);
+        default:
+            PILib::_Assert(false, kSupportedDepth, kFile);
+    }
+}
+
+template struct KestrelThreadHandler<Pixel<Channel8>>;
+template struct KestrelThreadHandler<Pixel<Channel15>>;
+template void DepthDispatch(PILib::PIContext&, const PixelBuf<Pixel<Channel8>>&,
+                            const PixelBuf<Pixel<Channel8>>&, const ChannelBuf<Channel8>&, bool, float,
+                            float);
+template void DepthDispatch(PILib::PIContext&, const PixelBuf<Pixel<Channel15>>&,
+                            const PixelBuf<Pixel<Channel15>>&, const ChannelBuf<Channel15>&, bool, float,
+                            float);
