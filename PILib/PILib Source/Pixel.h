@@ -16,10 +16,11 @@ namespace PILib {
 
 // Truncates toward zero. Out of range and NaN give the most negative value, on every machine alike (the
 // language leaves them undefined; this is what the common processors answer).
-constexpr std::int32_t TruncToInt32(float value) {
-    constexpr float kLimit = 2147483648.0F;  // 2^31
-    return value >= -kLimit && value < kLimit ? static_cast<std::int32_t>(value)
-                                              : std::numeric_limits<std::int32_t>::min();
+template <std::floating_point F>
+constexpr std::int32_t TruncToInt32(F value) {
+    constexpr F kLimit = 2147483648.0F;  // 2^31
+    return value > -kLimit - 1 && value < kLimit ? static_cast<std::int32_t>(value)
+                                                 : std::numeric_limits<std::int32_t>::min();
 }
 
 struct Channel8 {

@@ -85,7 +85,7 @@ P SATTentBlur<P>::getBlurInt(int x, int y, int radiusX, int radiusY) {
     const std::size_t top = rowStart(centreY - halfY);
     const std::size_t middle = rowStart(centreY);
     const std::size_t bottom = rowStart(centreY + halfY);
-        const auto centre = static_cast<std::size_t>(centreX);
+    const auto centre = static_cast<std::size_t>(centreX);
     const std::size_t left = centre - static_cast<std::size_t>(halfX);
     const std::size_t right = centre + static_cast<std::size_t>(halfX);
 

@@ -14,7 +14,8 @@
 
 namespace PILib {
 
-// The calling thread works as thread 0; the others sleep between jobs. Iterations are handed out one by one.
+// The calling thread works as thread 0 and always takes the first iteration, so that every job reports
+// progress; the others sleep between jobs. The rest is handed out one by one.
 class ThreadPoolContext::Pool {
 public:
     explicit Pool(int threads) {
@@ -37,7 +38,7 @@ public:
         {
             const std::lock_guard lock(mutex);
             job = {fn, refcon, iterations};
-            next = 0;
+            next = 1;
             failed = Failure{};
             busy = static_cast<int>(workers.size());
             ++generation;
@@ -77,9 +78,7 @@ private:
     }
 
     void work(int thread) {
-        for (;;) {
-            const int i = next.fetch_add(1, std::memory_order_relaxed);
-            if (i >= job.iterations) return;
+        for (int i = thread == 0 ? 0 : take(); i < job.iterations; i = take()) {
             Failure outcome{i, 0, nullptr};
             try {
                 outcome.code = job.fn(job.refcon, thread, i, job.iterations);
@@ -91,6 +90,8 @@ private:
             if (failed.iteration < 0 || i < failed.iteration) failed = std::move(outcome);
         }
     }
+
+    int take() { return next.fetch_add(1, std::memory_order_relaxed); }
 
     void stop() {
         {
