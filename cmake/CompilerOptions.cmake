@@ -36,6 +36,9 @@ if(KESTREL_WARNINGS_AS_ERRORS)
     $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-Werror> $<$<CXX_COMPILER_ID:MSVC>:/WX>)
 endif()
 
+# The folder of a bundle that holds the library for this processor.
+string(REGEX REPLACE "^(x86_64|AMD64)$" "x86-64" KESTREL_ARCHITECTURE "${CMAKE_SYSTEM_PROCESSOR}")
+
 if(KESTREL_SANITIZE)
   add_compile_options(-fsanitize=${KESTREL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${KESTREL_SANITIZE})

@@ -1,0 +1,118 @@
+#include "Main.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstring>
+#include <new>
+#include <utility>
+
+#include "AEContext.h"
+#include "Errors.h"
+#include "GlobalManager.h"
+#include "HostSites.h"
+#include "InstanceHandle.h"
+#include "PF_Values.h"
+
+namespace AELib {
+
+PF_UtilCallbacks* gPF_Utils = nullptr;
+SuiteHandler* gSuites = nullptr;
+char gPluginName[256] = "Unknown";
+
+namespace {
+
+// The host's own formatter, or the C library's where the host has none.
+auto FormatterOf(const PF_InData& inData) {
+    return inData.utils != nullptr && inData.utils->ansi.sprintf != nullptr ? inData.utils->ansi.sprintf
+                                                                            : &std::sprintf;
+}
+
+// Room for any message: the strings in it are an assertion's file and a name of at most 255 characters.
+using Message = std::array<char, 1024>;
+
+void SetMessage(PF_OutData& outData, const Message& message) {
+    const std::size_t length = std::min(std::strlen(message.data()), sizeof outData.return_msg - 1);
+    std::memcpy(outData.return_msg, message.data(), length);
+    outData.return_msg[length] = '\0';
+}
+
+PF_Err ReportError(const PF_InData& inData, PF_OutData& outData, int code) {
+    Message message{};
+    FormatterOf(inData)(message.data(), "Error %d in %s", code, gPluginName);
+    SetMessage(outData, message);
+    return code;
+}
+
+PF_Err ReportAssertion(const PF_InData& inData, PF_OutData& outData) {
+    Message message{};
+    FormatterOf(inData)(message.data(), "Assert Failure - file: %s, line: %d in %s", PILib::AssertFile,
+                        static_cast<int>(PILib::AssertLine), gPluginName);
+    SetMessage(outData, message);
+    return PF_Err_INTERNAL_STRUCT_DAMAGED;
+}
+
+GlobalManager* InstanceOf(const PF_InData& inData) {
+    PILib::_Assert(inData.global_data != nullptr, site::kGlobalData, site::kMainFile);
+    return InstanceIn<GlobalManager>(inData.global_data);
+}
+
+void GlobalSetup(AEContext& context) {
+    PILib::_Assert(context.inData->utils != nullptr, site::kUtils, site::kMainFile);
+    gPF_Utils = context.inData->utils;
+    char** const handle = NewInstanceHandle<GlobalManager>(context, nullptr);
+    context.outData->global_data = handle;
+    context.globalManager = NewGlobalManagerInstance();
+    StoreInstance(handle, context.globalManager);
+    context.globalManager->init(context);
+}
+
+void GlobalSetdown(AEContext& context) {
+    delete InstanceOf(*context.inData);
+    context.disposeHandle(std::exchange(context.inData->global_data, nullptr));
+    context.outData->global_data = nullptr;
+    delete std::exchange(gSuites, nullptr);
+}
+
+void Dispatch(AEContext& context) {
+    switch (context.cmd) {
+        case PF_Cmd_GLOBAL_SETUP:
+            return GlobalSetup(context);
+        case PF_Cmd_GLOBAL_SETDOWN:
+            return GlobalSetdown(context);
+        default:
+            context.globalManager = InstanceOf(*context.inData);
+            context.globalManager->handleCommand(context);
+    }
+}
+
+}  // namespace
+
+}  // namespace AELib
+
+PF_Err PluginMain(PF_Cmd cmd, PF_InData* in_data, PF_OutData* out_data, PF_ParamDef* params[],
+                  PF_LayerDef* output, void* extra) {
+    using namespace AELib;
+    gPF_Utils = in_data->utils;
+    try {
+        if (gSuites == nullptr && in_data->pica_basicP != nullptr)
+            gSuites = new SuiteHandler(in_data->pica_basicP);
+        AEContext context(cmd, in_data, out_data, params, output, extra);
+        Dispatch(context);
+        return PF_Err_NONE;
+    } catch (int code) {
+        switch (code) {
+            case PF_Err_NONE:
+            case PF_Interrupt_CANCEL:
+                return code;
+            case PILib::kAssertionFailed:
+                return ReportAssertion(*in_data, *out_data);
+            default:
+                return ReportError(*in_data, *out_data, code);
+        }
+    } catch (const std::bad_alloc&) {
+        return ReportError(*in_data, *out_data, PF_Err_OUT_OF_MEMORY);
+    } catch (...) {
+        return ReportError(*in_data, *out_data, PF_Err_INTERNAL_STRUCT_DAMAGED);
+    }
+}
