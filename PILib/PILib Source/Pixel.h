@@ -201,14 +201,46 @@ inline constexpr Pixel<Channel32f> kColorYellow{1.0F, 1.0F, 1.0F, 0.0F};
 inline constexpr Pixel<Channel32f> kColorTransparent{0.0F, 0.0F, 0.0F, 0.0F};
 
 // Compile-time constants, so that no other static initialiser can come before them.
-template <class C>
-inline constexpr Pixel<C> Pixel<C>::kWhiteColor{kColorWhite};
-template <class C>
-inline constexpr Pixel<C> Pixel<C>::kBlackColor{kColorBlack};
-template <class C>
-inline constexpr Pixel<C> Pixel<C>::kGrayColor{kColorGray};
-template <class C>
-inline constexpr Pixel<C> Pixel<C>::kTransparentColor{kColorTransparent};
+template <>
+inline constexpr Pixel<Channel8> Pixel<Channel8>::kWhiteColor{kColorWhite};
+template <>
+inline constexpr Pixel<Channel8> Pixel<Channel8>::kBlackColor{kColorBlack};
+template <>
+inline constexpr Pixel<Channel8> Pixel<Channel8>::kGrayColor{kColorGray};
+template <>
+inline constexpr Pixel<Channel8> Pixel<Channel8>::kTransparentColor{kColorTransparent};
+template <>
+inline constexpr Pixel<Channel15> Pixel<Channel15>::kWhiteColor{kColorWhite};
+template <>
+inline constexpr Pixel<Channel15> Pixel<Channel15>::kBlackColor{kColorBlack};
+template <>
+inline constexpr Pixel<Channel15> Pixel<Channel15>::kGrayColor{kColorGray};
+template <>
+inline constexpr Pixel<Channel15> Pixel<Channel15>::kTransparentColor{kColorTransparent};
+template <>
+inline constexpr Pixel<Channel16> Pixel<Channel16>::kWhiteColor{kColorWhite};
+template <>
+inline constexpr Pixel<Channel16> Pixel<Channel16>::kBlackColor{kColorBlack};
+template <>
+inline constexpr Pixel<Channel16> Pixel<Channel16>::kGrayColor{kColorGray};
+template <>
+inline constexpr Pixel<Channel16> Pixel<Channel16>::kTransparentColor{kColorTransparent};
+template <>
+inline constexpr Pixel<Channel32> Pixel<Channel32>::kWhiteColor{kColorWhite};
+template <>
+inline constexpr Pixel<Channel32> Pixel<Channel32>::kBlackColor{kColorBlack};
+template <>
+inline constexpr Pixel<Channel32> Pixel<Channel32>::kGrayColor{kColorGray};
+template <>
+inline constexpr Pixel<Channel32> Pixel<Channel32>::kTransparentColor{kColorTransparent};
+template <>
+inline constexpr Pixel<Channel32f> Pixel<Channel32f>::kWhiteColor{kColorWhite};
+template <>
+inline constexpr Pixel<Channel32f> Pixel<Channel32f>::kBlackColor{kColorBlack};
+template <>
+inline constexpr Pixel<Channel32f> Pixel<Channel32f>::kGrayColor{kColorGray};
+template <>
+inline constexpr Pixel<Channel32f> Pixel<Channel32f>::kTransparentColor{kColorTransparent};
 
 // 16.16 quotient of two integers: numerator * 65536 / denominator, truncated toward zero. Saturates at the
 // largest positive (or most negative) value, which is also what division by zero gives.
