@@ -82,6 +82,7 @@ void Dispatch(AEContext& context) {
             return GlobalSetdown(context);
         default:
             context.globalManager = InstanceOf(*context.inData);
+            PILib::_Assert(context.globalManager != nullptr, site::kGlobalData, site::kMainFile);
             context.globalManager->handleCommand(context);
     }
 }
