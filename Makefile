@@ -1,0 +1,26 @@
+# Thin wrapper around CMake: installs the Debian packages that are missing, builds, and runs.
+#   make demo   renders the sample picture and says where the results are
+#   make test   builds and runs every test, optimised and under the address and undefined-behaviour sanitizers
+#   make bench  runs the benchmarks
+
+PRODUCT_PACKAGES := g++ cmake ninja-build pkg-config libopenimageio-dev libcli11-dev libfmt-dev nlohmann-json3-dev
+TEST_PACKAGES := $(PRODUCT_PACKAGES) libgtest-dev libgmock-dev libbenchmark-dev binutils \
+    g++-12-multilib g++-powerpc64-linux-gnu qemu-user
+
+.PHONY: demo test bench clean
+.DEFAULT_GOAL := demo
+
+demo: ; @cmake/demo.sh $(PRODUCT_PACKAGES)
+
+test:
+	@cmake/install-packages.sh $(TEST_PACKAGES)
+	@cmake/test.sh release asan
+
+bench:
+	@cmake/install-packages.sh $(TEST_PACKAGES)
+	cmake --preset release
+	cmake --build --preset release --target kestrel-benchmarks
+	build/release/bin/kestrel-benchmarks --benchmark_repetitions=5 --benchmark_report_aggregates_only=true \
+	    --benchmark_out=build/release/benchmarks.json
+
+clean: ; rm -rf build

@@ -1,0 +1,206 @@
+#include "ThreadRows.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <new>
+#include <stdexcept>
+#include <string>
+#include <typeinfo>
+#include <utility>
+#include <vector>
+
+#include "FakeContext.h"
+
+namespace {
+
+using PILib::ThreadRows;
+using PILib::ThreadRowsHelper;
+using PILib::ThreadRowsWork;
+
+// Notes the rows it is given; `fail` may throw for a row before it is noted.
+struct RecordingHandler {
+    std::vector<int> rows;
+    std::function<void(int row)> fail = [](int /*row*/) {};
+
+    void rowOp(PILib::PIContext& /*context*/, int row) {
+        fail(row);
+        rows.push_back(row);
+    }
+};
+
+// Rows that iteration `i` of `iterations` renders.
+std::vector<int> RowsOf(int rows, int i, int iterations) {
+    FakeContext context;
+    RecordingHandler handler;
+    ThreadRowsWork<RecordingHandler> work{handler, context, rows};
+    EXPECT_EQ(0, ThreadRowsHelper<RecordingHandler>(&work, 1, i, iterations));
+    EXPECT_TRUE(context.progressCalls.empty()) << "thread 1 reports no progress";
+    return handler.rows;
+}
+
+TEST(ThreadRowsTest, RowsAreHandedOutInContiguousChunksRoundedUp) {
+    using Chunks = std::vector<std::pair<int, int>>;  // first row, number of rows
+    struct Partition {
+        int rows, iterations;
+        Chunks chunks;
+    };
+    for (const Partition& p : {
+             Partition{100, 4, {{0, 25}, {25, 25}, {50, 25}, {75, 25}}},
+             Partition{10, 4, {{0, 3}, {3, 3}, {6, 3}, {9, 1}}},
+             Partition{3, 4, {{0, 1}, {1, 1}, {2, 1}, {3, 0}}},
+             Partition{4, 4, {{0, 1}, {1, 1}, {2, 1}, {3, 1}}},
+             Partition{5, 4, {{0, 2}, {2, 2}, {4, 1}, {5, 0}}},
+             Partition{7, 1, {{0, 7}}},
+             Partition{0, 2, {{0, 0}, {0, 0}}},
+         }) {
+        for (int i = 0; i < p.iterations; ++i) {
+            const auto [first, count] = p.chunks[static_cast<std::size_t>(i)];
+            std::vector<int> expected;
+            for (int row = first; row < first + count; ++row)
+                expected.push_back(row);
+            EXPECT_EQ(expected, RowsOf(p.rows, i, p.iterations))
+                << p.rows << " rows, iteration " << i << " of " << p.iterations;
+        }
+    }
+}
+
+TEST(ThreadRowsTest, ChunksCoverEveryRowOnceAndNoRowPastTheImage) {
+    for (int rows = 0; rows <= 130; ++rows) {
+        for (int iterations = 1; iterations <= 64; ++iterations) {
+            std::vector<int> all;
+            for (int i = 0; i < iterations; ++i) {
+                const std::vector<int> chunk = RowsOf(rows, i, iterations);
+                all.insert(all.end(), chunk.begin(), chunk.end());
+            }
+            std::vector<int> expected;
+            for (int row = 0; row < rows; ++row)
+                expected.push_back(row);
+            ASSERT_EQ(expected, all) << rows << " rows, " << iterations << " iterations";
+        }
+    }
+}
+
+TEST(ThreadRowsTest, WithoutThreadsAllRowsAreRenderedInOrderWithAReportBeforeEach) {
+    for (const bool canThread : {true, false}) {
+        FakeContext context;
+        context.processors = canThread ? 1 : 4;
+        context.canThread = canThread;
+        RecordingHandler handler;
+        handler.fail = [&](int row) {
+            EXPECT_EQ(static_cast<std::size_t>(row) + 1, context.progressCalls.size()) << "row " << row;
+        };
+        ThreadRows(context, handler, 5, -1);
+        EXPECT_EQ(1, context.lastIterations);
+        EXPECT_EQ((std::vector<int>{0, 1, 2, 3, 4}), handler.rows);
+        std::vector<ProgressCall> expected;
+        for (int k = 0; k < 5; ++k)
+            expected.push_back({k, 5, 0.0F, 1.0F});
+        EXPECT_EQ(expected, context.progressCalls) << "can thread " << canThread;
+    }
+}
+
+TEST(ThreadRowsTest, ThreadZeroReportsItsOwnChunkOnly) {
+    FakeContext context;
+    RecordingHandler handler;
+    ThreadRowsWork<RecordingHandler> work{handler, context, 10};
+    EXPECT_EQ(0, ThreadRowsHelper<RecordingHandler>(&work, 0, 2, 4));
+    const std::vector<ProgressCall> expected{{0, 3, 0.0F, 1.0F}, {1, 3, 0.0F, 1.0F}, {2, 3, 0.0F, 1.0F}};
+    EXPECT_EQ(expected, context.progressCalls);
+    EXPECT_EQ((std::vector<int>{6, 7, 8}), handler.rows);
+}
+
+TEST(ThreadRowsTest, NoProgressIsReportedWhereEveryRowHasItsOwnIteration) {
+    FakeContext context;
+    context.processors = 4;
+    for (int rows = 0; rows <= 4; ++rows) {
+        RecordingHandler handler;
+        ThreadRows(context, handler, rows, -1);
+        EXPECT_EQ(static_cast<std::size_t>(rows), handler.rows.size());
+        EXPECT_TRUE(context.progressCalls.empty()) << rows << " rows";
+    }
+}
+
+TEST(ThreadRowsTest, IntOfARowIsThrownAfterTheOtherChunksAreDone) {
+    FakeContext context;
+    context.processors = 3;
+    RecordingHandler handler;
+    handler.fail = [](int row) {
+        if (row == 1) throw -50;
+    };
+    try {
+        ThreadRows(context, handler, 9, -1);
+        ADD_FAILURE() << "nothing thrown";
+    } catch (int code) {
+        EXPECT_EQ(-50, code);
+    }
+    std::sort(handler.rows.begin(), handler.rows.end());
+    EXPECT_EQ((std::vector<int>{0, 3, 4, 5, 6, 7, 8}), handler.rows);
+}
+
+TEST(ThreadRowsTest, OtherExceptionsOfARowBecome512) {
+    struct Thrown {
+        const char* name;
+        void (*fail)(int row);
+    };
+    for (const Thrown& t : {
+             Thrown{"bad_alloc", [](int) { throw std::bad_alloc(); }},
+             Thrown{"bad_cast", [](int) { throw std::bad_cast(); }},
+             Thrown{"runtime_error", [](int) { throw std::runtime_error("row"); }},
+             Thrown{"end of archive", [](int) { throw PILib::kEndOfArchive; }},
+             Thrown{"long", [](int) { throw 7L; }},
+         }) {
+        for (const int processors : {1, 4}) {
+            FakeContext context;
+            context.processors = processors;
+            RecordingHandler handler;
+            handler.fail = t.fail;
+            try {
+                ThreadRows(context, handler, 9, -1);
+                ADD_FAILURE() << t.name << ": nothing thrown";
+            } catch (int code) {
+                EXPECT_EQ(512, code) << t.name << ", " << processors << " processors";
+            }
+        }
+    }
+}
+
+TEST(ThreadRowsTest, CancelEndsTheChunkOfThreadZeroAlone) {
+    FakeContext context;
+    context.processors = 3;
+    context.failAtProgress(2, PILib::kUserCancelled);
+    RecordingHandler handler;
+    try {
+        ThreadRows(context, handler, 9, -1);
+        ADD_FAILURE() << "not cancelled";
+    } catch (int code) {
+        EXPECT_EQ(PILib::kUserCancelled, code);
+    }
+    std::sort(handler.rows.begin(), handler.rows.end());
+    EXPECT_EQ((std::vector<int>{0, 3, 4, 5, 6, 7, 8}), handler.rows);
+}
+
+TEST(ThreadRowsTest, NumberOfIterationsIsWhatTheCallerAsksFor) {
+    FakeContext context;
+    context.processors = 2;
+    RecordingHandler handler;
+    ThreadRows(context, handler, 10, 5);
+    EXPECT_EQ(5, context.lastIterations);
+    EXPECT_EQ(10U, handler.rows.size());
+}
+
+TEST(ThreadRowsTest, CodeOfTheHostIsThrown) {
+    FakeContext context;
+    context.multiThreadError = 514;
+    RecordingHandler handler;
+    try {
+        ThreadRows(context, handler, 10, -1);
+        ADD_FAILURE() << "nothing thrown";
+    } catch (int code) {
+        EXPECT_EQ(514, code);
+    }
+    EXPECT_TRUE(handler.rows.empty());
+}
+
+}  // namespace

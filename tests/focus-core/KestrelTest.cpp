@@ -1,0 +1,345 @@
+#include "Kestrel.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <numeric>
+#include <random>
+#include <typeinfo>
+#include <utility>
+#include <vector>
+
+#include "Buffers.h"
+#include "ChannelTypes.h"
+#include "ExpectAssertion.h"
+#include "FakeContext.h"
+#include "NaivePipeline.h"
+#include "OracleBuffers.h"
+#include "RandomImage.h"
+#include "SATTentBlur.h"
+#include "ThreadPoolContext.h"
+
+namespace {
+
+using PILib::Channel15;
+using PILib::Channel16;
+using PILib::Channel8;
+using PILib::ChannelBuf;
+using PILib::Pixel;
+using PILib::SimplePixelBuffer;
+
+// Noise to blur, a noisy map in which a third of the pixels is in focus, and an output.
+template <class C>
+struct Scene {
+    Scene(int width, int height, unsigned seed)
+        : random(seed),
+          inputImage(oracle::RandomImage(random, width, height, oracle::kFull<C>)),
+          mapValues(oracle::RandomMap(random, width, height, oracle::kFull<C>)),
+          input(width, height),
+          map(width, height),
+          output(width, height) {
+        oracle::Store<C>(inputImage, input);
+        oracle::Store<C>(mapValues, map);
+        output.clear();
+    }
+
+    oracle::Image expected(bool fine, float radiusX, float radiusY) const {
+        return oracle::Defocused(output.width, output.height, inputImage, mapValues, fine, radiusX, radiusY);
+    }
+
+    std::mt19937 random;
+    oracle::Image inputImage;
+    oracle::Map mapValues;
+    SimplePixelBuffer<Pixel<C>> input;
+    ChannelBuf<C> map;
+    SimplePixelBuffer<Pixel<C>> output;
+};
+
+template <class C>
+void FillMap(const ChannelBuf<C>& map, int value) {
+    for (int y = 0; y < map.height; ++y) {
+        for (auto& element : map.row(y))
+            element = static_cast<typename C::Type>(value);
+    }
+}
+
+template <class C>
+class KestrelTypedTest : public testing::Test {
+protected:
+    FakeContext context;
+};
+
+TYPED_TEST_SUITE(KestrelTypedTest, HostChannels, ChannelNames);
+
+TYPED_TEST(KestrelTypedTest, MapOfZerosCopiesTheInputBitForBit) {
+    for (const bool fine : {false, true}) {
+        Scene<TypeParam> scene(17, 11, 1);
+        FillMap(scene.map, 0);
+        Kestrel(this->context, scene.output, scene.input, scene.map, fine, 9.0F, 4.0F);
+        EXPECT_EQ(scene.inputImage.values, oracle::Fetched(scene.output).values) << "fine " << fine;
+    }
+}
+
+TYPED_TEST(KestrelTypedTest, InFocusPixelsAreCopiedAmongBlurredOnes) {
+    Scene<TypeParam> scene(23, 15, 2);
+    Kestrel(this->context, scene.output, scene.input, scene.map, false, 6.0F, 6.0F);
+    for (int y = 0; y < 15; ++y) {
+        for (int x = 0; x < 23; ++x) {
+            if (scene.mapValues.at(x, y) != 0) continue;
+            ASSERT_EQ(scene.input.row(y)[x], scene.output.row(y)[x]) << x << ", " << y;
+        }
+    }
+}
+
+TYPED_TEST(KestrelTypedTest, RadiusZeroPremultipliesAndStraightensWhereTheMapIsNotZero) {
+    for (const bool fine : {false, true}) {
+        Scene<TypeParam> scene(17, 11, 3);
+        Kestrel(this->context, scene.output, scene.input, scene.map, fine, 0.0F, 0.0F);
+        for (int y = 0; y < 11; ++y) {
+            for (int x = 0; x < 17; ++x) {
+                const oracle::Colour& in = scene.inputImage.at(x, y);
+                const std::uint32_t full = scene.inputImage.full;
+                const oracle::Colour expected =
+                    scene.mapValues.at(x, y) == 0
+                        ? in
+                        : oracle::Straightened(oracle::Premultiplied(in, full), full);
+                ASSERT_EQ(expected, oracle::ColourOf(scene.output.row(y)[x]))
+                    << "fine " << fine << ", " << x << ", " << y;
+            }
+        }
+    }
+}
+
+// Radii with fractions, up to and beyond the size of the image.
+TYPED_TEST(KestrelTypedTest, BothBlursEqualTheReference) {
+    for (const bool fine : {false, true}) {
+        for (const auto& [radiusX, radiusY] : {std::pair{7.3F, 2.0F}, {0.4F, 11.9F}, {25.0F, 25.0F}}) {
+            Scene<TypeParam> scene(13, 19, 4);
+            Kestrel(this->context, scene.output, scene.input, scene.map, fine, radiusX, radiusY);
+            EXPECT_EQ(scene.expected(fine, radiusX, radiusY).values, oracle::Fetched(scene.output).values)
+                << "fine " << fine << ", radii " << radiusX << ", " << radiusY;
+        }
+    }
+}
+
+TYPED_TEST(KestrelTypedTest, AnyThreadCountGivesTheSameBytes) {
+    for (const bool fine : {false, true}) {
+        Scene<TypeParam> scene(11, 37, 5);
+        const oracle::Image expected = scene.expected(fine, 5.5F, 3.25F);
+        for (int threads = 1; threads <= 64; ++threads) {
+            PILib::ThreadPoolContext pool(threads);
+            scene.output.clear();
+            Kestrel(pool, scene.output, scene.input, scene.map, fine, 5.5F, 3.25F);
+            ASSERT_EQ(expected.values, oracle::Fetched(scene.output).values)
+                << "fine " << fine << ", " << threads << " threads";
+        }
+    }
+}
+
+TYPED_TEST(KestrelTypedTest, AnyOrderOfIterationsGivesTheSameBytes) {
+    Scene<TypeParam> scene(11, 37, 6);
+    const oracle::Image expected = scene.expected(true, 5.5F, 3.25F);
+    for (int iterations = 1; iterations <= 64; ++iterations) {
+        FakeContext shuffled;
+        shuffled.processors = iterations;
+        shuffled.order.resize(static_cast<std::size_t>(iterations));
+        std::iota(shuffled.order.begin(), shuffled.order.end(), 0);
+        std::shuffle(shuffled.order.begin(), shuffled.order.end(), scene.random);
+        scene.output.clear();
+        Kestrel(shuffled, scene.output, scene.input, scene.map, true, 5.5F, 3.25F);
+        ASSERT_EQ(expected.values, oracle::Fetched(scene.output).values) << iterations << " iterations";
+    }
+}
+
+TYPED_TEST(KestrelTypedTest, RowPaddingIsNeitherReadNorWritten) {
+    Scene<TypeParam> scene(9, 7, 7);
+    for (const int padding : {8, 24}) {
+        const PaddedPixelBuffer<Pixel<TypeParam>> input(9, 7, padding);
+        const PaddedPixelBuffer<Pixel<TypeParam>> output(9, 7, padding + 8);
+        oracle::Store<TypeParam>(scene.inputImage, input);
+        for (const bool fine : {false, true}) {
+            Kestrel(this->context, output, input, scene.map, fine, 3.0F, 4.0F);
+            EXPECT_EQ(scene.expected(fine, 3.0F, 4.0F).values, oracle::Fetched(output).values) << padding;
+        }
+        EXPECT_TRUE(input.guardsIntact()) << padding;
+        EXPECT_TRUE(output.guardsIntact()) << padding;
+    }
+}
+
+TYPED_TEST(KestrelTypedTest, InputAndMapMayBeLargerThanTheOutput) {
+    Scene<TypeParam> scene(16, 12, 8);
+    const SimplePixelBuffer<Pixel<TypeParam>> output(10, 5);
+    Kestrel(this->context, output, scene.input, scene.map, false, 4.0F, 4.0F);
+    EXPECT_EQ(oracle::Defocused(10, 5, scene.inputImage, scene.mapValues, false, 4.0F, 4.0F).values,
+              oracle::Fetched(output).values);
+}
+
+TYPED_TEST(KestrelTypedTest, InputOrMapSmallerThanTheOutputIsRefused) {
+    Scene<TypeParam> scene(8, 8, 9);
+    const oracle::Image before = oracle::Fetched(scene.output);
+    for (const auto& [width, height] : {std::pair{7, 8}, {8, 7}, {0, 0}}) {
+        const SimplePixelBuffer<Pixel<TypeParam>> input(width, height);
+        const ChannelBuf<TypeParam> map(width, height);
+        for (const bool smallInput : {true, false}) {
+            EXPECT_TRUE(FailsAssertion("Kestrel", 1, [&] {
+                Kestrel(this->context, scene.output, smallInput ? input : scene.input,
+                        smallInput ? scene.map : map, false, 4.0F, 4.0F);
+            })) << (smallInput ? "input" : "map");
+        }
+    }
+    EXPECT_EQ(before.values, oracle::Fetched(scene.output).values);
+}
+
+TYPED_TEST(KestrelTypedTest, EmptyOutputNeedsNoInput) {
+    const SimplePixelBuffer<Pixel<TypeParam>> empty(0, 0);
+    const ChannelBuf<TypeParam> map(0, 0);
+    EXPECT_NO_THROW(Kestrel(this->context, empty, empty, map, true, 4.0F, 4.0F));
+    EXPECT_TRUE(this->context.progressCalls.empty());
+}
+
+TYPED_TEST(KestrelTypedTest, NegativeRadiusIsRefused) {
+    Scene<TypeParam> scene(4, 4, 10);
+    for (const bool fine : {false, true}) {
+        EXPECT_THROW(Kestrel(this->context, scene.output, scene.input, scene.map, fine, -1.0F, 1.0F), int);
+        EXPECT_THROW(Kestrel(this->context, scene.output, scene.input, scene.map, fine, 1.0F, -1.0F), int);
+    }
+}
+
+TYPED_TEST(KestrelTypedTest, TablesTakeTheFirstQuarterOfTheProgressAndRowsTheRest) {
+    Scene<TypeParam> scene(4, 3, 11);
+    // Radius 7.3 needs tables for 8: a border of 9 rows on either side.
+    Kestrel(this->context, scene.output, scene.input, scene.map, false, 1.0F, 7.3F);
+    const std::vector<std::pair<float, float>> ranges{{0.0F, 0.25F}, {0.25F, 1.0F}};
+    EXPECT_EQ(ranges, this->context.ranges);
+    std::vector<ProgressCall> expected;
+    for (int ty = 0; ty < 21; ++ty)
+        expected.push_back({ty, 21, 0.0F, 1.0F});
+    for (int row = 0; row < 3; ++row)
+        expected.push_back({row, 3, 0.0F, 1.0F});
+    EXPECT_EQ(expected, this->context.progressCalls);
+}
+
+TEST(KestrelTest, ProgressOfAFineRenderRunsAheadAndFallsBack) {
+    Scene<Channel8> scene(4, 3, 12);
+    PILib::ThreadPoolContext context(1);
+    std::vector<float> values;
+    context.onProgress([&](float done) { values.push_back(done); });
+    Kestrel(context, scene.output, scene.input, scene.map, true, 1.0F, 1.0F);
+    ASSERT_EQ(11U + 11U + 3U, values.size());  // 3 rows and two borders of 4
+    EXPECT_FLOAT_EQ(0.0F, values.front());
+    EXPECT_FLOAT_EQ(0.125F, values[11]);
+    EXPECT_FLOAT_EQ(0.125F + 0.25F * 10 / 11, values[21]);
+    EXPECT_FLOAT_EQ(0.25F, values[22]);
+    EXPECT_FLOAT_EQ(0.75F, values[24]);
+}
+
+template <class P>
+struct RadiusRecorder : PILib::SATBlur<P> {
+    using PILib::SATBlur<P>::SATBlur;
+
+    P getBlur(int x, int y, std::int32_t radiusX, std::int32_t radiusY) override {
+        requests.push_back({x, y, radiusX, radiusY});
+        return P::kGrayColor;
+    }
+    P getBlurInt(int, int, int, int) override { return P::kGrayColor; }
+    void initialize() override {}
+
+    std::vector<std::vector<std::int32_t>> requests;
+};
+
+struct RadiusCase {
+    int mapValue;
+    float radiusX;
+    float radiusY;
+    std::int32_t fixedX;
+    std::int32_t fixedY;
+};
+
+template <class C>
+void ExpectRadii(const std::vector<RadiusCase>& cases) {
+    constexpr std::int32_t kX = 2;
+    constexpr std::int32_t kRow = 1;
+    for (const RadiusCase& c : cases) {
+        FakeContext context;
+        Scene<C> scene(4, 3, 13);
+        FillMap(scene.map, 0);
+        scene.map.row(kRow)[kX] = static_cast<typename C::Type>(c.mapValue);
+        RadiusRecorder<Pixel<C>> blur(context, scene.input, 1, 1);
+        KestrelThreadHandler<Pixel<C>> handler{scene.output, scene.input, scene.map,
+                                               &blur,        c.radiusX,   c.radiusY};
+        handler.rowOp(context, kRow);
+        EXPECT_EQ((std::vector<std::vector<std::int32_t>>{{kX, kRow, c.fixedX, c.fixedY}}), blur.requests)
+            << "map value " << c.mapValue << ", radii " << c.radiusX << ", " << c.radiusY;
+        EXPECT_EQ(Pixel<C>::kGrayColor, scene.output.row(kRow)[kX]);
+        EXPECT_EQ(scene.input.row(kRow)[kX - 1], scene.output.row(kRow)[kX - 1]);
+        EXPECT_EQ(Pixel<C>::kTransparentColor, scene.output.row(kRow - 1)[kX]) << "another row";
+    }
+}
+
+constexpr std::int32_t kLargestFixed = std::numeric_limits<std::int32_t>::max();
+
+TEST(KestrelTest, MapScalesTheRadiusLinearlyIn16Point16At8Bits) {
+    ExpectRadii<Channel8>({{1, 10.0F, 1.0F, 2570, 257},
+                           {255, 10.0F, 0.5F, 655360, 32768},
+                           {128, 1.0F, 2.0F, 32897, 65794},
+                           {255, 7.3F, 0.0F, 478412, 0},  // the float below 7.3 times 65536, truncated
+                           {3, 0.1F, 0.01F, 77, 7},
+                           {255, 40000.0F, 1e20F, kLargestFixed, kLargestFixed}});
+}
+
+TEST(KestrelTest, MapScalesTheRadiusLinearlyIn16Point16At15Bits) {
+    ExpectRadii<Channel15>({{1, 1.0F, 10.0F, 2, 20},
+                            {32768, 10.0F, 0.5F, 655360, 32768},
+                            {16384, 1.0F, 0.25F, 32768, 8192},
+                            {32767, 7.3F, 0.1F, 478398, 6553},
+                            {32768, 40000.0F, 1e20F, kLargestFixed, kLargestFixed}});
+}
+
+TEST(KestrelTest, OutputOfAnotherDepthFailsItsAssertionAndIsLeftAlone) {
+    FakeContext context;
+    Scene<Channel8> scene(3, 2, 14);
+    const SimplePixelBuffer<Pixel<Channel16>> output(3, 2);
+    for (int y = 0; y < 2; ++y) {
+        for (auto& pixel : output.row(y))
+            pixel = {1, 2, 3, 4};
+    }
+    EXPECT_TRUE(FailsAssertion("Kestrel", 82,
+                               [&] { Kestrel(context, output, scene.input, scene.map, false, 1.0F, 1.0F); }));
+    for (int y = 0; y < 2; ++y) {
+        for (const auto& pixel : output.row(y))
+            EXPECT_EQ((Pixel<Channel16>{1, 2, 3, 4}), pixel);
+    }
+    EXPECT_TRUE(context.progressCalls.empty());
+}
+
+TEST(KestrelTest, InputOrMapOfAnotherDepthThanTheOutputIsBadCast) {
+    FakeContext context;
+    Scene<Channel8> at8(3, 2, 15);
+    Scene<Channel15> at15(3, 2, 16);
+    const auto before8 = oracle::Fetched(at8.output).values;
+    const auto before15 = oracle::Fetched(at15.output).values;
+    EXPECT_THROW(Kestrel(context, at8.output, at15.input, at8.map, false, 1.0F, 1.0F), std::bad_cast);
+    EXPECT_THROW(Kestrel(context, at8.output, at8.input, at15.map, false, 1.0F, 1.0F), std::bad_cast);
+    EXPECT_THROW(Kestrel(context, at15.output, at8.input, at15.map, true, 1.0F, 1.0F), std::bad_cast);
+    EXPECT_THROW(Kestrel(context, at15.output, at15.input, at8.map, true, 1.0F, 1.0F), std::bad_cast);
+    EXPECT_EQ(before8, oracle::Fetched(at8.output).values);
+    EXPECT_EQ(before15, oracle::Fetched(at15.output).values);
+}
+
+TEST(KestrelTest, RowsRenderedBeforeACancelStayRendered) {
+    FakeContext context;
+    Scene<Channel8> scene(5, 6, 17);
+    const oracle::Image expected = scene.expected(false, 2.0F, 2.0F);
+    context.failAtProgress(12 + 4, PILib::kUserCancelled);  // 12 table rows, three rendered rows
+    EXPECT_THROW(Kestrel(context, scene.output, scene.input, scene.map, false, 2.0F, 2.0F), int);
+    for (int y = 0; y < 6; ++y) {
+        for (int x = 0; x < 5; ++x) {
+            EXPECT_EQ(y < 3 ? expected.at(x, y) : oracle::Colour{}, oracle::ColourOf(scene.output.row(y)[x]))
+                << x << ", " << y;
+        }
+    }
+}
+
+}  // namespace
