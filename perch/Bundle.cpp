@@ -1,0 +1,152 @@
+#include "Bundle.h"
+
+#include <dlfcn.h>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <fstream>
+#include <string_view>
+#include <system_error>
+#include <vector>
+
+#include "PiPL.h"
+#include "ResourceFile.h"
+
+namespace perch {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::uintmax_t kLargestResourceFile = 16U << 20;
+
+// The entries of the folder with that extension, sorted; none when there is no such folder.
+std::vector<fs::path> filesWithExtension(const fs::path& folder, std::string_view extension) {
+    std::vector<fs::path> files;
+    std::error_code ignored;
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder, ignored)) {
+        if (entry.path().extension() == extension) files.push_back(entry.path());
+    }
+    std::ranges::sort(files);
+    return files;
+}
+
+std::string namesOf(const std::vector<fs::path>& files) {
+    std::string names;
+    for (const fs::path& file : files) {
+        if (!names.empty()) names += ", ";
+        names += file.filename().string();
+    }
+    return names;
+}
+
+// The file of the bundle's own name, else the only one; empty when the folder has none.
+fs::path chooseFile(const fs::path& folder, const fs::path& bundleName, std::string_view extension) {
+    const std::vector<fs::path> files = filesWithExtension(folder, extension);
+    fs::path own = folder / bundleName.stem();
+    own += extension;
+    if (std::ranges::find(files, own) != files.end()) return own;
+    if (files.size() > 1) {
+        throw Error(fmt::format("\"{}\" has several files and none named after the bundle: {}",
+                                folder.string(), namesOf(files)));
+    }
+    return files.empty() ? fs::path() : files.front();
+}
+
+std::vector<std::byte> readResourceFile(const fs::path& path) {
+    std::error_code error;
+    const std::uintmax_t size = fs::is_regular_file(path, error) ? fs::file_size(path, error) : 0;
+    if (error) throw Error(fmt::format("cannot read \"{}\": {}", path.string(), error.message()));
+    if (size > kLargestResourceFile) {
+        throw Error(fmt::format("\"{}\" is too large for a resource file: {} bytes, at most {}",
+                                path.string(), size, kLargestResourceFile));
+    }
+    std::vector<std::byte> bytes(static_cast<std::size_t>(size));
+    std::ifstream file(path, std::ios::binary);
+    if (!file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(size))) {
+        throw Error(fmt::format("cannot read \"{}\"; check its permissions", path.string()));
+    }
+    return bytes;
+}
+
+std::optional<PropertyList> readPropertyListOf(const fs::path& resourceFile) {
+    const std::vector<std::byte> bytes = readResourceFile(resourceFile);
+    try {
+        const auto resource = findResource(bytes, PiPL_RESOURCE_TYPE, PiPL_RESOURCE_ID);
+        if (!resource) return std::nullopt;
+        return readPropertyList(*resource);
+    } catch (const Error& error) {
+        throw Error(fmt::format("\"{}\" is damaged: {}; install the plug-in again", resourceFile.string(),
+                                error.what()));
+    }
+}
+
+fs::path libraryOf(const fs::path& bundle, const fs::path& bundleName) {
+    constexpr std::string_view kArchitecture = PERCH_ARCHITECTURE;
+    const fs::path folder = bundle / "Contents" / fmt::format("Linux-{}", kArchitecture);
+    const fs::path library = chooseFile(folder, bundleName, ".so");
+    if (!library.empty()) return library;
+    throw Error(fmt::format("\"{}\" has no library for this machine; expected a .so file in \"{}\"",
+                            bundle.string(), folder.string()));
+}
+
+// "Kestrel.plugin" of "build/Kestrel.plugin/".
+fs::path nameOf(const fs::path& path) {
+    const fs::path whole = fs::absolute(path).lexically_normal();
+    return whole.has_filename() ? whole.filename() : whole.parent_path().filename();
+}
+
+}  // namespace
+
+Bundle openBundle(const fs::path& path) {
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
+    if (fs::is_regular_file(status)) return {path, path, std::nullopt};
+    if (!fs::is_directory(status)) {
+        throw Error(
+            fmt::format("there is no plug-in \"{}\"; name a .plugin folder or a .so file", path.string()));
+    }
+    const fs::path name = nameOf(path);
+    Bundle bundle{path, libraryOf(path, name), std::nullopt};
+    const fs::path resourceFile = chooseFile(path / "Contents" / "Resources", name, ".rsrc");
+    if (!resourceFile.empty()) bundle.propertyList = readPropertyListOf(resourceFile);
+    return bundle;
+}
+
+LoadedLibrary loadLibrary(const Bundle& bundle) {
+    // With a folder in its name, or the system's library folders are searched.
+    const std::string path = fs::absolute(bundle.library).string();
+    void* const handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (handle == nullptr) {
+        const std::string reason = dlerror();  // begins with the path
+        throw Error(fmt::format("cannot load \"{}\": {}", bundle.library.string(),
+                                reason.substr(reason.starts_with(path) ? path.size() + 2 : 0)));
+    }
+    LoadedLibrary loaded;
+    loaded.library = std::shared_ptr<void>(handle, [](void* library) { dlclose(library); });
+    std::vector<std::string> candidates{"PluginMain", "EffectMain"};
+    if (bundle.propertyList && !bundle.propertyList->entryPoint.empty()) {
+        candidates = {bundle.propertyList->entryPoint};
+    }
+    for (const std::string& symbol : candidates) {
+        loaded.entryPoint = reinterpret_cast<PF_EntryPoint>(dlsym(handle, symbol.c_str()));
+        loaded.symbol = symbol;
+        if (loaded.entryPoint != nullptr) return loaded;
+    }
+    throw Error(fmt::format("\"{}\" is no effect: it exports no {}", bundle.library.string(),
+                            fmt::join(candidates, " or ")));
+}
+
+fs::path findBundleBeside(const fs::path& programFolder) {
+    for (const fs::path& folder :
+         {programFolder, programFolder.parent_path(), programFolder.parent_path() / "lib"}) {
+        const std::vector<fs::path> bundles = filesWithExtension(folder, ".plugin");
+        if (bundles.size() == 1) return bundles.front();
+        if (bundles.size() > 1) {
+            throw Error(fmt::format("\"{}\" has several plug-ins: {}; choose one with --plugin",
+                                    folder.string(), namesOf(bundles)));
+        }
+    }
+    throw Error("there is no plug-in beside the program; name one with --plugin");
+}
+
+}  // namespace perch

@@ -1,0 +1,429 @@
+#include "Check.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <map>
+#include <memory>
+#include <utility>
+
+#include "Effect.h"
+#include "PF_Values.h"
+#include "PixelAccess.h"
+
+namespace perch {
+namespace {
+
+namespace fs = std::filesystem;
+
+// A point that did not hold, in a sentence's words.
+class NotWell : public Error {
+public:
+    using Error::Error;
+};
+
+void require(bool condition, const std::string& sentence) {
+    if (!condition) throw NotWell(sentence);
+}
+
+struct Size {
+    std::int32_t width;
+    std::int32_t height;
+};
+
+constexpr Size kUsual{64, 48};
+
+// A picture with soft alpha and detail in every channel; `seed` tells pictures apart.
+World madePicture(Size size, bool deep, std::uint32_t seed) {
+    World picture(size.width, size.height, deep);
+    forDepth(picture.record(), [&]<class P>() {
+        for (std::int32_t y = 0; y < size.height; ++y) {
+            P* const row = rowOf<P>(picture.record(), y);
+            for (std::int32_t x = 0; x < size.width; ++x) {
+                const auto wave = [&](std::uint32_t step) {
+                    const std::uint32_t part =
+                        (static_cast<std::uint32_t>(x) * step + static_cast<std::uint32_t>(y) * 5 + seed) %
+                        64;
+                    return static_cast<ChannelOf<P>>(kWhite<P> * part / 63);
+                };
+                row[x] = {wave(3), wave(7), wave(11), wave(13)};
+            }
+        }
+    });
+    return picture;
+}
+
+// One effect under one set of options, with pictures for its layers.
+class Trial {
+public:
+    Trial(const fs::path& plugin, HostOptions options) : effect(plugin, strict(std::move(options))) {}
+
+    static HostOptions strict(HostOptions options) {
+        options.strict = true;
+        return options;
+    }
+
+    // A request for a made frame; the pictures live as long as the trial.
+    FrameRequest frame(Size size, bool deep, bool withLayers = true) {
+        FrameRequest request;
+        request.input = &keep(madePicture(size, deep, 0));
+        request.values = effect.defaultValues(size.width, size.height);
+        if (!withLayers) return request;
+        for (const Parameter& parameter : effect.description().parameters) {
+            if (parameter.definition.param_type == PF_Param_LAYER) {
+                request.layers[parameter.index] = &keep(madePicture(size, deep, 17));
+            }
+        }
+        return request;
+    }
+
+    World render(const FrameRequest& request) { return Sequence(effect).render(request).picture; }
+
+    // Ends the effect; what strict mode found is not well, but for handles where `toleratesHandles`.
+    void end(bool toleratesHandles = false) {
+        effect.close();
+        for (const Finding& finding : effect.findings()) {
+            const bool isHandle = finding.callback == "host_new_handle";
+            if (finding.severity == Finding::Severity::Fault && !(isHandle && toleratesHandles)) {
+                throw NotWell(describe(finding));
+            }
+        }
+    }
+
+    std::vector<bool> depths() const {
+        return effect.supportsDeepColor() ? std::vector<bool>{false, true} : std::vector<bool>{false};
+    }
+
+    Effect effect;
+
+private:
+    const World& keep(World picture) {
+        pictures.push_back(std::make_unique<World>(std::move(picture)));
+        return *pictures.back();
+    }
+
+    std::vector<std::unique_ptr<World>> pictures;
+};
+
+void setNumber(PF_ParamDef& value, double number) {
+    switch (value.param_type) {
+        case PF_Param_SLIDER:
+            value.u.sd.value = static_cast<PF_ParamValue>(number);
+            break;
+        case PF_Param_FIX_SLIDER:
+            value.u.fd.value = static_cast<PF_Fixed>(std::lround(number * 65536));
+            break;
+        case PF_Param_FLOAT_SLIDER:
+            value.u.fs_d.value = number;
+            break;
+        case PF_Param_CHECKBOX:
+            value.u.bd.value = static_cast<PF_ParamValue>(number);
+            break;
+        case PF_Param_POPUP:
+            value.u.pd.value = static_cast<PF_ParamValue>(number);
+            break;
+        default:
+            break;
+    }
+}
+
+// The ends of what the user can set; nothing for types without numbers.
+std::vector<double> extremesOf(const Parameter& parameter) {
+    if (parameter.definition.param_type == PF_Param_CHECKBOX) return {0, 1};
+    if (!parameter.items.empty()) {
+        std::vector<double> items(parameter.items.size());
+        for (std::size_t i = 0; i < items.size(); ++i)
+            items[i] = static_cast<double>(i) + 1;
+        return items;
+    }
+    if (!parameter.validRange) return {};
+    return {parameter.validRange->minimum, parameter.validRange->maximum};
+}
+
+// The points. Each throws where something is not well.
+
+void checkLife(const fs::path& plugin) {
+    for (int life = 0; life < 2; ++life) {
+        Trial trial(plugin, {});
+        trial.effect.about();
+        {
+            const Sequence first(trial.effect);
+            const Sequence second(trial.effect);
+        }
+        trial.end();
+    }
+}
+
+void checkSizes(const fs::path& plugin) {
+    Trial trial(plugin, {});
+    for (const bool deep : trial.depths()) {
+        for (const Size size : {kUsual, Size{1, 1}, Size{1, 7}, Size{7, 1}, Size{33, 5}}) {
+            const World picture = trial.render(trial.frame(size, deep));
+            require(picture.width() > 0 && picture.height() > 0, "a frame came back without pixels");
+        }
+    }
+    trial.end();
+}
+
+void checkNoLayers(const fs::path& plugin) {
+    Trial trial(plugin, {});
+    for (const bool deep : trial.depths())
+        trial.render(trial.frame(kUsual, deep, false));
+    trial.end();
+}
+
+void checkPadding(const fs::path& plugin) {
+    Trial trial(plugin, {});
+    for (const bool deep : trial.depths()) {
+        FrameRequest request = trial.frame(kUsual, deep);
+        const std::uint64_t expected = trial.render(request).checksum();
+        request.outputRowPadding = 40;
+        require(trial.render(request).checksum() == expected, "padded rows changed the picture");
+    }
+    trial.end();
+}
+
+void checkThreads(const fs::path& plugin) {
+    std::map<bool, std::uint64_t> expected;
+    for (const int threads : {1, 2, 5}) {
+        HostOptions options;
+        options.threads = threads;
+        Trial trial(plugin, options);
+        for (const bool deep : trial.depths()) {
+            const std::uint64_t checksum = trial.render(trial.frame(kUsual, deep)).checksum();
+            const auto [first, isFirst] = expected.emplace(deep, checksum);
+            require(first->second == checksum,
+                    fmt::format("{} threads gave another picture than one", threads));
+        }
+        trial.end();
+    }
+}
+
+void checkExtremes(const fs::path& plugin) {
+    Trial trial(plugin, {});
+    for (const bool deep : trial.depths()) {
+        for (const Parameter& parameter : trial.effect.description().parameters) {
+            for (const double number : extremesOf(parameter)) {
+                FrameRequest request = trial.frame(kUsual, deep);
+                setNumber(request.values[static_cast<std::size_t>(parameter.index)], number);
+                trial.render(request);
+            }
+        }
+    }
+    trial.end();
+}
+
+void checkNestedFrames(const fs::path& plugin) {
+    Trial trial(plugin, {});
+    {
+        Sequence sequence(trial.effect);
+        const FrameRequest request = trial.frame(kUsual, false);
+        const std::uint64_t expected = sequence.render(request).picture.checksum();
+        Frame outer(sequence, request);
+        {
+            Frame inner(sequence, request);
+            inner.render();
+            inner.finish();
+            require(inner.picture().checksum() == expected, "a frame within a frame gave another picture");
+        }
+        outer.render();
+        outer.finish();
+        require(outer.picture().checksum() == expected, "a frame around a frame gave another picture");
+    }
+    trial.end();
+}
+
+void checkSettings(const fs::path& plugin) {
+    Trial trial(plugin, {});
+    {
+        const FrameRequest request = trial.frame(kUsual, false);
+        Sequence sequence(trial.effect);
+        const std::uint64_t expected = sequence.render(request).picture.checksum();
+        const std::vector<std::byte> saved = sequence.flatten();
+        require(sequence.render(request).picture.checksum() == expected, "saving changed the picture");
+        Sequence loaded(trial.effect, saved);
+        require(loaded.render(request).picture.checksum() == expected, "loading changed the picture");
+    }
+    trial.end();
+}
+
+void checkUserCommands(const fs::path& plugin) {
+    Trial trial(plugin, {});
+    {
+        Sequence sequence(trial.effect);
+        ParameterValues values = trial.effect.defaultValues(kUsual.width, kUsual.height);
+        for (const Parameter& parameter : trial.effect.description().parameters) {
+            sequence.userChangedParam(parameter.index, values);
+        }
+        sequence.updateParamsUi(values);
+    }
+    trial.end();
+}
+
+void checkUnknownCommands(const fs::path& plugin) {
+    Trial trial(plugin, {});
+    {
+        Sequence sequence(trial.effect);
+        for (const PF_Cmd command : {PF_Cmd{PF_Cmd_UNUSED_0}, 25, 26, 27, 29, 30, 32, 33, 40}) {
+            const CommandResult result = sequence.send(command);
+            require(result.code == PF_Err_NONE, fmt::format("command {} answered {}", command, result.code));
+        }
+    }
+    trial.end();
+}
+
+void checkCancel(const fs::path& plugin) {
+    Trial trial(plugin, {});
+    for (const bool deep : trial.depths()) {
+        FrameRequest request = trial.frame({64, 160}, deep);
+        const std::uint64_t expected = trial.render(request).checksum();
+        // Cancelled at the first report, at a middle one, and before any.
+        for (const int reports : {0, 1, 4}) {
+            std::atomic<bool> cancelled = reports == 0;
+            int seen = 0;
+            request.cancelled = &cancelled;
+            request.progress = [&](double) { cancelled = cancelled || ++seen >= reports; };
+            try {
+                trial.render(request);
+            } catch (const Cancelled&) {
+                // What an effect that looks answers; one that does not look finishes its frame.
+            }
+            request.cancelled = nullptr;
+            request.progress = nullptr;
+            require(trial.render(request).checksum() == expected,
+                    "the frame after a cancelled one is not right");
+        }
+    }
+    trial.end();
+}
+
+// Calls that give something back: when they fail there is nothing that an effect could do about it.
+bool givesBack(const std::string& callback) {
+    return callback == "checkin_param" || callback == "dispose_world" || callback == "PF_DisposeWorld" ||
+           callback == "host_unlock_handle" || callback == "host_dispose_handle" ||
+           callback == "ReleaseSuite" || callback.ends_with("AEGP_DisposeEffect") ||
+           callback.ends_with("AEGP_DisposeStream");
+}
+
+// Every callback of a life with one frame, failing at each of its calls.
+void checkFailures(const fs::path& plugin) {
+    std::map<std::string, int> calls;
+    std::uint64_t expected = 0;
+    {
+        HostOptions options;
+        options.threads = 1;
+        options.onCallback = [&](std::string_view name) { ++calls[std::string(name)]; };
+        Trial trial(plugin, options);
+        expected = trial.render(trial.frame(kUsual, false)).checksum();
+        trial.end();
+    }
+    constexpr int kMostCalls = 12;  // of one callback; later ones repeat what the first have shown
+    for (const auto& [name, count] : calls) {
+        if (givesBack(name)) continue;
+        for (int call = 1; call <= std::min(count, kMostCalls); ++call) {
+            HostOptions options;
+            options.threads = 1;
+            options.failures.push_back({name, call});
+            const std::string when = fmt::format("with {} failing at call {}: ", name, call);
+            try {
+                Trial trial(plugin, options);
+                const FrameRequest request = trial.frame(kUsual, false);
+                try {
+                    trial.render(request);
+                } catch (const Error&) {
+                    // The answer that is expected.
+                }
+                require(trial.render(request).checksum() == expected, "the next frame is not right");
+                trial.end();
+            } catch (const NotWell& failure) {
+                throw NotWell(when + failure.what());
+            } catch (const EffectError&) {
+                // Set-up failed, and said so.
+            }
+        }
+    }
+}
+
+void checkHosts(const fs::path& plugin) {
+    for (const A_short minor : {A_short{10}, A_short{11}}) {
+        HostOptions options;
+        options.interfaceVersion = {12, minor};
+        options.keepsFrameData = minor > 10;
+        Trial trial(plugin, options);
+        for (const bool deep : trial.depths())
+            trial.render(trial.frame(kUsual, deep));
+        // Hosts without frame data sweep up the handles that effects kept for it.
+        trial.end(minor <= 10);
+    }
+    HostOptions options;
+    options.offersSuites = false;
+    Trial trial(plugin, options);
+    for (const bool deep : trial.depths())
+        trial.render(trial.frame(kUsual, deep));
+    trial.end(true);
+}
+
+// Each suite that the effect asks for, withheld: an error or a frame, and nothing left behind.
+void checkSuites(const fs::path& plugin) {
+    for (const char* const name :
+         {"PF Iterate8 Suite", "PF iterate16 Suite", "PF Param Utils Suite", "AEGP Utility Suite",
+          "AEGP PF Interface Suite", "AEGP Stream Suite", "AEGP Dynamic Stream Suite", "AEGP Effect Suite",
+          "PF ANSI Suite", "PF Handle Suite", "PF World Suite", "PF World Transform Suite",
+          "PF Fill Matte Suite", "PF Pixel Data Suite", "PF Effect Sequence Data Suite"}) {
+        HostOptions options;
+        options.withheldSuites.push_back({name, 0});
+        try {
+            Trial trial(plugin, options);
+            trial.render(trial.frame(kUsual, false));
+            trial.end();
+        } catch (const NotWell& failure) {
+            throw NotWell(fmt::format("without {}: {}", name, failure.what()));
+        } catch (const EffectError&) {
+            // The effect needs it, and says so.
+        }
+    }
+}
+
+struct Point {
+    const char* name;
+    void (*check)(const fs::path& plugin);
+};
+
+constexpr Point kPoints[] = {
+    {"set-up and tear-down, twice, with two instances", checkLife},
+    {"frames of several sizes at each depth", checkSizes},
+    {"frames without layers", checkNoLayers},
+    {"rows with padding give the same picture", checkPadding},
+    {"any number of threads gives the same picture", checkThreads},
+    {"every parameter at the ends of its range", checkExtremes},
+    {"frames within frames", checkNestedFrames},
+    {"settings saved and loaded", checkSettings},
+    {"parameters changed by the user", checkUserCommands},
+    {"unknown commands do nothing", checkUnknownCommands},
+    {"cancelled frames, and the frames after them", checkCancel},
+    {"callbacks that fail, and the frames after them", checkFailures},
+    {"older hosts, and hosts without suites", checkHosts},
+    {"each suite withheld", checkSuites},
+};
+
+}  // namespace
+
+bool runCheck(const fs::path& plugin) {
+    Effect(plugin, HostOptions{}).close();  // a file that is no effect is an error of its own
+    bool isWell = true;
+    for (const Point& point : kPoints) {
+        std::string verdict = "ok";
+        try {
+            point.check(plugin);
+        } catch (const std::exception& failure) {
+            isWell = false;
+            verdict = fmt::format("FAILED: {}", failure.what());
+        }
+        fmt::print("{:<50} {}\n", point.name, verdict);
+    }
+    return isWell;
+}
+
+}  // namespace perch

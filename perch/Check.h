@@ -1,0 +1,12 @@
+// `perch check`: an effect put through the protocol in strict mode, on made frames of both depths.
+#pragma once
+
+#include <filesystem>
+
+namespace perch {
+
+// Prints a verdict per point to stdout and returns whether all are well. Throws Error when the effect cannot
+// be loaded.
+bool runCheck(const std::filesystem::path& plugin);
+
+}  // namespace perch

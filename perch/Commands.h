@@ -1,0 +1,25 @@
+// The commands of the program. Each takes the arguments that follow its name and returns the exit status;
+// failures are exceptions.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace perch {
+
+enum ExitStatus {
+    kDone = 0,
+    kFailed = 1,
+    kWrongUse = 2,
+    kInterrupted = 130,  // as shells report an end by the interrupt signal
+};
+
+int runRenderCommand(const std::vector<std::string>& arguments);
+int runDescribeCommand(const std::vector<std::string>& arguments);
+int runCheckCommand(const std::vector<std::string>& arguments);
+
+// `given`, or where it is empty the bundle beside the program.
+std::filesystem::path chooseBundle(const std::filesystem::path& given);
+
+}  // namespace perch

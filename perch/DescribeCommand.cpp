@@ -1,0 +1,38 @@
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+
+#include "Bundle.h"
+#include "CommandLine.h"
+#include "Commands.h"
+#include "Description.h"
+
+namespace perch {
+
+std::filesystem::path chooseBundle(const std::filesystem::path& given) {
+    if (!given.empty()) return given;
+    return findBundleBeside(std::filesystem::canonical("/proc/self/exe").parent_path());
+}
+
+int runDescribeCommand(const std::vector<std::string>& arguments) {
+    CLI::App app("Prints what an effect says of itself, and its parameters.", "perch describe");
+    bool wantsHelp = false;
+    bool wantsJson = false;
+    std::string plugin;
+    addHelpFlag(app, wantsHelp);
+    app.add_option("PLUGIN", plugin, "the effect; without it, the only one beside the program")
+        ->type_name("");
+    app.add_flag("--json", wantsJson, "print JSON");
+    parseArguments(app, arguments, Extras::Refused);
+    if (wantsHelp) {
+        fmt::print("{}", app.help());
+        return kDone;
+    }
+    const Effect effect(chooseBundle(plugin), HostOptions{});
+    const EffectDescription& description = effect.description();
+    fmt::print("{}", wantsJson ? describeAsJson(description) : describeAsText(description));
+    return kDone;
+}
+
+}  // namespace perch

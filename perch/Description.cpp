@@ -1,0 +1,148 @@
+#include "Description.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <map>
+#include <span>
+
+#include "PF_Values.h"
+#include "ParameterText.h"
+#include "RenderOptions.h"
+
+namespace perch {
+namespace {
+
+struct FlagName {
+    std::int32_t flag;
+    const char* name;
+};
+
+constexpr std::array kFlagNames{
+    FlagName{PF_OutFlag_KEEP_RESOURCE_OPEN, "KEEP_RESOURCE_OPEN"},
+    FlagName{PF_OutFlag_WIDE_TIME_INPUT, "WIDE_TIME_INPUT"},
+    FlagName{PF_OutFlag_NON_PARAM_VARY, "NON_PARAM_VARY"},
+    FlagName{PF_OutFlag_SEQUENCE_DATA_NEEDS_FLATTENING, "SEQUENCE_DATA_NEEDS_FLATTENING"},
+    FlagName{PF_OutFlag_USE_OUTPUT_EXTENT, "USE_OUTPUT_EXTENT"},
+    FlagName{PF_OutFlag_DISPLAY_ERROR_MESSAGE, "DISPLAY_ERROR_MESSAGE"},
+    FlagName{PF_OutFlag_I_EXPAND_BUFFER, "I_EXPAND_BUFFER"},
+    FlagName{PF_OutFlag_PIX_INDEPENDENT, "PIX_INDEPENDENT"},
+    FlagName{PF_OutFlag_I_WRITE_INPUT_BUFFER, "I_WRITE_INPUT_BUFFER"},
+    FlagName{PF_OutFlag_REFRESH_UI, "REFRESH_UI"},
+    FlagName{PF_OutFlag_FORCE_RERENDER, "FORCE_RERENDER"},
+    FlagName{PF_OutFlag_DEEP_COLOR_AWARE, "DEEP_COLOR_AWARE"},
+    FlagName{PF_OutFlag_SEND_UPDATE_PARAMS_UI, "SEND_UPDATE_PARAMS_UI"},
+};
+
+constexpr std::array kFlagNames2{
+    FlagName{PF_OutFlag2_SUPPORTS_QUERY_DYNAMIC_FLAGS, "SUPPORTS_QUERY_DYNAMIC_FLAGS"},
+    FlagName{PF_OutFlag2_SUPPORTS_SMART_RENDER, "SUPPORTS_SMART_RENDER"},
+    FlagName{PF_OutFlag2_FLOAT_COLOR_AWARE, "FLOAT_COLOR_AWARE"},
+    FlagName{PF_OutFlag2_SUPPORTS_THREADED_RENDERING, "SUPPORTS_THREADED_RENDERING"},
+};
+
+std::vector<std::string> namesOf(std::int32_t flags, std::span<const FlagName> table) {
+    std::vector<std::string> names;
+    for (const auto& [flag, name] : table) {
+        if ((flags & flag) == 0) continue;
+        names.emplace_back(name);
+        flags &= ~flag;
+    }
+    if (flags != 0) names.push_back(fmt::format("{:#x}", static_cast<std::uint32_t>(flags)));
+    return names;
+}
+
+std::string rangeText(const Parameter& parameter) {
+    const auto& range = parameter.validRange;
+    if (!range || isCheckBox(parameter) || !parameter.items.empty()) return "";
+    return fmt::format("{} to {}", formatNumber(range->minimum), formatNumber(range->maximum));
+}
+
+// Text of the effect may hold anything; only what prints in one line is shown.
+std::string printable(std::string text) {
+    std::ranges::replace_if(
+        text, [](unsigned char c) { return c < ' ' || c == 0x7F; }, '?');
+    return text;
+}
+
+using Row = std::array<std::string, 7>;
+
+// Columns padded to their widest entry, the last one left as it is.
+std::string alignedTable(const std::vector<Row>& rows) {
+    std::array<std::size_t, std::tuple_size_v<Row>> widths{};
+    for (const Row& row : rows) {
+        for (std::size_t i = 0; i < row.size(); ++i)
+            widths[i] = std::max(widths[i], row[i].size());
+    }
+    std::string table;
+    for (const Row& row : rows) {
+        std::string line;
+        for (std::size_t i = 0; i < row.size(); ++i)
+            line += fmt::format("{:<{}}  ", row[i], widths[i]);
+        line.resize(line.find_last_not_of(' ') + 1);
+        table += line + '\n';
+    }
+    return table;
+}
+
+// Option names by parameter index.
+std::map<PF_ParamIndex, std::string> optionNames(const EffectDescription& description) {
+    std::map<PF_ParamIndex, std::string> names;
+    for (const ParameterOption& option : parameterOptions(description.parameters, renderOptionNames())) {
+        names[option.parameter.index] = "--" + option.name;
+    }
+    return names;
+}
+
+std::string parameterTable(const EffectDescription& description) {
+    auto options = optionNames(description);
+    std::vector<Row> rows{{"index", "name", "option", "type", "range", "default", "items"}};
+    for (const Parameter& parameter : description.parameters) {
+        rows.push_back({std::to_string(parameter.index), printable(parameter.name), options[parameter.index],
+                        parameter.typeName, rangeText(parameter), printable(defaultText(parameter)),
+                        printable(fmt::format("{}", fmt::join(parameter.items, ", ")))});
+    }
+    return alignedTable(rows);
+}
+
+}  // namespace
+
+std::string versionText(std::uint32_t version) {
+    constexpr std::array kStages{"develop", "alpha", "beta", "release"};
+    const std::uint32_t major = (version >> 26 & 15U) << 3 | (version >> 19 & 7U);
+    const std::uint32_t minor = version >> 15 & 15U;
+    const std::uint32_t bugfix = version >> 11 & 15U;
+    std::string text = fmt::format("{}.{}", major, minor);
+    if (bugfix != 0) text += fmt::format(".{}", bugfix);
+    return text + fmt::format(" {} build {}", kStages[version >> 9 & 3U], version & 511U);
+}
+
+std::vector<std::string> flagNames(PF_OutFlags flags) {
+    return namesOf(flags, kFlagNames);
+}
+
+std::vector<std::string> flagNames2(PF_OutFlags2 flags) {
+    return namesOf(flags, kFlagNames2);
+}
+
+std::string displayName(const EffectDescription& description) {
+    return description.name.empty() ? description.path.stem().string() : printable(description.name);
+}
+
+std::string describeAsText(const EffectDescription& description) {
+    const auto orNone = [](const std::string& text) { return text.empty() ? "none" : text; };
+    const auto joined = [&](const std::vector<std::string>& names) {
+        return orNone(fmt::format("{}", fmt::join(names, ", ")));
+    };
+    return fmt::format("name         {}\n", displayName(description)) +
+           fmt::format("category     {}\n", orNone(printable(description.category))) +
+           fmt::format("match name   {}\n", orNone(printable(description.matchName))) +
+           fmt::format("version      {}\n", versionText(description.version)) +
+           fmt::format("entry point  {}\n", description.entryPoint) +
+           fmt::format("flags        {}\n", joined(flagNames(description.flags))) +
+           fmt::format("more flags   {}\n", joined(flagNames2(description.flags2))) + "\n" +
+           parameterTable(description);
+}
+
+}  // namespace perch

@@ -1,0 +1,55 @@
+#include <nlohmann/json.hpp>
+
+#include "Description.h"
+#include "ParameterText.h"
+#include "RenderOptions.h"
+
+namespace perch {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+Json rangeToJson(const Parameter::Range& range) {
+    return {{"minimum", range.minimum}, {"maximum", range.maximum}};
+}
+
+Json parameterToJson(const Parameter& parameter) {
+    Json json{{"index", parameter.index}, {"name", parameter.name}, {"type", parameter.typeName}};
+    const bool isChoice = isCheckBox(parameter) || !parameter.items.empty();
+    if (parameter.validRange && !isChoice) json["validRange"] = rangeToJson(*parameter.validRange);
+    if (parameter.sliderRange) json["sliderRange"] = rangeToJson(*parameter.sliderRange);
+    if (parameter.defaultNumber && !isChoice) {
+        json["default"] = *parameter.defaultNumber;
+    } else if (const std::string text = defaultText(parameter); !text.empty()) {
+        json["default"] = text;
+    }
+    if (!parameter.items.empty()) json["items"] = parameter.items;
+    return json;
+}
+
+Json parametersToJson(const EffectDescription& description) {
+    Json parameters = Json::array();
+    for (const Parameter& parameter : description.parameters)
+        parameters.push_back(parameterToJson(parameter));
+    for (const ParameterOption& option : parameterOptions(description.parameters, renderOptionNames())) {
+        for (Json& json : parameters) {
+            if (json["index"] == option.parameter.index) json["option"] = "--" + option.name;
+        }
+    }
+    return parameters;
+}
+
+}  // namespace
+
+std::string describeAsJson(const EffectDescription& description) {
+    const Json json{
+        {"name", displayName(description)},         {"category", description.category},
+        {"matchName", description.matchName},       {"version", versionText(description.version)},
+        {"entryPoint", description.entryPoint},     {"flags", flagNames(description.flags)},
+        {"flags2", flagNames2(description.flags2)}, {"parameters", parametersToJson(description)}};
+    // Strings of effects have no certain encoding.
+    constexpr int kIndent = 2;
+    return json.dump(kIndent, ' ', false, Json::error_handler_t::replace) + '\n';
+}
+
+}  // namespace perch

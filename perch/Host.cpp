@@ -1,0 +1,293 @@
+#include "Host.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cstring>
+
+#include "Callbacks.h"
+#include "PF_Values.h"
+
+namespace perch {
+namespace {
+
+std::atomic<Host*> gCurrentHost{nullptr};
+
+// The host's identity, as four characters.
+constexpr A_AppID kApplication = static_cast<A_AppID>(PF_FOUR_CC('p', 'r', 'c', 'h'));
+
+struct CommandName {
+    PF_Cmd command;
+    const char* name;
+};
+
+constexpr std::array kCommandNames{
+    CommandName{PF_Cmd_ABOUT, "ABOUT"},
+    CommandName{PF_Cmd_GLOBAL_SETUP, "GLOBAL_SETUP"},
+    CommandName{PF_Cmd_GLOBAL_SETDOWN, "GLOBAL_SETDOWN"},
+    CommandName{PF_Cmd_PARAMS_SETUP, "PARAMS_SETUP"},
+    CommandName{PF_Cmd_SEQUENCE_SETUP, "SEQUENCE_SETUP"},
+    CommandName{PF_Cmd_SEQUENCE_RESETUP, "SEQUENCE_RESETUP"},
+    CommandName{PF_Cmd_SEQUENCE_FLATTEN, "SEQUENCE_FLATTEN"},
+    CommandName{PF_Cmd_SEQUENCE_SETDOWN, "SEQUENCE_SETDOWN"},
+    CommandName{PF_Cmd_DO_DIALOG, "DO_DIALOG"},
+    CommandName{PF_Cmd_FRAME_SETUP, "FRAME_SETUP"},
+    CommandName{PF_Cmd_RENDER, "RENDER"},
+    CommandName{PF_Cmd_FRAME_SETDOWN, "FRAME_SETDOWN"},
+    CommandName{PF_Cmd_USER_CHANGED_PARAM, "USER_CHANGED_PARAM"},
+    CommandName{PF_Cmd_UPDATE_PARAMS_UI, "UPDATE_PARAMS_UI"},
+    CommandName{PF_Cmd_EVENT, "EVENT"},
+    CommandName{PF_Cmd_GET_EXTERNAL_DEPENDENCIES, "GET_EXTERNAL_DEPENDENCIES"},
+    CommandName{PF_Cmd_COMPLETELY_GENERAL, "COMPLETELY_GENERAL"},
+    CommandName{PF_Cmd_QUERY_DYNAMIC_FLAGS, "QUERY_DYNAMIC_FLAGS"},
+    CommandName{PF_Cmd_AUDIO_RENDER, "AUDIO_RENDER"},
+    CommandName{PF_Cmd_AUDIO_SETUP, "AUDIO_SETUP"},
+    CommandName{PF_Cmd_AUDIO_SETDOWN, "AUDIO_SETDOWN"},
+    CommandName{PF_Cmd_ARBITRARY_CALLBACK, "ARBITRARY_CALLBACK"},
+    CommandName{PF_Cmd_SMART_PRE_RENDER, "SMART_PRE_RENDER"},
+    CommandName{PF_Cmd_SMART_RENDER, "SMART_RENDER"},
+    CommandName{PF_Cmd_GET_FLATTENED_SEQUENCE_DATA, "GET_FLATTENED_SEQUENCE_DATA"},
+    CommandName{PF_Cmd_SMART_RENDER_GPU, "SMART_RENDER_GPU"},
+};
+
+// What an effect leaves in a handle field: hosts know effects that clear only the record they were given.
+PF_Handle keptHandle(PF_Handle given, PF_Handle in, PF_Handle out) {
+    return in != given && out == given ? in : out;
+}
+
+PF_Handle valueOrNull(const PF_Handle* handle) {
+    return handle != nullptr ? *handle : nullptr;
+}
+
+void describeFrame(const FrameRequest& frame, PF_InData& in) {
+    in.quality = frame.quality;
+    in.current_time = frame.time;
+    in.time_step = frame.timeStep;
+    in.local_time_step = frame.localTimeStep;
+    in.total_time = frame.totalTime;
+    in.time_scale = frame.timeScale;
+    const PF_LayerDef& input = frame.input->record();
+    in.width = fullExtent(frame.fullWidth, input.width, frame.downsampleX);
+    in.height = fullExtent(frame.fullHeight, input.height, frame.downsampleY);
+    in.output_origin_x = frame.outputOriginX;
+    in.output_origin_y = frame.outputOriginY;
+    in.extent_hint = {0, 0, frame.outputWidth > 0 ? frame.outputWidth : input.width,
+                      frame.outputHeight > 0 ? frame.outputHeight : input.height};
+    in.downsample_x = frame.downsampleX;
+    in.downsample_y = frame.downsampleY;
+    in.pixel_aspect_ratio = frame.pixelAspectRatio;
+}
+
+}  // namespace
+
+std::int32_t fullExtent(std::int32_t given, std::int32_t extent, const PF_RationalScale& scale) {
+    if (given > 0) return given;
+    if (scale.num <= 0) return extent;
+    return static_cast<std::int32_t>(std::int64_t{extent} * scale.den / scale.num);
+}
+
+std::string commandName(PF_Cmd command) {
+    const auto* found =
+        std::find_if(kCommandNames.begin(), kCommandNames.end(),
+                     [command](const CommandName& known) { return known.command == command; });
+    return found != kCommandNames.end() ? found->name : fmt::format("command {}", command);
+}
+
+CommandResult resultOf(const Call& call) {
+    const A_char* begin = call.out.return_msg;
+    const A_char* end = std::find(begin, begin + sizeof call.out.return_msg, '\0');
+    return {call.code, std::string(begin, end), call.out.out_flags, call.out.out_flags2};
+}
+
+Host* Host::current() {
+    return gCurrentHost.load(std::memory_order_acquire);
+}
+
+Host::Host(PF_EntryPoint entryPoint, EffectDescription description, HostOptions options,
+           std::shared_ptr<void> library)
+    : options(std::move(options)),
+      description(std::move(description)),
+      ledger(this->options.strict),
+      pool(this->options.threads),
+      entryPoint(entryPoint),
+      library(std::move(library)) {
+    Host* none = nullptr;
+    if (!gCurrentHost.compare_exchange_strong(none, this))
+        throw Error("another effect is loaded in this process; close it first");
+}
+
+Host::~Host() {
+    try {
+        close();
+    } catch (...) {
+        // An observer that throws, or no memory for a finding: the end of the host cannot wait for either.
+    }
+    gCurrentHost.store(nullptr, std::memory_order_release);
+}
+
+void Host::setUp() {
+    Call global{.command = PF_Cmd_GLOBAL_SETUP};
+    send(global);
+    // What a failed set-up left behind is torn down as well.
+    isSetUp = global.code == PF_Err_NONE || globalData != nullptr;
+    throwIfFailed(global);
+    description.version = global.out.my_version;
+    description.flags = global.out.out_flags;
+    description.flags2 = global.out.out_flags2;
+    comparePropertyList();
+
+    Call params{.command = PF_Cmd_PARAMS_SETUP};
+    send(params);
+    throwIfFailed(params);
+    const auto declared = static_cast<A_long>(description.parameters.size()) + 1;
+    if (params.out.num_params != declared)
+        ledger.fault(
+            "", fmt::format("num_params is {}, but {} parameters were declared, the input layer included",
+                            params.out.num_params, declared));
+}
+
+void Host::close() {
+    if (isSetUp) {
+        isSetUp = false;
+        Call global{.command = PF_Cmd_GLOBAL_SETDOWN};
+        send(global);
+        globalData = nullptr;
+        reportFailedTearDown(global);
+    }
+    handles.reportLeaks();
+    memory.reportLeaks();
+    references.reportLeaks();
+    suites.reportHeld();
+}
+
+void Host::comparePropertyList() {
+    if (!description.hasPropertyList) return;
+    const auto compare = [this](const char* field, auto set, auto listed) {
+        if (set != listed)
+            ledger.fault("",
+                         fmt::format("{} is {:#x}, but the property list says {:#x}", field,
+                                     static_cast<std::uint32_t>(set), static_cast<std::uint32_t>(listed)));
+    };
+    compare("my_version", description.version, description.propertyListVersion);
+    compare("out_flags", description.flags, description.propertyListFlags);
+    compare("out_flags2", description.flags2, description.propertyListFlags2);
+}
+
+PF_InData Host::makeInData(const Call& made) {
+    PF_InData in{};
+    in.inter = interactionCallbacks();
+    in.utils = utilityCallbacks();
+    in.effect_ref = token();
+    in.version = options.interfaceVersion;
+    in.appl_id = kApplication;
+    in.num_params = static_cast<A_long>(description.parameters.size()) + 1;
+    in.quality = PF_Quality_HI;
+    in.time_scale = 1;
+    in.time_step = in.local_time_step = 1;
+    in.downsample_x = in.downsample_y = in.pixel_aspect_ratio = {1, 1};
+    in.pica_basicP = options.offersSuites ? basicSuite() : nullptr;
+    if (made.frame != nullptr) describeFrame(*made.frame, in);
+    in.global_data = globalData;
+    in.sequence_data = valueOrNull(made.sequenceData);
+    in.frame_data = options.keepsFrameData ? valueOrNull(made.frameData) : nullptr;
+    return in;
+}
+
+void Host::send(Call& made) {
+    if (!isMainThread()) throw Error("commands are sent on the thread that loaded the effect");
+    const std::string name = commandName(made.command);
+    if (options.onCommand) options.onCommand(name);
+    ledger.enterCommand(name);
+    if (made.values.empty()) made.values = defaultParameterValues(description, 0, 0);
+
+    const PF_InData given = makeInData(made);
+    PF_InData in = given;
+    made.out = {};
+    made.out.global_data = in.global_data;
+    made.out.sequence_data = in.sequence_data;
+    made.out.frame_data = in.frame_data;
+    call = &made;
+    enter(made, in);
+    call = nullptr;
+    carryOver(made, given, in);
+    if (made.out.return_msg[sizeof made.out.return_msg - 1] != '\0')
+        ledger.fault("", "return_msg is not terminated within its 256 bytes");
+    checkouts.reportOpen();
+    worlds.reportOpen();
+}
+
+void Host::enter(Call& made, PF_InData& in) {
+    std::vector<PF_ParamDef*> params;
+    for (PF_ParamDef& value : made.values)
+        params.push_back(&value);
+    PF_LayerDef noOutput{};
+    PF_LayerDef* output = made.output != nullptr ? made.output : &noOutput;
+    try {
+        made.code = entryPoint(made.command, &in, &made.out, params.data(), output, made.extra);
+    } catch (...) {
+        ledger.fault("", "an exception left the entry point");
+        made.code = PF_Err_INTERNAL_STRUCT_DAMAGED;
+    }
+}
+
+void Host::carryOver(Call& made, const PF_InData& given, const PF_InData& in) {
+    const auto keep = [this](const char* field, PF_Handle handle, PF_Handle& kept) {
+        kept = handle;
+        if (handle != nullptr && !handles.isLive(handle))
+            ledger.fault("", fmt::format("{} is not a handle of the host, or has been disposed", field));
+    };
+    keep("global_data", keptHandle(given.global_data, in.global_data, made.out.global_data), globalData);
+    if (made.sequenceData != nullptr)
+        keep("sequence_data", keptHandle(given.sequence_data, in.sequence_data, made.out.sequence_data),
+             *made.sequenceData);
+    if (made.frameData != nullptr && options.keepsFrameData)
+        keep("frame_data", keptHandle(given.frame_data, in.frame_data, made.out.frame_data), *made.frameData);
+}
+
+void Host::throwIfFailed(const Call& made) const {
+    const std::string message = resultOf(made).message;
+    const std::string name = commandName(made.command);
+    const std::optional<std::int32_t> frame =
+        made.frame != nullptr ? std::optional(made.frame->frame) : std::nullopt;
+    if (made.code == PF_Interrupt_CANCEL) throw Cancelled(name, made.code, message, frame);
+    if (made.code != PF_Err_NONE) throw EffectError(name, made.code, message, frame);
+    if (message.empty() || made.command == PF_Cmd_ABOUT) return;
+    if ((made.out.out_flags & PF_OutFlag_DISPLAY_ERROR_MESSAGE) != 0)
+        throw EffectError(name, made.code, message, frame);
+    if (options.onMessage) options.onMessage(name, message);
+}
+
+void Host::reportFailedTearDown(const Call& made) {
+    if (made.code != PF_Err_NONE)
+        ledger.fault("", fmt::format("the effect answered {}; nothing can be done about a failed tear-down",
+                                     made.code));
+}
+
+bool Host::isDuringFrame() const {
+    return isDuring(PF_Cmd_FRAME_SETUP) || isDuring(PF_Cmd_RENDER) || isDuring(PF_Cmd_FRAME_SETDOWN);
+}
+
+bool Host::isCancelled() const {
+    const FrameRequest* frame = call != nullptr ? call->frame : nullptr;
+    return frame != nullptr && frame->cancelled != nullptr && frame->cancelled->load();
+}
+
+void Host::showProgress(double fraction) const {
+    const FrameRequest* frame = call != nullptr ? call->frame : nullptr;
+    if (frame != nullptr && frame->progress && isMainThread())
+        frame->progress(std::clamp(fraction, 0.0, 1.0));
+}
+
+PF_Err Host::countCall(std::string_view callback) {
+    if (options.failures.empty()) return PF_Err_NONE;
+    const std::lock_guard lock(callCountMutex);
+    const int number = ++callCounts.try_emplace(std::string(callback), 0).first->second;
+    for (const CallFailure& failure : options.failures)
+        if (failure.callback == callback && (failure.call == 0 || failure.call == number))
+            return failure.code;
+    return PF_Err_NONE;
+}
+
+}  // namespace perch

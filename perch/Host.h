@@ -1,0 +1,111 @@
+// The host behind an Effect: what the callbacks answer from, and how a command is sent.
+// Callbacks get at it through Host::current(), because most of them carry nothing that would name it.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <thread>
+
+#include "Checkouts.h"
+#include "Effect.h"
+#include "Handles.h"
+#include "Ledger.h"
+#include "Memory.h"
+#include "ProjectReferences.h"
+#include "SuiteLedger.h"
+#include "WorkerPool.h"
+#include "WorldLedger.h"
+
+namespace perch {
+
+// One command under way: what the effect is given, and what it left.
+struct Call {
+    PF_Cmd command = 0;
+    const FrameRequest* frame = nullptr;  // null outside of frames
+    ParameterValues values{};             // params[]; the effect may write to them
+    PF_Handle* sequenceData = nullptr;    // carried over; null: the command has none
+    PF_Handle* frameData = nullptr;
+    PF_LayerDef* output = nullptr;  // null: an empty record
+    void* extra = nullptr;
+
+    PF_Err code = 0;
+    PF_OutData out{};
+};
+
+class Host {
+public:
+    Host(PF_EntryPoint entryPoint, EffectDescription description, HostOptions options,
+         std::shared_ptr<void> library);
+    ~Host();
+    Host(const Host&) = delete;
+    Host& operator=(const Host&) = delete;
+
+    // The one host of the process; null when there is none.
+    static Host* current();
+
+    // Sends the command, carries the data over, and checks what had to be given back by its end.
+    void send(Call& call);
+    // Throws what the effect answered, or passes its message on.
+    void throwIfFailed(const Call& call) const;
+
+    // Notes a failed tear-down, which nobody is thrown at.
+    void reportFailedTearDown(const Call& call);
+
+    void setUp();
+    void close();
+
+    PF_ProgPtr token() { return reinterpret_cast<PF_ProgPtr>(this); }
+    bool isMainThread() const { return std::this_thread::get_id() == mainThread; }
+    bool isDuring(PF_Cmd command) const { return call != nullptr && call->command == command; }
+    // From frame set-up to frame set-down.
+    bool isDuringFrame() const;
+    bool isCancelled() const;
+    // Passes the share of the command that is done on to the caller of the render, on its thread alone.
+    void showProgress(double fraction) const;
+    // The code by which the n-th call is to fail, or 0.
+    PF_Err countCall(std::string_view callback);
+
+    const HostOptions options;
+    EffectDescription description;
+    Ledger ledger;
+    HandleTable handles{ledger};
+    MemoryBlocks memory{ledger};
+    WorldLedger worlds{ledger};
+    Checkouts checkouts{ledger};
+    SuiteLedger suites{ledger};
+    ProjectReferences references{ledger};
+    WorkerPool pool;
+    Call* call = nullptr;  // under way, or null
+
+private:
+    PF_InData makeInData(const Call& call);
+    void enter(Call& call, PF_InData& in);
+    void carryOver(Call& call, const PF_InData& given, const PF_InData& in);
+    void comparePropertyList();
+
+    const PF_EntryPoint entryPoint;
+    const std::shared_ptr<void> library;  // keeps the effect's code loaded
+    const std::thread::id mainThread = std::this_thread::get_id();
+    PF_Handle globalData = nullptr;
+    bool isSetUp = false;
+    std::mutex callCountMutex;
+    std::map<std::string, int, std::less<>> callCounts;
+};
+
+CommandResult resultOf(const Call& call);
+
+// The source's extent at full resolution: as given, else from the picture's `extent` at `scale`.
+std::int32_t fullExtent(std::int32_t given, std::int32_t extent, const PF_RationalScale& scale);
+
+// "RENDER"; "command 99" for numbers without a name.
+std::string commandName(PF_Cmd command);
+
+ParameterValues defaultParameterValues(const EffectDescription& description, std::int32_t width,
+                                       std::int32_t height);
+// Throws Error when the definition is of a type that the interface does not have.
+Parameter describeParameter(const PF_ParamDef& definition);
+
+}  // namespace perch

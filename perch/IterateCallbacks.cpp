@@ -1,0 +1,215 @@
+// The iterate calls: the effect's function for every pixel, row by row on the workers.
+#include <algorithm>
+#include <atomic>
+#include <type_traits>
+
+#include "CallGuard.h"
+#include "Callbacks.h"
+#include "PixelAccess.h"
+
+namespace perch {
+namespace {
+
+// What the workers of one call have come to: the first failure, and the rows done.
+class Outcome {
+public:
+    void fail(PF_Err failure) {
+        PF_Err none = PF_Err_NONE;
+        code.compare_exchange_strong(none, failure);
+    }
+    bool hasFailed() const { return code.load(std::memory_order_relaxed) != PF_Err_NONE; }
+    PF_Err result() const { return code; }
+
+private:
+    std::atomic<PF_Err> code{PF_Err_NONE};
+};
+
+// Runs effect code on a worker, where nobody would catch what it throws.
+template <typename F>
+PF_Err guarded(Host& host, const char* callback, const F& body) {
+    try {
+        return body();
+    } catch (...) {
+        host.ledger.fault(callback, "an exception left the effect's function");
+        return PF_Err_INTERNAL_STRUCT_DAMAGED;
+    }
+}
+
+// The part of the progress bar that a call fills.
+struct ProgressSpan {
+    A_long base = 0;
+    A_long final = 0;
+};
+
+// Calls row(y) for every row of the area on the workers; stops early at a failure or the user's cancel.
+template <typename F>
+PF_Err runRows(Host& host, const char* callback, const PF_Rect& area, const ProgressSpan& span,
+               const F& row) {
+    const A_long rows = area.bottom - area.top;
+    if (rows <= 0 || area.right <= area.left) return PF_Err_NONE;
+    Outcome outcome;
+    std::atomic<A_long> rowsDone{0};
+    host.pool.run(rows, [&](std::int32_t thread, std::int32_t i) {
+        if (outcome.hasFailed()) return;
+        if (host.isCancelled()) return outcome.fail(PF_Interrupt_CANCEL);
+        if (const PF_Err code = guarded(host, callback, [&] { return row(area.top + i); }))
+            outcome.fail(code);
+        const A_long done = ++rowsDone;
+        if (thread != 0 || span.final <= span.base) return;
+        const double reached = span.base + (span.final - span.base) * (static_cast<double>(done) / rows);
+        host.showProgress(reached / span.final);
+    });
+    return outcome.result();
+}
+
+PF_Rect intersect(const PF_Rect& a, const PF_Rect& b) {
+    return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
+            std::min(a.bottom, b.bottom)};
+}
+
+template <typename P>
+P* pixelAt(const PF_EffectWorld& world, A_long x, A_long y) {
+    return rowOf<P>(world, y) + x;
+}
+
+template <typename P>
+bool holds(const PF_EffectWorld& world) {
+    return world.data != nullptr && isDeep(world) == std::is_same_v<P, PF_Pixel16>;
+}
+
+// Destination pixels that the source, shifted by `origin`, lies under.
+enum class Source { Clipped, TransparentOutside };
+
+template <typename P>
+struct Iteration {
+    using Function = PF_Err (*)(void*, A_long, A_long, P*, P*);
+    const char* callback;
+    ProgressSpan span;
+    const PF_EffectWorld* src;  // may be null
+    const PF_Rect* area;        // may be null
+    PF_Point origin;
+    Source outside;
+    void* refcon;
+    Function function;
+    const PF_EffectWorld* dst;
+};
+
+template <typename P>
+PF_Err iterateRow(const Iteration<P>& it, const PF_Rect& area, A_long y) {
+    const A_long sourceY = y - it.origin.v;
+    const bool isRowInside = it.src != nullptr && sourceY >= 0 && sourceY < it.src->height;
+    for (A_long x = area.left; x < area.right; ++x) {
+        const A_long sourceX = x - it.origin.h;
+        P transparent{};
+        P* in = it.src != nullptr ? &transparent : nullptr;
+        if (isRowInside && sourceX >= 0 && sourceX < it.src->width)
+            in = pixelAt<P>(*it.src, sourceX, sourceY);
+        if (const PF_Err code = it.function(it.refcon, x, y, in, pixelAt<P>(*it.dst, x, y))) return code;
+    }
+    return PF_Err_NONE;
+}
+
+template <typename P>
+PF_Err iterateWorld(const Iteration<P>& it) {
+    return answer(it.callback, Caller::MainThread, [&](Host& host) -> PF_Err {
+        if (it.dst == nullptr || it.function == nullptr) return PF_Err_BAD_CALLBACK_PARAM;
+        if (!holds<P>(*it.dst) || (it.src != nullptr && !holds<P>(*it.src))) {
+            host.ledger.fault(it.callback, "a world has no pixels, or is of another depth than the call");
+            return PF_Err_BAD_CALLBACK_PARAM;
+        }
+        PF_Rect area{0, 0, it.dst->width, it.dst->height};
+        if (it.area != nullptr) area = intersect(area, *it.area);
+        if (it.src != nullptr && it.outside == Source::Clipped)
+            area = intersect(
+                area, {it.origin.h, it.origin.v, it.origin.h + it.src->width, it.origin.v + it.src->height});
+        return runRows(host, it.callback, area, it.span, [&](A_long y) { return iterateRow(it, area, y); });
+    });
+}
+
+template <typename P>
+PF_Err iterate(PF_InData*, A_long base, A_long final, PF_EffectWorld* src, const PF_Rect* area, void* refcon,
+               typename Iteration<P>::Function function, PF_EffectWorld* dst) {
+    const char* name = std::is_same_v<P, PF_Pixel16> ? "iterate16" : "iterate";
+    return iterateWorld<P>({name, {base, final}, src, area, {0, 0}, Source::Clipped, refcon, function, dst});
+}
+
+template <typename P>
+PF_Err iterateOrigin(PF_InData*, A_long base, A_long final, PF_EffectWorld* src, const PF_Rect* area,
+                     const PF_Point* origin, void* refcon, typename Iteration<P>::Function function,
+                     PF_EffectWorld* dst) {
+    const char* name = std::is_same_v<P, PF_Pixel16> ? "iterate_origin16" : "iterate_origin";
+    const PF_Point shift = origin != nullptr ? *origin : PF_Point{};
+    return iterateWorld<P>({name, {base, final}, src, area, shift, Source::Clipped, refcon, function, dst});
+}
+
+template <typename P>
+PF_Err iterateOriginNonClip(PF_InData*, A_long base, A_long final, PF_EffectWorld* src, const PF_Rect* area,
+                            const PF_Point* origin, void* refcon, typename Iteration<P>::Function function,
+                            PF_EffectWorld* dst) {
+    const char* name =
+        std::is_same_v<P, PF_Pixel16> ? "iterate_origin_non_clip_src16" : "iterate_origin_non_clip_src";
+    const PF_Point shift = origin != nullptr ? *origin : PF_Point{};
+    return iterateWorld<P>(
+        {name, {base, final}, src, area, shift, Source::TransparentOutside, refcon, function, dst});
+}
+
+struct Tables {
+    const A_u_char* alpha;
+    const A_u_char* red;
+    const A_u_char* green;
+    const A_u_char* blue;
+};
+
+A_u_char mapped(const A_u_char* table, A_u_char value) {
+    return table != nullptr ? table[value] : value;
+}
+
+PF_Err mapPixel(void* refcon, A_long, A_long, PF_Pixel* in, PF_Pixel* out) {
+    const auto& tables = *static_cast<const Tables*>(refcon);
+    *out = {mapped(tables.alpha, in->alpha), mapped(tables.red, in->red), mapped(tables.green, in->green),
+            mapped(tables.blue, in->blue)};
+    return PF_Err_NONE;
+}
+
+PF_Err iterateLut(PF_InData*, A_long base, A_long final, PF_EffectWorld* src, const PF_Rect* area,
+                  A_u_char* alpha, A_u_char* red, A_u_char* green, A_u_char* blue, PF_EffectWorld* dst) {
+    Tables tables{alpha, red, green, blue};
+    return iterateWorld<PF_Pixel>({"iterate_lut",
+                                   {base, final},
+                                   src != nullptr ? src : dst,
+                                   area,
+                                   {0, 0},
+                                   Source::Clipped,
+                                   &tables,
+                                   mapPixel,
+                                   dst});
+}
+
+PF_Err iterateGeneric(A_long iterations, void* refcon, PF_Err (*function)(void*, A_long, A_long, A_long)) {
+    return answer("iterate_generic", Caller::MainThread, [&](Host& host) -> PF_Err {
+        if (function == nullptr || iterations < -1) return PF_Err_BAD_CALLBACK_PARAM;
+        const A_long count = iterations == -1 ? host.pool.threadCount() : iterations;
+        Outcome outcome;
+        host.pool.run(count, [&](std::int32_t thread, std::int32_t i) {
+            if (const PF_Err code =
+                    guarded(host, "iterate_generic", [&] { return function(refcon, thread, i, count); }))
+                outcome.fail(code);
+        });
+        return outcome.result();
+    });
+}
+
+}  // namespace
+
+void fillIterateCallbacks(PF_UtilCallbacks& table) {
+    table.iterate = iterate<PF_Pixel>;
+    table.iterate16 = iterate<PF_Pixel16>;
+    table.iterate_origin = iterateOrigin<PF_Pixel>;
+    table.iterate_origin16 = iterateOrigin<PF_Pixel16>;
+    table.iterate_origin_non_clip_src = iterateOriginNonClip<PF_Pixel>;
+    table.iterate_origin_non_clip_src16 = iterateOriginNonClip<PF_Pixel16>;
+    table.iterate_lut = iterateLut;
+    table.iterate_generic = iterateGeneric;
+}
+
+}  // namespace perch

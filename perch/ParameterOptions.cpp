@@ -1,0 +1,81 @@
+#include "ParameterOptions.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <set>
+
+#include "NearestName.h"
+#include "PF_Values.h"
+#include "ParameterText.h"
+
+namespace perch {
+namespace {
+
+constexpr std::array kTypesWithValue{
+    PF_Param_LAYER, PF_Param_SLIDER, PF_Param_FIX_SLIDER, PF_Param_ANGLE,        PF_Param_CHECKBOX,
+    PF_Param_COLOR, PF_Param_POINT,  PF_Param_POPUP,      PF_Param_FLOAT_SLIDER, PF_Param_POINT_3D};
+
+bool hasValue(const Parameter& parameter) {
+    return std::ranges::find(kTypesWithValue, parameter.definition.param_type) != kTypesWithValue.end();
+}
+
+bool isLetterOrDigit(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9');
+}
+
+std::string uniqueName(const std::string& name, const std::set<std::string>& taken) {
+    std::string unique = name;
+    for (int number = 2; taken.contains(unique); ++number)
+        unique = fmt::format("{}-{}", name, number);
+    return unique;
+}
+
+}  // namespace
+
+std::string optionName(std::string_view parameterName) {
+    std::string name;
+    for (const char given : parameterName) {
+        const char c = given >= 'A' && given <= 'Z' ? static_cast<char>(given - 'A' + 'a') : given;
+        if (isLetterOrDigit(c)) {
+            name += c;
+        } else if (!name.empty() && name.back() != '-') {
+            name += '-';
+        }
+    }
+    if (name.ends_with('-')) name.pop_back();
+    return name;
+}
+
+std::vector<ParameterOption> parameterOptions(const std::vector<Parameter>& parameters,
+                                              std::span<const std::string> reserved) {
+    std::vector<ParameterOption> options;
+    std::set<std::string> taken(reserved.begin(), reserved.end());
+    for (const Parameter& parameter : parameters) {
+        if (!hasValue(parameter)) continue;
+        std::string name = optionName(parameter.name);
+        if (name.empty()) name = fmt::format("parameter-{}", parameter.index);
+        if (std::ranges::find(reserved, name) != reserved.end()) name = "effect-" + name;
+        name = uniqueName(name, taken);
+        taken.insert(name);
+        options.push_back({name, parameter});
+    }
+    return options;
+}
+
+bool isLayer(const Parameter& parameter) {
+    return parameter.definition.param_type == PF_Param_LAYER;
+}
+
+bool isCheckBox(const Parameter& parameter) {
+    return parameter.definition.param_type == PF_Param_CHECKBOX;
+}
+
+void setValue(const ParameterOption& option, std::string_view text, PF_ParamDef& value) {
+    if (setValueFromText(option.parameter, text, value)) return;
+    throw Error(fmt::format("--{} takes {}, not \"{}\"{}", option.name, expectedValue(option.parameter), text,
+                            suggestion(text, option.parameter.items)));
+}
+
+}  // namespace perch

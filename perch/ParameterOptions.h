@@ -1,0 +1,35 @@
+// An effect's parameters as options of the command line: their names, the values they take, and what the help
+// says of them. Text comes from the user and names from the effect; neither is trusted.
+#pragma once
+
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Effect.h"
+
+namespace perch {
+
+struct ParameterOption {
+    std::string name;  // "focal-point": without dashes in front
+    Parameter parameter;
+};
+
+// "Focal Point" becomes "focal-point": lower case, and one dash for each run of anything but letters and
+// digits. Empty when the name has no letter or digit of ASCII.
+std::string optionName(std::string_view parameterName);
+
+// The options of the parameters that can be given a value, in their order. A name among `reserved` gets the
+// prefix "effect-"; of several parameters of one name the later get "-2", "-3"; a parameter whose name
+// gives none is called "parameter-" and its index.
+std::vector<ParameterOption> parameterOptions(const std::vector<Parameter>& parameters,
+                                              std::span<const std::string> reserved);
+
+bool isLayer(const Parameter& parameter);
+bool isCheckBox(const Parameter& parameter);
+
+// Sets the value that `text` stands for. Throws Error with what was expected. Not for layers.
+void setValue(const ParameterOption& option, std::string_view text, PF_ParamDef& value);
+
+}  // namespace perch

@@ -1,0 +1,55 @@
+#include "PictureFileEnd.h"
+
+#include <cstdint>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+namespace perch {
+namespace {
+
+// The big-endian number in the next `size` bytes, which must be there.
+std::uint32_t numberAt(std::string_view bytes, std::size_t offset, std::size_t size) {
+    std::uint32_t number = 0;
+    for (const char byte : bytes.substr(offset, size))
+        number = number << 8 | static_cast<unsigned char>(byte);
+    return number;
+}
+
+// Chunk after chunk (length, name, data, check sum) up to the one that ends the file.
+bool hasPngEnd(std::string_view bytes) {
+    constexpr std::size_t kSignature = 8;
+    constexpr std::size_t kAroundData = 12;
+    std::size_t chunk = kSignature;
+    while (chunk + kAroundData <= bytes.size()) {
+        if (bytes.substr(chunk + 4, 4) == "IEND") return true;
+        chunk += kAroundData + numberAt(bytes, chunk, 4);
+    }
+    return false;
+}
+
+// Segment after segment up to the first scan; the end marker follows it. Thumbnails, which end with the same
+// marker, lie in segments before.
+bool hasJpegEnd(std::string_view bytes) {
+    constexpr std::uint32_t kStartOfScan = 0xFFDA;
+    constexpr std::uint32_t kFill = 0xFFFF;
+    std::size_t segment = 2;
+    while (segment + 4 <= bytes.size()) {
+        const std::uint32_t marker = numberAt(bytes, segment, 2);
+        if (marker == kStartOfScan) return bytes.find("\xFF\xD9", segment) != std::string_view::npos;
+        segment += marker == kFill ? 1 : 2 + numberAt(bytes, segment + 2, 2);
+    }
+    return false;
+}
+
+}  // namespace
+
+bool reachesItsEnd(const std::filesystem::path& path, std::string_view format) {
+    std::ifstream file(path, std::ios::binary);
+    const std::string bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    if (format == "png") return hasPngEnd(bytes);
+    if (format == "jpeg") return hasJpegEnd(bytes);
+    return true;
+}
+
+}  // namespace perch

@@ -1,0 +1,39 @@
+// Picture files in and out of worlds.
+//
+// PNG, TIFF and JPEG files of 8 or 16 bits per channel are read: grey or RGB, with or without alpha. Without
+// alpha a picture is opaque. File codes 0 to 65535 become the 0 to 32768 of deep worlds and back, rounded to
+// the nearest, so that every value of a deep world survives a file. Alpha is straight in worlds and in the
+// files written; files with premultiplied alpha are divided by it. Profiles, orientation and other metadata
+// are neither applied nor carried over.
+//
+// Failures are Error: one sentence that names the file and the mend.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+
+#include "World.h"
+
+namespace perch {
+
+enum class Depth { Bits8, Bits16 };  // per channel
+
+struct Picture {
+    World pixels;
+    bool hasAlpha = false;  // of the file; without, every pixel is opaque
+};
+
+// `depth` is that of the world; absent: the file's.
+Picture readPicture(const std::filesystem::path& path, std::optional<Depth> depth = std::nullopt);
+
+// Throws unless a file of this name can be expected to hold such a picture: its format by the extension must
+// have the depth and alpha, and its folder must exist.
+void requireWritable(const std::filesystem::path& path, Depth depth, bool withAlpha);
+
+// Writes RGB or RGBA at the world's depth, in the format of the extension. The file appears whole or not at
+// all, and only then replaces one of the same name.
+void writePicture(const std::filesystem::path& path, const World& world, bool withAlpha);
+
+bool isOpaque(const World& world);
+
+}  // namespace perch

@@ -1,0 +1,94 @@
+#include "Pipl.h"
+
+#include <map>
+
+#include "PiPL.h"
+
+namespace perch {
+namespace {
+
+constexpr char kBadHeader[] = "its property list is cut short";
+constexpr char kBadProperty[] = "a property runs out of its property list";
+constexpr char kBadNumber[] = "a number in its property list is cut short";
+constexpr char kBadString[] = "a string runs out of its property";
+constexpr char kBadVersion[] = "its property list is of an unknown version";
+constexpr char kBadKind[] = "its property list is not that of an effect";
+constexpr std::uint64_t kListHeaderSize = 8;
+constexpr std::uint64_t kPropertyHeaderSize = 16;
+
+using Properties = std::map<std::uint32_t, ByteSpan>;  // data by key
+
+Properties splitProperties(ByteSpan list) {
+    if (numberAt(list, 0, 4, kBadHeader) != PiPL_LIST_VERSION) throw Error(kBadVersion);
+    const std::uint32_t count = numberAt(list, 4, 4, kBadHeader);
+    Properties properties;
+    std::uint64_t at = kListHeaderSize;
+    for (std::uint32_t i = 0; i < count; ++i) {
+        const ByteSpan header = bytesAt(list, at, kPropertyHeaderSize, kBadProperty);
+        const std::uint64_t length = numberAt(header, 12, 4, kBadProperty);
+        const std::uint64_t paddedLength = (length + 3) / 4 * 4;
+        const ByteSpan data = bytesAt(list, at + kPropertyHeaderSize, paddedLength, kBadProperty);
+        if (numberAt(header, 0, 4, kBadProperty) == PiPL_VENDOR) {
+            properties.emplace(numberAt(header, 4, 4, kBadProperty), data.first(length));
+        }
+        at += kPropertyHeaderSize + paddedLength;
+    }
+    return properties;
+}
+
+std::string toString(ByteSpan bytes) {
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
+std::string pascalString(const Properties& properties, std::uint32_t key) {
+    const auto found = properties.find(key);
+    if (found == properties.end()) return {};
+    return toString(bytesAt(found->second, 1, numberAt(found->second, 0, 1, kBadString), kBadString));
+}
+
+std::string zeroTerminatedString(const Properties& properties, std::uint32_t key) {
+    const auto found = properties.find(key);
+    if (found == properties.end()) return {};
+    std::string text = toString(found->second);
+    const std::size_t end = text.find('\0');
+    if (end == std::string::npos) throw Error(kBadString);
+    text.resize(end);
+    return text;
+}
+
+std::uint32_t number(const Properties& properties, std::uint32_t key) {
+    const auto found = properties.find(key);
+    return found == properties.end() ? 0 : numberAt(found->second, 0, 4, kBadNumber);
+}
+
+// Lists name no entry point for this system; that for another system on the same processor comes nearest.
+std::string entryPoint(const Properties& properties) {
+    const std::string intel = pascalString(properties, PiPL_ENTRY_MAC_INTEL);
+    const std::string arm = pascalString(properties, PiPL_ENTRY_MAC_ARM);
+    const std::string windows = zeroTerminatedString(properties, PiPL_ENTRY_WINDOWS);
+#if defined(__aarch64__)
+    const std::string& first = arm;
+    const std::string& second = intel;
+#else
+    const std::string& first = intel;
+    const std::string& second = arm;
+#endif
+    if (!first.empty()) return first;
+    return windows.empty() ? second : windows;
+}
+
+}  // namespace
+
+PropertyList readPropertyList(ByteSpan bytes) {
+    const Properties properties = splitProperties(bytes);
+    if (number(properties, PiPL_KIND) != PiPL_KIND_EFFECT) throw Error(kBadKind);
+    return {.name = pascalString(properties, PiPL_NAME),
+            .category = pascalString(properties, PiPL_CATEGORY),
+            .matchName = pascalString(properties, PiPL_MATCH_NAME),
+            .entryPoint = entryPoint(properties),
+            .version = number(properties, PiPL_EFFECT_VERSION),
+            .flags = static_cast<PF_OutFlags>(number(properties, PiPL_OUT_FLAGS)),
+            .flags2 = static_cast<PF_OutFlags2>(number(properties, PiPL_OUT_FLAGS2))};
+}
+
+}  // namespace perch

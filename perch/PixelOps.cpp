@@ -1,0 +1,234 @@
+#include "PixelOps.h"
+
+#include <cstring>
+
+#include "PixelAccess.h"
+
+namespace perch {
+namespace {
+
+constexpr std::uint64_t kFixedOne = 65536;
+
+// Two straight pixels mixed by shares of alpha; the shares add up to 65536.
+template <class P>
+P mixed(const P& a, std::uint64_t shareA, const P& b, std::uint64_t shareB) {
+    const std::uint64_t weightA = a.alpha * shareA;
+    const std::uint64_t weightB = b.alpha * shareB;
+    const std::uint64_t sum = weightA + weightB;
+    if (sum == 0) return {};
+    const auto colour = [&](std::uint64_t ca, std::uint64_t cb) {
+        return static_cast<ChannelOf<P>>((weightA * ca + weightB * cb + sum / 2) / sum);
+    };
+    return {static_cast<ChannelOf<P>>((sum + kFixedOne / 2) / kFixedOne), colour(a.red, b.red),
+            colour(a.green, b.green), colour(a.blue, b.blue)};
+}
+
+template <class P>
+void blend(const PF_EffectWorld& a, const PF_EffectWorld& b, std::uint64_t ratio, const PF_EffectWorld& to) {
+    for (std::int32_t y = 0; y < to.height; ++y) {
+        const P* const rowA = rowOf<P>(a, y);
+        const P* const rowB = rowOf<P>(b, y);
+        P* const out = rowOf<P>(to, y);
+        for (std::int32_t x = 0; x < to.width; ++x)
+            out[x] = mixed(rowA[x], kFixedOne - ratio, rowB[x], ratio);
+    }
+}
+
+bool isSameSize(const PF_EffectWorld& a, const PF_EffectWorld& b) {
+    return a.width == b.width && a.height == b.height;
+}
+
+// Row by row, in an order that an overlap of one world with itself allows.
+template <class P>
+void copyRows(const PF_EffectWorld& from, const PF_Rect& source, const PF_EffectWorld& to,
+              const PF_Rect& target) {
+    const std::int32_t rows = target.bottom - target.top;
+    const auto bytes = static_cast<std::size_t>(target.right - target.left) * sizeof(P);
+    const bool backwards = from.data == to.data && target.top > source.top;
+    for (std::int32_t i = 0; i < rows; ++i) {
+        const std::int32_t row = backwards ? rows - 1 - i : i;
+        std::memmove(rowOf<P>(to, target.top + row) + target.left,
+                     rowOf<P>(from, source.top + row) + source.left, bytes);
+    }
+}
+
+template <class P>
+void copyNearest(const PF_EffectWorld& from, const PF_Rect& source, const PF_EffectWorld& to,
+                 const PF_Rect& target) {
+    const std::int64_t sourceWidth = source.right - source.left;
+    const std::int64_t sourceHeight = source.bottom - source.top;
+    const std::int64_t width = target.right - target.left;
+    const std::int64_t height = target.bottom - target.top;
+    const auto nearest = [](std::int64_t i, std::int64_t count, std::int64_t sourceCount) {
+        return static_cast<std::int32_t>((2 * i + 1) * sourceCount / (2 * count));
+    };
+    for (std::int64_t y = 0; y < height; ++y) {
+        const P* const in = rowOf<P>(from, source.top + nearest(y, height, sourceHeight)) + source.left;
+        P* const out = rowOf<P>(to, target.top + static_cast<std::int32_t>(y)) + target.left;
+        for (std::int64_t x = 0; x < width; ++x)
+            out[x] = in[nearest(x, width, sourceWidth)];
+    }
+}
+
+// A whole rectangle or the caller's, before clipping.
+PF_Rect wholeOr(const PF_Rect* area, const PF_EffectWorld& world) {
+    return area != nullptr ? *area : PF_Rect{0, 0, world.width, world.height};
+}
+
+// Cuts both rectangles, of one size, to their worlds.
+void clipTogether(PF_Rect& source, const PF_EffectWorld& from, PF_Rect& target, const PF_EffectWorld& to) {
+    const auto cut = [](A_long& sourceLow, A_long& sourceHigh, A_long sourceSize, A_long& low, A_long& high,
+                        A_long size) {
+        const A_long before = std::max({-sourceLow, -low, 0});
+        sourceLow += before;
+        low += before;
+        const A_long behind = std::max({sourceHigh - sourceSize, high - size, 0});
+        sourceHigh -= behind;
+        high = std::max(high - behind, low);
+    };
+    cut(source.left, source.right, from.width, target.left, target.right, to.width);
+    cut(source.top, source.bottom, from.height, target.top, target.bottom, to.height);
+}
+
+template <class P>
+PF_Err fill(const P* color, const PF_Rect* area, PF_EffectWorld& world) {
+    if (isDeep(world) != (sizeof(P) == sizeof(PF_Pixel16))) return PF_Err_BAD_CALLBACK_PARAM;
+    const P value = color != nullptr ? *color : P{};
+    const PF_Rect inside = clipped(area, world);
+    for (std::int32_t y = inside.top; y < inside.bottom; ++y) {
+        P* const row = rowOf<P>(world, y);
+        std::fill(row + inside.left, row + inside.right, value);
+    }
+    return PF_Err_NONE;
+}
+
+// c matted against m: c * alpha + m * (1 - alpha), rounded; and back, held to full intensity.
+template <class P>
+ChannelOf<P> matted(std::uint64_t c, std::uint64_t m, std::uint64_t alpha) {
+    constexpr std::uint64_t kOne = kWhite<P>;
+    return static_cast<ChannelOf<P>>((c * alpha + m * (kOne - alpha) + kOne / 2) / kOne);
+}
+
+template <class P>
+ChannelOf<P> unmatted(std::uint64_t c, std::uint64_t m, std::uint64_t alpha) {
+    constexpr std::uint64_t kOne = kWhite<P>;
+    const std::uint64_t background = m * (kOne - alpha);
+    if (alpha == 0 || c * kOne <= background) return 0;
+    return static_cast<ChannelOf<P>>(std::min((c * kOne - background + alpha / 2) / alpha, kOne));
+}
+
+template <class P>
+PF_Err premultiply(const PF_EffectWorld& from, const P& color, bool forward, PF_EffectWorld& to) {
+    if (isDeep(to) != (sizeof(P) == sizeof(PF_Pixel16)) || isDeep(from) != isDeep(to) ||
+        !isSameSize(from, to)) {
+        return PF_Err_BAD_CALLBACK_PARAM;
+    }
+    const auto convert = forward ? matted<P> : unmatted<P>;
+    for (std::int32_t y = 0; y < to.height; ++y) {
+        const P* const in = rowOf<P>(from, y);
+        P* const out = rowOf<P>(to, y);
+        for (std::int32_t x = 0; x < to.width; ++x) {
+            const P p = in[x];
+            const std::uint64_t alpha = std::min<std::uint64_t>(p.alpha, kWhite<P>);
+            out[x] = {p.alpha, convert(p.red, color.red, alpha), convert(p.green, color.green, alpha),
+                      convert(p.blue, color.blue, alpha)};
+        }
+    }
+    return PF_Err_NONE;
+}
+
+}  // namespace
+
+PF_Err blendWorlds(const PF_EffectWorld& a, const PF_EffectWorld& b, PF_Fixed ratio, PF_EffectWorld& to) {
+    if (isDeep(a) != isDeep(to) || isDeep(b) != isDeep(to) || !isSameSize(a, to) || !isSameSize(b, to)) {
+        return PF_Err_BAD_CALLBACK_PARAM;
+    }
+    if (ratio <= 0) return copyWorld(a, nullptr, to, nullptr);
+    if (ratio >= static_cast<PF_Fixed>(kFixedOne)) return copyWorld(b, nullptr, to, nullptr);
+    forDepth(to, [&]<class P>() { blend<P>(a, b, static_cast<std::uint64_t>(ratio), to); });
+    return PF_Err_NONE;
+}
+
+PF_Err copyWorld(const PF_EffectWorld& from, const PF_Rect* fromArea, PF_EffectWorld& to,
+                 const PF_Rect* toArea) {
+    if (isDeep(from) != isDeep(to)) return PF_Err_BAD_CALLBACK_PARAM;
+    PF_Rect source = wholeOr(fromArea, from);
+    PF_Rect target = wholeOr(toArea, to);
+    if (source.right - source.left == target.right - target.left &&
+        source.bottom - source.top == target.bottom - target.top) {
+        clipTogether(source, from, target, to);
+        if (target.right <= target.left || target.bottom <= target.top) return PF_Err_NONE;
+        forDepth(to, [&]<class P>() { copyRows<P>(from, source, to, target); });
+        return PF_Err_NONE;
+    }
+    source = clipped(fromArea, from);
+    target = clipped(toArea, to);
+    if (source.right == source.left || source.bottom == source.top) return PF_Err_BAD_CALLBACK_PARAM;
+    forDepth(to, [&]<class P>() { copyNearest<P>(from, source, to, target); });
+    return PF_Err_NONE;
+}
+
+PF_Err copyWorldFiltered(const PF_EffectWorld& from, const PF_Rect* fromArea, PF_EffectWorld& to,
+                         const PF_Rect* toArea) {
+    const PF_Rect source = clipped(fromArea, from);
+    const PF_Rect target = clipped(toArea, to);
+    const A_long sourceWidth = source.right - source.left;
+    const A_long sourceHeight = source.bottom - source.top;
+    if (sourceWidth == 0 || sourceHeight == 0) return PF_Err_BAD_CALLBACK_PARAM;
+    if (sourceWidth == target.right - target.left && sourceHeight == target.bottom - target.top) {
+        return copyWorld(from, &source, to, &target);
+    }
+    const double scaleX = static_cast<double>(target.right - target.left) / sourceWidth;
+    const double scaleY = static_cast<double>(target.bottom - target.top) / sourceHeight;
+    // The part as a world of its own, drawn onto the target.
+    PF_EffectWorld part = from;
+    part.data = forDepth(from, [&]<class P>() {
+        return static_cast<PF_PixelPtr>(static_cast<void*>(rowOf<P>(from, source.top) + source.left));
+    });
+    part.width = sourceWidth;
+    part.height = sourceHeight;
+    const PF_FloatMatrix matrix = {{{scaleX, 0, 0},
+                                    {0, scaleY, 0},
+                                    {static_cast<double>(target.left), static_cast<double>(target.top), 1}}};
+    return transformWorld(part, matrix, true, {PF_Xfer_COPY, 1.0, false}, &target, to);
+}
+
+PF_Err fillWorld(const PF_Pixel* color, const PF_Rect* area, PF_EffectWorld& world) {
+    return fill(color, area, world);
+}
+
+PF_Err fillWorld(const PF_Pixel16* color, const PF_Rect* area, PF_EffectWorld& world) {
+    return fill(color, area, world);
+}
+
+PF_Err premultiplyWorld(bool forward, PF_EffectWorld& world) {
+    return forDepth(world, [&]<class P>() { return premultiply(world, P{}, forward, world); });
+}
+
+PF_Err premultiplyWorld(const PF_EffectWorld& from, const PF_Pixel& color, bool forward, PF_EffectWorld& to) {
+    return premultiply(from, color, forward, to);
+}
+
+PF_Err premultiplyWorld(const PF_EffectWorld& from, const PF_Pixel16& color, bool forward,
+                        PF_EffectWorld& to) {
+    return premultiply(from, color, forward, to);
+}
+
+PF_Err compositeWorld(const PF_EffectWorld& from, const PF_Rect* fromArea, const Placement& placement,
+                      A_long x, A_long y, PF_EffectWorld& to) {
+    const PF_Rect source = clipped(fromArea, from);
+    PF_EffectWorld part = from;
+    if (hasPixels(from)) {
+        part.data = forDepth(from, [&]<class P>() {
+            return static_cast<PF_PixelPtr>(static_cast<void*>(rowOf<P>(from, source.top) + source.left));
+        });
+    }
+    part.width = source.right - source.left;
+    part.height = source.bottom - source.top;
+    const PF_Rect target = {x, y, x + part.width, y + part.height};
+    const PF_FloatMatrix shift = {
+        {{1, 0, 0}, {0, 1, 0}, {static_cast<double>(x), static_cast<double>(y), 1}}};
+    return transformWorld(part, shift, true, placement, &target, to);
+}
+
+}  // namespace perch

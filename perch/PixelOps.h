@@ -1,0 +1,53 @@
+// What a host does with pictures for an effect: mixing, copying, filling, premultiplying, compositing,
+// transforming.
+//
+// All work on worlds of one depth, 8 or 16 bits, with straight colour; worlds of different depths, or without
+// pixels where some are needed, are PF_Err_BAD_CALLBACK_PARAM and nothing is written. Rectangles are clipped
+// to their world; null is the whole of it. Results do not depend on the machine or on rows' padding. Any
+// thread, one writer per world.
+#pragma once
+
+#include "PF_World.h"
+
+namespace perch {
+
+// Mixes two worlds of the size of `to`, which may be either, weighted by alpha: ratio 0 is `a` and 65536 is
+// `b`, exactly.
+PF_Err blendWorlds(const PF_EffectWorld& a, const PF_EffectWorld& b, PF_Fixed ratio, PF_EffectWorld& to);
+
+// Copies a part onto a part; where their sizes differ the nearest pixel is taken, or a filtered one.
+PF_Err copyWorld(const PF_EffectWorld& from, const PF_Rect* fromArea, PF_EffectWorld& to,
+                 const PF_Rect* toArea);
+PF_Err copyWorldFiltered(const PF_EffectWorld& from, const PF_Rect* fromArea, PF_EffectWorld& to,
+                         const PF_Rect* toArea);
+
+// A null colour is transparent black. The colour has the depth of the world.
+PF_Err fillWorld(const PF_Pixel* color, const PF_Rect* area, PF_EffectWorld& world);
+PF_Err fillWorld(const PF_Pixel16* color, const PF_Rect* area, PF_EffectWorld& world);
+
+// Colours times alpha, or divided by it, in place. With a colour: matted against that colour instead of
+// black.
+PF_Err premultiplyWorld(bool forward, PF_EffectWorld& world);
+PF_Err premultiplyWorld(const PF_EffectWorld& from, const PF_Pixel& color, bool forward, PF_EffectWorld& to);
+PF_Err premultiplyWorld(const PF_EffectWorld& from, const PF_Pixel16& color, bool forward,
+                        PF_EffectWorld& to);
+
+// Puts a part of `from` with its corner at (x, y) of `to`: a copy (PF_Xfer_COPY), mixed by an opacity of 0
+// to 1. Other transfer modes are PF_Err_BAD_CALLBACK_PARAM.
+struct Placement {
+    PF_TransferMode mode;
+    double opacity;
+    bool rgbOnly;  // keeps the alpha of `to`
+};
+PF_Err compositeWorld(const PF_EffectWorld& from, const PF_Rect* fromArea, const Placement& placement,
+                      A_long x, A_long y, PF_EffectWorld& to);
+
+// Draws `from` through a matrix: (x, y, 1) * matrix maps source to destination where `sourceToDestination`,
+// else the other way. Pixel centres are at halves. A scale is filtered exactly: by area where it shrinks,
+// linearly where it grows; other matrices linearly, over several samples where they shrink. Outside the
+// source is transparent, but that a scale keeps the edge pixels' colour up to the edge. A matrix without an
+// inverse is PF_Err_BAD_CALLBACK_PARAM.
+PF_Err transformWorld(const PF_EffectWorld& from, const PF_FloatMatrix& matrix, bool sourceToDestination,
+                      const Placement& placement, const PF_Rect* toArea, PF_EffectWorld& to);
+
+}  // namespace perch

@@ -1,0 +1,86 @@
+// The suites about pixels, worlds and memory: the utility callbacks under other names, and worlds by format.
+#include <fmt/format.h>
+
+#include "CallGuard.h"
+#include "Callbacks.h"
+#include "PF_Suites.h"
+#include "PixelAccess.h"
+#include "Suites.h"
+
+namespace perch {
+namespace {
+
+PF_Err newWorld(PF_ProgPtr effectRef, A_long width, A_long height, PF_Boolean, PF_PixelFormat format,
+                PF_EffectWorld* world) {
+    return answer("PF_NewWorld", Caller::MainThread, effectRef, [&](Host& host) -> PF_Err {
+        if (world == nullptr) return PF_Err_BAD_CALLBACK_PARAM;
+        *world = {};
+        if (format != PF_PixelFormat_8BIT && format != PF_PixelFormat_16BIT) return PF_Err_BAD_CALLBACK_PARAM;
+        return host.worlds.allocate(width, height, format == PF_PixelFormat_16BIT, *world, "PF_NewWorld");
+    });
+}
+
+PF_Err disposeWorld(PF_ProgPtr effectRef, PF_EffectWorld* world) {
+    return answer("PF_DisposeWorld", Caller::MainThread, effectRef,
+                  [&](Host& host) -> PF_Err { return host.worlds.dispose(world, "PF_DisposeWorld"); });
+}
+
+PF_Err getPixelFormat(const PF_EffectWorld* world, PF_PixelFormat* format) {
+    return answer("PF_GetPixelFormat", Caller::AnyThread, [&](Host&) -> PF_Err {
+        if (world == nullptr || format == nullptr) return PF_Err_BAD_CALLBACK_PARAM;
+        *format = isDeep(*world) ? PF_PixelFormat_16BIT : PF_PixelFormat_8BIT;
+        return PF_Err_NONE;
+    });
+}
+
+// There are no float worlds here.
+PF_Err fillFloat(PF_ProgPtr, const PF_PixelFloat*, const PF_Rect*, PF_EffectWorld*) {
+    return refuse("fill_float");
+}
+
+PF_Err premultiplyColorFloat(PF_ProgPtr, PF_EffectWorld*, const PF_PixelFloat*, A_long, PF_EffectWorld*) {
+    return refuse("premultiply_color_float");
+}
+
+PF_Err pixelDataFloat(PF_EffectWorld*, PF_PixelPtr, PF_PixelFloat** address) {
+    if (address != nullptr) *address = nullptr;
+    return refuse("get_pixel_data_float");
+}
+
+}  // namespace
+
+const void* findPixelSuite(const char* name, A_long version) {
+    static const PF_UtilCallbacks& utilities = *utilityCallbacks();
+    static const PF_ANSICallbacksSuite1 ansi = utilities.ansi;
+    static const PF_HandleSuite1 handles{utilities.host_new_handle,      utilities.host_lock_handle,
+                                         utilities.host_unlock_handle,   utilities.host_dispose_handle,
+                                         utilities.host_get_handle_size, utilities.host_resize_handle};
+    static const PF_Iterate8Suite1 iterate8{utilities.iterate, utilities.iterate_origin,
+                                            utilities.iterate_lut, utilities.iterate_origin_non_clip_src,
+                                            utilities.iterate_generic};
+    static const PF_iterate16Suite1 iterate16{utilities.iterate16, utilities.iterate_origin16,
+                                              utilities.iterate_origin_non_clip_src16};
+    static const PF_WorldSuite2 worlds{newWorld, disposeWorld, getPixelFormat};
+    static const PF_WorldTransformSuite1 transforms{
+        utilities.composite_rect, utilities.blend,          utilities.convolve, utilities.copy, copyFiltered,
+        utilities.transfer_rect,  utilities.transform_world};
+    static const PF_FillMatteSuite2 fills{utilities.fill,
+                                          utilities.fill16,
+                                          fillFloat,
+                                          utilities.premultiply,
+                                          utilities.premultiply_color,
+                                          utilities.premultiply_color16,
+                                          premultiplyColorFloat};
+    static const PF_PixelDataSuite1 pixelData{utilities.get_pixel_data8, utilities.get_pixel_data16,
+                                              pixelDataFloat};
+    static const SuiteEntry entries[] = {
+        {"PF ANSI Suite", 1, &ansi},           {"PF Fill Matte Suite", 2, &fills},
+        {"PF Handle Suite", 2, &handles},      {"PF Iterate8 Suite", 1, &iterate8},
+        {"PF Iterate8 Suite", 2, &iterate8},   {"PF Pixel Data Suite", 1, &pixelData},
+        {"PF World Suite", 2, &worlds},        {"PF World Transform Suite", 1, &transforms},
+        {"PF iterate16 Suite", 1, &iterate16}, {"PF iterate16 Suite", 2, &iterate16},
+    };
+    return findIn(entries, name, version);
+}
+
+}  // namespace perch

@@ -1,0 +1,187 @@
+#include "RenderOptions.h"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <charconv>
+#include <cstdio>
+#include <map>
+
+#include "CommandLine.h"
+#include "Description.h"
+#include "NearestName.h"
+#include "PF_Values.h"
+#include "ParameterText.h"
+
+namespace perch {
+namespace {
+
+// What the options are read into before they are understood.
+struct Texts {
+    std::string input;
+    std::string output;
+    std::string quality = "best";
+    std::string downsample = "1/1";
+    std::string depth;
+    std::string threads = "0";
+    std::map<std::string, std::string> parameters;  // by option name
+};
+
+// "1/2"
+PF_RationalScale parseDownsample(const std::string& text) {
+    PF_RationalScale scale{};
+    char end = 0;
+    const int count = std::sscanf(text.c_str(), "%9d/%9u%c", &scale.num, &scale.den, &end);
+    if (count != 2 || scale.num < 1 || scale.den < 1 || static_cast<A_u_long>(scale.num) > scale.den) {
+        throw UsageError(
+            fmt::format("--downsample takes a fraction of at most 1, like 1/2, not \"{}\"", text));
+    }
+    return scale;
+}
+
+PF_Quality parseQuality(const std::string& text) {
+    if (text == "best") return PF_Quality_HI;
+    if (text == "draft") return PF_Quality_LO;
+    throw UsageError(fmt::format("--quality takes draft or best, not \"{}\"", text));
+}
+
+std::optional<Depth> parseDepth(const std::string& text) {
+    if (text.empty()) return std::nullopt;
+    if (text == "8") return Depth::Bits8;
+    if (text == "16") return Depth::Bits16;
+    throw UsageError(fmt::format("--depth takes 8 or 16, not \"{}\"", text));
+}
+
+int parseThreads(const std::string& text) {
+    constexpr int kMostThreads = 1024;
+    int threads = 0;
+    const char* const end = text.data() + text.size();
+    const auto parsed = std::from_chars(text.data(), end, threads);
+    if (parsed.ec == std::errc() && parsed.ptr == end && threads >= 0 && threads <= kMostThreads)
+        return threads;
+    throw UsageError(
+        fmt::format("--threads takes a whole number from 0 to {}, not \"{}\"", kMostThreads, text));
+}
+
+void addOwnOptions(CLI::App& app, RenderOptions& options, Texts& texts) {
+    addHelpFlag(app, options.wantsHelp);
+    app.add_option("-i,--input", texts.input, "the picture to be changed: PNG, TIFF or JPEG")
+        ->type_name("PICTURE");
+    app.add_option("-o,--output", texts.output, "the picture to be written; the name gives the format")
+        ->type_name("PICTURE");
+    app.add_option("--plugin", options.plugin, "the effect; without it, the only one beside the program")
+        ->type_name("BUNDLE");
+    app.add_option("--threads", texts.threads, "worker threads; 0 for one per processor (default 0)")
+        ->type_name("N");
+    app.add_flag("--strict", options.strict, "watch for breaches of the interface's rules; any is a failure");
+    app.add_option("--quality", texts.quality, "draft or best (default best)")->type_name("QUALITY");
+    app.add_option("--downsample", texts.downsample, "the pictures' size to the full size (default 1/1)")
+        ->type_name("N/D");
+    app.add_option("--depth", texts.depth, "bits per channel, 8 or 16 (default: those of the input)")
+        ->type_name("BITS");
+}
+
+void addParameterOption(CLI::App& app, const ParameterOption& option, std::string& text) {
+    const Parameter& parameter = option.parameter;
+    const std::string given = defaultText(parameter);
+    std::string help = expectedValue(parameter);
+    if (!given.empty()) help += fmt::format(" (default {})", given);
+    CLI::Option* const added = app.add_option("--" + option.name, text, help)
+                                   ->group("Parameters of the effect")
+                                   ->type_name(isLayer(parameter) ? "PICTURE" : "VALUE");
+    if (isCheckBox(parameter)) added->expected(0, 1)->type_name("[on|off]");
+}
+
+std::vector<ParameterOption> optionsOf(const EffectDescription& effect) {
+    return parameterOptions(effect.parameters, renderOptionNames());
+}
+
+void addParameterOptions(CLI::App& app, const std::vector<ParameterOption>& options, Texts& texts) {
+    for (const ParameterOption& option : options)
+        addParameterOption(app, option, texts.parameters[option.name]);
+}
+
+void requireFile(const std::string& path, std::string_view option) {
+    if (path.empty()) throw UsageError(fmt::format("{} is missing; see perch render --help", option));
+}
+
+// Tries the value on a copy of the declaration, so that a wrong one is told of before any work.
+void requireValue(const ParameterOption& option, const std::string& text) {
+    PF_ParamDef scratch = option.parameter.definition;
+    try {
+        setValue(option, text, scratch);
+    } catch (const Error& error) {
+        throw UsageError(error.what());
+    }
+}
+
+void takeParameter(const ParameterOption& option, const std::string& text, RenderOptions& options) {
+    if (!isLayer(option.parameter)) {
+        // A bare flag is on.
+        const std::string value = isCheckBox(option.parameter) && text.empty() ? "on" : text;
+        requireValue(option, value);
+        options.settings.assignments.push_back({option, value});
+    } else if (text != "none") {
+        options.files.layers[option.parameter.index] = text;
+    }
+}
+
+}  // namespace
+
+const std::vector<std::string>& renderOptionNames() {
+    static const std::vector<std::string> names = [] {
+        CLI::App app;
+        RenderOptions options;
+        Texts texts;
+        addOwnOptions(app, options, texts);
+        return longOptionNames(app);
+    }();
+    return names;
+}
+
+RenderOptions parseBeforeEffect(const std::vector<std::string>& arguments) {
+    CLI::App app;
+    RenderOptions options;
+    Texts texts;
+    addOwnOptions(app, options, texts);
+    parseArguments(app, arguments, Extras::Ignored);
+    options.threads = parseThreads(texts.threads);
+    return options;
+}
+
+RenderOptions parseRenderOptions(const std::vector<std::string>& arguments, const EffectDescription& effect) {
+    CLI::App app;
+    RenderOptions options;
+    Texts texts;
+    const std::vector<ParameterOption> parameters = optionsOf(effect);
+    addOwnOptions(app, options, texts);
+    addParameterOptions(app, parameters, texts);
+    parseArguments(app, arguments, Extras::Refused);
+
+    requireFile(texts.input, "--input");
+    requireFile(texts.output, "--output");
+    options.files.input = texts.input;
+    options.files.output = texts.output;
+    options.settings.quality = parseQuality(texts.quality);
+    options.settings.downsample = parseDownsample(texts.downsample);
+    options.settings.depth = parseDepth(texts.depth);
+    for (const ParameterOption& option : parameters) {
+        if (app.count("--" + option.name) > 0) takeParameter(option, texts.parameters[option.name], options);
+    }
+    return options;
+}
+
+std::string renderHelp(const EffectDescription* effect) {
+    CLI::App app("Applies an effect to a picture.", "perch render");
+    RenderOptions options;
+    Texts texts;
+    addOwnOptions(app, options, texts);
+    if (effect == nullptr) {
+        app.footer("The effect's parameters are options as well; name it with --plugin to list them.");
+    } else {
+        addParameterOptions(app, optionsOf(*effect), texts);
+    }
+    return app.help();
+}
+
+}  // namespace perch

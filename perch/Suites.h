@@ -1,0 +1,33 @@
+// How the tables of suites are listed, and filled where this host offers no function.
+#pragma once
+
+#include <array>
+#include <bit>
+#include <span>
+
+#include "AEGP_Suites.h"
+
+namespace perch {
+
+struct SuiteEntry {
+    const char* name;
+    A_long version;
+    const void* table;
+};
+
+// Null when the list has no such suite.
+const void* findIn(std::span<const SuiteEntry> entries, const char* name, A_long version);
+
+// Answers any call with an error; the arguments are not looked at.
+PF_Err refuseSuiteCall();
+
+// A table of function pointers in which every slot refuses.
+template <typename Suite>
+Suite refusingSuite() {
+    std::array<PF_UnusedSlot, sizeof(Suite) / sizeof(PF_UnusedSlot)> slots;
+    static_assert(sizeof slots == sizeof(Suite));
+    slots.fill(reinterpret_cast<PF_UnusedSlot>(refuseSuiteCall));
+    return std::bit_cast<Suite>(slots);
+}
+
+}  // namespace perch

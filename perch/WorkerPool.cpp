@@ -1,0 +1,80 @@
+#include "WorkerPool.h"
+
+#include <algorithm>
+
+namespace perch {
+namespace {
+
+// Set while this thread runs iterations of some pool.
+thread_local bool isIterating = false;
+
+int resolveThreadCount(int requested) {
+    if (requested > 0) return requested;
+    return std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
+}
+
+}  // namespace
+
+WorkerPool::WorkerPool(int threads) : threads(resolveThreadCount(threads)) {}
+
+WorkerPool::~WorkerPool() {
+    {
+        const std::lock_guard lock(mutex);
+        isStopping = true;
+    }
+    wake.notify_all();
+    for (std::thread& worker : workers)
+        worker.join();
+}
+
+void WorkerPool::run(std::int32_t iterations, const Task& body) {
+    if (iterations <= 0) return;
+    if (isIterating || iterations == 1 || threads == 1) {
+        for (std::int32_t i = 0; i < iterations; ++i)
+            body(0, i);
+        return;
+    }
+    const std::lock_guard serial(runMutex);
+    if (workers.empty()) start();
+    {
+        const std::lock_guard lock(mutex);
+        task = &body;
+        count = iterations;
+        next = 0;
+        busy = static_cast<int>(workers.size());
+        ++generation;
+    }
+    wake.notify_all();
+    takeIterations(0);
+    std::unique_lock lock(mutex);
+    done.wait(lock, [this] { return busy == 0; });
+}
+
+void WorkerPool::start() {
+    workers.reserve(static_cast<std::size_t>(threads - 1));
+    for (std::int32_t thread = 1; thread < threads; ++thread)
+        workers.emplace_back([this, thread] { work(thread); });
+}
+
+void WorkerPool::work(std::int32_t thread) {
+    std::uint64_t seen = 0;
+    std::unique_lock lock(mutex);
+    for (;;) {
+        wake.wait(lock, [&] { return isStopping || generation != seen; });
+        if (isStopping) return;
+        seen = generation;
+        lock.unlock();
+        takeIterations(thread);
+        lock.lock();
+        if (--busy == 0) done.notify_one();
+    }
+}
+
+void WorkerPool::takeIterations(std::int32_t thread) {
+    isIterating = true;
+    for (std::int64_t i = next++; i < count; i = next++)
+        (*task)(thread, static_cast<std::int32_t>(i));
+    isIterating = false;
+}
+
+}  // namespace perch

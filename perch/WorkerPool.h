@@ -1,0 +1,47 @@
+// Threads that stay for the life of the effect and share out the iterations of one call.
+// The calling thread takes part as thread 0. A call from within an iteration runs on its own thread alone.
+#pragma once
+
+#include <atomic>
+#include <condition_variable>
+#include <cstdint>
+#include <functional>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+namespace perch {
+
+class WorkerPool {
+public:
+    // Threads that take part, the caller included; 0: one per processor. The threads start at the first run.
+    explicit WorkerPool(int threads);
+    ~WorkerPool();
+    WorkerPool(const WorkerPool&) = delete;
+    WorkerPool& operator=(const WorkerPool&) = delete;
+
+    int threadCount() const { return threads; }
+    // Calls task(thread, i) once for each i from 0 to count - 1, in any order. `task` does not throw.
+    using Task = std::function<void(std::int32_t thread, std::int32_t i)>;
+    void run(std::int32_t count, const Task& task);
+
+private:
+    void start();
+    void work(std::int32_t thread);
+    void takeIterations(std::int32_t thread);
+
+    const int threads;
+    std::vector<std::thread> workers;
+    std::mutex runMutex;  // held by the call that the workers serve
+    std::mutex mutex;     // guards what follows
+    std::condition_variable wake;
+    std::condition_variable done;
+    std::uint64_t generation = 0;
+    int busy = 0;
+    bool isStopping = false;
+    const Task* task = nullptr;
+    std::int32_t count = 0;
+    std::atomic<std::int64_t> next{0};  // runs past count by up to one per thread
+};
+
+}  // namespace perch

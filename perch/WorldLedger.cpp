@@ -1,0 +1,69 @@
+#include "WorldLedger.h"
+
+#include <fmt/format.h>
+
+#include "PF_Values.h"
+
+namespace perch {
+namespace {
+
+// More than any frame; keeps a hostile size from taking the machine's memory.
+constexpr std::int32_t kLargestExtent = 30000;
+// In strict mode, in pixels: rows are then longer than their pixels.
+constexpr std::int32_t kRowPadding = 3;
+
+std::int32_t pixelSize(bool isDeep) {
+    return static_cast<std::int32_t>(isDeep ? sizeof(PF_Pixel16) : sizeof(PF_Pixel));
+}
+
+}  // namespace
+
+PF_Err WorldLedger::allocate(std::int32_t width, std::int32_t height, bool isDeep, PF_EffectWorld& world,
+                             const char* callback) {
+    world = {};
+    if (width <= 0 || height <= 0 || width > kLargestExtent || height > kLargestExtent) {
+        ledger.fault(callback, fmt::format("a world of {} x {} pixels; each extent is 1 to {}", width, height,
+                                           kLargestExtent));
+        return PF_Err_BAD_CALLBACK_PARAM;
+    }
+    const std::int32_t padding = ledger.isStrict() ? kRowPadding * pixelSize(isDeep) : 0;
+    auto owned = std::make_unique<World>(width, height, isDeep, padding);
+    world = owned->record();
+    const std::lock_guard lock(mutex);
+    disposed.erase(world.data);
+    worlds.emplace(world.data, Entry{std::move(owned)});
+    return PF_Err_NONE;
+}
+
+PF_Err WorldLedger::dispose(PF_EffectWorld* world, const char* callback) {
+    const std::lock_guard lock(mutex);
+    const void* data = world != nullptr ? world->data : nullptr;
+    const auto entry = worlds.find(data);
+    if (entry == worlds.end()) {
+        ledger.fault(callback, disposed.count(data) > 0 ? "the world has been disposed before"
+                               : data == nullptr        ? "the world has no pixels"
+                                                        : "the world is not one that the effect asked for");
+        return PF_Err_BAD_CALLBACK_PARAM;
+    }
+    if (const std::string damage = entry->second.world->damage(); !damage.empty())
+        ledger.fault(callback, damage);
+    worlds.erase(entry);
+    disposed.insert(data);
+    *world = {};
+    return PF_Err_NONE;
+}
+
+void WorldLedger::reportOpen() {
+    const std::lock_guard lock(mutex);
+    for (auto& [data, entry] : worlds) {
+        if (entry.isReported) continue;
+        entry.isReported = true;
+        if (const std::string damage = entry.world->damage(); !damage.empty())
+            ledger.fault("new_world", damage);
+        ledger.fault("new_world",
+                     fmt::format("a world of {} x {} pixels was not disposed by the end of the command",
+                                 entry.world->width(), entry.world->height()));
+    }
+}
+
+}  // namespace perch

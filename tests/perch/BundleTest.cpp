@@ -1,0 +1,138 @@
+#include "Bundle.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "ResourceBytes.h"
+#include "TemporaryFolder.h"
+
+namespace perch {
+namespace {
+
+using namespace test;
+namespace fs = std::filesystem;
+
+const std::string kReport = PERCH_TEST_PLUGINS "/Report.so";
+const std::string kShallow = PERCH_TEST_PLUGINS "/Shallow.so";
+
+void write(const fs::path& path, const std::string& bytes) {
+    fs::create_directories(path.parent_path());
+    std::ofstream(path, std::ios::binary) << bytes;
+}
+
+std::string resources(const std::string& entryPoint) {
+    const std::string list = propertyList({{PiPL_KIND, bigEndian(PiPL_KIND_EFFECT)},
+                                           {PiPL_NAME, pascal("Made")},
+                                           {PiPL_ENTRY_MAC_INTEL, pascal(entryPoint)},
+                                           {PiPL_ENTRY_MAC_ARM, pascal(entryPoint)}});
+    return resourceFile({{PiPL_RESOURCE_TYPE, PiPL_RESOURCE_ID, list}});
+}
+
+class BundleTest : public testing::Test {
+protected:
+    // A bundle of this name around the library.
+    fs::path makeBundle(const std::string& name, const fs::path& library) {
+        const fs::path bundle = folder / name;
+        const fs::path code = bundle / "Contents" / "Linux-" PERCH_ARCHITECTURE;
+        fs::create_directories(code);
+        fs::copy_file(library, code / bundle.stem().concat(".so"));
+        return bundle;
+    }
+
+    // What opening and loading throws, the test's folder cut out.
+    std::string failure(const fs::path& path) const {
+        try {
+            loadLibrary(openBundle(path));
+        } catch (const Error& error) {
+            std::string text = error.what();
+            const std::string own = folder.path.string() + "/";
+            for (std::size_t at = text.find(own); at != std::string::npos; at = text.find(own))
+                text.erase(at, own.size());
+            return text;
+        }
+        return "nothing was thrown";
+    }
+
+    TemporaryFolder folder;
+};
+
+TEST_F(BundleTest, BareLibraryHasNoPropertyListAndTheUsualEntryPoints) {
+    const Bundle bundle = openBundle(kReport);
+    EXPECT_FALSE(bundle.propertyList);
+    EXPECT_EQ(loadLibrary(bundle).symbol, "EffectMain");
+    EXPECT_EQ(loadLibrary(openBundle(kShallow)).symbol, "PluginMain");
+}
+
+TEST_F(BundleTest, EntryPointOfABundleIsThatOfItsPropertyList) {
+    const fs::path path = makeBundle("Made.plugin", kReport);
+    write(path / "Contents/Resources/Made.rsrc", resources("EffectMain"));
+    const Bundle bundle = openBundle(path / "");
+    ASSERT_TRUE(bundle.propertyList);
+    EXPECT_EQ(bundle.propertyList->name, "Made");
+    const LoadedLibrary loaded = loadLibrary(bundle);
+    EXPECT_EQ(loaded.symbol, "EffectMain");
+    EXPECT_NE(loaded.entryPoint, nullptr);
+}
+
+TEST_F(BundleTest, BundleWithoutResourcesIsLoadedLikeABareLibrary) {
+    EXPECT_EQ(failure(makeBundle("Made.plugin", kReport)), "nothing was thrown");
+}
+
+TEST_F(BundleTest, EffectsThatCannotBeLoadedAreRefusedWithTheMend) {
+    const fs::path bundle = makeBundle("Wrong.plugin", kReport);
+    write(bundle / "Contents/Resources/Wrong.rsrc", resources("OtherMain"));
+    const fs::path damaged = makeBundle("Damaged.plugin", kReport);
+    write(damaged / "Contents/Resources/Damaged.rsrc", resources("EffectMain").substr(0, 300));
+    const fs::path empty = makeBundle("Empty.plugin", kReport);
+    write(empty / "Contents/Resources/Empty.rsrc", "");
+    const fs::path foreign = folder / "Foreign.plugin";
+    fs::create_directories(foreign / "Contents/MacOS");
+    const fs::path crowded = folder / "Crowded.plugin";
+    const std::string code = "Contents/Linux-" PERCH_ARCHITECTURE;
+    write(crowded / code / "a.so", "");
+    write(crowded / code / "b.so", "");
+    write(folder / "text.so", "no library");
+
+    const std::pair<fs::path, std::string> cases[] = {
+        {folder / "none.plugin", "there is no plug-in \"none.plugin\"; name a .plugin folder or a .so file"},
+        {bundle, "\"Wrong.plugin/" + code + "/Wrong.so\" is no effect: it exports no OtherMain"},
+        {damaged,
+         "\"Damaged.plugin/Contents/Resources/Damaged.rsrc\" is damaged: its header names bytes beyond the "
+         "end of the file; install the plug-in again"},
+        {empty,
+         "\"Empty.plugin/Contents/Resources/Empty.rsrc\" is damaged: its header is cut short; install the "
+         "plug-in again"},
+        {foreign,
+         "\"Foreign.plugin\" has no library for this machine; expected a .so file in \"Foreign.plugin/" +
+             code + "\""},
+        {crowded,
+         "\"Crowded.plugin/" + code + "\" has several files and none named after the bundle: a.so, b.so"},
+        {folder / "text.so", "cannot load \"text.so\": file too short"},
+    };
+    for (const auto& [path, sentence] : cases)
+        EXPECT_EQ(failure(path), sentence);
+}
+
+TEST_F(BundleTest, BundleBesideTheProgramIsFoundInItsFolderThenAboveThenInLib) {
+    const fs::path program = folder / "bin";
+    fs::create_directories(program);
+    const fs::path places[] = {folder / "lib", folder.path, program};  // from the last to the first looked at
+    EXPECT_THROW(findBundleBeside(program), Error);
+    for (const fs::path& place : places) {
+        fs::create_directories(place / "One.plugin");
+        EXPECT_EQ(findBundleBeside(program), place / "One.plugin");
+    }
+    fs::create_directories(program / "Two.plugin");
+    try {
+        findBundleBeside(program);
+        FAIL() << "nothing was thrown";
+    } catch (const Error& error) {
+        EXPECT_EQ(error.what(),
+                  "\"" + program.string() +
+                      "\" has several plug-ins: One.plugin, Two.plugin; choose one with --plugin");
+    }
+}
+
+}  // namespace
+}  // namespace perch

@@ -1,0 +1,265 @@
+#include "PixelOps.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+
+#include "PF_Values.h"
+#include "PixelAccess.h"
+#include "World.h"
+
+namespace perch::test {
+namespace {
+
+template <class P>
+constexpr bool kDeep = sizeof(P) == sizeof(PF_Pixel16);
+
+template <class P>
+P& at(World& world, std::int32_t x, std::int32_t y) {
+    return rowOf<P>(world.record(), y)[x];
+}
+
+template <class P>
+bool same(const P& a, const P& b) {
+    return a.alpha == b.alpha && a.red == b.red && a.green == b.green && a.blue == b.blue;
+}
+
+template <class P>
+P grey(std::uint32_t alpha, std::uint32_t value) {
+    const auto v = static_cast<ChannelOf<P>>(value);
+    return {static_cast<ChannelOf<P>>(alpha), v, v, v};
+}
+
+// Random pixels in padded rows.
+template <class P>
+World noise(std::int32_t width, std::int32_t height, unsigned seed) {
+    World world(width, height, kDeep<P>, 3 * static_cast<std::int32_t>(sizeof(P)));
+    std::mt19937 random(seed);
+    const auto channel = [&] { return static_cast<ChannelOf<P>>(random() % (kWhite<P> + 1)); };
+    for (std::int32_t y = 0; y < height; ++y) {
+        for (std::int32_t x = 0; x < width; ++x)
+            at<P>(world, x, y) = {channel(), channel(), channel(), channel()};
+    }
+    return world;
+}
+
+template <class P>
+World filled(std::int32_t width, std::int32_t height, P value) {
+    World world(width, height, kDeep<P>);
+    for (std::int32_t y = 0; y < height; ++y)
+        std::fill_n(rowOf<P>(world.record(), y), width, value);
+    return world;
+}
+
+PF_FloatMatrix scaleBy(double x, double y) {
+    return {{{x, 0, 0}, {0, y, 0}, {0, 0, 1}}};
+}
+
+constexpr Placement kCopy{PF_Xfer_COPY, 1.0, false};
+
+template <class P>
+class PixelOpsTest : public testing::Test {};
+using Depths = testing::Types<PF_Pixel, PF_Pixel16>;
+TYPED_TEST_SUITE(PixelOpsTest, Depths);
+
+TYPED_TEST(PixelOpsTest, BlendIsExactAtItsEnds) {
+    World a = noise<TypeParam>(9, 4, 1);
+    World b = noise<TypeParam>(9, 4, 2);
+    World out = noise<TypeParam>(9, 4, 3);
+    ASSERT_EQ(blendWorlds(a.record(), b.record(), 0, out.record()), PF_Err_NONE);
+    EXPECT_EQ(out.checksum(), a.checksum());
+    ASSERT_EQ(blendWorlds(a.record(), b.record(), 65536, out.record()), PF_Err_NONE);
+    EXPECT_EQ(out.checksum(), b.checksum());
+    EXPECT_EQ(out.damage(), "");
+}
+
+TYPED_TEST(PixelOpsTest, BlendWeighsColoursByAlpha) {
+    using P = TypeParam;
+    constexpr std::uint32_t kOne = kWhite<P>;
+    World a = filled(1, 1, grey<P>(kOne, 100));
+    World b = filled(1, 1, grey<P>(0, 7));
+    World out = filled(1, 1, grey<P>(0, 0));
+    ASSERT_EQ(blendWorlds(a.record(), b.record(), 32768, out.record()), PF_Err_NONE);
+    EXPECT_EQ(at<P>(out, 0, 0).alpha, (kOne + 1) / 2);
+    EXPECT_EQ(at<P>(out, 0, 0).red, 100);
+}
+
+TYPED_TEST(PixelOpsTest, BlendMayWriteOverASource) {
+    World a = noise<TypeParam>(9, 4, 1);
+    World b = noise<TypeParam>(9, 4, 2);
+    World out = noise<TypeParam>(9, 4, 3);
+    ASSERT_EQ(blendWorlds(a.record(), b.record(), 20000, out.record()), PF_Err_NONE);
+    ASSERT_EQ(blendWorlds(a.record(), b.record(), 20000, a.record()), PF_Err_NONE);
+    EXPECT_EQ(a.checksum(), out.checksum());
+}
+
+TYPED_TEST(PixelOpsTest, WorldsOfOtherSizeOrDepthAreRefused) {
+    World a = noise<TypeParam>(9, 4, 1);
+    World small = noise<TypeParam>(8, 4, 2);
+    World other(9, 4, !kDeep<TypeParam>);
+    const std::uint64_t before = a.checksum();
+    EXPECT_EQ(blendWorlds(a.record(), small.record(), 1000, a.record()), PF_Err_BAD_CALLBACK_PARAM);
+    EXPECT_EQ(blendWorlds(a.record(), other.record(), 1000, a.record()), PF_Err_BAD_CALLBACK_PARAM);
+    EXPECT_EQ(copyWorld(other.record(), nullptr, a.record(), nullptr), PF_Err_BAD_CALLBACK_PARAM);
+    EXPECT_EQ(transformWorld(other.record(), scaleBy(1, 1), true, kCopy, nullptr, a.record()),
+              PF_Err_BAD_CALLBACK_PARAM);
+    EXPECT_EQ(a.checksum(), before);
+}
+
+TYPED_TEST(PixelOpsTest, CopyClipsBothRectanglesTogether) {
+    using P = TypeParam;
+    World from = noise<P>(6, 5, 1);
+    World to = filled(4, 4, grey<P>(1, 2));
+    const PF_Rect source{-1, -2, 3, 2};
+    const PF_Rect target{2, 0, 6, 4};
+    ASSERT_EQ(copyWorld(from.record(), &source, to.record(), &target), PF_Err_NONE);
+    for (std::int32_t y = 0; y < 4; ++y) {
+        for (std::int32_t x = 0; x < 4; ++x) {
+            const bool isCopied = x == 3 && y >= 2;
+            const P expected = isCopied ? at<P>(from, x - 3, y - 2) : grey<P>(1, 2);
+            EXPECT_TRUE(same(at<P>(to, x, y), expected)) << x << ", " << y;
+        }
+    }
+}
+
+TYPED_TEST(PixelOpsTest, FillStaysInItsRectangle) {
+    using P = TypeParam;
+    World world = filled(5, 4, grey<P>(9, 9));
+    const P color = grey<P>(3, 4);
+    const PF_Rect area{3, -7, 99, 2};
+    ASSERT_EQ(fillWorld(&color, &area, world.record()), PF_Err_NONE);
+    for (std::int32_t y = 0; y < 4; ++y) {
+        for (std::int32_t x = 0; x < 5; ++x) {
+            EXPECT_TRUE(same(at<P>(world, x, y), x >= 3 && y < 2 ? color : grey<P>(9, 9))) << x << ", " << y;
+        }
+    }
+}
+
+TYPED_TEST(PixelOpsTest, OpaquePixelsSurvivePremultiplication) {
+    using P = TypeParam;
+    World world = filled(2, 1, grey<P>(kWhite<P>, 77));
+    at<P>(world, 1, 0) = grey<P>(0, 77);
+    ASSERT_EQ(premultiplyWorld(true, world.record()), PF_Err_NONE);
+    EXPECT_TRUE(same(at<P>(world, 0, 0), grey<P>(kWhite<P>, 77)));
+    EXPECT_TRUE(same(at<P>(world, 1, 0), grey<P>(0, 0)));
+}
+
+TYPED_TEST(PixelOpsTest, IdentityIsACopy) {
+    World from = noise<TypeParam>(7, 5, 1);
+    for (std::int32_t y = 0; y < 5; ++y) {
+        for (std::int32_t x = 0; x < 7; ++x)
+            at<TypeParam>(from, x, y).alpha = kWhite<TypeParam>;
+    }
+    World to = noise<TypeParam>(7, 5, 2);
+    ASSERT_EQ(transformWorld(from.record(), scaleBy(1, 1), true, kCopy, nullptr, to.record()), PF_Err_NONE);
+    EXPECT_EQ(to.checksum(), from.checksum());
+    EXPECT_EQ(to.damage(), "");
+}
+
+TYPED_TEST(PixelOpsTest, UniformPictureStaysUniformAtEveryScale) {
+    using P = TypeParam;
+    const P value = grey<P>(kWhite<P>, kWhite<P> * 2 / 3);
+    for (const auto& [width, height] : {std::pair{1, 1}, {5, 9}, {40, 3}, {13, 64}}) {
+        World from = filled(11, 7, value);
+        World to(width, height, kDeep<P>, 3 * static_cast<std::int32_t>(sizeof(P)));
+        ASSERT_EQ(transformWorld(from.record(), scaleBy(width / 11.0, height / 7.0), true, kCopy, nullptr,
+                                 to.record()),
+                  PF_Err_NONE);
+        for (std::int32_t y = 0; y < height; ++y) {
+            for (std::int32_t x = 0; x < width; ++x) {
+                ASSERT_TRUE(same(at<P>(to, x, y), value))
+                    << width << " x " << height << " at " << x << ", " << y;
+            }
+        }
+        EXPECT_EQ(to.damage(), "");
+    }
+}
+
+TYPED_TEST(PixelOpsTest, HalvingTakesTheMeanOfFour) {
+    using P = TypeParam;
+    World from = noise<P>(8, 6, 5);
+    for (std::int32_t y = 0; y < 6; ++y) {
+        for (std::int32_t x = 0; x < 8; ++x)
+            at<P>(from, x, y).alpha = kWhite<P>;
+    }
+    World to(4, 3, kDeep<P>);
+    ASSERT_EQ(transformWorld(from.record(), scaleBy(0.5, 0.5), true, kCopy, nullptr, to.record()),
+              PF_Err_NONE);
+    for (std::int32_t y = 0; y < 3; ++y) {
+        for (std::int32_t x = 0; x < 4; ++x) {
+            const std::uint32_t sum = 0U + at<P>(from, 2 * x, 2 * y).red + at<P>(from, 2 * x + 1, 2 * y).red +
+                                      at<P>(from, 2 * x, 2 * y + 1).red +
+                                      at<P>(from, 2 * x + 1, 2 * y + 1).red;
+            EXPECT_EQ(at<P>(to, x, y).red, (sum + 2) / 4) << x << ", " << y;
+        }
+    }
+}
+
+TYPED_TEST(PixelOpsTest, DoublingInterpolatesBetweenCentres) {
+    using P = TypeParam;
+    World from(2, 1, kDeep<P>);
+    at<P>(from, 0, 0) = grey<P>(kWhite<P>, 0);
+    at<P>(from, 1, 0) = grey<P>(kWhite<P>, 200);
+    World to(4, 1, kDeep<P>);
+    ASSERT_EQ(transformWorld(from.record(), scaleBy(2, 1), true, kCopy, nullptr, to.record()), PF_Err_NONE);
+    const std::uint32_t expected[] = {0, 50, 150, 200};
+    for (std::int32_t x = 0; x < 4; ++x)
+        EXPECT_EQ(at<P>(to, x, 0).red, expected[x]) << x;
+}
+
+TYPED_TEST(PixelOpsTest, TransparentColoursDoNotBleed) {
+    using P = TypeParam;
+    World from(2, 1, kDeep<P>);
+    at<P>(from, 0, 0) = grey<P>(kWhite<P>, 90);
+    at<P>(from, 1, 0) = grey<P>(0, 255);
+    World to(1, 1, kDeep<P>);
+    ASSERT_EQ(transformWorld(from.record(), scaleBy(0.5, 1), true, kCopy, nullptr, to.record()), PF_Err_NONE);
+    EXPECT_EQ(at<P>(to, 0, 0).red, 90);
+    EXPECT_EQ(at<P>(to, 0, 0).alpha, (kWhite<P> + 1) / 2);
+}
+
+TYPED_TEST(PixelOpsTest, QuarterTurnMovesEveryPixel) {
+    using P = TypeParam;
+    World from = noise<P>(4, 4, 3);
+    for (std::int32_t y = 0; y < 4; ++y) {
+        for (std::int32_t x = 0; x < 4; ++x)
+            at<P>(from, x, y).alpha = kWhite<P>;
+    }
+    World to(4, 4, kDeep<P>);
+    const PF_FloatMatrix turn = {{{0, 1, 0}, {-1, 0, 0}, {4, 0, 1}}};  // (x, y) to (4 - y, x)
+    ASSERT_EQ(transformWorld(from.record(), turn, true, kCopy, nullptr, to.record()), PF_Err_NONE);
+    for (std::int32_t y = 0; y < 4; ++y) {
+        for (std::int32_t x = 0; x < 4; ++x) {
+            EXPECT_TRUE(same(at<P>(to, 3 - y, x), at<P>(from, x, y))) << x << ", " << y;
+        }
+    }
+}
+
+TYPED_TEST(PixelOpsTest, MatrixWithoutInverseIsRefused) {
+    World from = noise<TypeParam>(4, 4, 3);
+    World to = noise<TypeParam>(4, 4, 4);
+    const std::uint64_t before = to.checksum();
+    EXPECT_EQ(transformWorld(from.record(), scaleBy(0, 1), true, kCopy, nullptr, to.record()),
+              PF_Err_BAD_CALLBACK_PARAM);
+    EXPECT_EQ(to.checksum(), before);
+}
+
+TYPED_TEST(PixelOpsTest, CompositeStaysInBothWorlds) {
+    using P = TypeParam;
+    World from = filled(4, 4, grey<P>(kWhite<P>, 11));
+    for (const auto& [x, y] : {std::pair{-2, -3}, {3, 2}, {-9, 0}, {0, 9}}) {
+        World to(5, 5, kDeep<P>, 3 * static_cast<std::int32_t>(sizeof(P)));
+        ASSERT_EQ(compositeWorld(from.record(), nullptr, kCopy, x, y, to.record()), PF_Err_NONE);
+        for (std::int32_t row = 0; row < 5; ++row) {
+            for (std::int32_t column = 0; column < 5; ++column) {
+                const bool inside = column >= x && column < x + 4 && row >= y && row < y + 4;
+                EXPECT_EQ(at<P>(to, column, row).red, inside ? 11 : 0) << column << ", " << row;
+            }
+        }
+        EXPECT_EQ(to.damage(), "");
+    }
+}
+
+}  // namespace
+}  // namespace perch::test

@@ -1,0 +1,73 @@
+#include "WorkerPool.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <numeric>
+#include <set>
+
+namespace perch::test {
+namespace {
+
+class WorkerPoolTest : public testing::TestWithParam<int> {};
+
+TEST_P(WorkerPoolTest, EachIterationRunsOnceForEveryCount) {
+    WorkerPool pool(GetParam());
+    for (const std::int32_t count : {0, 1, 2, 3, 64, 1000}) {
+        std::vector<std::atomic<int>> runs(static_cast<std::size_t>(count));
+        pool.run(count, [&](std::int32_t, std::int32_t i) { ++runs[static_cast<std::size_t>(i)]; });
+        for (std::int32_t i = 0; i < count; ++i)
+            EXPECT_EQ(runs[static_cast<std::size_t>(i)], 1) << "iteration " << i << " of " << count;
+    }
+}
+
+TEST_P(WorkerPoolTest, ThreadZeroIsTheCaller) {
+    WorkerPool pool(GetParam());
+    const std::thread::id caller = std::this_thread::get_id();
+    std::atomic<int> mismatches{0};
+    std::atomic<int> outside{0};
+    pool.run(500, [&](std::int32_t thread, std::int32_t) {
+        if ((thread == 0) != (std::this_thread::get_id() == caller)) ++mismatches;
+        if (thread < 0 || thread >= GetParam()) ++outside;
+    });
+    EXPECT_EQ(mismatches, 0);
+    EXPECT_EQ(outside, 0);
+}
+
+TEST_P(WorkerPoolTest, RunWithinARunStaysOnItsThread) {
+    WorkerPool pool(GetParam());
+    std::atomic<int> inner{0};
+    std::atomic<int> strayed{0};
+    pool.run(20, [&](std::int32_t, std::int32_t) {
+        const std::thread::id outer = std::this_thread::get_id();
+        pool.run(5, [&](std::int32_t, std::int32_t) {
+            ++inner;
+            if (std::this_thread::get_id() != outer) ++strayed;
+        });
+    });
+    EXPECT_EQ(inner, 100);
+    EXPECT_EQ(strayed, 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(ThreadCounts, WorkerPoolTest, testing::Values(1, 2, 3, 8, 64),
+                         [](const auto& test) { return "Threads" + std::to_string(test.param); });
+
+TEST(WorkerPoolSizeTest, ZeroAsksForOneThreadPerProcessor) {
+    EXPECT_EQ(WorkerPool(0).threadCount(),
+              static_cast<int>(std::max(1U, std::thread::hardware_concurrency())));
+}
+
+TEST(WorkerPoolSizeTest, WorkersStayFromRunToRun) {
+    WorkerPool pool(4);
+    std::mutex mutex;
+    std::set<std::thread::id> ids;
+    for (int run = 0; run < 50; ++run)
+        pool.run(40, [&](std::int32_t, std::int32_t) {
+            const std::lock_guard lock(mutex);
+            ids.insert(std::this_thread::get_id());
+        });
+    EXPECT_LE(ids.size(), 4U);
+}
+
+}  // namespace
+}  // namespace perch::test

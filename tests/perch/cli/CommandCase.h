@@ -1,0 +1,34 @@
+// Command lines with what they must answer, kept in files:
+//
+//     $ perch render -i input.png
+//     exit 2
+//     --- stdout
+//     --- stderr
+//     perch: --output is missing; see perch render --help
+//
+// {plugins} stands for the folder of test effects. Several commands in one file run one after another in the
+// same folder.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace perch::test {
+
+struct CommandCase {
+    std::string command;
+    int status = 0;
+    std::string out;
+    std::string err;
+};
+
+std::vector<CommandCase> readCases(const std::filesystem::path& file);
+void writeCases(const std::filesystem::path& file, const std::vector<CommandCase>& cases);
+
+// The words of a command line, separated by blanks; double quotes keep blanks.
+std::vector<std::string> wordsOf(const std::string& command);
+
+std::string replaceAll(std::string text, const std::string& from, const std::string& to);
+
+}  // namespace perch::test

@@ -1,0 +1,168 @@
+// Every file of cases/ run against the built program. With --rewrite the files take what the program
+// answered.
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <cstdint>
+
+#include "CommandCase.h"
+#include "PictureFiles.h"
+#include "Program.h"
+#include "TemporaryFolder.h"
+
+namespace perch::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+bool isRewriting = false;
+
+template <typename T>
+std::vector<T> ramp(std::size_t size, unsigned step) {
+    std::vector<T> samples(size);
+    unsigned value = 0;
+    for (T& sample : samples)
+        sample = static_cast<T>(value += step);
+    return samples;
+}
+
+// A folder with the pictures that the cases name.
+class CommandLine {
+public:
+    CommandLine() {
+        fs::create_directory(folder);
+        const FileShape rgba{6, 4, 4};
+        const FileShape rgb{6, 4, 3};
+        writeFile(folder / "rgba8.png", rgba, ramp<std::uint8_t>(96, 5));
+        writeFile(folder / "rgba16.png", rgba, ramp<std::uint16_t>(96, 1237));
+        writeFile(folder / "rgb8.png", rgb, ramp<std::uint8_t>(72, 3));
+        writeFile(folder / "matte.png", {3, 2, 1}, ramp<std::uint16_t>(6, 9000));
+        writeFile(folder / "float.exr", {1, 1, 4}, std::vector<float>(4));
+        writeBytes(folder / "text.png", "not a picture");
+        writeBytes(folder / "cut.png", bytesOf(folder / "rgba16.png").substr(0, 100));
+        fs::create_directory(folder / "Empty.plugin");
+    }
+
+    ProgramResult run(const std::string& command) const {
+        ProgramResult result = runProgram(commandOf(command), folder);
+        result.out = replaceAll(result.out, PERCH_TEST_PLUGINS, "{plugins}");
+        result.err = replaceAll(result.err, PERCH_TEST_PLUGINS, "{plugins}");
+        return result;
+    }
+
+    std::vector<std::string> commandOf(const std::string& command) const {
+        std::vector<std::string> words = wordsOf(replaceAll(command, "{plugins}", PERCH_TEST_PLUGINS));
+        words.front() = PERCH_PROGRAM;
+        return words;
+    }
+
+    std::vector<std::string> files() const {
+        std::vector<std::string> names;
+        for (const fs::directory_entry& entry : fs::directory_iterator(folder))
+            names.push_back(entry.path().filename());
+        std::ranges::sort(names);
+        return names;
+    }
+
+private:
+    TemporaryFolder parent;
+
+public:
+    const fs::path folder = parent / "work";
+};
+
+class CommandLineTest : public testing::TestWithParam<fs::path> {};
+
+TEST_P(CommandLineTest, AnswersAsItsFileSays) {
+    std::vector<CommandCase> cases = readCases(GetParam());
+    ASSERT_FALSE(cases.empty());
+    const CommandLine commandLine;
+    for (CommandCase& expected : cases) {
+        const ProgramResult result = commandLine.run(expected.command);
+        if (isRewriting) {
+            expected = {expected.command, result.status, result.out, result.err};
+            continue;
+        }
+        EXPECT_EQ(result.status, expected.status) << expected.command;
+        EXPECT_EQ(result.out, expected.out) << expected.command;
+        EXPECT_EQ(result.err, expected.err) << expected.command;
+    }
+    if (isRewriting) writeCases(GetParam(), cases);
+}
+
+std::vector<fs::path> caseFiles() {
+    std::vector<fs::path> files;
+    for (const fs::directory_entry& entry : fs::directory_iterator(PERCH_CASES))
+        files.push_back(entry.path());
+    std::ranges::sort(files);
+    return files;
+}
+
+INSTANTIATE_TEST_SUITE_P(Case, CommandLineTest, testing::ValuesIn(caseFiles()),
+                         [](const auto& file) { return file.param.stem().string(); });
+
+const char kRender[] = "perch render --plugin {plugins}/Report.so -i rgba8.png -o out.png";
+
+TEST(RenderCommandTest, EightBitPictureThatTheEffectCopiesComesBackUnchanged) {
+    const CommandLine commandLine;
+    for (const std::string name : {"rgba8.png", "rgb8.png"}) {
+        const ProgramResult result =
+            commandLine.run("perch render --plugin {plugins}/Report.so -o out.png -i " + name);
+        ASSERT_EQ(result.status, 0) << name << ": " << result.err;
+        EXPECT_EQ(bytesOf(commandLine.folder / "out.png"), bytesOf(commandLine.folder / name)) << name;
+    }
+}
+
+// The first render rounds the file's codes to those of the host.
+TEST(RenderCommandTest, SixteenBitPictureThatTheEffectCopiesStaysTheSameFromTheFirstRenderOn) {
+    const CommandLine commandLine;
+    ASSERT_EQ(commandLine.run("perch render --plugin {plugins}/Report.so -i rgba16.png -o once.png").status,
+              0);
+    ASSERT_EQ(commandLine.run("perch render --plugin {plugins}/Report.so -i once.png -o twice.png").status,
+              0);
+    EXPECT_EQ(bytesOf(commandLine.folder / "twice.png"), bytesOf(commandLine.folder / "once.png"));
+    EXPECT_NE(bytesOf(commandLine.folder / "once.png"), bytesOf(commandLine.folder / "rgba16.png"));
+}
+
+TEST(RenderCommandTest, SameCommandGivesTheSameBytesOnAnyNumberOfThreads) {
+    const CommandLine commandLine;
+    std::string first;
+    for (const std::string threads : {"0", "1", "7", "64"}) {
+        ASSERT_EQ(commandLine.run(kRender + (" --threads " + threads)).status, 0) << threads;
+        const std::string bytes = bytesOf(commandLine.folder / "out.png");
+        if (first.empty()) first = bytes;
+        EXPECT_EQ(bytes, first) << threads;
+    }
+}
+
+TEST(RenderCommandTest, FailedRenderLeavesTheOutputAndTheFolderAsTheyWere) {
+    const CommandLine commandLine;
+    writeBytes(commandLine.folder / "out.png", "before");
+    const std::vector<std::string> files = commandLine.files();
+    EXPECT_EQ(commandLine.run(std::string(kRender) + " --fail-with 512").status, 1);
+    EXPECT_EQ(bytesOf(commandLine.folder / "out.png"), "before");
+    EXPECT_EQ(commandLine.files(), files);
+}
+
+TEST(RenderCommandTest, InterruptReachesTheEffectAndLeavesNoFile) {
+    const CommandLine commandLine;
+    const std::vector<std::string> files = commandLine.files();
+    RunningProgram program(commandLine.commandOf(std::string(kRender) + " --wait-for-cancel"),
+                           commandLine.folder);
+    ASSERT_TRUE(program.waitUntilItCatches(SIGINT)) << program.finish().err;
+    program.send(SIGINT);
+    const ProgramResult result = program.finish();
+    EXPECT_EQ(result.status, 130);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err, "perch: interrupted; nothing was written\n");
+    EXPECT_EQ(commandLine.files(), files);
+}
+
+}  // namespace
+}  // namespace perch::test
+
+int main(int argc, char** argv) {
+    testing::InitGoogleTest(&argc, argv);
+    perch::test::isRewriting = argc > 1 && std::string(argv[1]) == "--rewrite";
+    return RUN_ALL_TESTS();
+}

@@ -1,0 +1,104 @@
+#include "Program.h"
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <cstdint>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <thread>
+
+namespace perch::test {
+namespace {
+
+std::string textOf(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+void sendTo(const std::filesystem::path& path, int descriptor) {
+    const int file = open(path.c_str(), O_CREAT | O_TRUNC | O_WRONLY, 0600);
+    if (file < 0 || dup2(file, descriptor) < 0) _exit(127);
+}
+
+[[noreturn]] void become(const std::vector<std::string>& command) {
+    std::vector<char*> arguments;
+    for (const std::string& argument : command)
+        arguments.push_back(const_cast<char*>(argument.c_str()));
+    arguments.push_back(nullptr);
+    execv(arguments.front(), arguments.data());
+    _exit(127);
+}
+
+// The signals that the process catches, bit n - 1 for signal n; none once it has ended.
+std::uint64_t caughtSignals(pid_t process) {
+    std::ifstream status("/proc/" + std::to_string(process) + "/status");
+    for (std::string word; status >> word;) {
+        if (word != "SigCgt:") continue;
+        std::uint64_t signals = 0;
+        status >> std::hex >> signals;
+        return signals;
+    }
+    return 0;
+}
+
+bool hasEnded(pid_t process) {
+    siginfo_t info{};
+    return waitid(P_PID, static_cast<id_t>(process), &info, WEXITED | WNOHANG | WNOWAIT) != 0 ||
+           info.si_pid != 0;
+}
+
+}  // namespace
+
+RunningProgram::RunningProgram(const std::vector<std::string>& command, const std::filesystem::path& folder)
+    : outPath(folder.string() + ".stdout"), errPath(folder.string() + ".stderr") {
+    process = fork();
+    if (process < 0) throw std::runtime_error("cannot start " + command.front());
+    if (process > 0) return;
+    sendTo(outPath, STDOUT_FILENO);
+    sendTo(errPath, STDERR_FILENO);
+    if (chdir(folder.c_str()) != 0) _exit(127);
+    become(command);
+}
+
+RunningProgram::~RunningProgram() {
+    if (process > 0) {
+        kill(process, SIGKILL);
+        waitpid(process, nullptr, 0);
+    }
+    std::error_code ignored;
+    std::filesystem::remove(outPath, ignored);
+    std::filesystem::remove(errPath, ignored);
+}
+
+bool RunningProgram::waitUntilItCatches(int signal) const {
+    const std::uint64_t bit = std::uint64_t{1} << (signal - 1);
+    while (!hasEnded(process)) {
+        if ((caughtSignals(process) & bit) != 0) return true;
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return false;
+}
+
+void RunningProgram::send(int signal) const {
+    kill(process, signal);
+}
+
+ProgramResult RunningProgram::finish() {
+    int status = 0;
+    waitpid(process, &status, 0);
+    process = -1;
+    constexpr int kSignalled = 128;
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : kSignalled + WTERMSIG(status), textOf(outPath),
+            textOf(errPath)};
+}
+
+ProgramResult runProgram(const std::vector<std::string>& command, const std::filesystem::path& folder) {
+    return RunningProgram(command, folder).finish();
+}
+
+}  // namespace perch::test

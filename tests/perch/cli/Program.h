@@ -1,0 +1,40 @@
+// Runs the built program as a shell would.
+#pragma once
+
+#include <sys/types.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace perch::test {
+
+struct ProgramResult {
+    int status = 0;  // exit status; 128 and the signal's number when one ended it
+    std::string out;
+    std::string err;
+};
+
+// A program under way, its outputs going to files.
+class RunningProgram {
+public:
+    // `command` is the program and its arguments; it runs in `folder`, and its outputs are kept beside it.
+    RunningProgram(const std::vector<std::string>& command, const std::filesystem::path& folder);
+    ~RunningProgram();
+    RunningProgram(const RunningProgram&) = delete;
+    RunningProgram& operator=(const RunningProgram&) = delete;
+
+    // Waits until the program has a handler for the signal; false when it ended before.
+    bool waitUntilItCatches(int signal) const;
+    void send(int signal) const;
+    ProgramResult finish();
+
+private:
+    const std::filesystem::path outPath;
+    const std::filesystem::path errPath;
+    pid_t process = -1;
+};
+
+ProgramResult runProgram(const std::vector<std::string>& command, const std::filesystem::path& folder);
+
+}  // namespace perch::test
