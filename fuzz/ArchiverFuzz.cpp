@@ -60,8 +60,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (std::size_t i = 0; i < operations && PassOne(data[i], from, to); ++i) {
     }
     char** const written = to.getHandle();
-    const auto count = static_cast<std::size_t>(from.position);
-    if (context.getHandleSize(written) != count || std::memcmp(*written, *stream, count) != 0) std::abort();
+    // A pixel is four reads, of which the stream's end may cut the last ones.
+    const std::size_t count = context.getHandleSize(written);
+    const auto read = static_cast<std::size_t>(from.position);
+    if (count > read || read - count > 3 || std::memcmp(*written, *stream, count) != 0) std::abort();
     context.disposeHandle(written);
     context.disposeHandle(stream);
     return 0;

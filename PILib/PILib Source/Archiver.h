@@ -4,8 +4,8 @@
 // the reader applies the operations of the writer in the same order. One archiver is used in one direction.
 // Writing: construct with a context, write, then take the handle with getHandle(); it is the caller's from
 // then on, and the archiver has no destructor work. Reading: construct over a handle that stays the caller's.
-// Reading past the end throws kEndOfArchive and moves nothing. A failure to allocate or resize is the
-// context's to throw.
+// Reading past the end throws kEndOfArchive and moves nothing (a pixel is four reads). A failure to allocate
+// or resize is the context's to throw.
 #pragma once
 
 #include <array>
