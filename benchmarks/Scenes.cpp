@@ -1,7 +1,10 @@
 #include "Scenes.h"
 
 #include <algorithm>
+#include <cmath>
+#include <cstdint>
 #include <random>
+#include <vector>
 
 namespace bench {
 
@@ -13,20 +16,94 @@ using PILib::ChannelBuf;
 using PILib::Pixel;
 using PILib::PixelBuf;
 
+constexpr std::uint32_t kObjectSeed = 1;
+constexpr std::uint32_t kGrainSeed = 2;
+constexpr std::uint32_t kNoiseSeed = 3;
+constexpr int kObjectCount = 24;
+
+// 0 up to but not including 1. The standard distributions may differ from one library to the next.
+float RandomShare(std::mt19937& random) {
+    return static_cast<float>(random() >> 8) * (1.0F / 16777216.0F);
+}
+
+struct Disc {
+    float x;  // centre, pixels
+    float y;
+    float radius;
+    float depth;  // 0 to 1; every third disc is in focus
+};
+
+std::vector<Disc> Discs(int width, int height) {
+    std::mt19937 random(kObjectSeed);
+    std::vector<Disc> discs;
+    for (int i = 0; i < kObjectCount; ++i) {
+        const float x = RandomShare(random) * static_cast<float>(width);
+        const float y = RandomShare(random) * static_cast<float>(height);
+        const float radius = (0.03F + 0.09F * RandomShare(random)) * static_cast<float>(height);
+        const float depth = RandomShare(random);
+        discs.push_back({x, y, radius, i % 3 == 0 ? 0.0F : depth});
+    }
+    return discs;
+}
+
+// Calls paint(element, distance to the centre) for every element of the disc.
+template <class T, class Paint>
+void PaintDisc(const PILib::FrameBuf<T>& buffer, const Disc& disc, Paint paint) {
+    const auto begin = [](float start) { return std::max(0, PILib::TruncToInt32(start)); };
+    const auto end = [](float last, int size) { return std::min(size, PILib::TruncToInt32(last) + 1); };
+    const int left = begin(disc.x - disc.radius);
+    const int right = end(disc.x + disc.radius, buffer.width);
+    const int bottom = end(disc.y + disc.radius, buffer.height);
+    for (int y = begin(disc.y - disc.radius); y < bottom; ++y) {
+        const auto row = buffer.row(y);
+        for (int x = left; x < right; ++x) {
+            const float distance = std::hypot(static_cast<float>(x) - disc.x, static_cast<float>(y) - disc.y);
+            if (distance < disc.radius) paint(row[x], distance);
+        }
+    }
+}
+
+// Nothing above the horizon and full below it, with a soft edge. `down` is a share of the height.
+float GroundAlpha(float down) {
+    return std::clamp((down - 0.25F) * 20.0F, 0.0F, 1.0F);
+}
+
+// Sets every element to value(across, down), both shares of the size; the result is one of full intensity.
+template <class C, class Value>
+void Fill(const ChannelBuf<C>& channel, Value value) {
+    const float perColumn = 1.0F / static_cast<float>(channel.width);
+    for (int y = 0; y < channel.height; ++y) {
+        const auto row = channel.row(y);
+        const float down = static_cast<float>(y) / static_cast<float>(channel.height);
+        for (int x = 0; x < row.size(); ++x)
+            row[x] = C::fromFloat(value(static_cast<float>(x) * perColumn, down));
+    }
+}
+
 template <class C>
-typename C::Type Share(int part, int whole) {
-    return static_cast<typename C::Type>(std::int64_t{C::kOne} * std::clamp(part, 0, whole) / whole);
+void FillWithObjects(const ChannelBuf<C>& channel) {
+    Fill(channel, [](float /*across*/, float down) { return 1.0F - 0.7F * down; });
+    for (const Disc& disc : Discs(channel.width, channel.height)) {
+        const auto depth = C::fromFloat(disc.depth);
+        PaintDisc(channel, disc, [depth](auto& value, float /*distance*/) { value = depth; });
+    }
+}
+
+template <class C>
+void FillWithNoise(const ChannelBuf<C>& channel) {
+    std::mt19937 random(kNoiseSeed);
+    Fill(channel, [&random](float /*across*/, float /*down*/) { return RandomShare(random); });
 }
 
 }  // namespace
 
 const char* NameOf(Matte matte) {
     switch (matte) {
-        case Matte::Ramp:
+        case Matte::kRamp:
             return "ramp";
-        case Matte::Objects:
+        case Matte::kObjects:
             return "objects";
-        case Matte::Noise:
+        case Matte::kNoise:
             return "noise";
     }
     return "";
@@ -34,43 +111,42 @@ const char* NameOf(Matte matte) {
 
 template <class C>
 void PaintBeauty(const PixelBuf<Pixel<C>>& picture) {
+    std::mt19937 random(kGrainSeed);
     for (int y = 0; y < picture.height; ++y) {
-        const auto row = picture.row(y);
-        const auto alpha = Share<C>(y * 8 - picture.height, picture.height);  // transparent, an edge, opaque
-        for (int x = 0; x < row.size(); ++x) {
-            row[x] = Pixel<C>(alpha, Share<C>((x * 7 + y) % 256, 255), Share<C>((x ^ y) % 256, 255),
-                              Share<C>((y * 3 + x / 2) % 256, 255));
+        const float down = static_cast<float>(y) / static_cast<float>(picture.height);
+        const auto alpha = C::fromFloat(GroundAlpha(down));
+        for (Pixel<C>& pixel : picture.row(y)) {
+            const float light = 0.5F * down + 0.4F * RandomShare(random);
+            pixel =
+                Pixel<C>(alpha, C::fromFloat(light), C::fromFloat(0.9F - light), C::fromFloat(0.8F * light));
         }
+    }
+    for (const Disc& disc : Discs(picture.width, picture.height)) {
+        PaintDisc(picture, disc, [&disc](Pixel<C>& pixel, float distance) {
+            const float alpha = std::min(1.0F, (1.0F - distance / disc.radius) * 8.0F);
+            pixel.alpha = std::max(pixel.alpha, C::fromFloat(alpha));
+            pixel.red = static_cast<typename C::Type>(C::kOne - pixel.red);
+        });
     }
 }
 
 template <class C>
-void PaintMatte(const ChannelBuf<C>& map, Matte matte) {
-    std::mt19937 random(1);  // NOLINT(bugprone-random-generator-seed,cert-msc51-cpp): the same at every run
-    for (int y = 0; y < map.height; ++y) {
-        const auto row = map.row(y);
-        for (int x = 0; x < row.size(); ++x) {
-            const bool inObject = x / 160 % 2 == 1 && y / 120 % 2 == 1;
-            switch (matte) {
-                case Matte::Ramp:
-                    row[x] = Share<C>(x, row.size());
-                    break;
-                case Matte::Objects:
-                    row[x] = inObject ? Share<C>((x / 160 + y / 120) % 5, 4) : Share<C>(y, map.height);
-                    break;
-                case Matte::Noise:
-                    row[x] = Share<C>(static_cast<int>(random() % 32769U), 32768);
-                    break;
-            }
-        }
+void PaintMatte(const ChannelBuf<C>& channel, Matte matte) {
+    switch (matte) {
+        case Matte::kRamp:
+            return Fill(channel, [](float across, float down) { return 0.5F * (across + down); });
+        case Matte::kObjects:
+            return FillWithObjects(channel);
+        case Matte::kNoise:
+            return FillWithNoise(channel);
     }
 }
 
 template <class C>
 void PaintControl(const PixelBuf<Pixel<C>>& control, Matte matte) {
-    const ChannelBuf<C> map(control.width, control.height);
-    PaintMatte(map, matte);
-    control.loadARGB(map);
+    const ChannelBuf<C> channel(control.width, control.height);
+    PaintMatte(channel, matte);
+    control.loadARGB(channel);
 }
 
 template void PaintBeauty(const PixelBuf<Pixel<Channel8>>&);

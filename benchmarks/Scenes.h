@@ -1,27 +1,28 @@
-// What the benchmarks render: a picture with real alpha and three kinds of depth matte, the same at every
-// run.
+// What the benchmarks render, in any size and at both depths. Everything is seeded: the same on every machine
+// and in every run.
 #pragma once
-
-#include <cstdint>
 
 #include "FrameBuffer.h"
 
 namespace bench {
 
-enum class Matte : std::int64_t {
-    Ramp,     // smooth from left to right
-    Objects,  // flat shapes with hard edges over a ramp
-    Noise,    // a depth of its own at every pixel
+// How the defocus varies across a frame, and with it how much neighbouring pixels share.
+enum class Matte {
+    kRamp,     // smooth: long runs of equal whole radius
+    kObjects,  // constant depths with hard edges, some in focus, before a ramp
+    kNoise,    // an unrelated value in every pixel
 };
+inline constexpr Matte kMattes[] = {Matte::kRamp, Matte::kObjects, Matte::kNoise};
 
 const char* NameOf(Matte matte);
 
-// Mostly opaque, with a transparent background at the top and soft edges.
+// Soft-edged objects before a transparent sky and an opaque ground, with grain.
 template <class C>
 void PaintBeauty(const PILib::PixelBuf<PILib::Pixel<C>>& picture);
 
+// Fills a control channel; 0 is in focus.
 template <class C>
-void PaintMatte(const PILib::ChannelBuf<C>& map, Matte matte);
+void PaintMatte(const PILib::ChannelBuf<C>& channel, Matte matte);
 
 // The matte as an opaque grey picture, as a control layer holds it.
 template <class C>

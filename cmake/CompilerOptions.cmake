@@ -38,6 +38,9 @@ endif()
 
 # The folder of a bundle that holds the library for this processor.
 string(REGEX REPLACE "^(x86_64|AMD64)$" "x86-64" KESTREL_ARCHITECTURE "${CMAKE_SYSTEM_PROCESSOR}")
+if(KESTREL_ARCHITECTURE STREQUAL "x86-64" AND CMAKE_SIZEOF_VOID_P EQUAL 4)
+  set(KESTREL_ARCHITECTURE x86)
+endif()
 
 if(KESTREL_SANITIZE)
   add_compile_options(-fsanitize=${KESTREL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)

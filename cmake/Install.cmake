@@ -5,8 +5,10 @@ set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/Kestrel")
 
 install(TARGETS pilib focus-core kestrel-numerics EXPORT KestrelTargets ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}")
 install(DIRECTORY "PILib/PILib Source/" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/kestrel/PILib"
-  FILES_MATCHING PATTERN "*.h")
+  FILES_MATCHING PATTERN "*.h" PATTERN SATBlurTables.h EXCLUDE)
 install(FILES focus-core/Kestrel.h DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/kestrel/focus-core")
+install(DIRECTORY "${CMAKE_BINARY_DIR}/Kestrel.plugin" DESTINATION "${CMAKE_INSTALL_LIBDIR}" USE_SOURCE_PERMISSIONS)
+install(TARGETS perch RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
 install(EXPORT KestrelTargets NAMESPACE Kestrel:: DESTINATION "${package_dir}")
 
 configure_package_config_file(cmake/KestrelConfig.cmake.in "${CMAKE_BINARY_DIR}/KestrelConfig.cmake"
