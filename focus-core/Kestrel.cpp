@@ -2,7 +2,6 @@
 
 #include <cmath>
 #include <cstdint>
-#include <limits>
 #include <memory>
 
 #include "SATTentBlur.h"
@@ -23,12 +22,6 @@ constexpr int kSupportedDepth = 82;
 
 bool Covers(const FrameBuffer& source, const FrameBuffer& output) {
     return source.width >= output.width && source.height >= output.height;
-}
-
-// A 16.16 share of a radius, truncated; beyond what 16.16 holds, the largest.
-std::int32_t FixedRadius(std::int32_t share, float radius) {
-    const float fixed = static_cast<float>(share) * radius;
-    return fixed >= 2147483648.0F ? std::numeric_limits<std::int32_t>::max() : PILib::TruncToInt32(fixed);
 }
 
 template <class P>
@@ -52,16 +45,8 @@ void RenderAtDepth(PILib::PIContext& context, const FrameBuffer& output, const F
 template <class P>
 void KestrelThreadHandler<P>::rowOp(PILib::PIContext& /*context*/, int row) {
     const auto out = output.row(row);
-    const auto in = input.row(row);
-    const auto map = control.row(row);
-    for (int x = 0; x < out.size(); ++x) {
-        if (map[x] == 0) {
-            out[x] = in[x];
-            continue;
-        }
-        const std::int32_t share = P::ChannelType::toFixed(map[x]);
-        out[x] = blur->getBlur(x, row, FixedRadius(share, radiusX), FixedRadius(share, radiusY));
-    }
+    blur->getBlurRow(row, control.row(row).begin(), input.row(row).begin(), out.begin(), out.size(), radiusX,
+                     radiusY);
 }
 
 template <class P>

@@ -5,6 +5,7 @@
 #include <limits>
 #include <new>
 
+#include "BlurRowDispatch.h"
 #include "SATBlurTables.h"
 
 namespace PILib {
@@ -24,6 +25,12 @@ std::int32_t MaxFixedRadius(std::int32_t border) {
         std::min<std::int64_t>(std::int64_t{border} << 15, std::numeric_limits<std::int32_t>::max()));
 }
 
+// A 16.16 share of a radius, truncated; beyond what 16.16 holds, the largest.
+std::int32_t FixedRadius(std::int32_t share, float radius) {
+    const float fixed = static_cast<float>(share) * radius;
+    return fixed >= 2147483648.0F ? std::numeric_limits<std::int32_t>::max() : TruncToInt32(fixed);
+}
+
 std::int32_t WithBorders(std::int32_t size, std::int64_t border) {
     const std::int64_t cells = size + 2 * border;
     if (cells > std::numeric_limits<std::int32_t>::max()) throw std::bad_alloc();
@@ -33,8 +40,8 @@ std::int32_t WithBorders(std::int32_t size, std::int64_t border) {
 }  // namespace
 
 template <class P>
-SATBlur<P>::SATBlur(PIContext& context, const FrameBuf<P>& source, int radiusX, int radiusY)
-    : width(source.width), height(source.height), context(context), source(source) {
+SATBlur<P>::SATBlur(PIContext& context, const FrameBuf<P>& source, int radiusX, int radiusY, SimdLevel level)
+    : width(source.width), height(source.height), context(context), source(source), level(level) {
     _Assert(radiusX >= 0 && radiusY >= 0, site::kRadiusNotNegative, site::kSATBlurFile);
     _Assert(width > 0 && height > 0, site::kSourceNotEmpty, site::kSATBlurFile);
 
@@ -60,8 +67,29 @@ template <class P>
 std::size_t SATBlur<P>::tableCells() const {
     const std::uint64_t cells =
         static_cast<std::uint64_t>(tableWidth) * static_cast<std::uint64_t>(tableHeight);
-    if (cells > std::numeric_limits<std::size_t>::max() / sizeof(double)) throw std::bad_alloc();
-    return static_cast<std::size_t>(cells);
+    if (cells > std::numeric_limits<std::size_t>::max() / (2 * sizeof(double))) throw std::bad_alloc();
+    return static_cast<std::size_t>(cells) + detail::kTableSlack;
+}
+
+template <class P>
+bool SATBlur<P>::hasRowKernel(float radiusX, float radiusY) const {
+    // Tables of one pixel's radius or less are clamped at both ends of the read-out; they are left to
+    // getBlur.
+    return level != SimdLevel::Scalar && borderX > 1 && borderY > 1 && radiusX <= detail::kLargestRowRadius &&
+           radiusY <= detail::kLargestRowRadius;
+}
+
+template <class P>
+void SATBlur<P>::getBlurRow(int y, const MapValue* map, const P* input, P* output, int count, float radiusX,
+                            float radiusY) {
+    for (int x = 0; x < count; ++x) {
+        if (map[x] == 0) {
+            output[x] = input[x];
+            continue;
+        }
+        const std::int32_t share = P::ChannelType::toFixed(map[x]);
+        output[x] = getBlur(x, y, FixedRadius(share, radiusX), FixedRadius(share, radiusY));
+    }
 }
 
 template <class P>
@@ -92,8 +120,9 @@ P SATBlur<P>::getBlur(int x, int y, std::int32_t radiusX, std::int32_t radiusY) 
 }
 
 template <class P>
-SATBoxBlur<P>::SATBoxBlur(PIContext& context, const FrameBuf<P>& source, int radiusX, int radiusY)
-    : SATBlur<P>(context, source, radiusX, radiusY),
+SATBoxBlur<P>::SATBoxBlur(PIContext& context, const FrameBuf<P>& source, int radiusX, int radiusY,
+                          SimdLevel level)
+    : SATBlur<P>(context, source, radiusX, radiusY, level),
       sumRed(std::make_unique_for_overwrite<std::uint32_t[]>(this->tableCells())),
       sumGreen(std::make_unique_for_overwrite<std::uint32_t[]>(this->tableCells())),
       sumBlue(std::make_unique_for_overwrite<std::uint32_t[]>(this->tableCells())),
@@ -137,6 +166,17 @@ P SATBoxBlur<P>::getBlurInt(int x, int y, int radiusX, int radiusY) {
         return static_cast<typename P::Type>(sum / area);
     };
     return P(mean(sumAlpha), mean(sumRed), mean(sumGreen), mean(sumBlue));
+}
+
+template <class P>
+void SATBoxBlur<P>::getBlurRow(int y, const typename P::Type* map, const P* input, P* output, int count,
+                               float radiusX, float radiusY) {
+    if (!this->hasRowKernel(radiusX, radiusY)) {
+        SATBlur<P>::getBlurRow(y, map, input, output, count, radiusX, radiusY);
+        return;
+    }
+    const auto kernel = detail::BoxRowKernel<typename P::ChannelType>(this->level);
+    kernel(detail::RowOf(*this, y, map, input, output, count, radiusX, radiusY));
 }
 
 template class SATBlur<Pixel<Channel8>>;

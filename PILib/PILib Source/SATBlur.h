@@ -13,6 +13,7 @@
 
 #include "FrameBuffer.h"
 #include "PIContext.h"
+#include "SimdLevel.h"
 
 namespace PILib {
 
@@ -21,7 +22,8 @@ class SATBlur {
 public:
     // `radiusX` and `radiusY` are the largest whole radii that will be asked for, not negative. They are
     // lowered together, and silently, where the 32-bit sums of the box blur could overflow.
-    SATBlur(PIContext& context, const FrameBuf<P>& source, int radiusX, int radiusY);
+    SATBlur(PIContext& context, const FrameBuf<P>& source, int radiusX, int radiusY,
+            SimdLevel level = BestSimdLevel());
 
     // Slot order is given; append only.
     virtual ~SATBlur() = default;
@@ -35,6 +37,13 @@ public:
 
     // Fills the tables. Reports progress before each table row; passes on what the context throws.
     virtual void initialize() = 0;
+
+    // A row of pixels at once: output[x] is getBlur(x, y) at the radius that map[x] gives, full scale meaning
+    // `radiusX` and `radiusY` pixels, or input[x] where map[x] is 0. Every level gives the bytes of the
+    // per-pixel read-out.
+    using MapValue = typename P::Type;
+    virtual void getBlurRow(int y, const MapValue* map, const P* input, P* output, int count, float radiusX,
+                            float radiusY);
 
     SATBlur(const SATBlur&) = delete;
     SATBlur& operator=(const SATBlur&) = delete;
@@ -53,18 +62,26 @@ public:
     const FrameBuf<P>& source;
 
 protected:
-    // Cells of one table; throws std::bad_alloc if they cannot be addressed.
+    // Cells to allocate for one table, a few more than it has; throws std::bad_alloc if they cannot be
+    // addressed.
     std::size_t tableCells() const;
+    // Whether the vector kernels can read rows of these radii.
+    bool hasRowKernel(float radiusX, float radiusY) const;
+
+    SimdLevel level;
 };
 
 // Box blur: the mean of (2 * radiusX + 1) x (2 * radiusY + 1) pixels. Memory: 16 bytes per table cell.
 template <class P>
 class SATBoxBlur : public SATBlur<P> {
 public:
-    SATBoxBlur(PIContext& context, const FrameBuf<P>& source, int radiusX, int radiusY);
+    SATBoxBlur(PIContext& context, const FrameBuf<P>& source, int radiusX, int radiusY,
+               SimdLevel level = BestSimdLevel());
 
     P getBlurInt(int x, int y, int radiusX, int radiusY) override;
     void initialize() override;
+    void getBlurRow(int y, const typename P::Type* map, const P* input, P* output, int count, float radiusX,
+                    float radiusY) override;
 
     // tableWidth x tableHeight, row-major: the sum of the channel over all cells up and left of a cell,
     // itself included, modulo 2^32. Colours are premultiplied.

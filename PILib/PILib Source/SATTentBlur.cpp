@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "BlurRowDispatch.h"
 #include "SATBlurTables.h"
 
 namespace PILib {
@@ -39,8 +40,9 @@ T Narrowed(double value) {
 }  // namespace
 
 template <class P>
-SATTentBlur<P>::SATTentBlur(PIContext& context, const FrameBuf<P>& source, int radiusX, int radiusY)
-    : SATBlur<P>(context, source, Widened(radiusX), Widened(radiusY)),
+SATTentBlur<P>::SATTentBlur(PIContext& context, const FrameBuf<P>& source, int radiusX, int radiusY,
+                            SimdLevel level)
+    : SATBlur<P>(context, source, Widened(radiusX), Widened(radiusY), level),
       sumRed(std::make_unique_for_overwrite<double[]>(this->tableCells())),
       sumGreen(std::make_unique_for_overwrite<double[]>(this->tableCells())),
       sumBlue(std::make_unique_for_overwrite<double[]>(this->tableCells())),
@@ -100,6 +102,17 @@ P SATTentBlur<P>::getBlurInt(int x, int y, int radiusX, int radiusY) {
         return Narrowed<typename P::Type>(sum * reciprocal + 0.5);
     };
     return P(filtered(sumAlpha), filtered(sumRed), filtered(sumGreen), filtered(sumBlue));
+}
+
+template <class P>
+void SATTentBlur<P>::getBlurRow(int y, const typename P::Type* map, const P* input, P* output, int count,
+                                float radiusX, float radiusY) {
+    if (!this->hasRowKernel(radiusX, radiusY)) {
+        SATBlur<P>::getBlurRow(y, map, input, output, count, radiusX, radiusY);
+        return;
+    }
+    const auto kernel = detail::TentRowKernel<typename P::ChannelType>(this->level);
+    kernel(detail::RowOf(*this, y, map, input, output, count, radiusX, radiusY));
 }
 
 template class SATTentBlur<Pixel<Channel8>>;

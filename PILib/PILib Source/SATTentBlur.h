@@ -14,7 +14,8 @@ namespace PILib {
 template <class P>
 class SATTentBlur : public SATBlur<P> {
 public:
-    SATTentBlur(PIContext& context, const FrameBuf<P>& source, int radiusX, int radiusY);
+    SATTentBlur(PIContext& context, const FrameBuf<P>& source, int radiusX, int radiusY,
+                SimdLevel level = BestSimdLevel());
 
     // The weights are normalised by a 32-bit product that wraps: exact while (radiusX + 1) * (radiusY + 1)
     // stays below 46341.
@@ -23,6 +24,9 @@ public:
     // Two passes. Deliberate: the second reports beyond the end of the progress range.
     // Pinned by SATTentBlurTest.SecondPassReportsPastTheEndOfItsRange.
     void initialize() override;
+
+    void getBlurRow(int y, const typename P::Type* map, const P* input, P* output, int count, float radiusX,
+                    float radiusY) override;
 
     // tableWidth x tableHeight, row-major: the second-order sum at a cell. Colours are premultiplied.
     using Table = std::unique_ptr<double[]>;

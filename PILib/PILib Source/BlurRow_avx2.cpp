@@ -1,0 +1,3 @@
+#define PILIB_LANES 8
+#define PILIB_KERNELS kBlurRowAvx2
+#include "BlurRowKernels.ipp"

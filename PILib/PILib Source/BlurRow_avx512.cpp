@@ -1,0 +1,3 @@
+#define PILIB_LANES 16
+#define PILIB_KERNELS kBlurRowAvx512
+#include "BlurRowKernels.ipp"

@@ -1,0 +1,52 @@
+#include "SimdLevel.h"
+
+#include "BlurRowDispatch.h"
+
+namespace PILib {
+
+bool IsSupported(SimdLevel level) {
+    switch (level) {
+        case SimdLevel::Scalar:
+            return true;
+        case SimdLevel::Baseline:
+            return PILIB_HAS_BASELINE != 0;
+#if PILIB_HAS_X86_LEVELS
+        case SimdLevel::Avx2:
+            return __builtin_cpu_supports("avx2") != 0;
+        case SimdLevel::Avx512:
+            return __builtin_cpu_supports("avx512f") != 0 && __builtin_cpu_supports("avx512bw") != 0 &&
+                   __builtin_cpu_supports("avx512dq") != 0 && __builtin_cpu_supports("avx512vl") != 0;
+#endif
+        default:
+            return false;
+    }
+}
+
+SimdLevel BestSimdLevel() {
+    static const SimdLevel best = [] {
+        for (const SimdLevel level : {SimdLevel::Avx512, SimdLevel::Avx2, SimdLevel::Baseline}) {
+            if (IsSupported(level)) return level;
+        }
+        return SimdLevel::Scalar;
+    }();
+    return best;
+}
+
+namespace detail {
+
+const BlurRowKernels& KernelsOf(SimdLevel level) {
+#if PILIB_HAS_X86_LEVELS
+    if (level == SimdLevel::Avx512) return kBlurRowAvx512;
+    if (level == SimdLevel::Avx2) return kBlurRowAvx2;
+#endif
+#if PILIB_HAS_BASELINE
+    return kBlurRowBaseline;
+#else
+    static const BlurRowKernels none{};
+    return none;
+#endif
+}
+
+}  // namespace detail
+
+}  // namespace PILib
