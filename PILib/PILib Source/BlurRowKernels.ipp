@@ -80,16 +80,19 @@ PILIB_INLINE unsigned Bits(Int mask) {
 #endif
 }
 
-// The lanes of a and b in turn: the first halves, or the second halves.
+// The lanes of a and b in turn: the first halves, or the second halves. Each lane's neighbour to the left.
 #if PILIB_LANES == 4
 #define PILIB_ZIP_FIRST 0, 4, 1, 5
 #define PILIB_ZIP_SECOND 2, 6, 3, 7
+#define PILIB_PREVIOUS 0, 0, 1, 2
 #elif PILIB_LANES == 8
 #define PILIB_ZIP_FIRST 0, 8, 1, 9, 2, 10, 3, 11
 #define PILIB_ZIP_SECOND 4, 12, 5, 13, 6, 14, 7, 15
+#define PILIB_PREVIOUS 0, 0, 1, 2, 3, 4, 5, 6
 #else
 #define PILIB_ZIP_FIRST 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23
 #define PILIB_ZIP_SECOND 8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29, 14, 30, 15, 31
+#define PILIB_PREVIOUS 0, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14
 #endif
 
 struct Channels {
@@ -354,6 +357,23 @@ PILIB_INLINE void Straighten(Channels& c) {
     c.blue = scaled(c.blue);
 }
 
+// Blocks of more runs of equal radii than this are gathered: reading a run costs about as much as a quarter
+// of that.
+constexpr int kMostRuns = kLanes / 4;
+
+PILIB_INLINE int Runs(Int wholeX, Int wholeY) {
+    const Int changes = (wholeX != __builtin_shufflevector(wholeX, wholeX, PILIB_PREVIOUS)) |
+                        (wholeY != __builtin_shufflevector(wholeY, wholeY, PILIB_PREVIOUS));
+    return 1 + __builtin_popcount(Bits(changes));
+}
+
+PILIB_INLINE Int LaneNumbers() {
+    Int lanes{};
+    for (int lane = 0; lane < kLanes; ++lane)
+        lanes[lane] = lane;
+    return lanes;
+}
+
 // Pixels x .. x + count - 1, of which `count` is at most the lanes.
 template <template <class> class ReadOut, class Depth>
 PILIB_INLINE void ReadPixels(const BlurRow<typename ReadOut<SideBySide>::Entry>& row, int x, int count) {
@@ -376,16 +396,13 @@ PILIB_INLINE void ReadPixels(const BlurRow<typename ReadOut<SideBySide>::Entry>&
     const std::ptrdiff_t centre = row.centre + x + ReadOut<SideBySide>::kCentreShift * (row.stride + 1);
 
     Channels result{};
-    for (bool isFirst = true; remaining != 0; isFirst = false) {
-        // A group that leaves most lanes over tells of a noisy map: all lanes are gathered then.
-        if (!isFirst && __builtin_popcount(remaining) > kLanes / 2) {
-            Int cells{};
-            for (int lane = 0; lane < kLanes; ++lane)
-                cells[lane] = lane;
-            result = ReadBlock<ReadOut, Depth>(row, Scattered{centre, cells}, radiiX.whole, radiiX.next,
-                                               radiiY.whole, radiiY.next, radiiX.fraction, radiiY.fraction);
-            break;
-        }
+    if (Runs(radiiX.whole, radiiY.whole) > kMostRuns) {
+        const Int lanes = LaneNumbers();
+        result = ReadBlock<ReadOut, Depth>(row, Scattered{centre, lanes}, radiiX.whole, radiiX.next,
+                                           radiiY.whole, radiiY.next, radiiX.fraction, radiiY.fraction);
+        remaining = 0;
+    }
+    while (remaining != 0) {
         const int lane = __builtin_ctz(remaining);
         const std::int32_t wholeX = radiiX.whole[lane];
         const std::int32_t wholeY = radiiY.whole[lane];

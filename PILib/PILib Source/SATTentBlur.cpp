@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <vector>
 
 #include "BlurRowDispatch.h"
 #include "SATBlurTables.h"
@@ -18,14 +19,33 @@ int Widened(int radius) {
                       : std::min(radius, std::numeric_limits<int>::max() - kExtraRadius) + kExtraRadius;
 }
 
-// Second-order sums of one row in place. These sums may exceed what a double holds exactly, so the order of
-// the three operations is part of the result. `up` is null for the top row.
-void AccumulateInPlace(double* row, const double* up, int tableWidth) {
+// The running state of one channel's row of second-order sums.
+struct SecondOrder {
+    double left = 0.0;
+    double aboveLeft = 0.0;
+
+    // These sums may exceed what a double holds exactly, so the order of the three operations is part of the
+    // result.
+    double next(double entry, double above) {
+        left = entry + left + above - aboveLeft;
+        aboveLeft = above;
+        return left;
+    }
+};
+
+// Second-order sums of one row in place. The four channels go side by side, as each waits for its own last
+// sum.
+void AccumulateInPlace(const detail::TableRows<double>& row, const detail::TableRows<double>& up,
+                       int tableWidth) {
+    SecondOrder red;
+    SecondOrder green;
+    SecondOrder blue;
+    SecondOrder alpha;
     for (int tx = 0; tx < tableWidth; ++tx) {
-        const double left = tx > 0 ? row[tx - 1] : 0.0;
-        const double above = up != nullptr ? up[tx] : 0.0;
-        const double aboveLeft = up != nullptr && tx > 0 ? up[tx - 1] : 0.0;
-        row[tx] = row[tx] + left + above - aboveLeft;
+        row.red[tx] = red.next(row.red[tx], up.red[tx]);
+        row.green[tx] = green.next(row.green[tx], up.green[tx]);
+        row.blue[tx] = blue.next(row.blue[tx], up.blue[tx]);
+        row.alpha[tx] = alpha.next(row.alpha[tx], up.alpha[tx]);
     }
 }
 
@@ -63,14 +83,13 @@ void SATTentBlur<P>::initialize() {
                                                        ty > 0 ? &up : nullptr);
         up = out;
     }
-    up = {};
+    const std::vector<double> none(static_cast<std::size_t>(this->tableWidth), 0.0);  // above the first row
+    double* const zeros = const_cast<double*>(none.data());
+    up = {zeros, zeros, zeros, zeros};
     for (int ty = 0; ty < this->tableHeight; ++ty) {
         this->context.progress(ty, this->tableHeight, 0.5F, 1.0F);
         const Rows out = rowsAt(ty);
-        AccumulateInPlace(out.red, up.red, this->tableWidth);
-        AccumulateInPlace(out.green, up.green, this->tableWidth);
-        AccumulateInPlace(out.blue, up.blue, this->tableWidth);
-        AccumulateInPlace(out.alpha, up.alpha, this->tableWidth);
+        AccumulateInPlace(out, up, this->tableWidth);
         up = out;
     }
 }
