@@ -35,7 +35,7 @@ struct SecondOrder {
 
 // Second-order sums of one row in place. The four channels go side by side, as each waits for its own last
 // sum.
-void AccumulateInPlace(const detail::TableRows<double>& row, const detail::TableRows<double>& up,
+void AccumulateInPlace(const detail::TableRows<double>& row, const detail::TableRows<const double>& up,
                        int tableWidth) {
     SecondOrder red;
     SecondOrder green;
@@ -83,14 +83,13 @@ void SATTentBlur<P>::initialize() {
                                                        ty > 0 ? &up : nullptr);
         up = out;
     }
-    const std::vector<double> none(static_cast<std::size_t>(this->tableWidth), 0.0);  // above the first row
-    double* const zeros = const_cast<double*>(none.data());
-    up = {zeros, zeros, zeros, zeros};
+    const std::vector<double> zeros(static_cast<std::size_t>(this->tableWidth), 0.0);  // above the first row
+    detail::TableRows<const double> above = {zeros.data(), zeros.data(), zeros.data(), zeros.data()};
     for (int ty = 0; ty < this->tableHeight; ++ty) {
         this->context.progress(ty, this->tableHeight, 0.5F, 1.0F);
         const Rows out = rowsAt(ty);
-        AccumulateInPlace(out, up, this->tableWidth);
-        up = out;
+        AccumulateInPlace(out, above, this->tableWidth);
+        above = {out.red, out.green, out.blue, out.alpha};
     }
 }
 

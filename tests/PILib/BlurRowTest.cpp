@@ -1,0 +1,116 @@
+// The rows of every vector level against the per-pixel read-out, over random pictures and maps.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+
+#include "FakeContext.h"
+#include "SATTentBlur.h"
+
+namespace PILib {
+namespace {
+
+class Random {
+public:
+    explicit Random(unsigned seed) : generator(seed) {}
+    int upTo(int last) { return std::uniform_int_distribution<int>(0, last)(generator); }
+
+private:
+    std::mt19937 generator;
+};
+
+// Alphas of several kinds, opaque, any, all or nothing, and next to nothing; maps in runs of several lengths.
+template <class C>
+struct Scene {
+    SimplePixelBuffer<Pixel<C>> picture;
+    ChannelBuf<C> map;
+    float radiusX;
+    float radiusY;
+
+    Scene(Random& random, int width, int height)
+        : picture(width, height), map(width, height), radiusX(radius(random)), radiusY(radius(random)) {
+        const int alphaKind = random.upTo(3);
+        const int longestRun = random.upTo(2) * 20;
+        const auto channel = [&] { return static_cast<typename C::Type>(random.upTo(C::kOne)); };
+        for (int y = 0; y < height; ++y) {
+            typename C::Type value = 0;
+            int run = 0;
+            for (int x = 0; x < width; ++x) {
+                picture.row(y)[x] = Pixel<C>(alpha(random, alphaKind), channel(), channel(), channel());
+                if (run-- == 0) {
+                    run = random.upTo(longestRun);
+                    value = random.upTo(4) == 0 ? C::kZeroValue : channel();
+                }
+                map.row(y)[x] = value;
+            }
+        }
+    }
+
+    static float radius(Random& random) { return static_cast<float>(random.upTo(20000)) / 100.0F; }
+    static typename C::Type alpha(Random& random, int kind) {
+        switch (kind) {
+            case 0:
+                return static_cast<typename C::Type>(C::kOne);
+            case 1:
+                return static_cast<typename C::Type>(random.upTo(C::kOne));
+            case 2:
+                return static_cast<typename C::Type>(random.upTo(1) * C::kOne);
+            default:
+                return static_cast<typename C::Type>(random.upTo(3));
+        }
+    }
+};
+
+template <class Blur, class C>
+void ExpectEqualRows(const Scene<C>& scene, SimdLevel level, int seed) {
+    using P = Pixel<C>;
+    FakeContext context;
+    const int largestX = static_cast<int>(std::ceil(scene.radiusX));
+    const int largestY = static_cast<int>(std::ceil(scene.radiusY));
+    Blur reference(context, scene.picture, largestX, largestY, SimdLevel::Scalar);
+    Blur fast(context, scene.picture, largestX, largestY, level);
+    reference.initialize();
+    fast.initialize();
+    const SimplePixelBuffer<P> expected(scene.picture.width, 1);
+    const SimplePixelBuffer<P> actual(scene.picture.width, 1);
+    for (int y = 0; y < scene.picture.height; ++y) {
+        const auto read = [&](Blur& blur, const SimplePixelBuffer<P>& output) {
+            blur.getBlurRow(y, scene.map.row(y).begin(), scene.picture.row(y).begin(), output.row(0).begin(),
+                            scene.picture.width, scene.radiusX, scene.radiusY);
+        };
+        read(reference, expected);
+        read(fast, actual);
+        for (int x = 0; x < scene.picture.width; ++x) {
+            ASSERT_EQ(expected.row(0)[x], actual.row(0)[x])
+                << "seed " << seed << " level " << static_cast<int>(level) << " at " << x << ", " << y
+                << " map " << scene.map.row(y)[x] << " radii " << scene.radiusX << ", " << scene.radiusY;
+        }
+    }
+}
+
+template <class C>
+class BlurRowTest : public testing::Test {};
+using Depths = testing::Types<Channel8, Channel15>;
+TYPED_TEST_SUITE(BlurRowTest, Depths);
+
+TYPED_TEST(BlurRowTest, EveryLevelGivesTheBytesOfThePerPixelReadOut) {
+    using P = Pixel<TypeParam>;
+    for (const SimdLevel level : {SimdLevel::Baseline, SimdLevel::Avx2, SimdLevel::Avx512}) {
+        if (!IsSupported(level)) continue;
+        for (int seed = 0; seed < 140; ++seed) {
+            Random random(static_cast<unsigned>(seed));
+            // Every width up to two blocks of the widest level and more, twice.
+            const Scene<TypeParam> scene(random, 1 + seed % 70, 1 + random.upTo(5));
+            ExpectEqualRows<SATBoxBlur<P>>(scene, level, seed);
+            ExpectEqualRows<SATTentBlur<P>>(scene, level, seed);
+        }
+    }
+}
+
+TEST(SimdLevelTest, TheBestLevelIsSupported) {
+    EXPECT_TRUE(IsSupported(BestSimdLevel()));
+    EXPECT_TRUE(IsSupported(SimdLevel::Scalar));
+}
+
+}  // namespace
+}  // namespace PILib
