@@ -80,7 +80,7 @@ std::vector<std::byte> Sequence::flatten() {
     std::vector<std::byte> bytes;
     if (data != nullptr && host.handles.isLive(data)) {
         bytes.resize(static_cast<std::size_t>(host.handles.size(data)));
-        std::memcpy(bytes.data(), *data, bytes.size());
+        if (!bytes.empty()) std::memcpy(bytes.data(), *data, bytes.size());
     }
     resetup();
     return bytes;
