@@ -64,6 +64,19 @@ PILIB_INLINE Int Truncated(Float v) {
     return __builtin_convertvector(v, Int);
 }
 
+// Sums and products that may wrap, in lanes that are not wanted or by intention.
+PILIB_INLINE Int Plus(Int a, Int b) {
+    return reinterpret_cast<Int>(reinterpret_cast<Uint>(a) + reinterpret_cast<Uint>(b));
+}
+
+PILIB_INLINE Int Minus(Int a, Int b) {
+    return reinterpret_cast<Int>(reinterpret_cast<Uint>(a) - reinterpret_cast<Uint>(b));
+}
+
+PILIB_INLINE Int Times(Int a, Int b) {
+    return reinterpret_cast<Int>(reinterpret_cast<Uint>(a) * reinterpret_cast<Uint>(b));
+}
+
 // One bit per lane of a comparison's result.
 PILIB_INLINE unsigned Bits(Int mask) {
 #if defined(__AVX512DQ__) && PILIB_LANES == 16
@@ -116,7 +129,7 @@ struct Depth8 {
     static PILIB_INLINE Int straightenFactor(Int alpha) {
         constexpr std::int32_t kNumerator = kOne << 16;
         const Int quotient = Truncated(static_cast<float>(kNumerator) / AsFloat(alpha));
-        return quotient + (kNumerator - quotient * alpha < 0);
+        return Plus(quotient, Minus(Splat(kNumerator), Times(quotient, alpha)) < 0);
     }
 
     static PILIB_INLINE void store(Type* to, const Type* unblurred, int count, Int blurred,
@@ -145,9 +158,9 @@ struct Depth15 {
         };
         Int quotient =
             Truncated(2147483520.0F / divisor);  // the single before 2^31 stays in range for alpha 1
-        quotient += Truncated(AsFloat(rest(quotient)) / divisor);
+        quotient = Plus(quotient, Truncated(AsFloat(rest(quotient)) / divisor));
         const Int left = rest(quotient);
-        quotient = quotient - (left >= alpha) + (left < 0);
+        quotient = Plus(Minus(quotient, left >= alpha), left < 0);
         return Select(alpha == 1, Splat(0x7FFFFFFF), quotient);
     }
 
@@ -270,8 +283,8 @@ struct BoxReadOut {
             reinterpret_cast<Int>(access.entries(table, bottomRight) - access.entries(table, bottomLeft) -
                                   access.entries(table, topRight) + access.entries(table, topLeft));
         const Int estimate = Truncated(AsFloat(sum) * reciprocal);
-        const Int rest = sum - estimate * area;
-        return estimate - (rest >= area) + (rest < 0);
+        const Int rest = Minus(sum, Times(estimate, area));
+        return Plus(Minus(estimate, rest >= area), rest < 0);
     }
 };
 
@@ -315,7 +328,7 @@ struct TentReadOut {
 
 // c0 + fraction / 65536 of the way to c1, rounded. Halving first keeps the largest product in 32 bits.
 PILIB_INLINE Int Interpolated(Int c0, Int c1, Int fraction) {
-    return c0 + ((((fraction * (c1 - c0)) >> 1) + 16384) >> 15);
+    return c0 + (((Times(fraction, c1 - c0) >> 1) + 16384) >> 15);
 }
 
 // A whole block, premultiplied, before straightening.
