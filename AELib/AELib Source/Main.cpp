@@ -57,10 +57,21 @@ GlobalManager* InstanceOf(const PF_InData& inData) {
     return InstanceIn<GlobalManager>(inData.global_data);
 }
 
+// The handle for the global instance. Without it there is no set-down to come, so that the suites are given
+// back here.
+char** NewGlobalHandle(AEContext& context) {
+    try {
+        PILib::_Assert(context.inData->utils != nullptr, site::kUtils, site::kMainFile);
+        return NewInstanceHandle<GlobalManager>(context, nullptr);
+    } catch (...) {
+        delete std::exchange(gSuites, nullptr);
+        throw;
+    }
+}
+
 void GlobalSetup(AEContext& context) {
-    PILib::_Assert(context.inData->utils != nullptr, site::kUtils, site::kMainFile);
+    char** const handle = NewGlobalHandle(context);
     gPF_Utils = context.inData->utils;
-    char** const handle = NewInstanceHandle<GlobalManager>(context, nullptr);
     context.outData->global_data = handle;
     context.globalManager = NewGlobalManagerInstance();
     StoreInstance(handle, context.globalManager);
