@@ -4,7 +4,7 @@
 set -eu
 
 cmake/install-packages.sh "$@"
-cmake --preset release
+cmake --preset release -DKESTREL_DEVELOPER=OFF
 cmake --build --preset release --target Kestrel perch
 
 folder=build/release/demo
