@@ -73,10 +73,15 @@ std::size_t SATBlur<P>::tableCells() const {
 
 template <class P>
 bool SATBlur<P>::hasRowKernel(float radiusX, float radiusY) const {
-    // Tables of one pixel's radius or less are clamped at both ends of the read-out; they are left to
-    // getBlur.
-    return level != SimdLevel::Scalar && borderX > 1 && borderY > 1 && radiusX <= detail::kLargestRowRadius &&
-           radiusY <= detail::kLargestRowRadius;
+    // What is read out is capped by the row's radius and by the tables. Tables of one pixel's radius or less
+    // are clamped at both ends of the read-out; they are left to getBlur.
+    constexpr float kLargestFixed = 127.0F * 65536.0F;
+    const auto fits = [](float radius, std::int32_t maxFixed) {
+        return radius <= detail::kLargestRowRadius &&
+               std::min(radius * 65536.0F, static_cast<float>(maxFixed)) < kLargestFixed;
+    };
+    return level != SimdLevel::Scalar && borderX > 1 && borderY > 1 && fits(radiusX, maxFixedRadiusX) &&
+           fits(radiusY, maxFixedRadiusY);
 }
 
 template <class P>
