@@ -174,9 +174,10 @@ void Threshold(const ChannelBuffer& buffer, float level) {
         if constexpr (std::is_same_v<C, Channel32f>) {
             Transform(AsChannels<C>(buffer), [level](float v) { return v >= level ? 1.0F : 0.0F; });
         } else {
-            const std::int32_t threshold = TruncToInt32(level * C::kFloatOne);
+            // Compared as a float: a level far beyond full, or NaN, has no integer and is reached by nothing.
+            const double threshold = std::trunc(level * C::kFloatOne);
             Transform(AsChannels<C>(buffer), [threshold](typename C::Type v) {
-                return std::int32_t{v} >= threshold ? kFull<C> : C::kZeroValue;
+                return static_cast<double>(v) >= threshold ? kFull<C> : C::kZeroValue;
             });
         }
     });

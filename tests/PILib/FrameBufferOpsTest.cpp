@@ -65,7 +65,7 @@ TYPED_TEST_SUITE(FrameBufferOpsTypedTest, AllChannels, ChannelNames);
 
 TYPED_TEST(FrameBufferOpsTypedTest, ThresholdMakesFullOrZero) {
     using C = TypeParam;
-    for (const float level : {-1.0F, 0.0F, 0.1F, 0.5F, 0.75F, 1.0F, 1.5F}) {
+    for (const float level : {-1e10F, -1.0F, 0.0F, 0.1F, 0.5F, 0.75F, 1.0F, 1.5F, 2.0F, 1e10F}) {
         this->channel.load(this->channelBefore, PILib::kAlignTopLeft);
         Threshold(this->channel, level);
         EXPECT_TRUE(ElementsAre(this->channel, [&](int x, int y) {
@@ -82,6 +82,18 @@ TEST(ThresholdTest, HalfOf8BitsIs127) {
     ChannelBuf<Channel8> buffer(0, 0);
     Threshold(Set(buffer, {0, 126, 127, 128, 255}), 0.5F);
     EXPECT_EQ((std::vector<std::uint8_t>{0, 0, 255, 255, 255}), ElementsOf(buffer));
+}
+
+TEST(ThresholdTest, ALevelBeyondAnyIntegerIsReachedByNothing) {
+    constexpr float kInfinity = std::numeric_limits<float>::infinity();
+    for (const float level : {2.0F, 4.0F, 1e10F, kInfinity, std::numeric_limits<float>::quiet_NaN()}) {
+        ChannelBuf<Channel32> buffer(0, 0);
+        Threshold(Set(buffer, {0, 1, 1 << 30}), level);
+        EXPECT_EQ((std::vector<Channel32::Type>{0, 0, 0}), ElementsOf(buffer)) << level;
+    }
+    ChannelBuf<Channel32> buffer(0, 0);
+    Threshold(Set(buffer, {0, 1}), -kInfinity);
+    EXPECT_EQ((std::vector<Channel32::Type>{1 << 30, 1 << 30}), ElementsOf(buffer));
 }
 
 TEST(ThresholdTest, NaNElementBecomesZero) {
