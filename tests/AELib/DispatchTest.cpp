@@ -101,6 +101,15 @@ TEST_F(DispatchTest, WhateverAHookThrowsBecomesCodeAndMessage) {
     }
 }
 
+TEST_F(DispatchTest, AHostsCodeThatEqualsAnAssertionsIsReportedAsACode) {
+    setUpSequence();
+    script.actions["doDialog"] = [](AELib::AEContext&) { PILib::_Assert(false, 142, "before"); };
+    EXPECT_EQ(512, host.call(PF_Cmd_DO_DIALOG));
+    script.actions["doDialog"] = [](AELib::AEContext&) { PILib::ThrowIfErr(999); };
+    EXPECT_EQ(999, host.call(PF_Cmd_DO_DIALOG));
+    EXPECT_EQ("Error 999 in Test Effect", host.message());
+}
+
 TEST_F(DispatchTest, SilentResultsLeaveTheMessageAsItIs) {
     setUpSequence();
     for (const int code : {0, 517}) {
