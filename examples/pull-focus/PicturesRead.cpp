@@ -59,17 +59,17 @@ std::string DepthName(OIIO::TypeDesc format) {
 }
 
 void RequireSupported(const std::string& path, const OIIO::ImageInput& file) {
-    const OIIO::ImageSpec& spec = file.spec();
+    const OIIO::ImageSpec& layout = file.spec();
     const std::string_view format = file.format_name();
-    if (spec.format != OIIO::TypeUInt8 && spec.format != OIIO::TypeUInt16) {
-        Refuse(path, "has " + DepthName(spec.format) +
+    if (layout.format != OIIO::TypeUInt8 && layout.format != OIIO::TypeUInt16) {
+        Refuse(path, "has " + DepthName(layout.format) +
                          " channels; convert it to 8 or 16 bits (unsigned integer) per channel");
     }
     if (format != "png" && format != "tiff" && format != "jpeg") {
         Refuse(path, "is a " + std::string(format) + " file; convert it to PNG, TIFF or JPEG");
     }
-    if (spec.nchannels < 1 || spec.nchannels > 4) {
-        Refuse(path, "has " + std::to_string(spec.nchannels) +
+    if (layout.nchannels < 1 || layout.nchannels > 4) {
+        Refuse(path, "has " + std::to_string(layout.nchannels) +
                          " channels; convert it to grey or RGB, with or without alpha");
     }
 }
@@ -100,16 +100,16 @@ std::unique_ptr<OIIO::ImageInput> OpenPicture(const std::string& path) {
 
 Samples ReadSamples(const std::string& path) {
     const auto file = OpenPicture(path);
-    const OIIO::ImageSpec& spec = file->spec();
-    const auto channels = static_cast<std::size_t>(spec.nchannels);
-    Samples samples{.width = spec.width,
-                    .height = spec.height,
+    const OIIO::ImageSpec& layout = file->spec();
+    const auto channels = static_cast<std::size_t>(layout.nchannels);
+    Samples samples{.width = layout.width,
+                    .height = layout.height,
                     .channels = channels,
                     .hasAlpha = channels % 2 == 0,
-                    .straight = spec.alpha_channel < 0 || spec.get_int_attribute(kAlphaIsStraight) != 0,
-                    .wide = spec.format == OIIO::TypeUInt16,
-                    .values = std::vector<std::uint16_t>(spec.image_pixels() * channels)};
-    if (!file->read_image(0, 0, 0, spec.nchannels, OIIO::TypeUInt16, samples.values.data())) {
+                    .straight = layout.alpha_channel < 0 || layout.get_int_attribute(kAlphaIsStraight) != 0,
+                    .wide = layout.format == OIIO::TypeUInt16,
+                    .values = std::vector<std::uint16_t>(layout.image_pixels() * channels)};
+    if (!file->read_image(0, 0, 0, layout.nchannels, OIIO::TypeUInt16, samples.values.data())) {
         file->geterror();
         RefuseDamaged(path);
     }

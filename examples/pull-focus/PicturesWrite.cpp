@@ -68,13 +68,13 @@ std::vector<unsigned char> Encode(const std::string& path, const Picture& pictur
     const auto& pixels = dynamic_cast<const PixelBuf<Pixel<C>>&>(*picture.pixels);
     const std::vector<T> samples = ToSamples<C, T>(pixels, picture.hasAlpha);
     constexpr OIIO::TypeDesc kDepth(OIIO::BaseTypeFromC<T>::value);
-    OIIO::ImageSpec spec(pixels.width, pixels.height, picture.hasAlpha ? 4 : 3, kDepth);
-    spec["oiio:UnassociatedAlpha"] = 1;
+    OIIO::ImageSpec layout(pixels.width, pixels.height, picture.hasAlpha ? 4 : 3, kDepth);
+    layout["oiio:UnassociatedAlpha"] = 1;
 
     std::vector<unsigned char> bytes;
     OIIO::Filesystem::IOVecOutput memory(bytes);
     const auto file = OIIO::ImageOutput::create(path, &memory);
-    if (!file || !file->open(path, spec) || !file->write_image(kDepth, samples.data()) || !file->close()) {
+    if (!file || !file->open(path, layout) || !file->write_image(kDepth, samples.data()) || !file->close()) {
         Refuse(path, "its encoder failed: " + (file ? file->geterror() : OIIO::geterror()));
     }
     return bytes;

@@ -30,14 +30,14 @@ std::set<std::string> ScratchFolder::names() const {
 template <class T>
 void WriteRaw(const std::string& path, const Raw<T>& raw, Alpha alpha) {
     constexpr OIIO::TypeDesc kDepth(OIIO::BaseTypeFromC<T>::value);
-    OIIO::ImageSpec spec(raw.width, raw.height, raw.channels, kDepth);
+    OIIO::ImageSpec layout(raw.width, raw.height, raw.channels, kDepth);
     if (raw.channels == 2) {
-        spec.channelnames = {"Y", "A"};
-        spec.alpha_channel = 1;
+        layout.channelnames = {"Y", "A"};
+        layout.alpha_channel = 1;
     }
-    if (alpha == Alpha::kStraight) spec["oiio:UnassociatedAlpha"] = 1;
+    if (alpha == Alpha::kStraight) layout["oiio:UnassociatedAlpha"] = 1;
     const auto file = OIIO::ImageOutput::create(path);
-    ASSERT_TRUE(file && file->open(path, spec)) << path;
+    ASSERT_TRUE(file && file->open(path, layout)) << path;
     ASSERT_TRUE(file->write_image(kDepth, raw.samples.data()) && file->close()) << path;
 }
 
@@ -52,13 +52,13 @@ Raw<T> ReadRaw(const std::string& path) {
         ADD_FAILURE() << "cannot open " << path << ": " << OIIO::geterror();
         return {};
     }
-    const OIIO::ImageSpec& spec = file->spec();
-    EXPECT_EQ(spec.format, kDepth) << path;
-    const bool isStraight = spec.get_int_attribute("oiio:UnassociatedAlpha") != 0;
-    EXPECT_TRUE(isStraight || spec.alpha_channel < 0) << path;
-    Raw<T> raw{spec.width, spec.height, spec.nchannels, {}};
-    raw.samples.resize(spec.image_pixels() * static_cast<std::size_t>(spec.nchannels));
-    EXPECT_TRUE(file->read_image(0, 0, 0, spec.nchannels, kDepth, raw.samples.data())) << path;
+    const OIIO::ImageSpec& layout = file->spec();
+    EXPECT_EQ(layout.format, kDepth) << path;
+    const bool isStraight = layout.get_int_attribute("oiio:UnassociatedAlpha") != 0;
+    EXPECT_TRUE(isStraight || layout.alpha_channel < 0) << path;
+    Raw<T> raw{layout.width, layout.height, layout.nchannels, {}};
+    raw.samples.resize(layout.image_pixels() * static_cast<std::size_t>(layout.nchannels));
+    EXPECT_TRUE(file->read_image(0, 0, 0, layout.nchannels, kDepth, raw.samples.data())) << path;
     return raw;
 }
 
