@@ -1,6 +1,7 @@
 // The rows of every vector level against the per-pixel read-out, over random pictures and maps.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <random>
 
@@ -62,11 +63,9 @@ struct Scene {
 };
 
 template <class Blur, class C>
-void ExpectEqualRows(const Scene<C>& scene, SimdLevel level, int seed) {
+void ExpectEqualRows(const Scene<C>& scene, SimdLevel level, int seed, int largestX, int largestY) {
     using P = Pixel<C>;
     FakeContext context;
-    const int largestX = static_cast<int>(std::ceil(scene.radiusX));
-    const int largestY = static_cast<int>(std::ceil(scene.radiusY));
     Blur reference(context, scene.picture, largestX, largestY, SimdLevel::Scalar);
     Blur fast(context, scene.picture, largestX, largestY, level);
     reference.initialize();
@@ -88,6 +87,13 @@ void ExpectEqualRows(const Scene<C>& scene, SimdLevel level, int seed) {
     }
 }
 
+// With the tables that a render builds.
+template <class Blur, class C>
+void ExpectEqualRows(const Scene<C>& scene, SimdLevel level, int seed) {
+    ExpectEqualRows<Blur>(scene, level, seed, static_cast<int>(std::ceil(scene.radiusX)),
+                          static_cast<int>(std::ceil(scene.radiusY)));
+}
+
 template <class C>
 class BlurRowTest : public testing::Test {};
 using Depths = testing::Types<Channel8, Channel15>;
@@ -103,6 +109,33 @@ TYPED_TEST(BlurRowTest, EveryLevelGivesTheBytesOfThePerPixelReadOut) {
             const Scene<TypeParam> scene(random, 1 + seed % 70, 1 + random.upTo(5));
             ExpectEqualRows<SATBoxBlur<P>>(scene, level, seed);
             ExpectEqualRows<SATTentBlur<P>>(scene, level, seed);
+        }
+    }
+}
+
+// Tables may hold larger radii than the rows ask for; the sums of the largest boxes do not fit a kernel.
+TYPED_TEST(BlurRowTest, RowsOfLargeRadiiEqualThePerPixelReadOut) {
+    using C = TypeParam;
+    using P = Pixel<C>;
+    struct Case {
+        float rowRadius;
+        int tableRadius;
+    };
+    for (const SimdLevel level : {SimdLevel::Baseline, SimdLevel::Avx2, SimdLevel::Avx512}) {
+        if (!IsSupported(level)) continue;
+        for (const Case& c : {Case{200.0F, 200}, Case{249.99F, 250}, Case{250.0F, 250}, Case{250.01F, 251},
+                              Case{300.0F, 300}, Case{250.0F, 356}, Case{250.0F, 700}, Case{127.0F, 356}}) {
+            Random random(7);
+            Scene<C> scene(random, 40, 2);
+            scene.radiusX = scene.radiusY = c.rowRadius;
+            const P white(C::kOne, C::kOne, C::kOne, C::kOne);
+            for (int y = 0; y < 2; ++y) {
+                std::fill(scene.picture.row(y).begin(), scene.picture.row(y).end(), white);
+                std::fill(scene.map.row(y).begin() + 20, scene.map.row(y).end(),
+                          static_cast<typename C::Type>(C::kOne));
+            }
+            ExpectEqualRows<SATBoxBlur<P>>(scene, level, 7, c.tableRadius, c.tableRadius);
+            ExpectEqualRows<SATTentBlur<P>>(scene, level, 7, c.tableRadius, c.tableRadius);
         }
     }
 }

@@ -210,6 +210,72 @@ TYPED_TEST(SATTentBlurTypedTest, TablesHoldSecondOrderSums) {
     }
 }
 
+// One channel's second-order sums, every operation written out in its order.
+std::vector<double> OrderedSums(const oracle::Image& premultiplied, std::size_t channel, int border,
+                                int width, int height) {
+    std::vector<double> sums(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+    const auto at = [&](int tx, int ty) -> double {
+        return tx < 0 || ty < 0 ? 0.0
+                                : sums[static_cast<std::size_t>(ty) * static_cast<std::size_t>(width) +
+                                       static_cast<std::size_t>(tx)];
+    };
+    const auto accumulate = [&](auto valueOf) {
+        for (int ty = 0; ty < height; ++ty) {
+            for (int tx = 0; tx < width; ++tx) {
+                const double sum = valueOf(tx, ty) + at(tx - 1, ty) + at(tx, ty - 1) - at(tx - 1, ty - 1);
+                sums[static_cast<std::size_t>(ty) * static_cast<std::size_t>(width) +
+                     static_cast<std::size_t>(tx)] = sum;
+            }
+        }
+    };
+    accumulate([&](int tx, int ty) {
+        return static_cast<double>(
+            premultiplied.at(std::clamp(tx - border, 0, premultiplied.width - 1),
+                             std::clamp(ty - border, 0, premultiplied.height - 1))[channel]);
+    });
+    accumulate(at);
+    return sums;
+}
+
+TEST(SATTentBlurTest, SumsTooLargeForADoubleAreRoundedInTheirOrder) {
+    constexpr int kSize = 1250;
+    std::mt19937 random(23);
+    oracle::Image image(kSize, kSize, oracle::kFull<Channel15>);
+    for (oracle::Colour& pixel : image.values) {
+        for (auto& channel : pixel)
+            channel = oracle::kFull<Channel15> - static_cast<std::uint32_t>(random() % 3);
+    }
+    const SimplePixelBuffer<Pixel<Channel15>> source(kSize, kSize);
+    oracle::Store<Channel15>(image, source);
+    FakeContext context;
+    SATTentBlur<Pixel<Channel15>> blur(context, source, 2, 2);
+    blur.initialize();
+    for (oracle::Colour& pixel : image.values)
+        pixel = oracle::Premultiplied(pixel, image.full);
+    const auto expectSums = [&](std::size_t channel, const SATTentBlur<Pixel<Channel15>>::Table& table) {
+        const std::vector<double> expected =
+            OrderedSums(image, channel, blur.borderX, blur.tableWidth, blur.tableHeight);
+        EXPECT_LT(9007199254740992.0, expected.back()) << "beyond 2^53, where doubles round";
+        EXPECT_TRUE(std::equal(expected.begin(), expected.end(), table.get())) << channel;
+    };
+    expectSums(oracle::kAlpha, blur.sumAlpha);
+    expectSums(oracle::kRed, blur.sumRed);
+    expectSums(oracle::kGreen, blur.sumGreen);
+    expectSums(oracle::kBlue, blur.sumBlue);
+}
+
+TYPED_TEST(SATTentBlurTypedTest, InitializePassesOnWhatTheContextThrowsInEitherPass) {
+    const SimplePixelBuffer<Pixel<TypeParam>> source(3, 2);
+    source.clear();
+    for (const int call : {1, 8, 9, 16}) {
+        FakeContext context;
+        context.failAtProgress(call, 517);
+        SATTentBlur<Pixel<TypeParam>> blur(context, source, 1, 0);
+        EXPECT_THROW(blur.initialize(), int) << call;
+        EXPECT_EQ(static_cast<std::size_t>(call), context.progressCalls.size());
+    }
+}
+
 TEST(SATTentBlurTest, SecondPassReportsPastTheEndOfItsRange) {
     FakeContext context;
     const SimplePixelBuffer<Pixel<Channel8>> source(3, 2);

@@ -181,6 +181,15 @@ TEST(ThreadRowsTest, CancelEndsTheChunkOfThreadZeroAlone) {
     EXPECT_EQ((std::vector<int>{0, 3, 4, 5, 6, 7, 8}), handler.rows);
 }
 
+TEST(ThreadRowsTest, MinusOneIsOneIterationPerProcessor) {
+    FakeContext context;
+    context.processors = 7;
+    RecordingHandler handler;
+    ThreadRows(context, handler, 20, -1);
+    EXPECT_EQ(7, context.lastIterations);
+    EXPECT_EQ(20U, handler.rows.size());
+}
+
 TEST(ThreadRowsTest, NumberOfIterationsIsWhatTheCallerAsksFor) {
     FakeContext context;
     context.processors = 2;

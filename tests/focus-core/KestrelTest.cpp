@@ -13,6 +13,7 @@
 
 #include "Buffers.h"
 #include "ChannelTypes.h"
+#include "Disguised.h"
 #include "ExpectAssertion.h"
 #include "FakeContext.h"
 #include "NaivePipeline.h"
@@ -221,8 +222,8 @@ TYPED_TEST(KestrelTypedTest, TablesTakeTheFirstQuarterOfTheProgressAndRowsTheRes
     EXPECT_EQ(expected, this->context.progressCalls);
 }
 
-TEST(KestrelTest, ProgressOfAFineRenderRunsAheadAndFallsBack) {
-    Scene<Channel8> scene(4, 3, 12);
+TYPED_TEST(KestrelTypedTest, ProgressOfAFineRenderRunsAheadAndFallsBack) {
+    Scene<TypeParam> scene(4, 3, 12);
     PILib::ThreadPoolContext context(1);
     std::vector<float> values;
     context.onProgress([&](float done) { values.push_back(done); });
@@ -326,6 +327,17 @@ TEST(KestrelTest, InputOrMapOfAnotherDepthThanTheOutputIsBadCast) {
     EXPECT_THROW(Kestrel(context, at15.output, at15.input, at8.map, true, 1.0F, 1.0F), std::bad_cast);
     EXPECT_EQ(before8, oracle::Fetched(at8.output).values);
     EXPECT_EQ(before15, oracle::Fetched(at15.output).values);
+}
+
+TEST(KestrelTest, OutputOfAnotherClassThanItsKeyIsBadCast) {
+    FakeContext context;
+    Scene<Channel8> at8(3, 2, 18);
+    Scene<Channel15> at15(3, 2, 19);
+    const Disguised<SimplePixelBuffer<Pixel<Channel15>>, PILib::kElementKey<Pixel<Channel8>>> as8(3, 2);
+    const Disguised<SimplePixelBuffer<Pixel<Channel8>>, PILib::kElementKey<Pixel<Channel15>>> as15(3, 2);
+    EXPECT_THROW(Kestrel(context, as8, at8.input, at8.map, false, 1.0F, 1.0F), std::bad_cast);
+    EXPECT_THROW(Kestrel(context, as15, at15.input, at15.map, true, 1.0F, 1.0F), std::bad_cast);
+    EXPECT_TRUE(context.progressCalls.empty());
 }
 
 TEST(KestrelTest, RowsRenderedBeforeACancelStayRendered) {
