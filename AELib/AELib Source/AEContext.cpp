@@ -1,7 +1,7 @@
 #include "AEContext.h"
 
 #include <atomic>
-#include <cstring>
+#include <type_traits>
 
 #include "Errors.h"
 #include "GlobalManager.h"

@@ -1,5 +1,6 @@
 #include "FrameManager.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 

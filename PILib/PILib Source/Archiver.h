@@ -51,12 +51,12 @@ public:
     void writeBuffer(const void* bytes, int count);
     void readBuffer(void* bytes, int count);
 
-    // One scalar of `size` bytes, 8 at most, between the scratch field and the stream.
-    void writeVal(int size);
-    void readVal(int size);
+    // One scalar of `valueSize` bytes, 8 at most, between the scratch field and the stream.
+    void writeVal(int valueSize);
+    void readVal(int valueSize);
 
-    // Grows the handle so that `count` more bytes fit: by doubling up to 1 MiB, beyond that by what is needed
-    // and 100 KiB. A stream that would pass 2 GiB throws kOutOfMemory.
+    // Grows the handle, if need be, so that `count` more bytes fit: to double its size while that is at most
+    // 1 MiB, else to what is needed and 100 KiB more. A stream that would pass 2 GiB throws kOutOfMemory.
     void ensureSpace(int count);
 
     // Trims the handle to the bytes written and gives it to the caller.

@@ -1,6 +1,6 @@
-// One row of blurred pixels: the interface between the blurs and their vector kernels. Plain data and C
-// linkage types alone, as the kernels are compiled for other instruction sets than the rest: they share no
-// inline code with it.
+// One row of blurred pixels: the interface between the blurs and their vector kernels. Plain C types
+// alone, as the kernels are compiled for other instruction sets than the rest: they share no inline code with
+// it.
 #pragma once
 
 #include <cstddef>

@@ -1,12 +1,12 @@
 // The family of image buffers.
 //
-//   FrameBuffer                     size, rows and memory; what can be done without knowing the element
+//   FrameBuffer                     size, rows and memory; knows no element
 //   ├─ PixelBuffer                  interface: four channels per element
-//   ├─ ChannelBuffer                interface: one channel per element (masks, alpha planes, the control
-//   channel) └─ FrameBuf<T>                  typed rows; T is a channel type or a Pixel of one
+//   ├─ ChannelBuffer                interface: one channel per element
+//   └─ FrameBuf<T>                  typed rows; T is a channel type or a Pixel of one
 //      ├─ PixelBuf<P>               also a PixelBuffer; subclasses supply the memory
 //      │  └─ SimplePixelBuffer<P>   owns packed rows
-//      └─ ChannelBuf<C>             also a ChannelBuffer; owns rows padded to a multiple of 4 bytes
+//      └─ ChannelBuf<C>             also a ChannelBuffer; rows padded to 4 bytes
 //
 // Element (x, y) is at data + y * rowBytes + x * elementSize(); sizes are in elements, strides in bytes. A
 // buffer is sized once, by its constructor or initialize(). Operations that write pixels are const: a buffer

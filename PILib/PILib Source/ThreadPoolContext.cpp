@@ -1,6 +1,7 @@
 #include "ThreadPoolContext.h"
 
 #include <algorithm>
+#include <atomic>
 #include <condition_variable>
 #include <cstdlib>
 #include <exception>
