@@ -87,7 +87,8 @@ bool ShowsOriginal(const RenderInputs& inputs) {
 }
 
 void RenderFrame(PILib::PIContext& context, const RenderInputs& inputs, Downsample downsample,
-                 const PixelBuffer& output, const PixelBuffer& input, const PixelBuffer* control) {
+                 const PixelBuffer& output, const PixelBuffer& input, const PixelBuffer* control,
+                 PILib::SimdLevel level) {
     if (ShowsOriginal(inputs) || control == nullptr) {
         output.load(input, PILib::kAlignTopLeft);
         return;
@@ -100,7 +101,7 @@ void RenderFrame(PILib::PIContext& context, const RenderInputs& inputs, Downsamp
     PILib::ExtractChannel(context, *map, *control, static_cast<PILib::ChannelID>(inputs.channel));
     ProcessChannel(*map, inputs.focalPoint, inputs.inFocusRange, inputs.invert);
     if (inputs.viewMode == 0) {
-        Kestrel(context, output, input, *map, inputs.blurType == 1, radii.x, radii.y);
+        Kestrel(context, output, input, *map, inputs.blurType == 1, radii.x, radii.y, level);
     } else {
         PaintFocus(output, input, *map);
     }

@@ -8,6 +8,7 @@
 
 #include "FrameBuffer.h"
 #include "PIContext.h"
+#include "SimdLevel.h"
 
 // The effect's controls for one frame. The defaults are those of a freshly applied effect.
 struct RenderInputs {
@@ -34,10 +35,10 @@ struct Downsample {
 bool ShowsOriginal(const RenderInputs& inputs);
 
 // Renders one frame. `control` is the control layer, conformed to the output's size; null when none is
-// chosen, and then the output is the input, without the blend.
+// chosen, and then the output is the input, without the blend. `level` changes the speed alone.
 void RenderFrame(PILib::PIContext& context, const RenderInputs& inputs, Downsample downsample,
                  const PILib::PixelBuffer& output, const PILib::PixelBuffer& input,
-                 const PILib::PixelBuffer* control);
+                 const PILib::PixelBuffer* control, PILib::SimdLevel level = PILib::BestSimdLevel());
 
 // Turns a control channel into the defocus map in place: 0 within `inFocusRange` of `focalPoint`, and growing
 // with the distance beyond it, in channel units.

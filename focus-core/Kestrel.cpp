@@ -26,18 +26,19 @@ bool Covers(const FrameBuffer& source, const FrameBuffer& output) {
 
 template <class P>
 std::unique_ptr<PILib::SATBlur<P>> MakeBlur(PILib::PIContext& context, const PixelBuf<P>& input, bool fine,
-                                            int radiusX, int radiusY) {
-    if (fine) return std::make_unique<PILib::SATTentBlur<P>>(context, input, radiusX, radiusY);
-    return std::make_unique<PILib::SATBoxBlur<P>>(context, input, radiusX, radiusY);
+                                            int radiusX, int radiusY, PILib::SimdLevel level) {
+    if (fine) return std::make_unique<PILib::SATTentBlur<P>>(context, input, radiusX, radiusY, level);
+    return std::make_unique<PILib::SATBoxBlur<P>>(context, input, radiusX, radiusY, level);
 }
 
 template <class C>
 void RenderAtDepth(PILib::PIContext& context, const FrameBuffer& output, const FrameBuffer& input,
-                   const FrameBuffer& control, bool fine, float radiusX, float radiusY) {
+                   const FrameBuffer& control, bool fine, float radiusX, float radiusY,
+                   PILib::SimdLevel level) {
     using P = Pixel<C>;
     DepthDispatch<P>(context, dynamic_cast<const PixelBuf<P>&>(output),
                      dynamic_cast<const PixelBuf<P>&>(input), dynamic_cast<const ChannelBuf<C>&>(control),
-                     fine, radiusX, radiusY);
+                     fine, radiusX, radiusY, level);
 }
 
 }  // namespace
@@ -52,13 +53,13 @@ void KestrelThreadHandler<P>::rowOp(PILib::PIContext& /*context*/, int row) {
 template <class P>
 void DepthDispatch(PILib::PIContext& context, const PixelBuf<P>& output, const PixelBuf<P>& input,
                    const ChannelBuf<typename P::ChannelType>& control, bool fine, float radiusX,
-                   float radiusY) {
+                   float radiusY, PILib::SimdLevel level) {
     PILib::_Assert(Covers(input, output) && Covers(control, output), kSourcesCoverOutput, kFile);
     if (output.width <= 0 || output.height <= 0) return;
 
     const int maxX = PILib::TruncToInt32(std::ceil(radiusX));
     const int maxY = PILib::TruncToInt32(std::ceil(radiusY));
-    const auto blur = MakeBlur(context, input, fine, maxX, maxY);
+    const auto blur = MakeBlur(context, input, fine, maxX, maxY, level);
     context.setProgress(0.0F, 0.25F);
     blur->initialize();
     context.setProgress(0.25F, 1.0F);
@@ -68,12 +69,13 @@ void DepthDispatch(PILib::PIContext& context, const PixelBuf<P>& output, const P
 }
 
 void Kestrel(PILib::PIContext& context, const PILib::PixelBuffer& output, const PILib::PixelBuffer& input,
-             const PILib::ChannelBuffer& control, bool fine, float radiusX, float radiusY) {
+             const PILib::ChannelBuffer& control, bool fine, float radiusX, float radiusY,
+             PILib::SimdLevel level) {
     switch (output.elementKey()) {
         case PILib::kElementKey<Pixel<Channel8>>:
-            return RenderAtDepth<Channel8>(context, output, input, control, fine, radiusX, radiusY);
+            return RenderAtDepth<Channel8>(context, output, input, control, fine, radiusX, radiusY, level);
         case PILib::kElementKey<Pixel<Channel15>>:
-            return RenderAtDepth<Channel15>(context, output, input, control, fine, radiusX, radiusY);
+            return RenderAtDepth<Channel15>(context, output, input, control, fine, radiusX, radiusY, level);
         default:
             PILib::_Assert(false, kSupportedDepth, kFile);
     }
@@ -82,8 +84,8 @@ void Kestrel(PILib::PIContext& context, const PILib::PixelBuffer& output, const 
 template struct KestrelThreadHandler<Pixel<Channel8>>;
 template struct KestrelThreadHandler<Pixel<Channel15>>;
 template void DepthDispatch(PILib::PIContext&, const PixelBuf<Pixel<Channel8>>&,
-                            const PixelBuf<Pixel<Channel8>>&, const ChannelBuf<Channel8>&, bool, float,
-                            float);
+                            const PixelBuf<Pixel<Channel8>>&, const ChannelBuf<Channel8>&, bool, float, float,
+                            PILib::SimdLevel);
 template void DepthDispatch(PILib::PIContext&, const PixelBuf<Pixel<Channel15>>&,
                             const PixelBuf<Pixel<Channel15>>&, const ChannelBuf<Channel15>&, bool, float,
-                            float);
+                            float, PILib::SimdLevel);

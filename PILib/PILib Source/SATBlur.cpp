@@ -128,10 +128,10 @@ template <class P>
 SATBoxBlur<P>::SATBoxBlur(PIContext& context, const FrameBuf<P>& source, int radiusX, int radiusY,
                           SimdLevel level)
     : SATBlur<P>(context, source, radiusX, radiusY, level),
-      sumRed(std::make_unique_for_overwrite<std::uint32_t[]>(this->tableCells())),
-      sumGreen(std::make_unique_for_overwrite<std::uint32_t[]>(this->tableCells())),
-      sumBlue(std::make_unique_for_overwrite<std::uint32_t[]>(this->tableCells())),
-      sumAlpha(std::make_unique_for_overwrite<std::uint32_t[]>(this->tableCells())) {}
+      sumRed(detail::MakeLargeArray<std::uint32_t>(this->tableCells())),
+      sumGreen(detail::MakeLargeArray<std::uint32_t>(this->tableCells())),
+      sumBlue(detail::MakeLargeArray<std::uint32_t>(this->tableCells())),
+      sumAlpha(detail::MakeLargeArray<std::uint32_t>(this->tableCells())) {}
 
 template <class P>
 void SATBoxBlur<P>::initialize() {

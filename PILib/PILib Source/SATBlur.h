@@ -10,9 +10,9 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 
 #include "FrameBuffer.h"
+#include "LargeArray.h"
 #include "PIContext.h"
 #include "SimdLevel.h"
 
@@ -86,7 +86,7 @@ public:
 
     // tableWidth x tableHeight, row-major: the sum of the channel over all cells up and left of a cell,
     // itself included, modulo 2^32. Colours are premultiplied.
-    using Table = std::unique_ptr<std::uint32_t[]>;
+    using Table = detail::LargeArray<std::uint32_t>;
     Table sumRed;
     Table sumGreen;
     Table sumBlue;

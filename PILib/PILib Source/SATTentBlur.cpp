@@ -63,10 +63,10 @@ template <class P>
 SATTentBlur<P>::SATTentBlur(PIContext& context, const FrameBuf<P>& source, int radiusX, int radiusY,
                             SimdLevel level)
     : SATBlur<P>(context, source, Widened(radiusX), Widened(radiusY), level),
-      sumRed(std::make_unique_for_overwrite<double[]>(this->tableCells())),
-      sumGreen(std::make_unique_for_overwrite<double[]>(this->tableCells())),
-      sumBlue(std::make_unique_for_overwrite<double[]>(this->tableCells())),
-      sumAlpha(std::make_unique_for_overwrite<double[]>(this->tableCells())) {}
+      sumRed(detail::MakeLargeArray<double>(this->tableCells())),
+      sumGreen(detail::MakeLargeArray<double>(this->tableCells())),
+      sumBlue(detail::MakeLargeArray<double>(this->tableCells())),
+      sumAlpha(detail::MakeLargeArray<double>(this->tableCells())) {}
 
 template <class P>
 void SATTentBlur<P>::initialize() {

@@ -3,8 +3,6 @@
 // them r + 1 - |d|.
 #pragma once
 
-#include <memory>
-
 #include "SATBlur.h"
 
 namespace PILib {
@@ -29,7 +27,7 @@ public:
                     float radiusY) override;
 
     // tableWidth x tableHeight, row-major: the second-order sum at a cell. Colours are premultiplied.
-    using Table = std::unique_ptr<double[]>;
+    using Table = detail::LargeArray<double>;
     Table sumRed;
     Table sumGreen;
     Table sumBlue;
