@@ -17,10 +17,9 @@ test:
 	@cmake/test.sh release asan
 
 bench:
-	@cmake/install-packages.sh $(TEST_PACKAGES)
+	@cmake/install-packages.sh $(TEST_PACKAGES) python3
 	cmake --preset release
-	cmake --build --preset release --target kestrel-benchmarks
-	build/release/bin/kestrel-benchmarks --benchmark_repetitions=5 --benchmark_report_aggregates_only=true \
-	    --benchmark_out=build/release/benchmarks.json
+	cmake --build --preset release --target kestrel-benchmarks first-frame
+	benchmarks/bench.py build/release/bin build/release
 
 clean: ; rm -rf build

@@ -1,17 +1,20 @@
-// The two halves of a blur on one thread: its tables built, in memory that has been used before, and all rows
-// read out. Beside them the reference renderer's direct sums over a small picture.
+// The two halves of a blur on one thread and at every level: its tables built, in memory that has been used
+// before, and all rows read out. Beside them the reference renderer's direct sums over a small picture.
 
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
+#include <string>
 
+#include "Cases.h"
 #include "Kestrel.h"
 #include "NaiveBlur.h"
 #include "Report.h"
 #include "SATBlur.h"
 #include "SATTentBlur.h"
-#include "Scenes.h"
+#include "SceneCache.h"
 #include "ThreadPoolContext.h"
+#include "Traffic.h"
 
 namespace bench {
 
@@ -23,55 +26,43 @@ using PILib::ChannelBuf;
 using PILib::Pixel;
 using PILib::SATBoxBlur;
 using PILib::SATTentBlur;
+using PILib::SimdLevel;
 using PILib::SimplePixelBuffer;
 
-struct Size {
-    int width;
-    int height;
-};
-constexpr Size kFullHD = {1920, 1080};
-constexpr Size kSizes[] = {{1280, 720}, kFullHD, {3840, 2160}};
-constexpr int kRadii[] = {5, 50, 200};
-
 // What direct sums can be asked for.
-constexpr Size kSmall = {320, 180};
-constexpr int kSmallRadius = 5;
+constexpr int kNaiveRadius = 5;
 
 template <template <class> class Blur, class C>
-void Tables(benchmark::State& state) {
-    const SimplePixelBuffer<Pixel<C>> input(Argument(state, 0), Argument(state, 1));
-    PaintBeauty(input);
+void Tables(benchmark::State& state, Size size, int radius, SimdLevel level) {
+    const Scene<C>& scene = SceneOf<C>(size, Matte::kObjects);
     PILib::ThreadPoolContext context(1);
-    const int radius = Argument(state, 2);
-    Blur<Pixel<C>> blur(context, input, radius, radius);
+    Blur<Pixel<C>> blur(context, scene.beauty, radius, radius, level);
     for (auto _ : state) {
         blur.initialize();
         benchmark::ClobberMemory();
     }
-    ReportPixelRate(state, input);
+    ReportPixelRate(state, scene.beauty);
+    ReportTraffic(state, BytesOf(scene.beauty) + TableBytes(blur));
 }
 
 template <template <class> class Blur, class C>
-void Rows(benchmark::State& state) {
-    const SimplePixelBuffer<Pixel<C>> input(Argument(state, 0), Argument(state, 1));
-    const SimplePixelBuffer<Pixel<C>> output(input.width, input.height);
-    const ChannelBuf<C> map(input.width, input.height);
-    const auto matte = static_cast<Matte>(state.range(3));
-    PaintBeauty(input);
+void Rows(benchmark::State& state, Size size, int radius, Matte matte, SimdLevel level) {
+    const Scene<C>& scene = SceneOf<C>(size, matte);
+    const SimplePixelBuffer<Pixel<C>> output(size.width, size.height);
+    const ChannelBuf<C> map(size.width, size.height);
     PaintMatte(map, matte);
     PILib::ThreadPoolContext context(1);
-    const int radius = Argument(state, 2);
-    Blur<Pixel<C>> blur(context, input, radius, radius);
+    Blur<Pixel<C>> blur(context, scene.beauty, radius, radius, level);
     blur.initialize();
     const auto largest = static_cast<float>(radius);
-    KestrelThreadHandler<Pixel<C>> handler{output, input, map, &blur, largest, largest};
+    KestrelThreadHandler<Pixel<C>> handler{output, scene.beauty, map, &blur, largest, largest};
     for (auto _ : state) {
         for (int y = 0; y < output.height; ++y)
             handler.rowOp(context, y);
         benchmark::ClobberMemory();
     }
-    state.SetLabel(NameOf(matte));
     ReportPixelRate(state, output);
+    ReportTraffic(state, BytesOf(scene.beauty) + BytesOf(map) + BytesOf(output) + TableBytes(blur));
 }
 
 oracle::Image ImageOf(const PILib::PixelBuf<Pixel<Channel8>>& picture) {
@@ -87,57 +78,59 @@ oracle::Image ImageOf(const PILib::PixelBuf<Pixel<Channel8>>& picture) {
 
 template <oracle::Shape shape>
 void NaiveRows(benchmark::State& state) {
-    const SimplePixelBuffer<Pixel<Channel8>> input(kSmall.width, kSmall.height);
-    const ChannelBuf<Channel8> map(kSmall.width, kSmall.height);
+    const SimplePixelBuffer<Pixel<Channel8>> input(kTinySize.width, kTinySize.height);
+    const ChannelBuf<Channel8> map(kTinySize.width, kTinySize.height);
     PaintBeauty(input);
     PaintMatte(map, Matte::kObjects);
-    const oracle::Blur blur = oracle::MakeBlur(shape, ImageOf(input), kSmallRadius, kSmallRadius);
+    const oracle::Blur blur = oracle::MakeBlur(shape, ImageOf(input), kNaiveRadius, kNaiveRadius);
     for (auto _ : state) {
         for (int y = 0; y < map.height; ++y) {
             for (int x = 0; x < map.width; ++x) {
-                const std::int32_t radius = Channel8::toFixed(map.row(y)[x]) * kSmallRadius;
+                const std::int32_t radius = Channel8::toFixed(map.row(y)[x]) * kNaiveRadius;
                 benchmark::DoNotOptimize(oracle::ReadFractional(blur, x, y, radius, radius));
             }
         }
     }
-    state.SetLabel(NameOf(Matte::kObjects));
     ReportPixelRate(state, input);
 }
 
-void SizesAndRadii(benchmark::internal::Benchmark* run) {
-    run->ArgNames({"width", "height", "radius"})->Unit(benchmark::kMillisecond);
+template <class Run>
+void Register(const std::string& name, Run run) {
+    benchmark::RegisterBenchmark(name.c_str(), run)->Unit(benchmark::kMillisecond);
+}
+
+template <template <class> class Blur, class C>
+void RegisterBlur(const std::string& blur, Size size, int radius, SimdLevel level) {
+    const std::string buffers =
+        std::string(kDepthName<C>) + "/" + blur + "/" + NameOf(size) + "/radius:" + std::to_string(radius);
+    Register("Tables/" + buffers + "/" + NameOf(level),
+             [=](benchmark::State& state) { Tables<Blur, C>(state, size, radius, level); });
+    for (const Matte matte : kMattes) {
+        Register("Rows/" + buffers + "/" + NameOf(matte) + "/" + NameOf(level),
+                 [=](benchmark::State& state) { Rows<Blur, C>(state, size, radius, matte, level); });
+    }
+}
+
+template <class C>
+void RegisterDepth() {
     for (const Size size : kSizes) {
-        for (const int radius : kRadii)
-            run->Args({size.width, size.height, radius});
+        for (const int radius : kRadii) {
+            for (const SimdLevel level : SupportedLevels()) {
+                RegisterBlur<SATBoxBlur, C>(TypeName(false), size, radius, level);
+                RegisterBlur<SATTentBlur, C>(TypeName(true), size, radius, level);
+            }
+        }
     }
 }
-
-// Every size with the matte of objects, and every matte at full HD.
-void SizesRadiiAndMattes(benchmark::internal::Benchmark* run) {
-    run->ArgNames({"width", "height", "radius", "matte"})->Unit(benchmark::kMillisecond);
-    const auto add = [run](Size size, int radius, Matte matte) {
-        run->Args({size.width, size.height, radius, static_cast<int>(matte)});
-    };
-    add(kSmall, kSmallRadius, Matte::kObjects);
-    for (const int radius : kRadii) {
-        for (const Size size : kSizes)
-            add(size, radius, Matte::kObjects);
-        add(kFullHD, radius, Matte::kRamp);
-        add(kFullHD, radius, Matte::kNoise);
-    }
-}
-
-BENCHMARK(NaiveRows<oracle::Shape::kBox>)->Unit(benchmark::kMillisecond);
-BENCHMARK(NaiveRows<oracle::Shape::kTent>)->Unit(benchmark::kMillisecond);
-BENCHMARK(Rows<SATBoxBlur, Channel8>)->Apply(SizesRadiiAndMattes);
-BENCHMARK(Rows<SATBoxBlur, Channel15>)->Apply(SizesRadiiAndMattes);
-BENCHMARK(Rows<SATTentBlur, Channel8>)->Apply(SizesRadiiAndMattes);
-BENCHMARK(Rows<SATTentBlur, Channel15>)->Apply(SizesRadiiAndMattes);
-BENCHMARK(Tables<SATBoxBlur, Channel8>)->Apply(SizesAndRadii);
-BENCHMARK(Tables<SATBoxBlur, Channel15>)->Apply(SizesAndRadii);
-BENCHMARK(Tables<SATTentBlur, Channel8>)->Apply(SizesAndRadii);
-BENCHMARK(Tables<SATTentBlur, Channel15>)->Apply(SizesAndRadii);
 
 }  // namespace
+
+void RegisterBlurs() {
+    RegisterDepth<Channel8>();
+    RegisterDepth<Channel15>();
+    const std::string naive = NameOf(kTinySize) + "/radius:" + std::to_string(kNaiveRadius) + "/objects";
+    Register("NaiveRows/8-bit/Coarse/" + naive, NaiveRows<oracle::Shape::kBox>);
+    Register("NaiveRows/8-bit/Fine/" + naive, NaiveRows<oracle::Shape::kTent>);
+}
 
 }  // namespace bench

@@ -1,12 +1,17 @@
-// The passes of a frame beside its blur, each over a whole full-HD buffer on one thread.
+// The passes of a frame beside its blur, each over whole buffers on one thread.
 
 #include <benchmark/benchmark.h>
 
+#include <cstddef>
+#include <string>
+
+#include "Cases.h"
 #include "FocusPipeline.h"
 #include "FrameBufferOps.h"
 #include "Report.h"
 #include "Scenes.h"
 #include "ThreadPoolContext.h"
+#include "Traffic.h"
 
 namespace bench {
 
@@ -18,71 +23,56 @@ using PILib::Pixel;
 
 template <class C>
 struct Buffers {
-    PILib::SimplePixelBuffer<Pixel<C>> input{1920, 1080};
-    PILib::SimplePixelBuffer<Pixel<C>> output{1920, 1080};
-    PILib::ChannelBuf<C> map{1920, 1080};
-    PILib::ThreadPoolContext context{1};
-
-    Buffers() {
+    explicit Buffers(Size size)
+        : input(size.width, size.height), output(size.width, size.height), map(size.width, size.height) {
         PaintBeauty(input);
         PaintControl(output, Matte::kRamp);
         PaintMatte(map, Matte::kObjects);
     }
+
+    PILib::SimplePixelBuffer<Pixel<C>> input;
+    PILib::SimplePixelBuffer<Pixel<C>> output;
+    PILib::ChannelBuf<C> map;
+    PILib::ThreadPoolContext context{1};
 };
 
-template <class Operation>
-void Repeat(benchmark::State& state, const PILib::FrameBuffer& buffer, Operation operation) {
-    for (auto _ : state) {
-        operation();
-        benchmark::ClobberMemory();
-    }
-    ReportPixelRate(state, buffer);
-}
-
-template <class C, PILib::ChannelID channel>
-void Extract(benchmark::State& state) {
-    Buffers<C> b;
-    Repeat(state, b.map, [&b] { PILib::ExtractChannel(b.context, b.map, b.input, channel); });
-}
-
-// The map is turned over and back, so that every iteration finds the same spread of values.
-template <class C>
-void Process(benchmark::State& state) {
-    const Buffers<C> b;
-    Repeat(state, b.map, [&b] { ProcessChannel(b.map, 0.0F, 0.0F, true); });
+// Repeats operation(buffers), which moves `pictures` pictures and `maps` maps to or from memory.
+template <class C, class Operation>
+void Register(const char* name, Size size, std::size_t pictures, std::size_t maps, Operation operation) {
+    const auto run = [=](benchmark::State& state) {
+        Buffers<C> buffers(size);
+        for (auto _ : state) {
+            operation(buffers);
+            benchmark::ClobberMemory();
+        }
+        ReportPixelRate(state, buffers.input);
+        ReportTraffic(state, pictures * BytesOf(buffers.input) + maps * BytesOf(buffers.map));
+    };
+    const std::string path = std::string(name) + "/" + kDepthName<C> + "/" + NameOf(size);
+    benchmark::RegisterBenchmark(path.c_str(), run)->Unit(benchmark::kMillisecond);
 }
 
 template <class C>
-void FocusView(benchmark::State& state) {
-    const Buffers<C> b;
-    Repeat(state, b.output, [&b] { PaintFocus(b.output, b.input, b.map); });
+void RegisterSize(Size size) {
+    using B = Buffers<C>;
+    Register<C>("ExtractChannel:red", size, 1, 1,
+                [](B& b) { PILib::ExtractChannel(b.context, b.map, b.input, PILib::kChannelRed); });
+    Register<C>("ExtractChannel:luma", size, 1, 1,
+                [](B& b) { PILib::ExtractChannel(b.context, b.map, b.input, PILib::kChannelLuma); });
+    // The map is turned over and back, so that every iteration finds the same spread of values.
+    Register<C>("ProcessChannel", size, 0, 2, [](B& b) { ProcessChannel(b.map, 0.0F, 0.0F, true); });
+    Register<C>("PaintFocus", size, 2, 1, [](B& b) { PaintFocus(b.output, b.input, b.map); });
+    Register<C>("load", size, 2, 0, [](B& b) { b.output.load(b.input, PILib::kAlignTopLeft); });
+    Register<C>("blend", size, 3, 0, [](B& b) { b.output.blend(b.context, b.input, 0.3F); });
 }
-
-template <class C>
-void Load(benchmark::State& state) {
-    const Buffers<C> b;
-    Repeat(state, b.output, [&b] { b.output.load(b.input, PILib::kAlignTopLeft); });
-}
-
-template <class C>
-void Blend(benchmark::State& state) {
-    Buffers<C> b;
-    Repeat(state, b.output, [&b] { b.output.blend(b.context, b.input, 0.3F); });
-}
-
-BENCHMARK(Extract<Channel8, PILib::kChannelRed>)->Unit(benchmark::kMillisecond);
-BENCHMARK(Extract<Channel8, PILib::kChannelLuma>)->Unit(benchmark::kMillisecond);
-BENCHMARK(Extract<Channel15, PILib::kChannelRed>)->Unit(benchmark::kMillisecond);
-BENCHMARK(Extract<Channel15, PILib::kChannelLuma>)->Unit(benchmark::kMillisecond);
-BENCHMARK(Process<Channel8>)->Unit(benchmark::kMillisecond);
-BENCHMARK(Process<Channel15>)->Unit(benchmark::kMillisecond);
-BENCHMARK(FocusView<Channel8>)->Unit(benchmark::kMillisecond);
-BENCHMARK(FocusView<Channel15>)->Unit(benchmark::kMillisecond);
-BENCHMARK(Load<Channel8>)->Unit(benchmark::kMillisecond);
-BENCHMARK(Load<Channel15>)->Unit(benchmark::kMillisecond);
-BENCHMARK(Blend<Channel8>)->Unit(benchmark::kMillisecond);
-BENCHMARK(Blend<Channel15>)->Unit(benchmark::kMillisecond);
 
 }  // namespace
+
+void RegisterPasses() {
+    for (const Size size : kSizes) {
+        RegisterSize<Channel8>(size);
+        RegisterSize<Channel15>(size);
+    }
+}
 
 }  // namespace bench

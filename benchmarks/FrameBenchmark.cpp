@@ -1,14 +1,17 @@
-// Whole frames through the pipeline, as the effect renders them: the map, the tables in freshly allocated
-// memory, and the rows. Wall time counts; the CPU column is that of all threads.
+// Whole frames through the pipeline, as the effect renders them: the map, the tables and the rows. Wall time
+// counts; the CPU column is that of all threads. A first frame, which pays for the process's new memory, is
+// not timed.
 
 #include <benchmark/benchmark.h>
 
-#include <utility>
+#include <string>
 
+#include "Cases.h"
 #include "FocusPipeline.h"
 #include "Report.h"
-#include "Scenes.h"
+#include "SceneCache.h"
 #include "ThreadPoolContext.h"
+#include "Traffic.h"
 
 namespace bench {
 
@@ -17,44 +20,45 @@ namespace {
 using PILib::Channel15;
 using PILib::Channel8;
 using PILib::Pixel;
-using PILib::SimplePixelBuffer;
 
 template <class C>
-void Frame(benchmark::State& state) {
-    const SimplePixelBuffer<Pixel<C>> input(Argument(state, 0), Argument(state, 1));
-    const SimplePixelBuffer<Pixel<C>> control(input.width, input.height);
-    const SimplePixelBuffer<Pixel<C>> output(input.width, input.height);
-    const auto matte = static_cast<Matte>(state.range(4));
-    PaintBeauty(input);
-    PaintControl(control, matte);
+void Frame(benchmark::State& state, const FrameCase& frame, bool fine) {
+    const Scene<C>& scene = SceneOf<C>(frame.size, frame.matte);
+    const PILib::SimplePixelBuffer<Pixel<C>> output(frame.size.width, frame.size.height);
     RenderInputs inputs;
-    inputs.blurType = Argument(state, 2);
-    inputs.maxBlur = 50.0F;
-    PILib::ThreadPoolContext context(Argument(state, 3));
-    for (auto _ : state)
-        RenderFrame(context, inputs, {}, output, input, &control);
-    state.SetLabel(NameOf(matte));
+    inputs.blurType = fine ? 1 : 0;
+    inputs.maxBlur = static_cast<float>(frame.radius);
+    PILib::ThreadPoolContext context(frame.threads);
+    const auto render = [&] { RenderFrame(context, inputs, {}, output, scene.beauty, &scene.control); };
+    render();
+    for (auto _ : state) {
+        render();
+        benchmark::ClobberMemory();
+    }
     ReportPixelRate(state, output);
+    ReportTraffic(state, FrameTraffic(context, scene.beauty, fine, frame.radius));
 }
 
-void Frames(benchmark::internal::Benchmark* run) {
-    run->ArgNames({"width", "height", "fine", "threads", "matte"})
-        ->Unit(benchmark::kMillisecond)
-        ->MeasureProcessCPUTime()
-        ->UseRealTime();
-    for (const auto& [width, height] : {std::pair{1280, 720}, std::pair{3840, 2160}}) {
-        for (const int fine : {0, 1}) {
-            for (const int threads : {1, 2}) {
-                for (const Matte matte : kMattes)
-                    run->Args({width, height, fine, threads, static_cast<int>(matte)});
-            }
+template <class C>
+void RegisterDepth() {
+    for (const bool fine : {false, true}) {
+        for (const FrameCase& frame : AllFrameCases()) {
+            const std::string name = std::string("Frame/") + kDepthName<C> + "/" + NameOf(frame, fine);
+            benchmark::RegisterBenchmark(
+                (name + "/best").c_str(),
+                [frame, fine](benchmark::State& state) { Frame<C>(state, frame, fine); })
+                ->Unit(benchmark::kMillisecond)
+                ->MeasureProcessCPUTime()
+                ->UseRealTime();
         }
     }
 }
 
-BENCHMARK(Frame<Channel8>)->Apply(Frames);
-BENCHMARK(Frame<Channel15>)->Apply(Frames);
-
 }  // namespace
+
+void RegisterFrames() {
+    RegisterDepth<Channel8>();
+    RegisterDepth<Channel15>();
+}
 
 }  // namespace bench

@@ -10,16 +10,13 @@
 #include <string_view>
 
 #include "FocusPipeline.h"
-#include "SATBlur.h"
-#include "SATTentBlur.h"
 #include "Scenes.h"
 #include "ThreadPoolContext.h"
+#include "Traffic.h"
 
 namespace {
 
 using PILib::Pixel;
-using PILib::SATBoxBlur;
-using PILib::SATTentBlur;
 
 constexpr int kWidth = 3840;
 constexpr int kHeight = 2160;
@@ -46,15 +43,6 @@ std::size_t PictureBytes() {
     return std::size_t{kWidth} * kHeight * (3 * sizeof(Pixel<C>) + sizeof(typename C::Type));
 }
 
-// Of the four tables that a render allocates.
-template <template <class> class Blur, class C>
-std::size_t TableBytes(PILib::PIContext& context, const Picture<C>& picture) {
-    const Blur<Pixel<C>> blur(context, picture, kRadius, kRadius);
-    using Cell = typename Blur<Pixel<C>>::Table::element_type;
-    return 4 * sizeof(Cell) * static_cast<std::size_t>(blur.tableWidth) *
-           static_cast<std::size_t>(blur.tableHeight);
-}
-
 std::size_t PeakBytes() {
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
@@ -71,8 +59,7 @@ int Measure(bool fine) {
     const auto peak = static_cast<double>(PeakBytes());
 
     const auto pictures = static_cast<double>(PictureBytes<C>());
-    const auto tables = static_cast<double>(fine ? TableBytes<SATTentBlur, C>(context, picture)
-                                                 : TableBytes<SATBoxBlur, C>(context, picture));
+    const auto tables = static_cast<double>(bench::TableBytes(context, picture, fine, kRadius));
     const double ratio = peak / (tables + pictures);
     std::printf("tables %.1f MB, pictures %.1f MB, peak %.1f MB: %.3f times, at most %.1f allowed\n",
                 tables / 1e6, pictures / 1e6, peak / 1e6, ratio, kLargestRatio);

@@ -1,4 +1,4 @@
-// What the benchmarks have in common: their arguments and counters.
+// What the benchmarks have in common: how they are registered and counted.
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -9,10 +9,12 @@
 
 namespace bench {
 
-// An argument that the benchmark was registered with.
-inline int Argument(const benchmark::State& state, std::size_t position) {
-    return static_cast<int>(state.range(position));
-}
+// Each registers the benchmarks of its source.
+void RegisterBlurs();
+void RegisterFrames();
+void RegisterMemory();
+void RegisterPasses();
+void RegisterPluginFrames();
 
 // Time per pixel and pixels per second of a benchmark whose iterations each cover the buffer.
 inline void ReportPixelRate(benchmark::State& state, const PILib::FrameBuffer& buffer) {
@@ -21,6 +23,11 @@ inline void ReportPixelRate(benchmark::State& state, const PILib::FrameBuffer& b
     constexpr auto kRate = Counter::kIsIterationInvariantRate;
     state.counters["per_pixel"] = Counter(pixels, kRate | Counter::kInvert);
     state.counters["pixels"] = Counter(pixels, kRate);
+}
+
+// Bytes that one iteration cannot but move.
+inline void ReportTraffic(benchmark::State& state, std::size_t bytes) {
+    state.counters["traffic"] = static_cast<double>(bytes);
 }
 
 }  // namespace bench
