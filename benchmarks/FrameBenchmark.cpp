@@ -10,6 +10,7 @@
 #include "FocusPipeline.h"
 #include "Report.h"
 #include "SceneCache.h"
+#include "SimdLevel.h"
 #include "ThreadPoolContext.h"
 #include "Traffic.h"
 
@@ -20,16 +21,19 @@ namespace {
 using PILib::Channel15;
 using PILib::Channel8;
 using PILib::Pixel;
+using PILib::SimdLevel;
 
 template <class C>
-void Frame(benchmark::State& state, const FrameCase& frame, bool fine) {
+void Frame(benchmark::State& state, const FrameCase& frame, bool fine, SimdLevel level) {
     const Scene<C>& scene = SceneOf<C>(frame.size, frame.matte);
     const PILib::SimplePixelBuffer<Pixel<C>> output(frame.size.width, frame.size.height);
     RenderInputs inputs;
     inputs.blurType = fine ? 1 : 0;
     inputs.maxBlur = static_cast<float>(frame.radius);
     PILib::ThreadPoolContext context(frame.threads);
-    const auto render = [&] { RenderFrame(context, inputs, {}, output, scene.beauty, &scene.control); };
+    const auto render = [&] {
+        RenderFrame(context, inputs, {}, output, scene.beauty, &scene.control, level);
+    };
     render();
     for (auto _ : state) {
         render();
@@ -40,16 +44,23 @@ void Frame(benchmark::State& state, const FrameCase& frame, bool fine) {
 }
 
 template <class C>
+void Register(const FrameCase& frame, bool fine, const char* levelName, SimdLevel level) {
+    const std::string name =
+        std::string("Frame/") + kDepthName<C> + "/" + NameOf(frame, fine) + "/" + levelName;
+    benchmark::RegisterBenchmark(name.c_str(),
+                                 [=](benchmark::State& state) { Frame<C>(state, frame, fine, level); })
+        ->Unit(benchmark::kMillisecond)
+        ->MeasureProcessCPUTime()
+        ->UseRealTime();
+}
+
+template <class C>
 void RegisterDepth() {
     for (const bool fine : {false, true}) {
         for (const FrameCase& frame : AllFrameCases()) {
-            const std::string name = std::string("Frame/") + kDepthName<C> + "/" + NameOf(frame, fine);
-            benchmark::RegisterBenchmark(
-                (name + "/best").c_str(),
-                [frame, fine](benchmark::State& state) { Frame<C>(state, frame, fine); })
-                ->Unit(benchmark::kMillisecond)
-                ->MeasureProcessCPUTime()
-                ->UseRealTime();
+            Register<C>(frame, fine, "best", PILib::BestSimdLevel());
+            for (const SimdLevel level : SupportedLevels())
+                Register<C>(frame, fine, NameOf(level), level);
         }
     }
 }
