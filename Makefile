@@ -1,13 +1,13 @@
 # Thin wrapper around CMake: installs the Debian packages that are missing, builds, and runs.
 #   make demo   renders the sample picture and says where the results are
 #   make test   builds and runs every test, optimised and under the address and undefined-behaviour sanitizers
-#   make bench  runs the benchmarks
+#   make bench  runs the benchmarks; make bench-compare times other programs beside them, where installed
 
 PRODUCT_PACKAGES := g++ cmake ninja-build pkg-config libopenimageio-dev libcli11-dev libfmt-dev nlohmann-json3-dev
 TEST_PACKAGES := $(PRODUCT_PACKAGES) libgtest-dev libgmock-dev libbenchmark-dev binutils \
     g++-12-multilib g++-powerpc64-linux-gnu qemu-user
 
-.PHONY: demo test bench clean
+.PHONY: demo test bench bench-compare clean
 .DEFAULT_GOAL := demo
 
 demo: ; @cmake/demo.sh $(PRODUCT_PACKAGES)
@@ -21,5 +21,11 @@ bench:
 	cmake --preset release
 	cmake --build --preset release --target kestrel-benchmarks first-frame
 	benchmarks/bench.py build/release/bin build/release
+
+bench-compare:
+	@cmake/install-packages.sh $(TEST_PACKAGES) python3
+	cmake --preset release
+	cmake --build --preset release --target compare-tools
+	benchmarks/compare/compare.py build/release/bin build/release
 
 clean: ; rm -rf build
