@@ -26,8 +26,8 @@ SIZES = ("1280x720", "1920x1080", "3840x2160")
 RADII = (5, 20, 100, 200)
 
 OWN_NOTE = (
-    "box (Coarse) or tent (Fine), fractional radii; straight alpha in and out, premultiplied between; edge "
-    "replicated; exact sums"
+    "box (Coarse) or tent (Fine), whole radii mixed; radii above half of the largest are held there, at the same "
+    "cost; straight alpha in and out, premultiplied between; edge replicated; exact sums"
 )
 
 
