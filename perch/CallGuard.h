@@ -2,10 +2,6 @@
 // exception pass into the effect.
 #pragma once
 
-#include <exception>
-#include <new>
-#include <string>
-
 #include "Host.h"
 #include "PF_Values.h"
 
@@ -17,18 +13,18 @@ enum class Caller { MainThread, AnyThread };
 // Notes the call. The code to answer with instead of serving it, or 0.
 PF_Err enterCallback(Host* host, const char* callback, Caller caller);
 
+// The code for the exception under way, which is noted where there is memory for it.
+PF_Err codeOfException(const char* callback) noexcept;
+
 // Serves a callback by `body`, a function from Host& to a code.
 template <typename F>
 PF_Err answer(const char* callback, Caller caller, const F& body) {
-    Host* host = Host::current();
-    if (const PF_Err refusal = enterCallback(host, callback, caller)) return refusal;
     try {
+        Host* host = Host::current();
+        if (const PF_Err refusal = enterCallback(host, callback, caller)) return refusal;
         return body(*host);
-    } catch (const std::bad_alloc&) {
-        return PF_Err_OUT_OF_MEMORY;
-    } catch (const std::exception& failure) {
-        host->ledger.fault(callback, failure.what());
-        return PF_Err_BAD_CALLBACK_PARAM;
+    } catch (...) {
+        return codeOfException(callback);
     }
 }
 

@@ -12,8 +12,6 @@
 namespace perch {
 namespace {
 
-// More than any frame; keeps a hostile answer from taking the machine's memory.
-constexpr A_long kLargestExtent = 30000;
 // Of the output rows in strict mode, in pixels: an effect that ignores rowbytes is found out.
 constexpr std::int32_t kStrictRowPadding = 3;
 // What the output holds before an effect that may not answer RENDER is asked to.

@@ -52,6 +52,18 @@ constexpr std::array kCommandNames{
     CommandName{PF_Cmd_SMART_RENDER_GPU, "SMART_RENDER_GPU"},
 };
 
+// Names the command under way for as long as the object lives.
+class UnderWay {
+public:
+    UnderWay(Call*& place, Call& call) : place(place) { place = &call; }
+    ~UnderWay() { place = nullptr; }
+    UnderWay(const UnderWay&) = delete;
+    UnderWay& operator=(const UnderWay&) = delete;
+
+private:
+    Call*& place;
+};
+
 // What an effect leaves in a handle field: hosts know effects that clear only the record they were given.
 PF_Handle keptHandle(PF_Handle given, PF_Handle in, PF_Handle out) {
     return in != given && out == given ? in : out;
@@ -208,9 +220,10 @@ void Host::send(Call& made) {
     made.out.global_data = in.global_data;
     made.out.sequence_data = in.sequence_data;
     made.out.frame_data = in.frame_data;
-    call = &made;
-    enter(made, in);
-    call = nullptr;
+    {
+        const UnderWay underWay(call, made);
+        enter(made, in);
+    }
     carryOver(made, given, in);
     if (made.out.return_msg[sizeof made.out.return_msg - 1] != '\0')
         ledger.fault("", "return_msg is not terminated within its 256 bytes");

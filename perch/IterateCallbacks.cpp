@@ -1,5 +1,4 @@
 // The iterate calls: the effect's function for every pixel, row by row on the workers.
-#include <algorithm>
 #include <atomic>
 #include <type_traits>
 
@@ -24,7 +23,7 @@ private:
     std::atomic<PF_Err> code{PF_Err_NONE};
 };
 
-// Runs effect code on a worker, where nobody would catch what it throws.
+// Runs effect code, which is not to throw, and answers for it where it does.
 template <typename F>
 PF_Err guarded(Host& host, const char* callback, const F& body) {
     try {
@@ -39,6 +38,12 @@ PF_Err guarded(Host& host, const char* callback, const F& body) {
 struct ProgressSpan {
     A_long base = 0;
     A_long final = 0;
+
+    // `share` of the span is done, 0 to 1. A span that does not advance fills no part.
+    void show(const Host& host, double share) const {
+        const double whole = final;
+        if (whole > base && whole > 0) host.showProgress((base + (whole - base) * share) / whole);
+    }
 };
 
 // Calls row(y) for every row of the area on the workers; stops early at a failure or the user's cancel.
@@ -55,21 +60,14 @@ PF_Err runRows(Host& host, const char* callback, const PF_Rect& area, const Prog
         if (const PF_Err code = guarded(host, callback, [&] { return row(area.top + i); }))
             outcome.fail(code);
         const A_long done = ++rowsDone;
-        if (thread != 0 || span.final <= span.base) return;
-        const double reached = span.base + (span.final - span.base) * (static_cast<double>(done) / rows);
-        host.showProgress(reached / span.final);
+        if (thread == 0) span.show(host, static_cast<double>(done) / rows);
     });
     return outcome.result();
 }
 
-PF_Rect intersect(const PF_Rect& a, const PF_Rect& b) {
-    return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
-            std::min(a.bottom, b.bottom)};
-}
-
 template <typename P>
-P* pixelAt(const PF_EffectWorld& world, A_long x, A_long y) {
-    return rowOf<P>(world, y) + x;
+P* pixelAt(const PF_EffectWorld& world, std::int64_t x, std::int64_t y) {
+    return rowOf<P>(world, static_cast<std::int32_t>(y)) + x;
 }
 
 template <typename P>
@@ -96,10 +94,10 @@ struct Iteration {
 
 template <typename P>
 PF_Err iterateRow(const Iteration<P>& it, const PF_Rect& area, A_long y) {
-    const A_long sourceY = y - it.origin.v;
+    const std::int64_t sourceY = std::int64_t{y} - it.origin.v;
     const bool isRowInside = it.src != nullptr && sourceY >= 0 && sourceY < it.src->height;
     for (A_long x = area.left; x < area.right; ++x) {
-        const A_long sourceX = x - it.origin.h;
+        const std::int64_t sourceX = std::int64_t{x} - it.origin.h;
         P transparent{};
         P* in = it.src != nullptr ? &transparent : nullptr;
         if (isRowInside && sourceX >= 0 && sourceX < it.src->width)
@@ -107,6 +105,16 @@ PF_Err iterateRow(const Iteration<P>& it, const PF_Rect& area, A_long y) {
         if (const PF_Err code = it.function(it.refcon, x, y, in, pixelAt<P>(*it.dst, x, y))) return code;
     }
     return PF_Err_NONE;
+}
+
+// The destination's pixels that are iterated.
+template <typename P>
+PF_Rect areaOf(const Iteration<P>& it) {
+    const PF_Rect area = clipped(it.area, *it.dst);
+    if (it.src == nullptr || it.outside == Source::TransparentOutside) return area;
+    const std::int64_t left = it.origin.h;
+    const std::int64_t top = it.origin.v;
+    return clipped({left, top, left + it.src->width, top + it.src->height}, area);
 }
 
 template <typename P>
@@ -117,11 +125,7 @@ PF_Err iterateWorld(const Iteration<P>& it) {
             host.ledger.fault(it.callback, "a world has no pixels, or is of another depth than the call");
             return PF_Err_BAD_CALLBACK_PARAM;
         }
-        PF_Rect area{0, 0, it.dst->width, it.dst->height};
-        if (it.area != nullptr) area = intersect(area, *it.area);
-        if (it.src != nullptr && it.outside == Source::Clipped)
-            area = intersect(
-                area, {it.origin.h, it.origin.v, it.origin.h + it.src->width, it.origin.v + it.src->height});
+        const PF_Rect area = areaOf(it);
         return runRows(host, it.callback, area, it.span, [&](A_long y) { return iterateRow(it, area, y); });
     });
 }

@@ -10,9 +10,10 @@
 #include <vector>
 
 #include "Error.h"
+#include "FileCodes.h"
 #include "PictureFileEnd.h"
 #include "Pictures.h"
-#include "PixelRows.h"
+#include "PixelAccess.h"
 
 namespace perch {
 namespace {
@@ -20,7 +21,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr char kAlphaIsStraight[] = "oiio:UnassociatedAlpha";
-constexpr int kLargestExtent = 30000;
 
 [[noreturn]] void refuse(const fs::path& path, std::string_view reason) {
     throw Error(fmt::format("cannot read \"{}\": {}", path.string(), reason));
@@ -46,23 +46,23 @@ std::string_view depthName(OIIO::TypeDesc type) {
 }
 
 void requireSupported(const fs::path& path, const OIIO::ImageInput& file) {
-    const OIIO::ImageSpec& spec = file.spec();
+    const OIIO::ImageSpec& layout = file.spec();
     const std::string_view format = file.format_name();
-    if (spec.format != OIIO::TypeUInt8 && spec.format != OIIO::TypeUInt16) {
+    if (layout.format != OIIO::TypeUInt8 && layout.format != OIIO::TypeUInt16) {
         refuse(path, fmt::format("it has {} channels; convert it to 8 or 16 bits per channel",
-                                 depthName(spec.format)));
+                                 depthName(layout.format)));
     }
     if (format != "png" && format != "tiff" && format != "jpeg") {
         refuse(path, fmt::format("it is a {} file; convert it to PNG, TIFF or JPEG", format));
     }
-    if (spec.width <= 0 || spec.height <= 0) refuse(path, "it has no pixels; save it again");
-    if (spec.width > kLargestExtent || spec.height > kLargestExtent) {
-        refuse(path, fmt::format("it has {} x {} pixels, the largest is {} x {}; make it smaller", spec.width,
-                                 spec.height, kLargestExtent, kLargestExtent));
+    if (layout.width <= 0 || layout.height <= 0) refuse(path, "it has no pixels; save it again");
+    if (layout.width > kLargestExtent || layout.height > kLargestExtent) {
+        refuse(path, fmt::format("it has {} x {} pixels, the largest is {} x {}; make it smaller",
+                                 layout.width, layout.height, kLargestExtent, kLargestExtent));
     }
-    if (spec.nchannels < 1 || spec.nchannels > 4) {
+    if (layout.nchannels < 1 || layout.nchannels > 4) {
         refuse(path, fmt::format("it has {} channels; convert it to grey or RGB, with or without alpha",
-                                 spec.nchannels));
+                                 layout.nchannels));
     }
 }
 
@@ -85,18 +85,18 @@ Samples readSamples(const fs::path& path) {
         refuse(path, "it is no picture or a damaged one; name a PNG, TIFF or JPEG file");
     }
     requireSupported(path, *file);
-    const OIIO::ImageSpec& spec = file->spec();
-    Samples samples{.width = spec.width,
-                    .height = spec.height,
-                    .channels = static_cast<std::size_t>(spec.nchannels),
-                    .isPremultiplied = spec.get_int_attribute(kAlphaIsStraight) == 0,
-                    .depth = spec.format == OIIO::TypeUInt16 ? Depth::Bits16 : Depth::Bits8,
+    const OIIO::ImageSpec& layout = file->spec();
+    Samples samples{.width = layout.width,
+                    .height = layout.height,
+                    .channels = static_cast<std::size_t>(layout.nchannels),
+                    .isPremultiplied = layout.get_int_attribute(kAlphaIsStraight) == 0,
+                    .depth = layout.format == OIIO::TypeUInt16 ? Depth::Bits16 : Depth::Bits8,
                     .values = {}};
-    samples.values.resize(spec.image_pixels() * samples.channels);
+    samples.values.resize(layout.image_pixels() * samples.channels);
     // The error is asked for as well: the reader leaves missing parts of a TIFF file black and reports
     // success.
     const bool isRead = reachesItsEnd(path, file->format_name()) &&
-                        file->read_image(0, 0, 0, spec.nchannels, OIIO::TypeUInt16, samples.values.data());
+                        file->read_image(0, 0, 0, layout.nchannels, OIIO::TypeUInt16, samples.values.data());
     const std::string error = file->geterror();
     if (!isRead || !error.empty()) refuse(path, "it is damaged or cut short; save or copy it again");
     return samples;
@@ -131,7 +131,7 @@ void fillWorld(const Samples& samples, const World& world) {
     };
     const std::uint16_t* values = samples.values.data();
     for (std::int32_t y = 0; y < samples.height; ++y) {
-        for (P& pixel : pixelRow<P>(world, y)) {
+        for (P& pixel : pixelRow<P>(world.record(), y)) {
             const WidePixel wide = pixelOf(samples, values);
             pixel = {toWorld(wide.alpha), toWorld(wide.red), toWorld(wide.green), toWorld(wide.blue)};
             values += samples.channels;

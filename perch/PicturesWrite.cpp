@@ -16,8 +16,9 @@
 #include <vector>
 
 #include "Error.h"
+#include "FileCodes.h"
 #include "Pictures.h"
-#include "PixelRows.h"
+#include "PixelAccess.h"
 
 namespace perch {
 namespace {
@@ -71,7 +72,7 @@ std::vector<T> samplesOf(const World& world, bool withAlpha) {
     std::vector<T> samples;
     samples.reserve(static_cast<std::size_t>(world.width()) * static_cast<std::size_t>(world.height()) * 4);
     for (std::int32_t y = 0; y < world.height(); ++y) {
-        for (const P& pixel : pixelRow<P>(world, y)) {
+        for (const P& pixel : pixelRow<P>(world.record(), y)) {
             samples.insert(samples.end(), {toFile(pixel.red), toFile(pixel.green), toFile(pixel.blue)});
             if (withAlpha) samples.push_back(toFile(pixel.alpha));
         }
@@ -90,15 +91,15 @@ Bytes encodeAs(const fs::path& path, const World& world, bool withAlpha) {
     Bytes bytes;
     OIIO::Filesystem::IOVecOutput memory(bytes);
     OIIO::Filesystem::IOProxy* proxy = &memory;
-    OIIO::ImageSpec spec(world.width(), world.height(), withAlpha ? 4 : 3, kType);
-    spec["oiio:UnassociatedAlpha"] = 1;
+    OIIO::ImageSpec layout(world.width(), world.height(), withAlpha ? 4 : 3, kType);
+    layout["oiio:UnassociatedAlpha"] = 1;
     // TIFF files are given the time of writing otherwise, and the same pixels would not give the same bytes.
-    if (formatOf(path) == Format::Tiff) spec["DateTime"] = "1970:01:01 00:00:00";
-    spec.attribute("oiio:ioproxy", OIIO::TypePointer, &proxy);
+    if (formatOf(path) == Format::Tiff) layout["DateTime"] = "1970:01:01 00:00:00";
+    layout.attribute("oiio:ioproxy", OIIO::TypePointer, &proxy);
     const std::unique_ptr<OIIO::ImageOutput> file = OIIO::ImageOutput::create(path.string());
     if (file == nullptr) refuse(path, OIIO::geterror());
     const bool isWritten =
-        file->open(path.string(), spec) && file->write_image(kType, samples.data()) && file->close();
+        file->open(path.string(), layout) && file->write_image(kType, samples.data()) && file->close();
     const std::string error = file->geterror();
     if (!isWritten) refuse(path, error.substr(0, error.find('\n')));
     return bytes;
@@ -121,7 +122,7 @@ template <typename P>
 bool isOpaqueAs(const World& world) {
     for (std::int32_t y = 0; y < world.height(); ++y) {
         const auto isGlass = [](const P& pixel) { return pixel.alpha < kWhite<P>; };
-        if (std::ranges::any_of(pixelRow<P>(world, y), isGlass)) return false;
+        if (std::ranges::any_of(pixelRow<P>(world.record(), y), isGlass)) return false;
     }
     return true;
 }

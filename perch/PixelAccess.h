@@ -1,10 +1,10 @@
-// Typed rows of worlds, and the arithmetic of their depths, for the pixel operations.
+// Typed rows of worlds, the codes of their depths, and the parts of worlds that areas stand for.
 #pragma once
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <utility>
+#include <span>
 
 #include "PF_Values.h"
 #include "PF_World.h"
@@ -26,6 +26,11 @@ P* rowOf(const PF_EffectWorld& world, std::int32_t y) {
     return static_cast<P*>(first);
 }
 
+template <class P>
+std::span<P> pixelRow(const PF_EffectWorld& world, std::int32_t y) {
+    return {rowOf<P>(world, y), static_cast<std::size_t>(world.width)};
+}
+
 // Full intensity of a pixel type.
 template <class P>
 inline constexpr std::uint32_t kWhite = 0;
@@ -37,14 +42,40 @@ inline constexpr std::uint32_t kWhite<PF_Pixel16> = 32768;
 template <class P>
 using ChannelOf = decltype(P::alpha);
 
+// A rectangle before it is clipped. Effects may hand over any coordinates; in 64 bits their sums and
+// differences do not overflow.
+struct WideRect {
+    std::int64_t left, top, right, bottom;
+
+    std::int64_t width() const { return right - left; }
+    std::int64_t height() const { return bottom - top; }
+};
+
+inline WideRect wide(const PF_Rect& area) {
+    return {area.left, area.top, area.right, area.bottom};
+}
+
+inline PF_Rect wholeOf(const PF_EffectWorld& world) {
+    return {0, 0, std::max(world.width, 0), std::max(world.height, 0)};
+}
+
+// The part of an area that lies in `bounds`, which it never leaves, even where it is empty.
+inline PF_Rect clipped(const WideRect& area, const PF_Rect& bounds) {
+    const auto within = [](std::int64_t position, A_long low, A_long high) {
+        return static_cast<A_long>(std::clamp<std::int64_t>(position, low, high));
+    };
+    PF_Rect inside;
+    inside.left = within(area.left, bounds.left, bounds.right);
+    inside.top = within(area.top, bounds.top, bounds.bottom);
+    inside.right = within(area.right, inside.left, bounds.right);
+    inside.bottom = within(area.bottom, inside.top, bounds.bottom);
+    return inside;
+}
+
 // The part of an area that lies in a world; null is the whole.
 inline PF_Rect clipped(const PF_Rect* area, const PF_EffectWorld& world) {
-    if (area == nullptr) return {0, 0, world.width, world.height};
-    PF_Rect inside = {std::max(area->left, 0), std::max(area->top, 0), std::min(area->right, world.width),
-                      std::min(area->bottom, world.height)};
-    inside.right = std::max(inside.right, inside.left);
-    inside.bottom = std::max(inside.bottom, inside.top);
-    return inside;
+    const PF_Rect whole = wholeOf(world);
+    return area != nullptr ? clipped(wide(*area), whole) : whole;
 }
 
 // Calls op.template operator()<P>() for the pixel type of the world.

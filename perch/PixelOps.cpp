@@ -38,17 +38,28 @@ bool isSameSize(const PF_EffectWorld& a, const PF_EffectWorld& b) {
     return a.width == b.width && a.height == b.height;
 }
 
+// `count` elements from `source` on go to those from `target` on, along one axis.
+struct Span {
+    std::int64_t source, target, count;
+};
+
+// Cut to both worlds; nothing is left where the count is not positive.
+Span clippedTogether(const Span& span, A_long sourceSize, A_long targetSize) {
+    const std::int64_t before = std::max({-span.source, -span.target, std::int64_t{0}});
+    const std::int64_t behind = std::max(
+        {span.source + span.count - sourceSize, span.target + span.count - targetSize, std::int64_t{0}});
+    return {span.source + before, span.target + before, span.count - before - behind};
+}
+
 // Row by row, in an order that an overlap of one world with itself allows.
 template <class P>
-void copyRows(const PF_EffectWorld& from, const PF_Rect& source, const PF_EffectWorld& to,
-              const PF_Rect& target) {
-    const std::int32_t rows = target.bottom - target.top;
-    const auto bytes = static_cast<std::size_t>(target.right - target.left) * sizeof(P);
-    const bool backwards = from.data == to.data && target.top > source.top;
-    for (std::int32_t i = 0; i < rows; ++i) {
-        const std::int32_t row = backwards ? rows - 1 - i : i;
-        std::memmove(rowOf<P>(to, target.top + row) + target.left,
-                     rowOf<P>(from, source.top + row) + source.left, bytes);
+void copyRows(const PF_EffectWorld& from, const PF_EffectWorld& to, const Span& columns, const Span& rows) {
+    const auto bytes = static_cast<std::size_t>(columns.count) * sizeof(P);
+    const bool backwards = from.data == to.data && rows.target > rows.source;
+    for (std::int64_t i = 0; i < rows.count; ++i) {
+        const std::int64_t row = backwards ? rows.count - 1 - i : i;
+        std::memmove(rowOf<P>(to, static_cast<std::int32_t>(rows.target + row)) + columns.target,
+                     rowOf<P>(from, static_cast<std::int32_t>(rows.source + row)) + columns.source, bytes);
     }
 }
 
@@ -71,23 +82,20 @@ void copyNearest(const PF_EffectWorld& from, const PF_Rect& source, const PF_Eff
 }
 
 // A whole rectangle or the caller's, before clipping.
-PF_Rect wholeOr(const PF_Rect* area, const PF_EffectWorld& world) {
-    return area != nullptr ? *area : PF_Rect{0, 0, world.width, world.height};
+WideRect wholeOr(const PF_Rect* area, const PF_EffectWorld& world) {
+    return wide(area != nullptr ? *area : wholeOf(world));
 }
 
-// Cuts both rectangles, of one size, to their worlds.
-void clipTogether(PF_Rect& source, const PF_EffectWorld& from, PF_Rect& target, const PF_EffectWorld& to) {
-    const auto cut = [](A_long& sourceLow, A_long& sourceHigh, A_long sourceSize, A_long& low, A_long& high,
-                        A_long size) {
-        const A_long before = std::max({-sourceLow, -low, 0});
-        sourceLow += before;
-        low += before;
-        const A_long behind = std::max({sourceHigh - sourceSize, high - size, 0});
-        sourceHigh -= behind;
-        high = std::max(high - behind, low);
-    };
-    cut(source.left, source.right, from.width, target.left, target.right, to.width);
-    cut(source.top, source.bottom, from.height, target.top, target.bottom, to.height);
+// An area of a world, which it does not leave, as a world of its own over the same pixels.
+PF_EffectWorld partOf(const PF_EffectWorld& world, const PF_Rect& area) {
+    PF_EffectWorld part = world;
+    part.width = area.right - area.left;
+    part.height = area.bottom - area.top;
+    if (!hasPixels(part)) return part;
+    part.data = forDepth(world, [&]<class P>() {
+        return static_cast<PF_PixelPtr>(static_cast<void*>(rowOf<P>(world, area.top) + area.left));
+    });
+    return part;
 }
 
 template <class P>
@@ -152,17 +160,19 @@ PF_Err blendWorlds(const PF_EffectWorld& a, const PF_EffectWorld& b, PF_Fixed ra
 PF_Err copyWorld(const PF_EffectWorld& from, const PF_Rect* fromArea, PF_EffectWorld& to,
                  const PF_Rect* toArea) {
     if (isDeep(from) != isDeep(to)) return PF_Err_BAD_CALLBACK_PARAM;
-    PF_Rect source = wholeOr(fromArea, from);
-    PF_Rect target = wholeOr(toArea, to);
-    if (source.right - source.left == target.right - target.left &&
-        source.bottom - source.top == target.bottom - target.top) {
-        clipTogether(source, from, target, to);
-        if (target.right <= target.left || target.bottom <= target.top) return PF_Err_NONE;
-        forDepth(to, [&]<class P>() { copyRows<P>(from, source, to, target); });
+    const WideRect askedSource = wholeOr(fromArea, from);
+    const WideRect askedTarget = wholeOr(toArea, to);
+    if (askedSource.width() == askedTarget.width() && askedSource.height() == askedTarget.height()) {
+        const Span columns =
+            clippedTogether({askedSource.left, askedTarget.left, askedTarget.width()}, from.width, to.width);
+        const Span rows =
+            clippedTogether({askedSource.top, askedTarget.top, askedTarget.height()}, from.height, to.height);
+        if (columns.count <= 0 || rows.count <= 0) return PF_Err_NONE;
+        forDepth(to, [&]<class P>() { copyRows<P>(from, to, columns, rows); });
         return PF_Err_NONE;
     }
-    source = clipped(fromArea, from);
-    target = clipped(toArea, to);
+    const PF_Rect source = clipped(fromArea, from);
+    const PF_Rect target = clipped(toArea, to);
     if (source.right == source.left || source.bottom == source.top) return PF_Err_BAD_CALLBACK_PARAM;
     forDepth(to, [&]<class P>() { copyNearest<P>(from, source, to, target); });
     return PF_Err_NONE;
@@ -175,22 +185,16 @@ PF_Err copyWorldFiltered(const PF_EffectWorld& from, const PF_Rect* fromArea, PF
     const A_long sourceWidth = source.right - source.left;
     const A_long sourceHeight = source.bottom - source.top;
     if (sourceWidth == 0 || sourceHeight == 0) return PF_Err_BAD_CALLBACK_PARAM;
+    if (target.right == target.left || target.bottom == target.top) return PF_Err_NONE;
     if (sourceWidth == target.right - target.left && sourceHeight == target.bottom - target.top) {
         return copyWorld(from, &source, to, &target);
     }
     const double scaleX = static_cast<double>(target.right - target.left) / sourceWidth;
     const double scaleY = static_cast<double>(target.bottom - target.top) / sourceHeight;
-    // The part as a world of its own, drawn onto the target.
-    PF_EffectWorld part = from;
-    part.data = forDepth(from, [&]<class P>() {
-        return static_cast<PF_PixelPtr>(static_cast<void*>(rowOf<P>(from, source.top) + source.left));
-    });
-    part.width = sourceWidth;
-    part.height = sourceHeight;
     const PF_FloatMatrix matrix = {{{scaleX, 0, 0},
                                     {0, scaleY, 0},
                                     {static_cast<double>(target.left), static_cast<double>(target.top), 1}}};
-    return transformWorld(part, matrix, true, {PF_Xfer_COPY, 1.0, false}, &target, to);
+    return transformWorld(partOf(from, source), matrix, true, {PF_Xfer_COPY, 1.0, false}, &target, to);
 }
 
 PF_Err fillWorld(const PF_Pixel* color, const PF_Rect* area, PF_EffectWorld& world) {
@@ -216,16 +220,9 @@ PF_Err premultiplyWorld(const PF_EffectWorld& from, const PF_Pixel16& color, boo
 
 PF_Err compositeWorld(const PF_EffectWorld& from, const PF_Rect* fromArea, const Placement& placement,
                       A_long x, A_long y, PF_EffectWorld& to) {
-    const PF_Rect source = clipped(fromArea, from);
-    PF_EffectWorld part = from;
-    if (hasPixels(from)) {
-        part.data = forDepth(from, [&]<class P>() {
-            return static_cast<PF_PixelPtr>(static_cast<void*>(rowOf<P>(from, source.top) + source.left));
-        });
-    }
-    part.width = source.right - source.left;
-    part.height = source.bottom - source.top;
-    const PF_Rect target = {x, y, x + part.width, y + part.height};
+    const PF_EffectWorld part = partOf(from, clipped(fromArea, from));
+    const WideRect drawn = {x, y, std::int64_t{x} + part.width, std::int64_t{y} + part.height};
+    const PF_Rect target = clipped(drawn, wholeOf(to));
     const PF_FloatMatrix shift = {
         {{1, 0, 0}, {0, 1, 0}, {static_cast<double>(x), static_cast<double>(y), 1}}};
     return transformWorld(part, shift, true, placement, &target, to);

@@ -1,6 +1,7 @@
 #include "WorkerPool.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace perch {
 namespace {
@@ -48,6 +49,7 @@ void WorkerPool::run(std::int32_t iterations, const Task& body) {
     takeIterations(0);
     std::unique_lock lock(mutex);
     done.wait(lock, [this] { return busy == 0; });
+    if (failure != nullptr) std::rethrow_exception(std::exchange(failure, nullptr));
 }
 
 void WorkerPool::start() {
@@ -70,10 +72,16 @@ void WorkerPool::work(std::int32_t thread) {
     }
 }
 
-void WorkerPool::takeIterations(std::int32_t thread) {
+void WorkerPool::takeIterations(std::int32_t thread) noexcept {
     isIterating = true;
-    for (std::int64_t i = next++; i < count; i = next++)
-        (*task)(thread, static_cast<std::int32_t>(i));
+    try {
+        for (std::int64_t i = next++; i < count; i = next++)
+            (*task)(thread, static_cast<std::int32_t>(i));
+    } catch (...) {
+        next = count;
+        const std::lock_guard lock(mutex);
+        if (failure == nullptr) failure = std::current_exception();
+    }
     isIterating = false;
 }
 

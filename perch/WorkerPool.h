@@ -5,6 +5,7 @@
 #include <atomic>
 #include <condition_variable>
 #include <cstdint>
+#include <exception>
 #include <functional>
 #include <mutex>
 #include <thread>
@@ -21,14 +22,15 @@ public:
     WorkerPool& operator=(const WorkerPool&) = delete;
 
     int threadCount() const { return threads; }
-    // Calls task(thread, i) once for each i from 0 to count - 1, in any order. `task` does not throw.
+    // Calls task(thread, i) once for each i from 0 to count - 1, in any order. Where a task throws, no
+    // further iteration begins, and the first exception comes back once those under way have ended.
     using Task = std::function<void(std::int32_t thread, std::int32_t i)>;
     void run(std::int32_t count, const Task& task);
 
 private:
     void start();
     void work(std::int32_t thread);
-    void takeIterations(std::int32_t thread);
+    void takeIterations(std::int32_t thread) noexcept;
 
     const int threads;
     std::vector<std::thread> workers;
@@ -40,6 +42,7 @@ private:
     int busy = 0;
     bool isStopping = false;
     const Task* task = nullptr;
+    std::exception_ptr failure;  // the first of the run
     std::int32_t count = 0;
     std::atomic<std::int64_t> next{0};  // runs past count by up to one per thread
 };

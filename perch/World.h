@@ -11,6 +11,10 @@
 
 namespace perch {
 
+// Of the width and height of worlds: more than any frame has. Keeps a hostile size from taking the machine's
+// memory.
+constexpr std::int32_t kLargestExtent = 30000;
+
 class World {
 public:
     // `rowPadding` is bytes at the end of each row, a multiple of the pixel size. Sizes of 0 are legal: such

@@ -7,8 +7,6 @@
 namespace perch {
 namespace {
 
-// More than any frame; keeps a hostile size from taking the machine's memory.
-constexpr std::int32_t kLargestExtent = 30000;
 // In strict mode, in pixels: rows are then longer than their pixels.
 constexpr std::int32_t kRowPadding = 3;
 

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <limits>
+#include <stdexcept>
 #include <thread>
 
 #include "ScriptedEffect.h"
@@ -74,6 +76,52 @@ TEST_F(IterateTest, OriginShiftsTheSourceAndSkipsWhatItDoesNotCover) {
     });
     EXPECT_THAT(reds, ElementsAre(0, 11, 12, 13, 0, 21, 22, 23, 0, 0, 0, 0));
 }
+
+struct FarOrigin {
+    const char* name;
+    PF_Rect area;
+    PF_Point origin;
+    int pixels;           // iterated by the clipping call
+    int pixelsUnclipped;  // and by the other
+};
+
+constexpr A_long kLowest = std::numeric_limits<A_long>::min();
+constexpr A_long kHighest = std::numeric_limits<A_long>::max();
+constexpr PF_Rect kEverything{kLowest, kLowest, kHighest, kHighest};
+
+class FarOriginTest : public IterateTest, public testing::WithParamInterface<FarOrigin> {};
+
+PF_Err countPixel(void* refcon, A_long, A_long, PF_Pixel*, PF_Pixel*) {
+    ++*static_cast<std::atomic<int>*>(refcon);
+    return PF_Err_NONE;
+}
+
+TEST_P(FarOriginTest, IteratesThePixelsThatAreThere) {
+    std::atomic<int> pixels{0};
+    std::atomic<int> pixelsUnclipped{0};
+    render([&](const EffectCall& call) {
+        PF_EffectWorld* const input = &call.params[0]->u.ld;
+        if (const PF_Err code =
+                call.utilities().iterate_origin(call.in, kLowest, kHighest, input, &GetParam().area,
+                                                &GetParam().origin, &pixels, countPixel, call.output))
+            return code;
+        return call.utilities().iterate_origin_non_clip_src(call.in, kHighest, kLowest, input,
+                                                            &GetParam().area, &GetParam().origin,
+                                                            &pixelsUnclipped, countPixel, call.output);
+    });
+    EXPECT_EQ(pixels, GetParam().pixels);
+    EXPECT_EQ(pixelsUnclipped, GetParam().pixelsUnclipped);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Extremes, FarOriginTest,
+    testing::Values(FarOrigin{"AreaBeyondEverything", kEverything, {0, 0}, 12, 12},
+                    FarOrigin{"AreaInsideOut", {kHighest, kHighest, kLowest, kLowest}, {0, 0}, 0, 0},
+                    FarOrigin{"AreaFarAbove", {kLowest, kLowest, kHighest, 0}, {0, 0}, 0, 0},
+                    FarOrigin{"AreaFarBelow", {0, kHighest, 4, kHighest}, {0, 0}, 0, 0},
+                    FarOrigin{"LowestOrigin", kEverything, {kLowest, kLowest}, 0, 12},
+                    FarOrigin{"HighestOrigin", kEverything, {kHighest, kHighest}, 0, 12}),
+    [](const auto& test) { return test.param.name; });
 
 TEST_F(IterateTest, NonClippingOriginGivesTransparentPixelsOutside) {
     const auto countTransparent = [](void* refcon, A_long, A_long, PF_Pixel* in, PF_Pixel* out) {
@@ -156,6 +204,37 @@ TEST_F(IterateTest, CodeOfThePixelFunctionComesBack) {
         return PF_Err_NONE;
     });
     EXPECT_EQ(code, 88);
+}
+
+TEST_F(IterateTest, ExceptionOfThePixelFunctionIsACodeAndAFault) {
+    PF_Err code = 0;
+    script.on(PF_Cmd_RENDER, [&](const EffectCall& call) {
+        code = call.utilities().iterate(
+            call.in, 0, 3, nullptr, nullptr, nullptr,
+            [](void*, A_long, A_long, PF_Pixel*, PF_Pixel*) -> PF_Err { throw std::runtime_error("pixel"); },
+            call.output);
+        return PF_Err_NONE;
+    });
+    Effect effect(ScriptedEffect::enter, {}, strictOptions());
+    Sequence(effect).render(request);
+    EXPECT_EQ(code, PF_Err_INTERNAL_STRUCT_DAMAGED);
+    EXPECT_THAT(faults(effect), ElementsAre("RENDER, iterate: an exception left the effect's function"));
+}
+
+TEST_F(IterateTest, ExceptionOfTheCallersProgressReachesNoEffectCode) {
+    PF_Err code = 0;
+    script.on(PF_Cmd_RENDER, [&](const EffectCall& call) {
+        code = call.utilities().iterate(call.in, 0, 3, &call.params[0]->u.ld, nullptr, nullptr, copyPixel,
+                                        call.output);
+        return PF_Err_NONE;
+    });
+    request.progress = [](double) { throw std::runtime_error("no terminal"); };
+    HostOptions options = strictOptions();
+    options.threads = 1;  // so that the calling thread is sure to have rows of its own
+    Effect effect(ScriptedEffect::enter, {}, options);
+    Sequence(effect).render(request);
+    EXPECT_EQ(code, PF_Err_BAD_CALLBACK_PARAM);
+    EXPECT_THAT(faults(effect), ElementsAre("RENDER, iterate: no terminal"));
 }
 
 TEST_F(IterateTest, CancelEndsTheRows) {

@@ -23,10 +23,10 @@ struct FileShape {
 template <typename T>
 void writeFile(const std::filesystem::path& path, const FileShape& shape, const std::vector<T>& samples) {
     const OIIO::TypeDesc type(OIIO::BaseTypeFromC<T>::value);
-    OIIO::ImageSpec spec(shape.width, shape.height, shape.channels, type);
-    if (!shape.isPremultiplied) spec["oiio:UnassociatedAlpha"] = 1;
+    OIIO::ImageSpec layout(shape.width, shape.height, shape.channels, type);
+    if (!shape.isPremultiplied) layout["oiio:UnassociatedAlpha"] = 1;
     const auto file = OIIO::ImageOutput::create(path.string());
-    if (!file || !file->open(path.string(), spec) || !file->write_image(type, samples.data()) ||
+    if (!file || !file->open(path.string(), layout) || !file->write_image(type, samples.data()) ||
         !file->close()) {
         throw std::runtime_error("cannot write " + path.string());
     }

@@ -9,8 +9,9 @@
 #include <thread>
 
 #include "Error.h"
+#include "FileCodes.h"
 #include "PictureFiles.h"
-#include "PixelRows.h"
+#include "PixelAccess.h"
 #include "TemporaryFolder.h"
 
 namespace perch {
@@ -27,8 +28,8 @@ Codes codesOf(const P& pixel) {
 
 // Alpha, red, green, blue of a picture of one pixel.
 Codes onePixel(const Picture& picture) {
-    return picture.pixels.isDeep() ? codesOf(pixelRow<PF_Pixel16>(picture.pixels, 0)[0])
-                                   : codesOf(pixelRow<PF_Pixel>(picture.pixels, 0)[0]);
+    return picture.pixels.isDeep() ? codesOf(pixelRow<PF_Pixel16>(picture.pixels.record(), 0)[0])
+                                   : codesOf(pixelRow<PF_Pixel>(picture.pixels.record(), 0)[0]);
 }
 
 class PicturesTest : public testing::Test {
@@ -67,7 +68,7 @@ TEST_F(PicturesTest, EveryCodeOfADeepWorldSurvivesAFile) {
     constexpr std::int32_t kCodes = 32769;
     World world(kCodes, 1, true);
     std::uint16_t code = 0;
-    for (PF_Pixel16& pixel : pixelRow<PF_Pixel16>(world, 0)) {
+    for (PF_Pixel16& pixel : pixelRow<PF_Pixel16>(world.record(), 0)) {
         pixel = {code, static_cast<std::uint16_t>(kCodes - 1 - code), code, 0};
         ++code;
     }
@@ -76,8 +77,8 @@ TEST_F(PicturesTest, EveryCodeOfADeepWorldSurvivesAFile) {
         World folded(kCodes / 3, 3, true);
         for (std::int32_t y = 0; y < 3; ++y) {
             const auto source =
-                pixelRow<PF_Pixel16>(world, 0).subspan(static_cast<std::size_t>(y * (kCodes / 3)));
-            std::copy_n(source.begin(), kCodes / 3, pixelRow<PF_Pixel16>(folded, y).begin());
+                pixelRow<PF_Pixel16>(world.record(), 0).subspan(static_cast<std::size_t>(y * (kCodes / 3)));
+            std::copy_n(source.begin(), kCodes / 3, pixelRow<PF_Pixel16>(folded.record(), y).begin());
         }
         writePicture(folder / name, folded, true);
         const Picture read = readPicture(folder / name);
@@ -85,8 +86,8 @@ TEST_F(PicturesTest, EveryCodeOfADeepWorldSurvivesAFile) {
         EXPECT_TRUE(read.hasAlpha) << name;
         for (std::int32_t y = 0; y < 3; ++y) {
             for (std::size_t x = 0; x < kCodes / 3; ++x) {
-                ASSERT_EQ(codesOf(pixelRow<PF_Pixel16>(read.pixels, y)[x]),
-                          codesOf(pixelRow<PF_Pixel16>(folded, y)[x]))
+                ASSERT_EQ(codesOf(pixelRow<PF_Pixel16>(read.pixels.record(), y)[x]),
+                          codesOf(pixelRow<PF_Pixel16>(folded.record(), y)[x]))
                     << name << ", x " << x << ", y " << y;
             }
         }
@@ -96,7 +97,7 @@ TEST_F(PicturesTest, EveryCodeOfADeepWorldSurvivesAFile) {
 TEST_F(PicturesTest, EveryCodeOfAnEightBitWorldSurvivesAFile) {
     World world(256, 1, false);
     A_u_char code = 0;
-    for (PF_Pixel& pixel : pixelRow<PF_Pixel>(world, 0)) {
+    for (PF_Pixel& pixel : pixelRow<PF_Pixel>(world.record(), 0)) {
         pixel = {static_cast<A_u_char>(255 - code), code, static_cast<A_u_char>(code ^ 0x55), 7};
         ++code;
     }
@@ -105,8 +106,8 @@ TEST_F(PicturesTest, EveryCodeOfAnEightBitWorldSurvivesAFile) {
         const Picture read = readPicture(folder / name);
         ASSERT_FALSE(read.pixels.isDeep()) << name;
         for (std::size_t x = 0; x < 256; ++x) {
-            ASSERT_EQ(codesOf(pixelRow<PF_Pixel>(read.pixels, 0)[x]),
-                      codesOf(pixelRow<PF_Pixel>(world, 0)[x]))
+            ASSERT_EQ(codesOf(pixelRow<PF_Pixel>(read.pixels.record(), 0)[x]),
+                      codesOf(pixelRow<PF_Pixel>(world.record(), 0)[x]))
                 << name << ", x " << x;
         }
     }
@@ -122,7 +123,7 @@ TEST_F(PicturesTest, SixteenBitFileCodesAreRoundedToTheNearestOfADeepWorld) {
     EXPECT_FALSE(read.hasAlpha);
     for (std::uint32_t code = 0; code < samples.size(); ++code) {
         const PF_Pixel16& pixel =
-            pixelRow<PF_Pixel16>(read.pixels, static_cast<std::int32_t>(code / kSide))[code % kSide];
+            pixelRow<PF_Pixel16>(read.pixels.record(), static_cast<std::int32_t>(code / kSide))[code % kSide];
         const int expected = static_cast<int>((code * 32768U + 32767U) / 65535U);
         ASSERT_EQ(codesOf(pixel), (Codes{32768, expected, expected, expected})) << "code " << code;
     }
@@ -258,7 +259,7 @@ TEST_F(PicturesTest, FullDiskLeavesTheFileBeforeAndNoPartOfTheNew) {
     World world(200, 200, false);
     std::uint32_t state = 1;
     for (std::int32_t y = 0; y < 200; ++y) {
-        for (PF_Pixel& pixel : pixelRow<PF_Pixel>(world, y)) {
+        for (PF_Pixel& pixel : pixelRow<PF_Pixel>(world.record(), y)) {
             state = state * 1664525U + 1013904223U;
             pixel = {255, static_cast<A_u_char>(state >> 24), static_cast<A_u_char>(state >> 16), 0};
         }
@@ -286,7 +287,7 @@ TEST_F(PicturesTest, FullDiskLeavesTheFileBeforeAndNoPartOfTheNew) {
 
 TEST_F(PicturesTest, WithoutAlphaTheFileHasThreeChannels) {
     World world(1, 1, false);
-    pixelRow<PF_Pixel>(world, 0)[0] = {9, 1, 2, 3};
+    pixelRow<PF_Pixel>(world.record(), 0)[0] = {9, 1, 2, 3};
     writePicture(folder / "a.png", world, false);
     const Picture read = readPicture(folder / "a.png");
     EXPECT_FALSE(read.hasAlpha);
@@ -311,10 +312,10 @@ TEST_F(PicturesTest, SamePixelsGiveTheSameBytesAtAnyTime) {
 
 TEST_F(PicturesTest, WorldIsOpaqueWhenEveryAlphaIsFull) {
     World world(2, 1, true);
-    for (PF_Pixel16& pixel : pixelRow<PF_Pixel16>(world, 0))
+    for (PF_Pixel16& pixel : pixelRow<PF_Pixel16>(world.record(), 0))
         pixel.alpha = 32768;
     EXPECT_TRUE(isOpaque(world));
-    pixelRow<PF_Pixel16>(world, 0)[1].alpha = 32767;
+    pixelRow<PF_Pixel16>(world.record(), 0)[1].alpha = 32767;
     EXPECT_FALSE(isOpaque(world));
 }
 

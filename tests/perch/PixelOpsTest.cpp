@@ -3,7 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 #include <random>
+#include <sstream>
+#include <string>
+#include <utility>
 
 #include "PF_Values.h"
 #include "PixelAccess.h"
@@ -133,6 +137,117 @@ TYPED_TEST(PixelOpsTest, FillStaysInItsRectangle) {
         for (std::int32_t x = 0; x < 5; ++x) {
             EXPECT_TRUE(same(at<P>(world, x, y), x >= 3 && y < 2 ? color : grey<P>(9, 9))) << x << ", " << y;
         }
+    }
+}
+
+constexpr A_long kLowest = std::numeric_limits<A_long>::min();
+constexpr A_long kHighest = std::numeric_limits<A_long>::max();
+
+// Areas at the ends of the numbers, and the part of a world of 5 x 4 pixels that they hold.
+struct FarArea {
+    PF_Rect area;
+    PF_Rect inside;
+};
+
+constexpr FarArea kFarAreas[] = {
+    {{kLowest, kLowest, kHighest, kHighest}, {0, 0, 5, 4}},
+    {{kLowest, 1, 3, kHighest}, {0, 1, 3, 4}},
+    {{2, kLowest, kHighest, 2}, {2, 0, 5, 2}},
+    {{kHighest, kHighest, kLowest, kLowest}, {0, 0, 0, 0}},
+    {{kLowest, kLowest, kLowest, kLowest}, {0, 0, 0, 0}},
+    {{kHighest, kHighest, kHighest, kHighest}, {0, 0, 0, 0}},
+    {{kLowest, kLowest, 0, 0}, {0, 0, 0, 0}},
+};
+
+bool isInside(const PF_Rect& area, std::int32_t x, std::int32_t y) {
+    return x >= area.left && x < area.right && y >= area.top && y < area.bottom;
+}
+
+std::string textOf(const PF_Rect& area) {
+    std::ostringstream text;
+    text << "area " << area.left << ' ' << area.top << ' ' << area.right << ' ' << area.bottom;
+    return text.str();
+}
+
+TYPED_TEST(PixelOpsTest, FarAreasAreFilledWhereTheyLieInTheWorld) {
+    using P = TypeParam;
+    const P color = grey<P>(3, 4);
+    for (const auto& [area, inside] : kFarAreas) {
+        SCOPED_TRACE(textOf(area));
+        World world = filled(5, 4, grey<P>(9, 9));
+        ASSERT_EQ(fillWorld(&color, &area, world.record()), PF_Err_NONE);
+        for (std::int32_t y = 0; y < 4; ++y) {
+            for (std::int32_t x = 0; x < 5; ++x)
+                EXPECT_EQ(at<P>(world, x, y).red, isInside(inside, x, y) ? 4 : 9) << x << ", " << y;
+        }
+    }
+}
+
+TYPED_TEST(PixelOpsTest, FarAreasOfBothWorldsAreCopiedWhereTheyLieInBoth) {
+    using P = TypeParam;
+    World from = noise<P>(5, 4, 1);
+    for (const auto& [area, inside] : kFarAreas) {
+        SCOPED_TRACE(textOf(area));
+        World to = filled(5, 4, P{});
+        ASSERT_EQ(copyWorld(from.record(), &area, to.record(), &area), PF_Err_NONE);
+        for (std::int32_t y = 0; y < 4; ++y) {
+            for (std::int32_t x = 0; x < 5; ++x) {
+                const P expected = isInside(inside, x, y) ? at<P>(from, x, y) : P{};
+                EXPECT_TRUE(same(at<P>(to, x, y), expected)) << x << ", " << y;
+            }
+        }
+    }
+}
+
+TYPED_TEST(PixelOpsTest, CopiesBetweenAreasAtOppositeEndsOfTheNumbersTouchNothing) {
+    using P = TypeParam;
+    World from = noise<P>(5, 4, 1);
+    World to = noise<P>(5, 4, 2);
+    const std::uint64_t before = to.checksum();
+    const PF_Rect low{kLowest, kLowest, kLowest + 5, kLowest + 4};
+    const PF_Rect high{kHighest - 5, kHighest - 4, kHighest, kHighest};
+    for (const auto& [source, target] : {std::pair{low, high}, {high, low}})
+        EXPECT_EQ(copyWorld(from.record(), &source, to.record(), &target), PF_Err_NONE) << textOf(source);
+    EXPECT_EQ(to.checksum(), before);
+    EXPECT_EQ(to.damage(), "");
+}
+
+// Of other extents than the source's, so that the pixels are picked or filtered.
+TYPED_TEST(PixelOpsTest, FarAreasAreStretchedToWhereTheyLieInTheWorld) {
+    using P = TypeParam;
+    World from = filled(3, 2, grey<P>(kWhite<P>, 4));
+    for (const auto copyArea : {copyWorld, copyWorldFiltered}) {
+        for (const auto& [area, inside] : kFarAreas) {
+            SCOPED_TRACE(textOf(area));
+            World to = filled(5, 4, grey<P>(9, 9));
+            ASSERT_EQ(copyArea(from.record(), nullptr, to.record(), &area), PF_Err_NONE);
+            for (std::int32_t y = 0; y < 4; ++y) {
+                for (std::int32_t x = 0; x < 5; ++x)
+                    EXPECT_EQ(at<P>(to, x, y).red, isInside(inside, x, y) ? 4 : 9) << x << ", " << y;
+            }
+        }
+    }
+}
+
+TYPED_TEST(PixelOpsTest, RatiosAtTheEndsOfTheNumbersAreThoseOfTheBlend) {
+    World a = noise<TypeParam>(9, 4, 1);
+    World b = noise<TypeParam>(9, 4, 2);
+    World out(9, 4, kDeep<TypeParam>);
+    ASSERT_EQ(blendWorlds(a.record(), b.record(), kLowest, out.record()), PF_Err_NONE);
+    EXPECT_EQ(out.checksum(), a.checksum());
+    ASSERT_EQ(blendWorlds(a.record(), b.record(), kHighest, out.record()), PF_Err_NONE);
+    EXPECT_EQ(out.checksum(), b.checksum());
+}
+
+TYPED_TEST(PixelOpsTest, CompositeAtTheEndsOfTheNumbersTouchesNothing) {
+    using P = TypeParam;
+    World from = filled(4, 4, grey<P>(kWhite<P>, 11));
+    World to = noise<P>(5, 5, 2);
+    const std::uint64_t before = to.checksum();
+    for (const auto& [x, y] : {std::pair{kLowest, 0}, {kHighest, 0}, {0, kLowest}, {kHighest, kHighest}}) {
+        ASSERT_EQ(compositeWorld(from.record(), nullptr, kCopy, x, y, to.record()), PF_Err_NONE)
+            << x << ", " << y;
+        EXPECT_EQ(to.checksum(), before) << x << ", " << y;
     }
 }
 

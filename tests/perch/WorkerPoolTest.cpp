@@ -5,6 +5,7 @@
 
 #include <numeric>
 #include <set>
+#include <stdexcept>
 
 namespace perch::test {
 namespace {
@@ -47,6 +48,28 @@ TEST_P(WorkerPoolTest, RunWithinARunStaysOnItsThread) {
     });
     EXPECT_EQ(inner, 100);
     EXPECT_EQ(strayed, 0);
+}
+
+TEST_P(WorkerPoolTest, ExceptionComesBackToTheCallerAndThePoolGoesOn) {
+    WorkerPool pool(GetParam());
+    const auto throwAtTen = [](std::int32_t, std::int32_t i) {
+        if (i == 10) throw std::runtime_error("ten");
+    };
+    EXPECT_THROW(pool.run(100, throwAtTen), std::runtime_error);
+    std::atomic<int> runs{0};
+    pool.run(100, [&](std::int32_t, std::int32_t) { ++runs; });
+    EXPECT_EQ(runs, 100);
+}
+
+TEST_P(WorkerPoolTest, NoIterationBeginsAfterEveryThreadHasThrown) {
+    WorkerPool pool(GetParam());
+    std::atomic<int> runs{0};
+    const auto fail = [&](std::int32_t, std::int32_t) {
+        ++runs;
+        throw std::runtime_error("all");
+    };
+    EXPECT_THROW(pool.run(1000, fail), std::runtime_error);
+    EXPECT_LE(runs, GetParam());
 }
 
 INSTANTIATE_TEST_SUITE_P(ThreadCounts, WorkerPoolTest, testing::Values(1, 2, 3, 8, 64),

@@ -1,20 +1,9 @@
-// Rows of worlds as spans, and the depths of files.
+// The codes of picture files beside those of worlds.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
-#include <span>
-
-#include "PixelAccess.h"
-#include "World.h"
 
 namespace perch {
-
-// The pixels of row y; P is PF_Pixel or PF_Pixel16, as the world is deep or not.
-template <typename P>
-std::span<P> pixelRow(const World& world, std::int32_t y) {
-    return {rowOf<P>(world.record(), y), static_cast<std::size_t>(world.width())};
-}
 
 constexpr std::uint32_t kWhiteOfFiles = 65535;  // of 16-bit files
 
