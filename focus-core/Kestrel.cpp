@@ -1,5 +1,6 @@
 #include "Kestrel.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <memory>
@@ -45,9 +46,22 @@ void RenderAtDepth(PILib::PIContext& context, const FrameBuffer& output, const F
 
 template <class P>
 void KestrelThreadHandler<P>::rowOp(PILib::PIContext& /*context*/, int row) {
-    const auto out = output.row(row);
-    blur->getBlurRow(row, control.row(row).begin(), input.row(row).begin(), out.begin(), out.size(), radiusX,
-                     radiusY);
+    readOut(row, 0, output.width);
+}
+
+template <class P>
+void KestrelThreadHandler<P>::bandOp(PILib::PIContext& /*context*/, int first, int count) {
+    constexpr int kStripColumns = 256;
+    for (int x = 0; x < output.width; x += kStripColumns) {
+        for (int row = first; row < first + count; ++row)
+            readOut(row, x, std::min(kStripColumns, output.width - x));
+    }
+}
+
+template <class P>
+void KestrelThreadHandler<P>::readOut(int row, int x, int count) const {
+    blur->getBlurRow(x, row, control.row(row).begin() + x, input.row(row).begin() + x,
+                     output.row(row).begin() + x, count, radiusX, radiusY);
 }
 
 template <class P>

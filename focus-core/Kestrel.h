@@ -40,6 +40,15 @@ struct KestrelThreadHandler {
     float radiusY;
 
     void rowOp(PILib::PIContext& context, int row);
+
+    // The same for a band of rows, in strips of columns: the part of the tables that a strip reads stays in
+    // the processor's cache from one row to the next.
+    static constexpr int kBandRows = 64;
+    void bandOp(PILib::PIContext& context, int first, int count);
+
+private:
+    // Columns x .. x + count - 1 of one row.
+    void readOut(int row, int x, int count) const;
 };
 
 extern template struct KestrelThreadHandler<PILib::Pixel<PILib::Channel8>>;

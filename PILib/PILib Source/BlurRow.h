@@ -1,6 +1,6 @@
-// One row of blurred pixels: the interface between the blurs and their vector kernels. Plain C types
-// alone, as the kernels are compiled for other instruction sets than the rest: they share no inline code with
-// it.
+// One row of blurred pixels, or of their tables: the interface between the blurs and their vector kernels.
+// Plain C types alone, as the kernels are compiled for other instruction sets than the rest: they share no
+// inline code with it.
 #pragma once
 
 #include <cstddef>
@@ -36,12 +36,24 @@ inline constexpr float kLargestRowRadius = 250.0F;
 // Cells that a kernel may read past the end of a table, to their values' disregard.
 inline constexpr std::size_t kTableSlack = 16;
 
+// One row of a picture, and where the running sums of its premultiplied channels go.
+struct PrefixRow {
+    const void* pixels;
+    std::int32_t count;  // pixels
+    std::int32_t* alpha;
+    std::int32_t* red;
+    std::int32_t* green;
+    std::int32_t* blue;
+};
+
 // The kernels of one level, by blur and depth.
 struct BlurRowKernels {
     void (*box8)(const BlurRow<std::uint32_t>& row);
     void (*box15)(const BlurRow<std::uint32_t>& row);
     void (*tent8)(const BlurRow<double>& row);
     void (*tent15)(const BlurRow<double>& row);
+    void (*prefix8)(const PrefixRow& row);
+    void (*prefix15)(const PrefixRow& row);
 };
 
 extern const BlurRowKernels kBlurRowBaseline;

@@ -22,8 +22,13 @@ auto TentRowKernel(SimdLevel level) {
     return std::is_same_v<C, Channel8> ? KernelsOf(level).tent8 : KernelsOf(level).tent15;
 }
 
+template <class C>
+auto PrefixKernel(SimdLevel level) {
+    return std::is_same_v<C, Channel8> ? KernelsOf(level).prefix8 : KernelsOf(level).prefix15;
+}
+
 template <class Blur, class P>
-auto RowOf(const Blur& blur, int y, const typename P::Type* map, const P* input, P* output, int count,
+auto RowOf(const Blur& blur, int x, int y, const typename P::Type* map, const P* input, P* output, int count,
            float radiusX, float radiusY) {
     using Entry = std::remove_reference_t<decltype(blur.sumAlpha[0])>;
     return BlurRow<Entry>{blur.sumAlpha.get(),
@@ -31,7 +36,7 @@ auto RowOf(const Blur& blur, int y, const typename P::Type* map, const P* input,
                           blur.sumGreen.get(),
                           blur.sumBlue.get(),
                           blur.tableWidth,
-                          static_cast<std::ptrdiff_t>(y + blur.borderY) * blur.tableWidth + blur.borderX,
+                          static_cast<std::ptrdiff_t>(y + blur.borderY) * blur.tableWidth + blur.borderX + x,
                           blur.borderX,
                           blur.borderY,
                           blur.maxFixedRadiusX,

@@ -1,112 +1,17 @@
-// The vector kernels of the blurs' rows, compiled once per instruction set with PILIB_LANES 32-bit lanes. The
-// compilers' portable vector types are used, so that one text serves every instruction set.
+// The vector kernels of the blurs' rows, compiled once per instruction set with PILIB_LANES 32-bit lanes.
 //
 // A block of pixels is read out by groups of equal whole radii: within a group the corners of the boxes lie
 // side by side in the tables. Neighbouring pixels of a depth matte mostly share their whole radius, so that
-// most blocks are one group; blocks of many groups gather cell by cell. Each lane computes what getBlur
-// computes, operation by operation.
-
-#include <cstring>
+// most blocks are one group. In blocks of many groups each pixel is read by itself, its channels and the
+// corners of neighbouring radii side by side. Each lane computes what getBlur computes, operation by
+// operation.
 
 #include "BlurRow.h"
-
-#if defined(__x86_64__)
-#include <immintrin.h>
-#endif
+#include "BlurRowLanes.ipp"
 
 namespace PILib::detail {
 
 namespace {
-
-constexpr int kLanes = PILIB_LANES;
-
-typedef std::int32_t Int __attribute__((vector_size(4 * PILIB_LANES)));
-typedef std::uint32_t Uint __attribute__((vector_size(4 * PILIB_LANES)));
-typedef float Float __attribute__((vector_size(4 * PILIB_LANES)));
-typedef double Double __attribute__((vector_size(4 * PILIB_LANES)));  // half as many lanes
-typedef std::int32_t HalfInt __attribute__((vector_size(2 * PILIB_LANES)));
-typedef std::uint8_t Bytes __attribute__((vector_size(PILIB_LANES)));
-typedef std::uint16_t Shorts __attribute__((vector_size(2 * PILIB_LANES)));
-
-#define PILIB_INLINE __attribute__((always_inline)) inline
-
-template <class V, class E>
-PILIB_INLINE V Load(const E* from) {
-    V v;
-    std::memcpy(&v, from, sizeof v);
-    return v;
-}
-
-template <class V>
-PILIB_INLINE V LoadSome(const void* from, int bytes) {
-    V v{};
-    std::memcpy(&v, from, static_cast<std::size_t>(bytes));
-    return v;
-}
-
-PILIB_INLINE Int Splat(std::int32_t value) {
-    return Int{} + value;
-}
-
-PILIB_INLINE Int Select(Int mask, Int a, Int b) {
-    return (a & mask) | (b & ~mask);
-}
-
-PILIB_INLINE Int Min(Int a, Int b) {
-    return Select(a < b, a, b);
-}
-
-PILIB_INLINE Float AsFloat(Int v) {
-    return __builtin_convertvector(v, Float);
-}
-
-PILIB_INLINE Int Truncated(Float v) {
-    return __builtin_convertvector(v, Int);
-}
-
-// Sums and products that may wrap, in lanes that are not wanted or by intention.
-PILIB_INLINE Int Plus(Int a, Int b) {
-    return reinterpret_cast<Int>(reinterpret_cast<Uint>(a) + reinterpret_cast<Uint>(b));
-}
-
-PILIB_INLINE Int Minus(Int a, Int b) {
-    return reinterpret_cast<Int>(reinterpret_cast<Uint>(a) - reinterpret_cast<Uint>(b));
-}
-
-PILIB_INLINE Int Times(Int a, Int b) {
-    return reinterpret_cast<Int>(reinterpret_cast<Uint>(a) * reinterpret_cast<Uint>(b));
-}
-
-// One bit per lane of a comparison's result.
-PILIB_INLINE unsigned Bits(Int mask) {
-#if defined(__AVX512DQ__) && PILIB_LANES == 16
-    return _mm512_movepi32_mask(reinterpret_cast<__m512i>(mask));
-#elif defined(__AVX__) && PILIB_LANES == 8
-    return static_cast<unsigned>(_mm256_movemask_ps(reinterpret_cast<__m256>(mask)));
-#elif defined(__SSE2__) && PILIB_LANES == 4
-    return static_cast<unsigned>(_mm_movemask_ps(reinterpret_cast<__m128>(mask)));
-#else
-    unsigned bits = 0;
-    for (int lane = 0; lane < kLanes; ++lane)
-        bits |= (static_cast<unsigned>(mask[lane]) & 1U) << lane;
-    return bits;
-#endif
-}
-
-// The lanes of a and b in turn: the first halves, or the second halves. Each lane's neighbour to the left.
-#if PILIB_LANES == 4
-#define PILIB_ZIP_FIRST 0, 4, 1, 5
-#define PILIB_ZIP_SECOND 2, 6, 3, 7
-#define PILIB_PREVIOUS 0, 0, 1, 2
-#elif PILIB_LANES == 8
-#define PILIB_ZIP_FIRST 0, 8, 1, 9, 2, 10, 3, 11
-#define PILIB_ZIP_SECOND 4, 12, 5, 13, 6, 14, 7, 15
-#define PILIB_PREVIOUS 0, 0, 1, 2, 3, 4, 5, 6
-#else
-#define PILIB_ZIP_FIRST 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23
-#define PILIB_ZIP_SECOND 8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29, 14, 30, 15, 31
-#define PILIB_PREVIOUS 0, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14
-#endif
 
 struct Channels {
     Int alpha;
@@ -115,14 +20,23 @@ struct Channels {
     Int blue;
 };
 
+PILIB_INLINE Channels Select(Int mask, const Channels& a, const Channels& b) {
+    return {Select(mask, a.alpha, b.alpha), Select(mask, a.red, b.red), Select(mask, a.green, b.green),
+            Select(mask, a.blue, b.blue)};
+}
+
 // What differs between the two depths.
 struct Depth8 {
     using Type = std::uint8_t;
-    using MapVector = Bytes;
     static constexpr std::int32_t kOne = 255;
     static constexpr std::int32_t kMask = 0xFF;
 
     static PILIB_INLINE Int shareOf(Int map) { return (map * 32897) >> 7; }
+
+    static PILIB_INLINE Int product(Int a, Int b) {
+        const Int t = a * b + 128;
+        return (t + (t >> 8)) >> 8;
+    }
 
     // 255 in 16.16 divided by alpha, truncated. The quotient of two exact singles is one step too large at
     // most.
@@ -142,19 +56,19 @@ struct Depth8 {
 
 struct Depth15 {
     using Type = std::uint16_t;
-    using MapVector = Shorts;
     static constexpr std::int32_t kOne = 32768;
     static constexpr std::int32_t kMask = 0xFFFF;
 
     static PILIB_INLINE Int shareOf(Int map) { return map * 2; }
+
+    static PILIB_INLINE Int product(Int a, Int b) { return Times(a, b) >> 15; }
 
     // 32768 in 16.16 divided by alpha, truncated; saturated for alpha 1. The estimate is corrected by what is
     // left over.
     static PILIB_INLINE Int straightenFactor(Int alpha) {
         const Float divisor = AsFloat(alpha);
         const auto rest = [alpha](Int quotient) {
-            return reinterpret_cast<Int>((Uint{} + 0x80000000U) -
-                                         reinterpret_cast<Uint>(quotient) * reinterpret_cast<Uint>(alpha));
+            return reinterpret_cast<Int>((Uint{} + 0x80000000U) - AsUnsigned(quotient) * AsUnsigned(alpha));
         };
         Int quotient =
             Truncated(2147483520.0F / divisor);  // the single before 2^31 stays in range for alpha 1
@@ -168,18 +82,17 @@ struct Depth15 {
                                    const Channels& c) {
         const Int low = c.alpha | c.red << 16;
         const Int high = c.green | c.blue << 16;
-        const Int pixels[2] = {__builtin_shufflevector(low, high, PILIB_ZIP_FIRST),
-                               __builtin_shufflevector(low, high, PILIB_ZIP_SECOND)};
-        const Int masks[2] = {__builtin_shufflevector(blurred, blurred, PILIB_ZIP_FIRST),
-                              __builtin_shufflevector(blurred, blurred, PILIB_ZIP_SECOND)};
         Int kept[2] = {};
         std::memcpy(kept, unblurred, 8U * static_cast<std::size_t>(count));
-        const Int result[2] = {Select(masks[0], pixels[0], kept[0]), Select(masks[1], pixels[1], kept[1])};
+        const Int result[2] = {
+            Select(Arranged<ZipFirstHalves>(blurred, blurred), Arranged<ZipFirstHalves>(low, high), kept[0]),
+            Select(Arranged<ZipSecondHalves>(blurred, blurred), Arranged<ZipSecondHalves>(low, high),
+                   kept[1])};
         std::memcpy(to, result, 8U * static_cast<std::size_t>(count));
     }
 };
 
-// The radii of a block, split and clamped as getBlur and getBlurInt do.
+// The radii of a block along one axis, split and clamped as getBlur and getBlurInt do.
 struct Radii {
     Int whole;
     Int next;      // whole + 1, clamped likewise
@@ -192,168 +105,276 @@ PILIB_INLINE Radii RadiiOf(Int share, float radius, std::int32_t maxFixed, std::
     return {Min(whole, Splat(largest)), Min(whole + 1, Splat(largest)), fixed & 0xFFFF};
 }
 
-// Table entries of neighbouring cells: all lanes have the same radii, so that offsets are plain numbers.
-struct SideBySide {
-    using Offset = std::ptrdiff_t;
-    std::ptrdiff_t centre;  // cell of lane 0
-
-    PILIB_INLINE Uint entries(const std::uint32_t* table, Offset offset) const {
-        return Load<Uint>(table + centre + offset);
-    }
-    PILIB_INLINE Double entries(const double* table, Offset offset, int half) const {
-        return Load<Double>(table + centre + offset + half * (kLanes / 2));
-    }
-    static PILIB_INLINE Int lanes(Offset value) { return Splat(static_cast<std::int32_t>(value)); }
+// One group: whole radii, and the next larger ones, that all its pixels share.
+struct Group {
+    std::ptrdiff_t wholeX;
+    std::ptrdiff_t nextX;
+    std::ptrdiff_t wholeY;
+    std::ptrdiff_t nextY;
 };
 
-// Table entries cell by cell: every lane has its own offset from its own centre.
-struct Scattered {
-    using Offset = Int;
-    std::ptrdiff_t centre;
-    Int cells;  // 0, 1, 2 ...: the lanes' centres, relative to lane 0
+// c0 + fraction / 65536 of the way to c1, rounded. Halving first keeps the largest product in 32 bits.
+template <class V>
+PILIB_INLINE V Interpolated(V c0, V c1, V fraction) {
+    return c0 + (((Times(fraction, c1 - c0) >> 1) + 16384) >> 15);
+}
 
-    PILIB_INLINE Uint entries(const std::uint32_t* table, Offset offset) const {
-        const Int from = offset + cells;
-#if defined(__AVX512F__) && PILIB_LANES == 16
-        return reinterpret_cast<Uint>(_mm512_mask_i32gather_epi32(
-            _mm512_setzero_si512(), 0xFFFF, reinterpret_cast<__m512i>(from), table + centre, 4));
-#elif defined(__AVX2__) && PILIB_LANES == 8
-        return reinterpret_cast<Uint>(_mm256_i32gather_epi32(reinterpret_cast<const int*>(table + centre),
-                                                             reinterpret_cast<__m256i>(from), 4));
-#else
-        std::int32_t indices[kLanes];
-        std::uint32_t values[kLanes];
-        std::memcpy(indices, &from, sizeof indices);
-        for (int lane = 0; lane < kLanes; ++lane)
-            values[lane] = table[centre + indices[lane]];
-        return Load<Uint>(values);
-#endif
-    }
-    PILIB_INLINE Double entries(const double* table, Offset offset, int half) const {
-        const Int from = offset + cells;
-        HalfInt indices;
-        std::memcpy(&indices,
-                    reinterpret_cast<const char*>(&from) + sizeof indices * static_cast<unsigned>(half),
-                    sizeof indices);
-#if defined(__AVX512F__) && PILIB_LANES == 16
-        return reinterpret_cast<Double>(_mm512_mask_i32gather_pd(
-            _mm512_setzero_pd(), 0xFF, reinterpret_cast<__m256i>(indices), table + centre, 8));
-#elif defined(__AVX2__) && PILIB_LANES == 8
-        return reinterpret_cast<Double>(
-            _mm256_mask_i32gather_pd(_mm256_setzero_pd(), table + centre, reinterpret_cast<__m128i>(indices),
-                                     _mm256_castsi256_pd(_mm256_set1_epi64x(-1)), 8));
-#else
-        double values[kLanes / 2];
-        for (int lane = 0; lane < kLanes / 2; ++lane)
-            values[lane] = table[centre + indices[lane]];
-        return Load<Double>(values);
-#endif
-    }
-    static PILIB_INLINE Int lanes(Offset value) {
-        return value;
-    }
-};
+// The four channels of one pixel with two values each, in pairs: alpha, alpha, red, red ...
+typedef std::int32_t Pairs __attribute__((vector_size(32)));
+typedef float FloatPairs __attribute__((vector_size(32)));
+typedef std::uint64_t Words __attribute__((vector_size(32)));
+typedef std::int32_t Pixel4 __attribute__((vector_size(16)));
+typedef double Double4 __attribute__((vector_size(32)));
+typedef double Double2 __attribute__((vector_size(16)));
+
+template <class V>
+PILIB_INLINE V PairsSwapped(V v) {
+    return __builtin_shufflevector(v, v, 1, 0, 3, 2, 5, 4, 7, 6);
+}
+
+PILIB_INLINE Pairs EveryPair(std::int32_t first, std::int32_t second) {
+    return Pairs{first, second, first, second, first, second, first, second};
+}
+
+// The two fractional steps and their mean. `whole` holds a channel's value at the whole radii in its pair's
+// first lane and at the next radius across in the second, `nextDown` that at the next radius down in the
+// first.
+PILIB_INLINE Pixel4 PairsMixed(Pairs whole, Pairs nextDown, std::int32_t fractionX, std::int32_t fractionY) {
+    const Pairs from = __builtin_shufflevector(whole, whole, 0, 0, 2, 2, 4, 4, 6, 6);
+    const Pairs to = __builtin_shufflevector(nextDown, whole, 0, 9, 2, 11, 4, 13, 6, 15);
+    const Pairs steps = Interpolated(from, to, EveryPair(fractionY, fractionX));
+    const Pairs mean = (steps + PairsSwapped(steps)) >> 1;
+    return __builtin_shufflevector(mean, mean, 0, 2, 4, 6);
+}
+
+// Division of a box's sum by its area. The reciprocal is low by 2^-22, more than the singles' rounding, so
+// that the estimate is never too large, and for quotients of up to 16 bits too small by one at most.
+PILIB_INLINE float LowReciprocal(std::int32_t area) {
+    return 1.0F / static_cast<float>(area) * (1.0F - 0x1p-22F);
+}
+
+template <class V, class F>
+PILIB_INLINE V Mean(V sum, V area, F reciprocal) {
+    const V estimate = __builtin_convertvector(__builtin_convertvector(sum, F) * reciprocal, V);
+    return Minus(estimate, Minus(sum, Times(estimate, area)) >= area);
+}
 
 // The mean of a box from the four corners around it.
-template <class Access>
-struct BoxReadOut {
-    using Offset = typename Access::Offset;
+struct Box {
     using Entry = std::uint32_t;
     static constexpr std::int32_t kClampedBelowBorder = 1;  // radii reach borderX - 1
     static constexpr std::ptrdiff_t kCentreShift = 0;
 
-    Offset bottomRight;
-    Offset bottomLeft;
-    Offset topRight;
-    Offset topLeft;
-    Int area;
-    Float reciprocal;
+    // One box around each of neighbouring pixels.
+    struct Corners {
+        std::ptrdiff_t bottomRight;
+        std::ptrdiff_t bottomLeft;
+        std::ptrdiff_t topRight;
+        std::ptrdiff_t topLeft;
+        Int area;
+        Float reciprocal;
 
-    PILIB_INLINE BoxReadOut(Offset radiusX, Offset radiusY, std::int32_t stride)
-        : bottomRight(radiusY * stride + radiusX),
-          bottomLeft(radiusY * stride - radiusX - 1),
-          topRight(-(radiusY + 1) * stride + radiusX),
-          topLeft(-(radiusY + 1) * stride - radiusX - 1),
-          area(Access::lanes((2 * radiusX + 1) * (2 * radiusY + 1))),
-          reciprocal(1.0F / AsFloat(area)) {}
+        PILIB_INLINE Corners(std::ptrdiff_t radiusX, std::ptrdiff_t radiusY, std::ptrdiff_t stride)
+            : bottomRight(radiusY * stride + radiusX),
+              bottomLeft(radiusY * stride - radiusX - 1),
+              topRight(-(radiusY + 1) * stride + radiusX),
+              topLeft(-(radiusY + 1) * stride - radiusX - 1),
+              area(Splat(static_cast<std::int32_t>((2 * radiusX + 1) * (2 * radiusY + 1)))),
+              reciprocal(Float{} + LowReciprocal(area[0])) {}
 
-    // sum / area, truncated: a single-precision estimate that is off by one at most, and its correction.
-    PILIB_INLINE Int mean(Access access, const std::uint32_t* table) const {
-        const Int sum =
-            reinterpret_cast<Int>(access.entries(table, bottomRight) - access.entries(table, bottomLeft) -
-                                  access.entries(table, topRight) + access.entries(table, topLeft));
-        const Int estimate = Truncated(AsFloat(sum) * reciprocal);
-        const Int rest = Minus(sum, Times(estimate, area));
-        return Plus(Minus(estimate, rest >= area), rest < 0);
+        PILIB_INLINE Int mean(const Entry* table) const {
+            const Uint sum = Load<Uint>(table + bottomRight) - Load<Uint>(table + bottomLeft) -
+                             Load<Uint>(table + topRight) + Load<Uint>(table + topLeft);
+            return Mean(reinterpret_cast<Int>(sum), area, reciprocal);
+        }
+    };
+
+    template <class Depth>
+    static PILIB_INLINE Channels readGroup(const BlurRow<Entry>& row, std::ptrdiff_t centre,
+                                           const Group& group, Int fractionX, Int fractionY) {
+        const Corners whole(group.wholeX, group.wholeY, row.stride);
+        const Corners nextAcross(group.nextX, group.wholeY, row.stride);
+        const Corners nextDown(group.wholeX, group.nextY, row.stride);
+        const auto channel = [&](const Entry* table) PILIB_INLINE_LAMBDA {
+            const Int c00 = whole.mean(table + centre) & Depth::kMask;
+            const Int c10 = nextAcross.mean(table + centre) & Depth::kMask;
+            const Int c01 = nextDown.mean(table + centre) & Depth::kMask;
+            return (Interpolated(c00, c10, fractionX) + Interpolated(c00, c01, fractionY)) >> 1;
+        };
+        return {channel(row.alpha), channel(row.red), channel(row.green), channel(row.blue)};
+    }
+
+    // The entries at `cell` and its right neighbour, in all tables.
+    static PILIB_INLINE Pairs entriesAt(const BlurRow<Entry>& row, std::ptrdiff_t cell) {
+        const auto word = [cell](const Entry* table)
+                              PILIB_INLINE_LAMBDA { return Load<std::uint64_t>(table + cell); };
+        return reinterpret_cast<Pairs>(
+            Words{word(row.alpha), word(row.red), word(row.green), word(row.blue)});
+    }
+
+    // The sums of the boxes between the table rows `top` and `bottom`: in a pair of the whole radius and of
+    // the next one.
+    static PILIB_INLINE Pairs sumsBetween(const BlurRow<Entry>& row, std::ptrdiff_t top,
+                                          std::ptrdiff_t bottom, std::ptrdiff_t radius) {
+        const Pairs right = Minus(entriesAt(row, bottom + radius), entriesAt(row, top + radius));
+        const Pairs left = Minus(entriesAt(row, bottom - radius - 2), entriesAt(row, top - radius - 2));
+        return Minus(right, PairsSwapped(left));
+    }
+
+    template <class Depth>
+    static PILIB_INLINE Pixel4 readPixel(const BlurRow<Entry>& row, std::ptrdiff_t centre,
+                                         std::int32_t radiusX, std::int32_t radiusY, std::int32_t fractionX,
+                                         std::int32_t fractionY) {
+        const std::ptrdiff_t top = centre - (radiusY + 1) * row.stride;
+        const std::ptrdiff_t bottom = centre + radiusY * row.stride;
+        const Pairs whole = sumsBetween(row, top, bottom, radiusX);
+        const Pairs nextDown = sumsBetween(row, top - row.stride, bottom + row.stride, radiusX);
+        const std::int32_t width = 2 * radiusX + 1;
+        const std::int32_t height = 2 * radiusY + 1;
+        const Pairs areas = EveryPair(width * height, (width + 2) * height);
+        const Pairs nextAreas = areas + EveryPair(2 * width, 2 * (width + 2));
+        const auto reciprocals = [](Pairs area) PILIB_INLINE_LAMBDA {
+            return 1.0F / __builtin_convertvector(area, FloatPairs) * (1.0F - 0x1p-22F);
+        };
+        return PairsMixed(Mean(whole, areas, reciprocals(areas)) & Depth::kMask,
+                          Mean(nextDown, nextAreas, reciprocals(nextAreas)) & Depth::kMask, fractionX,
+                          fractionY);
     }
 };
 
 // The tent from nine samples of the second-order sums.
-template <class Access>
-struct TentReadOut {
-    using Offset = typename Access::Offset;
+struct Tent {
     using Entry = double;
     static constexpr std::int32_t kClampedBelowBorder =
         2;  // half-widths, one more than radii, reach borderX - 1
     static constexpr std::ptrdiff_t kCentreShift = -1;
 
-    Offset halfX;
-    Offset rowOffset;
-    Int weight;
-
-    PILIB_INLINE TentReadOut(Offset radiusX, Offset radiusY, std::int32_t stride)
-        : halfX(radiusX + 1),
-          rowOffset((radiusY + 1) * stride),
-          weight(Access::lanes((radiusX + 1) * (radiusY + 1) * ((radiusX + 1) * (radiusY + 1)))) {}
-
-    PILIB_INLINE HalfInt half(Access access, const double* table, int which) const {
-        const auto at = [&](Offset offset) { return access.entries(table, offset, which); };
-        const Offset none = halfX - halfX;
-        const Double sum = at(-rowOffset - halfX) - 2.0 * at(-rowOffset) + at(-rowOffset + halfX) -
-                           2.0 * at(-halfX) + 4.0 * at(none) - 2.0 * at(halfX) + at(rowOffset - halfX) -
-                           2.0 * at(rowOffset) + at(rowOffset + halfX);
-        HalfInt weights;
-        std::memcpy(&weights,
-                    reinterpret_cast<const char*>(&weight) + sizeof weights * static_cast<unsigned>(which),
-                    sizeof weights);
-        const Double reciprocal = 1.0 / __builtin_convertvector(weights, Double);
-        return __builtin_convertvector(sum * reciprocal + 0.5, HalfInt);
+    static PILIB_INLINE double reciprocalOf(std::ptrdiff_t halfX, std::ptrdiff_t halfY) {
+        const auto weight = static_cast<std::uint32_t>(halfX * halfY);
+        return 1.0 / static_cast<double>(static_cast<std::int32_t>(weight * weight));
     }
 
-    PILIB_INLINE Int mean(Access access, const double* table) const {
-        const HalfInt halves[2] = {half(access, table, 0), half(access, table, 1)};
-        return Load<Int>(halves);
+    // The weighted sum of three samples in each of three rows. The order of the terms is part of the result.
+    template <class V>
+    static PILIB_INLINE V weighted(const V (&top)[3], const V (&middle)[3], const V (&bottom)[3]) {
+        return top[0] - 2.0 * top[1] + top[2] - 2.0 * middle[0] + 4.0 * middle[1] - 2.0 * middle[2] +
+               bottom[0] - 2.0 * bottom[1] + bottom[2];
+    }
+
+    // One tent over each of neighbouring pixels.
+    struct Samples {
+        std::ptrdiff_t halfX;
+        std::ptrdiff_t rowOffset;
+        double reciprocal;
+
+        PILIB_INLINE Samples(std::ptrdiff_t radiusX, std::ptrdiff_t radiusY, std::ptrdiff_t stride)
+            : halfX(radiusX + 1),
+              rowOffset((radiusY + 1) * stride),
+              reciprocal(reciprocalOf(radiusX + 1, radiusY + 1)) {}
+
+        PILIB_INLINE HalfInt half(const Entry* table) const {
+            const Double top[3] = {Load<Double>(table - rowOffset - halfX), Load<Double>(table - rowOffset),
+                                   Load<Double>(table - rowOffset + halfX)};
+            const Double middle[3] = {Load<Double>(table - halfX), Load<Double>(table),
+                                      Load<Double>(table + halfX)};
+            const Double bottom[3] = {Load<Double>(table + rowOffset - halfX),
+                                      Load<Double>(table + rowOffset),
+                                      Load<Double>(table + rowOffset + halfX)};
+            return __builtin_convertvector(weighted(top, middle, bottom) * reciprocal + 0.5, HalfInt);
+        }
+
+        PILIB_INLINE Int mean(const Entry* table) const {
+            const HalfInt halves[2] = {half(table), half(table + kLanes / 2)};
+            return Load<Int>(halves);
+        }
+    };
+
+    template <class Depth>
+    static PILIB_INLINE Channels readGroup(const BlurRow<Entry>& row, std::ptrdiff_t centre,
+                                           const Group& group, Int fractionX, Int fractionY) {
+        const Samples whole(group.wholeX, group.wholeY, row.stride);
+        const Samples nextAcross(group.nextX, group.wholeY, row.stride);
+        const Samples nextDown(group.wholeX, group.nextY, row.stride);
+        const auto channel = [&](const Entry* table) PILIB_INLINE_LAMBDA {
+            const Int c00 = whole.mean(table + centre) & Depth::kMask;
+            const Int c10 = nextAcross.mean(table + centre) & Depth::kMask;
+            const Int c01 = nextDown.mean(table + centre) & Depth::kMask;
+            return (Interpolated(c00, c10, fractionX) + Interpolated(c00, c01, fractionY)) >> 1;
+        };
+        return {channel(row.alpha), channel(row.red), channel(row.green), channel(row.blue)};
+    }
+
+    // Samples of two tables, each at the half-width's distance and at the next one's: across the row's centre
+    // to the left, in the middle, to the right.
+    struct RowOfPairs {
+        Double4 at[3];
+
+        PILIB_INLINE RowOfPairs(const Entry* one, const Entry* two, std::ptrdiff_t centre,
+                                std::ptrdiff_t halfX) {
+            const auto both = [&](std::ptrdiff_t cell) PILIB_INLINE_LAMBDA {
+                return __builtin_shufflevector(Load<Double2>(one + cell), Load<Double2>(two + cell), 0, 1, 2,
+                                               3);
+            };
+            const Double4 left = both(centre - halfX - 1);
+            at[0] = __builtin_shufflevector(left, left, 1, 0, 3, 2);
+            at[1] = Double4{one[centre], one[centre], two[centre], two[centre]};
+            at[2] = both(centre + halfX);
+        }
+    };
+
+    // Samples of all four tables at the half-width's distance.
+    struct RowOfTables {
+        Double4 at[3];
+
+        PILIB_INLINE RowOfTables(const BlurRow<Entry>& row, std::ptrdiff_t centre, std::ptrdiff_t halfX) {
+            const auto all = [&](std::ptrdiff_t cell) PILIB_INLINE_LAMBDA {
+                return Double4{row.alpha[cell], row.red[cell], row.green[cell], row.blue[cell]};
+            };
+            at[0] = all(centre - halfX);
+            at[1] = all(centre);
+            at[2] = all(centre + halfX);
+        }
+
+        // From what has been read in pairs.
+        PILIB_INLINE RowOfTables(const RowOfPairs& alphaRed, const RowOfPairs& greenBlue) {
+            for (int i = 0; i < 3; ++i)
+                at[i] = __builtin_shufflevector(alphaRed.at[i], greenBlue.at[i], 0, 2, 4, 6);
+        }
+    };
+
+    template <class Depth>
+    static PILIB_INLINE Pixel4 readPixel(const BlurRow<Entry>& row, std::ptrdiff_t centre,
+                                         std::int32_t radiusX, std::int32_t radiusY, std::int32_t fractionX,
+                                         std::int32_t fractionY) {
+        const std::ptrdiff_t halfX = radiusX + 1;
+        const std::ptrdiff_t halfY = radiusY + 1;
+        const std::ptrdiff_t top = centre - halfY * row.stride;
+        const std::ptrdiff_t bottom = centre + halfY * row.stride;
+        const auto rowOfPairs = [&](const Entry* one, const Entry* two, std::ptrdiff_t cell)
+                                    PILIB_INLINE_LAMBDA { return RowOfPairs(one, two, cell, halfX); };
+        const RowOfPairs middleAlphaRed = rowOfPairs(row.alpha, row.red, centre);
+        const RowOfPairs middleGreenBlue = rowOfPairs(row.green, row.blue, centre);
+        const double whole = reciprocalOf(halfX, halfY);
+        const double nextAcross = reciprocalOf(halfX + 1, halfY);
+        const Double4 reciprocals = {whole, nextAcross, whole, nextAcross};
+        const auto mean = [](Double4 sum, Double4 reciprocal) PILIB_INLINE_LAMBDA {
+            return __builtin_convertvector(sum * reciprocal + 0.5, Pixel4) & Depth::kMask;
+        };
+        const Pixel4 alphaRed = mean(weighted(rowOfPairs(row.alpha, row.red, top).at, middleAlphaRed.at,
+                                              rowOfPairs(row.alpha, row.red, bottom).at),
+                                     reciprocals);
+        const Pixel4 greenBlue = mean(weighted(rowOfPairs(row.green, row.blue, top).at, middleGreenBlue.at,
+                                               rowOfPairs(row.green, row.blue, bottom).at),
+                                      reciprocals);
+        const Pixel4 nextDown = mean(weighted(RowOfTables(row, top - row.stride, halfX).at,
+                                              RowOfTables(middleAlphaRed, middleGreenBlue).at,
+                                              RowOfTables(row, bottom + row.stride, halfX).at),
+                                     Double4{} + reciprocalOf(halfX, halfY + 1));
+        return PairsMixed(__builtin_shufflevector(alphaRed, greenBlue, 0, 1, 2, 3, 4, 5, 6, 7),
+                          __builtin_shufflevector(nextDown, nextDown, 0, 0, 1, 1, 2, 2, 3, 3), fractionX,
+                          fractionY);
     }
 };
-
-// c0 + fraction / 65536 of the way to c1, rounded. Halving first keeps the largest product in 32 bits.
-PILIB_INLINE Int Interpolated(Int c0, Int c1, Int fraction) {
-    return c0 + (((Times(fraction, c1 - c0) >> 1) + 16384) >> 15);
-}
-
-// A whole block, premultiplied, before straightening.
-template <template <class> class ReadOut, class Depth, class Access>
-PILIB_INLINE Channels ReadBlock(const BlurRow<typename ReadOut<Access>::Entry>& row, Access access,
-                                typename Access::Offset wholeX, typename Access::Offset nextX,
-                                typename Access::Offset wholeY, typename Access::Offset nextY, Int fractionX,
-                                Int fractionY) {
-    const auto stride = static_cast<std::int32_t>(row.stride);
-    const ReadOut<Access> p00(wholeX, wholeY, stride);
-    const ReadOut<Access> p10(nextX, wholeY, stride);
-    const ReadOut<Access> p01(wholeX, nextY, stride);
-    const auto channel = [&](const typename ReadOut<Access>::Entry* table) {
-        const Int c00 = p00.mean(access, table) & Depth::kMask;
-        const Int c10 = p10.mean(access, table) & Depth::kMask;
-        const Int c01 = p01.mean(access, table) & Depth::kMask;
-        return (Interpolated(c00, c10, fractionX) + Interpolated(c00, c01, fractionY)) >> 1;
-    };
-    return {channel(row.alpha), channel(row.red), channel(row.green), channel(row.blue)};
-}
-
-PILIB_INLINE Channels Select(Int mask, const Channels& a, const Channels& b) {
-    return {Select(mask, a.alpha, b.alpha), Select(mask, a.red, b.red), Select(mask, a.green, b.green),
-            Select(mask, a.blue, b.blue)};
-}
 
 template <class Depth>
 PILIB_INLINE void Straighten(Channels& c) {
@@ -362,7 +383,7 @@ PILIB_INLINE void Straighten(Channels& c) {
     const Int transparent = c.alpha == 0;
     const Int factor = Depth::straightenFactor(c.alpha - transparent);  // transparent lanes divide by 1
     const auto scaled = [&](Int colour) {
-        const Uint product = reinterpret_cast<Uint>(colour) * reinterpret_cast<Uint>(factor);
+        const Uint product = AsUnsigned(colour) * AsUnsigned(factor);
         return Select(opaque, colour, reinterpret_cast<Int>(product >> 16) & Depth::kMask & ~transparent);
     };
     c.red = scaled(c.red);
@@ -370,81 +391,139 @@ PILIB_INLINE void Straighten(Channels& c) {
     c.blue = scaled(c.blue);
 }
 
-// Blocks of more runs of equal radii than this are gathered: reading a run costs about as much as a quarter
-// of that.
-constexpr int kMostRuns = kLanes / 4;
+// Blocks of more runs of equal radii than this are read pixel by pixel: a group costs about as much as a
+// quarter of the block's pixels do by themselves.
+constexpr int kMostRuns = kLanes / 4 < 2 ? kLanes : kLanes / 4;
 
 PILIB_INLINE int Runs(Int wholeX, Int wholeY) {
-    const Int changes = (wholeX != __builtin_shufflevector(wholeX, wholeX, PILIB_PREVIOUS)) |
-                        (wholeY != __builtin_shufflevector(wholeY, wholeY, PILIB_PREVIOUS));
+    const Int changes =
+        (wholeX != Arranged<Previous>(wholeX, wholeX)) | (wholeY != Arranged<Previous>(wholeY, wholeY));
     return 1 + __builtin_popcount(Bits(changes));
 }
 
-PILIB_INLINE Int LaneNumbers() {
-    Int lanes{};
-    for (int lane = 0; lane < kLanes; ++lane)
-        lanes[lane] = lane;
-    return lanes;
+// A block whose lanes `wanted` are blurred, group by group.
+template <class Blur, class Depth>
+PILIB_INLINE Channels ReadGroups(const BlurRow<typename Blur::Entry>& row, std::ptrdiff_t centre,
+                                 const Radii& x, const Radii& y, unsigned wanted) {
+    Channels result{};
+    while (wanted != 0) {
+        const int lane = __builtin_ctz(wanted);
+        const Group group = {x.whole[lane], x.next[lane], y.whole[lane], y.next[lane]};
+        const Int members = (x.whole == x.whole[lane]) & (y.whole == y.whole[lane]);
+        result = Select(members, Blur::template readGroup<Depth>(row, centre, group, x.fraction, y.fraction),
+                        result);
+        wanted &= ~Bits(members);
+    }
+    return result;
 }
 
-// Pixels x .. x + count - 1, of which `count` is at most the lanes.
-template <template <class> class ReadOut, class Depth>
-PILIB_INLINE void ReadPixels(const BlurRow<typename ReadOut<SideBySide>::Entry>& row, int x, int count) {
+// The same pixel by pixel. Needs radii that are not clamped.
+template <class Blur, class Depth>
+PILIB_INLINE Channels ReadPixels(const BlurRow<typename Blur::Entry>& row, std::ptrdiff_t centre,
+                                 const Radii& x, const Radii& y, unsigned wanted) {
+    std::int32_t wholeX[kLanes];
+    std::int32_t wholeY[kLanes];
+    std::int32_t fractionX[kLanes];
+    std::int32_t fractionY[kLanes];
+    std::memcpy(wholeX, &x.whole, sizeof wholeX);
+    std::memcpy(wholeY, &y.whole, sizeof wholeY);
+    std::memcpy(fractionX, &x.fraction, sizeof fractionX);
+    std::memcpy(fractionY, &y.fraction, sizeof fractionY);
+    Int pixels[4] = {};
+    for (; wanted != 0; wanted &= wanted - 1) {
+        const int lane = __builtin_ctz(wanted);
+        const Pixel4 pixel = Blur::template readPixel<Depth>(row, centre + lane, wholeX[lane], wholeY[lane],
+                                                             fractionX[lane], fractionY[lane]);
+        std::memcpy(reinterpret_cast<char*>(pixels) + sizeof pixel * static_cast<unsigned>(lane), &pixel,
+                    sizeof pixel);
+    }
+    const auto channel = [&]<class Order>(Order /*order*/) PILIB_INLINE_LAMBDA {
+        return Arranged<JoinFirstHalves>(Arranged<Order>(pixels[0], pixels[1]),
+                                         Arranged<Order>(pixels[2], pixels[3]));
+    };
+    return {channel(EveryFourth<0>{}), channel(EveryFourth<1>{}), channel(EveryFourth<2>{}),
+            channel(EveryFourth<3>{})};
+}
+
+// Pixels x .. x + count - 1 of the row, of which `count` is at most the lanes.
+template <class Blur, class Depth>
+PILIB_INLINE void ReadBlock(const BlurRow<typename Blur::Entry>& row, int x, int count) {
     using Type = typename Depth::Type;
-    constexpr std::int32_t kClamp = ReadOut<SideBySide>::kClampedBelowBorder;
     const Type* const input = static_cast<const Type*>(row.input) + 4 * static_cast<std::ptrdiff_t>(x);
     Type* const output = static_cast<Type*>(row.output) + 4 * static_cast<std::ptrdiff_t>(x);
-    const auto values = LoadSome<typename Depth::MapVector>(static_cast<const Type*>(row.map) + x,
-                                                            count * static_cast<int>(sizeof(Type)));
-    const Int map = __builtin_convertvector(values, Int);
+    const Int map = LoadWidened(static_cast<const Type*>(row.map) + x, count);
     const Int blurred = map != 0;
-    unsigned remaining = Bits(blurred);
-    if (remaining == 0) {
+    const unsigned wanted = Bits(blurred);
+    if (wanted == 0) {
         std::memcpy(output, input, 4 * sizeof(Type) * static_cast<std::size_t>(count));
         return;
     }
     const Int share = Depth::shareOf(map);
-    const Radii radiiX = RadiiOf(share, row.radiusX, row.maxFixedRadiusX, row.borderX - kClamp);
-    const Radii radiiY = RadiiOf(share, row.radiusY, row.maxFixedRadiusY, row.borderY - kClamp);
-    const std::ptrdiff_t centre = row.centre + x + ReadOut<SideBySide>::kCentreShift * (row.stride + 1);
+    const std::int32_t largestX = row.borderX - Blur::kClampedBelowBorder;
+    const std::int32_t largestY = row.borderY - Blur::kClampedBelowBorder;
+    const Radii radiiX = RadiiOf(share, row.radiusX, row.maxFixedRadiusX, largestX);
+    const Radii radiiY = RadiiOf(share, row.radiusY, row.maxFixedRadiusY, largestY);
+    const std::ptrdiff_t centre = row.centre + x + Blur::kCentreShift * (row.stride + 1);
 
-    Channels result{};
-    if (Runs(radiiX.whole, radiiY.whole) > kMostRuns) {
-        const Int lanes = LaneNumbers();
-        result = ReadBlock<ReadOut, Depth>(row, Scattered{centre, lanes}, radiiX.whole, radiiX.next,
-                                           radiiY.whole, radiiY.next, radiiX.fraction, radiiY.fraction);
-        remaining = 0;
-    }
-    while (remaining != 0) {
-        const int lane = __builtin_ctz(remaining);
-        const std::int32_t wholeX = radiiX.whole[lane];
-        const std::int32_t wholeY = radiiY.whole[lane];
-        const Int group = (radiiX.whole == wholeX) & (radiiY.whole == wholeY);
-        const Channels read =
-            ReadBlock<ReadOut, Depth>(row, SideBySide{centre}, wholeX, radiiX.next[lane], wholeY,
-                                      radiiY.next[lane], radiiX.fraction, radiiY.fraction);
-        result = Select(group, read, result);
-        remaining &= ~Bits(group);
-    }
+    const bool isClamped = row.maxFixedRadiusX >> 16 >= largestX || row.maxFixedRadiusY >> 16 >= largestY;
+    Channels result = isClamped || Runs(radiiX.whole, radiiY.whole) <= kMostRuns
+                          ? ReadGroups<Blur, Depth>(row, centre, radiiX, radiiY, wanted)
+                          : ReadPixels<Blur, Depth>(row, centre, radiiX, radiiY, wanted);
     Straighten<Depth>(result);
     Depth::store(output, input, count, blurred, result);
 }
 
-template <template <class> class ReadOut, class Depth>
-void ReadRow(const BlurRow<typename ReadOut<SideBySide>::Entry>& row) {
+template <class Blur, class Depth>
+void ReadRow(const BlurRow<typename Blur::Entry>& row) {
     int x = 0;
     for (; x + kLanes <= row.count; x += kLanes)
-        ReadPixels<ReadOut, Depth>(row, x, kLanes);
-    if (x < row.count) ReadPixels<ReadOut, Depth>(row, x, row.count - x);
+        ReadBlock<Blur, Depth>(row, x, kLanes);
+    if (x < row.count) ReadBlock<Blur, Depth>(row, x, row.count - x);
+}
+
+// Pixels x .. x + count - 1, of which `count` is 4 at most, to the running sums that end in `sum`: a pixel's
+// four channels side by side.
+template <class Depth>
+PILIB_INLINE void SumPixels(const PrefixRow& row, Pixel4& sum, int x, int count) {
+    const auto* const pixels =
+        static_cast<const typename Depth::Type*>(row.pixels) + 4 * static_cast<std::ptrdiff_t>(x);
+    Pixel4 sums[4] = {};
+    for (int lane = 0; lane < 4 * count; lane += kLanes) {
+        const int channels = 4 * count - lane < kLanes ? 4 * count - lane : kLanes;
+        const Int p = LoadWidened(pixels + lane, channels);
+        const Int premultiplied = Depth::product(p, Arranged<AlphasAfterFirst>(p, Splat(Depth::kOne)));
+        std::memcpy(reinterpret_cast<char*>(sums) + 4 * static_cast<std::ptrdiff_t>(lane), &premultiplied,
+                    sizeof premultiplied);
+    }
+    for (Pixel4& pixel : sums)
+        pixel = sum = sum + pixel;
+    const Pixel4 firstAlphaRed = __builtin_shufflevector(sums[0], sums[1], 0, 4, 1, 5);
+    const Pixel4 lastAlphaRed = __builtin_shufflevector(sums[2], sums[3], 0, 4, 1, 5);
+    const Pixel4 firstGreenBlue = __builtin_shufflevector(sums[0], sums[1], 2, 6, 3, 7);
+    const Pixel4 lastGreenBlue = __builtin_shufflevector(sums[2], sums[3], 2, 6, 3, 7);
+    const auto store = [&](std::int32_t* to, Pixel4 values) PILIB_INLINE_LAMBDA {
+        std::memcpy(to + x, &values, sizeof *to * static_cast<unsigned>(count));
+    };
+    store(row.alpha, __builtin_shufflevector(firstAlphaRed, lastAlphaRed, 0, 1, 4, 5));
+    store(row.red, __builtin_shufflevector(firstAlphaRed, lastAlphaRed, 2, 3, 6, 7));
+    store(row.green, __builtin_shufflevector(firstGreenBlue, lastGreenBlue, 0, 1, 4, 5));
+    store(row.blue, __builtin_shufflevector(firstGreenBlue, lastGreenBlue, 2, 3, 6, 7));
+}
+
+template <class Depth>
+void SumRow(const PrefixRow& row) {
+    Pixel4 sum{};
+    int x = 0;
+    for (; x + 4 <= row.count; x += 4)
+        SumPixels<Depth>(row, sum, x, 4);
+    if (x < row.count) SumPixels<Depth>(row, sum, x, row.count - x);
 }
 
 }  // namespace
 
 extern const BlurRowKernels PILIB_KERNELS = {
-    ReadRow<BoxReadOut, Depth8>,
-    ReadRow<BoxReadOut, Depth15>,
-    ReadRow<TentReadOut, Depth8>,
-    ReadRow<TentReadOut, Depth15>,
+    ReadRow<Box, Depth8>,   ReadRow<Box, Depth15>, ReadRow<Tent, Depth8>,
+    ReadRow<Tent, Depth15>, SumRow<Depth8>,        SumRow<Depth15>,
 };
 
 }  // namespace PILib::detail

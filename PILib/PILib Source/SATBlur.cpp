@@ -4,8 +4,10 @@
 #include <cmath>
 #include <limits>
 #include <new>
+#include <optional>
 
 #include "BlurRowDispatch.h"
+#include "RowSums.h"
 #include "SATBlurTables.h"
 
 namespace PILib {
@@ -85,15 +87,15 @@ bool SATBlur<P>::hasRowKernel(float radiusX, float radiusY) const {
 }
 
 template <class P>
-void SATBlur<P>::getBlurRow(int y, const MapValue* map, const P* input, P* output, int count, float radiusX,
-                            float radiusY) {
-    for (int x = 0; x < count; ++x) {
-        if (map[x] == 0) {
-            output[x] = input[x];
+void SATBlur<P>::getBlurRow(int x, int y, const MapValue* map, const P* input, P* output, int count,
+                            float radiusX, float radiusY) {
+    for (int i = 0; i < count; ++i) {
+        if (map[i] == 0) {
+            output[i] = input[i];
             continue;
         }
-        const std::int32_t share = P::ChannelType::toFixed(map[x]);
-        output[x] = getBlur(x, y, FixedRadius(share, radiusX), FixedRadius(share, radiusY));
+        const std::int32_t share = P::ChannelType::toFixed(map[i]);
+        output[i] = getBlur(x + i, y, FixedRadius(share, radiusX), FixedRadius(share, radiusY));
     }
 }
 
@@ -135,15 +137,23 @@ SATBoxBlur<P>::SATBoxBlur(PIContext& context, const FrameBuf<P>& source, int rad
 
 template <class P>
 void SATBoxBlur<P>::initialize() {
+    using C = typename P::ChannelType;
     using Rows = detail::TableRows<std::uint32_t>;
+    std::optional<detail::RowSums<C>> sums;
+    if (detail::RowSums<C>::suits(this->level, this->tableWidth))
+        sums.emplace(this->level, this->borderX, this->tableWidth);
     Rows up{};
     for (int ty = 0; ty < this->tableHeight; ++ty) {
         this->context.progress(ty, this->tableHeight, 0.0F, 1.0F);
         const auto sourceRow = this->source.row(std::clamp(ty - this->borderY, 0, this->height - 1));
         const Rows out =
             detail::RowsAt<std::uint32_t>(sumRed, sumGreen, sumBlue, sumAlpha, this->tableWidth, ty);
-        detail::AccumulateRow<typename P::ChannelType>(sourceRow, this->borderX, this->tableWidth, out,
-                                                       ty > 0 ? &up : nullptr);
+        const Rows* const above = ty > 0 ? &up : nullptr;
+        if (sums) {
+            detail::AddRows(sums->of(sourceRow), this->tableWidth, out, above);
+        } else {
+            detail::AccumulateRow<C>(sourceRow, this->borderX, this->tableWidth, out, above);
+        }
         up = out;
     }
 }
@@ -174,14 +184,14 @@ P SATBoxBlur<P>::getBlurInt(int x, int y, int radiusX, int radiusY) {
 }
 
 template <class P>
-void SATBoxBlur<P>::getBlurRow(int y, const typename P::Type* map, const P* input, P* output, int count,
-                               float radiusX, float radiusY) {
+void SATBoxBlur<P>::getBlurRow(int x, int y, const typename P::Type* map, const P* input, P* output,
+                               int count, float radiusX, float radiusY) {
     if (!this->hasRowKernel(radiusX, radiusY)) {
-        SATBlur<P>::getBlurRow(y, map, input, output, count, radiusX, radiusY);
+        SATBlur<P>::getBlurRow(x, y, map, input, output, count, radiusX, radiusY);
         return;
     }
     const auto kernel = detail::BoxRowKernel<typename P::ChannelType>(this->level);
-    kernel(detail::RowOf(*this, y, map, input, output, count, radiusX, radiusY));
+    kernel(detail::RowOf(*this, x, y, map, input, output, count, radiusX, radiusY));
 }
 
 template class SATBlur<Pixel<Channel8>>;

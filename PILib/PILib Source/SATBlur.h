@@ -39,12 +39,12 @@ public:
     // Fills the tables. Reports progress before each table row; passes on what the context throws.
     virtual void initialize() = 0;
 
-    // A row of pixels at once: output[x] is getBlur(x, y) at the radius that map[x] gives, full scale meaning
-    // `radiusX` and `radiusY` pixels, or input[x] where map[x] is 0. Every level gives the bytes of the
-    // per-pixel read-out.
+    // `count` pixels of a row at once: output[i] is getBlur(x + i, y) at the radius that map[i] gives, full
+    // scale meaning `radiusX` and `radiusY` pixels, or input[i] where map[i] is 0. Every level gives the
+    // bytes of the per-pixel read-out.
     using MapValue = typename P::Type;
-    virtual void getBlurRow(int y, const MapValue* map, const P* input, P* output, int count, float radiusX,
-                            float radiusY);
+    virtual void getBlurRow(int x, int y, const MapValue* map, const P* input, P* output, int count,
+                            float radiusX, float radiusY);
 
     SATBlur(const SATBlur&) = delete;
     SATBlur& operator=(const SATBlur&) = delete;
@@ -81,8 +81,8 @@ public:
 
     P getBlurInt(int x, int y, int radiusX, int radiusY) override;
     void initialize() override;
-    void getBlurRow(int y, const typename P::Type* map, const P* input, P* output, int count, float radiusX,
-                    float radiusY) override;
+    void getBlurRow(int x, int y, const typename P::Type* map, const P* input, P* output, int count,
+                    float radiusX, float radiusY) override;
 
     // tableWidth x tableHeight, row-major: the sum of the channel over all cells up and left of a cell,
     // itself included, modulo 2^32. Colours are premultiplied.

@@ -123,14 +123,14 @@ P SATTentBlur<P>::getBlurInt(int x, int y, int radiusX, int radiusY) {
 }
 
 template <class P>
-void SATTentBlur<P>::getBlurRow(int y, const typename P::Type* map, const P* input, P* output, int count,
-                                float radiusX, float radiusY) {
+void SATTentBlur<P>::getBlurRow(int x, int y, const typename P::Type* map, const P* input, P* output,
+                                int count, float radiusX, float radiusY) {
     if (!this->hasRowKernel(radiusX, radiusY)) {
-        SATBlur<P>::getBlurRow(y, map, input, output, count, radiusX, radiusY);
+        SATBlur<P>::getBlurRow(x, y, map, input, output, count, radiusX, radiusY);
         return;
     }
     const auto kernel = detail::TentRowKernel<typename P::ChannelType>(this->level);
-    kernel(detail::RowOf(*this, y, map, input, output, count, radiusX, radiusY));
+    kernel(detail::RowOf(*this, x, y, map, input, output, count, radiusX, radiusY));
 }
 
 template class SATTentBlur<Pixel<Channel8>>;

@@ -23,8 +23,8 @@ public:
     // Pinned by SATTentBlurTest.SecondPassReportsPastTheEndOfItsRange.
     void initialize() override;
 
-    void getBlurRow(int y, const typename P::Type* map, const P* input, P* output, int count, float radiusX,
-                    float radiusY) override;
+    void getBlurRow(int x, int y, const typename P::Type* map, const P* input, P* output, int count,
+                    float radiusX, float radiusY) override;
 
     // tableWidth x tableHeight, row-major: the second-order sum at a cell. Colours are premultiplied.
     using Table = detail::LargeArray<double>;

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <algorithm>
+#include <concepts>
 #include <cstdint>
 
 #include "Errors.h"
@@ -20,6 +21,31 @@ struct ThreadRowsWork {
     PIContext& context;
     int rows;
 };
+
+// A handler may also render a band of neighbouring rows at once, which is then done in place of rowOp.
+template <class H>
+concept RendersBands = requires(H& handler, PIContext& context) {
+    { H::kBandRows } -> std::convertible_to<int>;
+    handler.bandOp(context, 0, H::kBandRows);
+};
+
+// The rows of one chunk, band by band. What the context and the caller see is what rows one by one give: each
+// row's report comes before the row, and a report that throws leaves the rows before its own rendered.
+template <class H>
+void RenderBands(const ThreadRowsWork<H>& work, int thread, int start, int count) {
+    for (int first = 0; first < count; first += H::kBandRows) {
+        const int end = first + std::min(H::kBandRows, count - first);
+        int k = first;
+        try {
+            for (; thread == 0 && k < end; ++k)
+                work.context.progress(k, count, 0.0F, 1.0F);
+        } catch (...) {
+            if (k > first) work.handler.bandOp(work.context, start + first, k - first);
+            throw;
+        }
+        work.handler.bandOp(work.context, start + first, end - first);
+    }
+}
 
 // The callback that ThreadRows hands to multiThread; for the library's own use. Returns 0, the int that a row
 // threw, or kInternalDamage for any other exception: none may cross the host's threads.
@@ -39,9 +65,13 @@ int ThreadRowsHelper(void* refcon, int thread, int i, int iterations) {
         const int count = i == iterations - 1
                               ? work.rows - start
                               : static_cast<int>(std::min<std::int64_t>(chunk, work.rows - start));
-        for (int k = 0; k < count; ++k) {
-            if (thread == 0) work.context.progress(k, count, 0.0F, 1.0F);
-            work.handler.rowOp(work.context, start + k);
+        if constexpr (RendersBands<H>) {
+            RenderBands(work, thread, start, count);
+        } else {
+            for (int k = 0; k < count; ++k) {
+                if (thread == 0) work.context.progress(k, count, 0.0F, 1.0F);
+                work.handler.rowOp(work.context, start + k);
+            }
         }
         return 0;
     } catch (int code) {

@@ -74,7 +74,7 @@ void ExpectEqualRows(const Scene<C>& scene, SimdLevel level, int seed, int large
     const SimplePixelBuffer<P> actual(scene.picture.width, 1);
     for (int y = 0; y < scene.picture.height; ++y) {
         const auto read = [&](Blur& blur, const SimplePixelBuffer<P>& output) {
-            blur.getBlurRow(y, scene.map.row(y).begin(), scene.picture.row(y).begin(), output.row(0).begin(),
+            blur.getBlurRow(0, y, scene.map.row(y).begin(), scene.picture.row(y).begin(), output.row(0).begin(),
                             scene.picture.width, scene.radiusX, scene.radiusY);
         };
         read(reference, expected);

@@ -190,6 +190,46 @@ TEST(ThreadRowsTest, MinusOneIsOneIterationPerProcessor) {
     EXPECT_EQ(20U, handler.rows.size());
 }
 
+// Notes the bands it is given, first row and count.
+struct BandHandler : RecordingHandler {
+    static constexpr int kBandRows = 4;
+    std::vector<std::pair<int, int>> bands;
+
+    void bandOp(PILib::PIContext& /*context*/, int first, int count) { bands.emplace_back(first, count); }
+};
+
+TEST(ThreadRowsTest, BandsCoverAChunkWithAReportForEachRow) {
+    using Bands = std::vector<std::pair<int, int>>;
+    for (const int thread : {0, 1}) {
+        FakeContext context;
+        BandHandler handler;
+        ThreadRowsWork<BandHandler> work{handler, context, 20};
+        EXPECT_EQ(0, ThreadRowsHelper<BandHandler>(&work, thread, 1, 2));
+        EXPECT_EQ((Bands{{10, 4}, {14, 4}, {18, 2}}), handler.bands);
+        EXPECT_TRUE(handler.rows.empty());
+        std::vector<ProgressCall> expected;
+        for (int k = 0; thread == 0 && k < 10; ++k)
+            expected.push_back({k, 10, 0.0F, 1.0F});
+        EXPECT_EQ(expected, context.progressCalls);
+    }
+}
+
+TEST(ThreadRowsTest, CancelWithinABandLeavesTheRowsBeforeItRendered) {
+    using Bands = std::vector<std::pair<int, int>>;
+    struct Cancel {
+        int call;
+        Bands bands;
+    };
+    for (const Cancel& c : {Cancel{1, {}}, Cancel{2, {{0, 1}}}, Cancel{4, {{0, 3}}}, Cancel{5, {{0, 4}}},
+                            Cancel{7, {{0, 4}, {4, 2}}}}) {
+        FakeContext context;
+        context.failAtProgress(c.call, PILib::kUserCancelled);
+        BandHandler handler;
+        EXPECT_THROW(ThreadRows(context, handler, 10, -1), int) << c.call;
+        EXPECT_EQ(c.bands, handler.bands) << c.call;
+    }
+}
+
 TEST(ThreadRowsTest, NumberOfIterationsIsWhatTheCallerAsksFor) {
     FakeContext context;
     context.processors = 2;

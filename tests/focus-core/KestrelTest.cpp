@@ -154,6 +154,27 @@ TYPED_TEST(KestrelTypedTest, AnyOrderOfIterationsGivesTheSameBytes) {
     }
 }
 
+// Wider than a strip and higher than a band, neither by a whole number of blocks.
+TYPED_TEST(KestrelTypedTest, BandsGiveThePixelsOfSingleRows) {
+    using P = Pixel<TypeParam>;
+    constexpr float kRadius = 9.5F;
+    Scene<TypeParam> scene(531, 67, 31);
+    const SimplePixelBuffer<P> rowByRow(scene.output.width, scene.output.height);
+    for (const bool fine : {false, true}) {
+        PILib::SATTentBlur<P> tent(this->context, scene.input, 10, 10);
+        PILib::SATBoxBlur<P> box(this->context, scene.input, 10, 10);
+        PILib::SATBlur<P>& blur = fine ? static_cast<PILib::SATBlur<P>&>(tent) : box;
+        blur.initialize();
+        KestrelThreadHandler<P> bands{scene.output, scene.input, scene.map, &blur, kRadius, kRadius};
+        KestrelThreadHandler<P> rows{rowByRow, scene.input, scene.map, &blur, kRadius, kRadius};
+        bands.bandOp(this->context, 0, 64);
+        bands.bandOp(this->context, 64, 3);
+        for (int row = 0; row < rowByRow.height; ++row)
+            rows.rowOp(this->context, row);
+        EXPECT_EQ(oracle::Fetched(rowByRow).values, oracle::Fetched(scene.output).values) << fine;
+    }
+}
+
 TYPED_TEST(KestrelTypedTest, RowPaddingIsNeitherReadNorWritten) {
     Scene<TypeParam> scene(9, 7, 7);
     for (const int padding : {8, 24}) {

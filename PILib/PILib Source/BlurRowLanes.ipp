@@ -1,0 +1,166 @@
+// Vectors of PILIB_LANES 32-bit lanes, as the row kernels use them. The compilers' portable vector types give
+// one text for every instruction set; what they compile badly goes through the processor's own intrinsics.
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <utility>
+
+#if defined(__x86_64__)
+#include <immintrin.h>
+#endif
+
+namespace PILib::detail {
+
+namespace {
+
+constexpr int kLanes = PILIB_LANES;
+
+typedef std::int32_t Int __attribute__((vector_size(4 * PILIB_LANES)));
+typedef std::uint32_t Uint __attribute__((vector_size(4 * PILIB_LANES)));
+typedef float Float __attribute__((vector_size(4 * PILIB_LANES)));
+typedef double Double __attribute__((vector_size(4 * PILIB_LANES)));  // half as many lanes
+typedef std::int32_t HalfInt __attribute__((vector_size(2 * PILIB_LANES)));
+
+#define PILIB_INLINE __attribute__((always_inline)) inline
+#define PILIB_INLINE_LAMBDA __attribute__((always_inline))
+
+template <class V, class E>
+PILIB_INLINE V Load(const E* from) {
+    V v;
+    std::memcpy(&v, from, sizeof v);
+    return v;
+}
+
+template <class V>
+PILIB_INLINE V LoadSome(const void* from, int bytes) {
+    V v{};
+    std::memcpy(&v, from, static_cast<std::size_t>(bytes));
+    return v;
+}
+
+// The first `count` of `from`, zero-extended; the lanes after them are 0.
+PILIB_INLINE Int LoadWidened(const std::uint8_t* from, int count) {
+#if defined(__AVX512F__) && PILIB_LANES == 16
+    return reinterpret_cast<Int>(_mm512_maskz_cvtepu8_epi32(0xFFFF, LoadSome<__m128i>(from, count)));
+#elif defined(__AVX2__) && PILIB_LANES == 8
+    return reinterpret_cast<Int>(_mm256_cvtepu8_epi32(LoadSome<__m128i>(from, count)));
+#elif defined(__SSE2__) && PILIB_LANES == 4
+    const __m128i shorts = _mm_unpacklo_epi8(LoadSome<__m128i>(from, count), _mm_setzero_si128());
+    return reinterpret_cast<Int>(_mm_unpacklo_epi16(shorts, _mm_setzero_si128()));
+#else
+    typedef std::uint8_t Bytes __attribute__((vector_size(PILIB_LANES)));
+    return __builtin_convertvector(LoadSome<Bytes>(from, count), Int);
+#endif
+}
+
+PILIB_INLINE Int LoadWidened(const std::uint16_t* from, int count) {
+#if defined(__AVX512F__) && PILIB_LANES == 16
+    return reinterpret_cast<Int>(_mm512_maskz_cvtepu16_epi32(0xFFFF, LoadSome<__m256i>(from, 2 * count)));
+#elif defined(__AVX2__) && PILIB_LANES == 8
+    return reinterpret_cast<Int>(_mm256_cvtepu16_epi32(LoadSome<__m128i>(from, 2 * count)));
+#elif defined(__SSE2__) && PILIB_LANES == 4
+    return reinterpret_cast<Int>(_mm_unpacklo_epi16(LoadSome<__m128i>(from, 2 * count), _mm_setzero_si128()));
+#else
+    typedef std::uint16_t Shorts __attribute__((vector_size(2 * PILIB_LANES)));
+    return __builtin_convertvector(LoadSome<Shorts>(from, 2 * count), Int);
+#endif
+}
+
+PILIB_INLINE Int Splat(std::int32_t value) {
+    return Int{} + value;
+}
+
+PILIB_INLINE Int Select(Int mask, Int a, Int b) {
+    return (a & mask) | (b & ~mask);
+}
+
+PILIB_INLINE Int Min(Int a, Int b) {
+    return Select(a < b, a, b);
+}
+
+PILIB_INLINE Float AsFloat(Int v) {
+    return __builtin_convertvector(v, Float);
+}
+
+PILIB_INLINE Int Truncated(Float v) {
+    return __builtin_convertvector(v, Int);
+}
+
+// Sums and products that may wrap, in lanes that are not wanted or by intention; for any vectors of 32-bit
+// lanes.
+template <class V>
+struct UnsignedLanes {
+    typedef std::uint32_t Type __attribute__((vector_size(sizeof(V))));
+};
+
+template <class V>
+PILIB_INLINE auto AsUnsigned(V v) {
+    return reinterpret_cast<typename UnsignedLanes<V>::Type>(v);
+}
+
+template <class V>
+PILIB_INLINE V Plus(V a, V b) {
+    return reinterpret_cast<V>(AsUnsigned(a) + AsUnsigned(b));
+}
+
+template <class V>
+PILIB_INLINE V Minus(V a, V b) {
+    return reinterpret_cast<V>(AsUnsigned(a) - AsUnsigned(b));
+}
+
+template <class V>
+PILIB_INLINE V Times(V a, V b) {
+    return reinterpret_cast<V>(AsUnsigned(a) * AsUnsigned(b));
+}
+
+// One bit per lane of a comparison's result.
+PILIB_INLINE unsigned Bits(Int mask) {
+#if defined(__AVX512DQ__) && PILIB_LANES == 16
+    return _mm512_movepi32_mask(reinterpret_cast<__m512i>(mask));
+#elif defined(__AVX__) && PILIB_LANES == 8
+    return static_cast<unsigned>(_mm256_movemask_ps(reinterpret_cast<__m256>(mask)));
+#elif defined(__SSE2__) && PILIB_LANES == 4
+    return static_cast<unsigned>(_mm_movemask_ps(reinterpret_cast<__m128>(mask)));
+#else
+    unsigned bits = 0;
+    for (int lane = 0; lane < kLanes; ++lane)
+        bits |= (static_cast<unsigned>(mask[lane]) & 1U) << lane;
+    return bits;
+#endif
+}
+
+// Which lane of two vectors side by side, a and then b, goes to a lane of the result.
+struct ZipFirstHalves {
+    static constexpr int at(int lane) { return lane / 2 + lane % 2 * kLanes; }
+};
+struct ZipSecondHalves {
+    static constexpr int at(int lane) { return kLanes / 2 + lane / 2 + lane % 2 * kLanes; }
+};
+struct JoinFirstHalves {
+    static constexpr int at(int lane) { return lane < kLanes / 2 ? lane : lane + kLanes / 2; }
+};
+template <int kFirst>
+struct EveryFourth {  // of both in the first half of the lanes
+    static constexpr int at(int lane) { return (4 * lane + kFirst) % (2 * kLanes); }
+};
+struct AlphasAfterFirst {  // of each pixel of four lanes: the first lane of b, then three times a's first
+    static constexpr int at(int lane) { return lane % 4 == 0 ? kLanes + lane : lane - lane % 4; }
+};
+struct Previous {
+    static constexpr int at(int lane) { return lane == 0 ? 0 : lane - 1; }
+};
+
+template <class Order, class V, int... kLane>
+PILIB_INLINE V ArrangedLanes(V a, V b, std::integer_sequence<int, kLane...> /*lanes*/) {
+    return __builtin_shufflevector(a, b, Order::at(kLane)...);
+}
+
+template <class Order, class V>
+PILIB_INLINE V Arranged(V a, V b) {
+    return ArrangedLanes<Order>(a, b, std::make_integer_sequence<int, kLanes>{});
+}
+
+}  // namespace
+
+}  // namespace PILib::detail

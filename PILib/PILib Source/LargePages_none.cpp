@@ -1,7 +1,0 @@
-#include "LargeArray.h"
-
-namespace PILib::detail {
-
-void AdviseLargePages(void* /*block*/, std::size_t /*bytes*/) noexcept {}
-
-}  // namespace PILib::detail
