@@ -5,7 +5,7 @@
 
 PRODUCT_PACKAGES := g++ cmake ninja-build pkg-config libopenimageio-dev libcli11-dev libfmt-dev nlohmann-json3-dev
 TEST_PACKAGES := $(PRODUCT_PACKAGES) libgtest-dev libgmock-dev libbenchmark-dev binutils \
-    g++-12-multilib g++-powerpc64-linux-gnu qemu-user
+    g++-12-multilib g++-powerpc64-linux-gnu qemu-user python3
 
 .PHONY: demo test bench bench-compare clean
 .DEFAULT_GOAL := demo
@@ -17,13 +17,13 @@ test:
 	@cmake/test.sh release asan
 
 bench:
-	@cmake/install-packages.sh $(TEST_PACKAGES) python3
+	@cmake/install-packages.sh $(TEST_PACKAGES)
 	cmake --preset release
 	cmake --build --preset release --target kestrel-benchmarks first-frame
 	benchmarks/bench.py build/release/bin build/release
 
 bench-compare:
-	@cmake/install-packages.sh $(TEST_PACKAGES) python3
+	@cmake/install-packages.sh $(TEST_PACKAGES)
 	cmake --preset release
 	cmake --build --preset release --target compare-tools
 	benchmarks/compare/compare.py build/release/bin build/release
