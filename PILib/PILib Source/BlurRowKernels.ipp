@@ -166,7 +166,7 @@ struct Box {
     static constexpr std::ptrdiff_t kCentreShift = 0;
 
     // One box around each of neighbouring pixels.
-    struct Corners {
+    struct Neighbours {
         std::ptrdiff_t bottomRight;
         std::ptrdiff_t bottomLeft;
         std::ptrdiff_t topRight;
@@ -174,7 +174,7 @@ struct Box {
         Int area;
         Float reciprocal;
 
-        PILIB_INLINE Corners(std::ptrdiff_t radiusX, std::ptrdiff_t radiusY, std::ptrdiff_t stride)
+        PILIB_INLINE Neighbours(std::ptrdiff_t radiusX, std::ptrdiff_t radiusY, std::ptrdiff_t stride)
             : bottomRight(radiusY * stride + radiusX),
               bottomLeft(radiusY * stride - radiusX - 1),
               topRight(-(radiusY + 1) * stride + radiusX),
@@ -188,21 +188,6 @@ struct Box {
             return Mean(reinterpret_cast<Int>(sum), area, reciprocal);
         }
     };
-
-    template <class Depth>
-    static PILIB_INLINE Channels readGroup(const BlurRow<Entry>& row, std::ptrdiff_t centre,
-                                           const Group& group, Int fractionX, Int fractionY) {
-        const Corners whole(group.wholeX, group.wholeY, row.stride);
-        const Corners nextAcross(group.nextX, group.wholeY, row.stride);
-        const Corners nextDown(group.wholeX, group.nextY, row.stride);
-        const auto channel = [&](const Entry* table) PILIB_INLINE_LAMBDA {
-            const Int c00 = whole.mean(table + centre) & Depth::kMask;
-            const Int c10 = nextAcross.mean(table + centre) & Depth::kMask;
-            const Int c01 = nextDown.mean(table + centre) & Depth::kMask;
-            return (Interpolated(c00, c10, fractionX) + Interpolated(c00, c01, fractionY)) >> 1;
-        };
-        return {channel(row.alpha), channel(row.red), channel(row.green), channel(row.blue)};
-    }
 
     // The entries at `cell` and its right neighbour, in all tables.
     static PILIB_INLINE Pairs entriesAt(const BlurRow<Entry>& row, std::ptrdiff_t cell) {
@@ -262,12 +247,12 @@ struct Tent {
     }
 
     // One tent over each of neighbouring pixels.
-    struct Samples {
+    struct Neighbours {
         std::ptrdiff_t halfX;
         std::ptrdiff_t rowOffset;
         double reciprocal;
 
-        PILIB_INLINE Samples(std::ptrdiff_t radiusX, std::ptrdiff_t radiusY, std::ptrdiff_t stride)
+        PILIB_INLINE Neighbours(std::ptrdiff_t radiusX, std::ptrdiff_t radiusY, std::ptrdiff_t stride)
             : halfX(radiusX + 1),
               rowOffset((radiusY + 1) * stride),
               reciprocal(reciprocalOf(radiusX + 1, radiusY + 1)) {}
@@ -288,21 +273,6 @@ struct Tent {
             return Load<Int>(halves);
         }
     };
-
-    template <class Depth>
-    static PILIB_INLINE Channels readGroup(const BlurRow<Entry>& row, std::ptrdiff_t centre,
-                                           const Group& group, Int fractionX, Int fractionY) {
-        const Samples whole(group.wholeX, group.wholeY, row.stride);
-        const Samples nextAcross(group.nextX, group.wholeY, row.stride);
-        const Samples nextDown(group.wholeX, group.nextY, row.stride);
-        const auto channel = [&](const Entry* table) PILIB_INLINE_LAMBDA {
-            const Int c00 = whole.mean(table + centre) & Depth::kMask;
-            const Int c10 = nextAcross.mean(table + centre) & Depth::kMask;
-            const Int c01 = nextDown.mean(table + centre) & Depth::kMask;
-            return (Interpolated(c00, c10, fractionX) + Interpolated(c00, c01, fractionY)) >> 1;
-        };
-        return {channel(row.alpha), channel(row.red), channel(row.green), channel(row.blue)};
-    }
 
     // Samples of two tables, each at the half-width's distance and at the next one's: across the row's centre
     // to the left, in the middle, to the right.
@@ -392,13 +362,30 @@ PILIB_INLINE void Straighten(Channels& c) {
 }
 
 // Blocks of more runs of equal radii than this are read pixel by pixel: a group costs about as much as a
-// quarter of the block's pixels do by themselves.
-constexpr int kMostRuns = kLanes / 4 < 2 ? kLanes : kLanes / 4;
+// quarter of the block's pixels do by themselves, and all of a block of four.
+constexpr int kMostRuns = kLanes == 4 ? kLanes : kLanes / 4;
 
 PILIB_INLINE int Runs(Int wholeX, Int wholeY) {
     const Int changes =
         (wholeX != Arranged<Previous>(wholeX, wholeX)) | (wholeY != Arranged<Previous>(wholeY, wholeY));
     return 1 + __builtin_popcount(Bits(changes));
+}
+
+// All lanes at one group's radii, premultiplied.
+template <class Blur, class Depth>
+PILIB_INLINE Channels ReadGroup(const BlurRow<typename Blur::Entry>& row, std::ptrdiff_t centre,
+                                const Group& group, Int fractionX, Int fractionY) {
+    using Neighbours = typename Blur::Neighbours;
+    const Neighbours whole(group.wholeX, group.wholeY, row.stride);
+    const Neighbours nextAcross(group.nextX, group.wholeY, row.stride);
+    const Neighbours nextDown(group.wholeX, group.nextY, row.stride);
+    const auto channel = [&](const typename Blur::Entry* table) PILIB_INLINE_LAMBDA {
+        const Int c00 = whole.mean(table + centre) & Depth::kMask;
+        const Int c10 = nextAcross.mean(table + centre) & Depth::kMask;
+        const Int c01 = nextDown.mean(table + centre) & Depth::kMask;
+        return (Interpolated(c00, c10, fractionX) + Interpolated(c00, c01, fractionY)) >> 1;
+    };
+    return {channel(row.alpha), channel(row.red), channel(row.green), channel(row.blue)};
 }
 
 // A block whose lanes `wanted` are blurred, group by group.
@@ -410,8 +397,7 @@ PILIB_INLINE Channels ReadGroups(const BlurRow<typename Blur::Entry>& row, std::
         const int lane = __builtin_ctz(wanted);
         const Group group = {x.whole[lane], x.next[lane], y.whole[lane], y.next[lane]};
         const Int members = (x.whole == x.whole[lane]) & (y.whole == y.whole[lane]);
-        result = Select(members, Blur::template readGroup<Depth>(row, centre, group, x.fraction, y.fraction),
-                        result);
+        result = Select(members, ReadGroup<Blur, Depth>(row, centre, group, x.fraction, y.fraction), result);
         wanted &= ~Bits(members);
     }
     return result;
