@@ -40,17 +40,29 @@ void AssertSizeOf(const FrameBuffer& output, const FrameBuffer& other) {
     PILib::_Assert(other.width == output.width && other.height == output.height, kFrameSizesMatch, kFile);
 }
 
-template <class C>
-void ProcessChannelAt(const ChannelBuf<C>& channel, float focalPoint, float inFocusRange, bool invert) {
+// In whole numbers of type `N`.
+template <class N, class C>
+void MapDistances(const ChannelBuf<C>& channel, N focus, N range, bool invert) {
     using Type = typename C::Type;
-    const std::int64_t focus = PILib::TruncToInt32(focalPoint * C::kFloatOne);
-    const std::int64_t range = PILib::TruncToInt32(inFocusRange * C::kFloatOne);
     for (int y = 0; y < channel.height; ++y) {
         for (Type& value : channel.row(y)) {
-            const std::int64_t v = invert ? C::kOne - value : value;
-            const std::int64_t distance = (focus < v ? v - focus : focus - v) - range;
-            value = static_cast<Type>(std::max<std::int64_t>(distance, 0));
+            const N v = invert ? C::kOne - value : value;
+            const N distance = (focus < v ? v - focus : focus - v) - range;
+            value = static_cast<Type>(std::max<N>(distance, 0));
         }
+    }
+}
+
+template <class C>
+void ProcessChannelAt(const ChannelBuf<C>& channel, float focalPoint, float inFocusRange, bool invert) {
+    const std::int32_t focus = PILib::TruncToInt32(focalPoint * C::kFloatOne);
+    const std::int32_t range = PILib::TruncToInt32(inFocusRange * C::kFloatOne);
+    // 32 bits hold every distance of the controls' own ranges, and twice as many to a vector.
+    const auto isSmall = [](std::int32_t value) { return value >= -C::kOne && value <= 2 * C::kOne; };
+    if (isSmall(focus) && isSmall(range)) {
+        MapDistances<std::int32_t>(channel, focus, range, invert);
+    } else {
+        MapDistances<std::int64_t>(channel, focus, range, invert);
     }
 }
 

@@ -113,6 +113,8 @@ TEST(ProcessChannelTest, DistanceFromTheFocusBandIsKeptInChannelUnits) {
              Distance{0.0F, 0.0F, true, 255, 0},
              Distance{1.0F, 0.0F, false, 255, 0},
              Distance{1.0F, 1.0F, false, 0, 0},
+             Distance{0.5F, 1e10F, true, 255, 127},  // a range that no integer holds is the most negative one
+             Distance{0.5F, 10.0F, false, 255, 0},   // beyond the control's own range
          }) {
         const ChannelBuf<Channel8> channel(1, 1);
         channel.row(0)[0] = static_cast<std::uint8_t>(d.value);
