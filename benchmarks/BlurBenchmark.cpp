@@ -3,6 +3,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 
@@ -57,8 +58,8 @@ void Rows(benchmark::State& state, Size size, int radius, Matte matte, SimdLevel
     const auto largest = static_cast<float>(radius);
     KestrelThreadHandler<Pixel<C>> handler{output, scene.beauty, map, &blur, largest, largest};
     for (auto _ : state) {
-        for (int y = 0; y < output.height; ++y)
-            handler.rowOp(context, y);
+        for (int y = 0; y < output.height; y += handler.kBandRows)
+            handler.bandOp(context, y, std::min(handler.kBandRows, output.height - y));
         benchmark::ClobberMemory();
     }
     ReportPixelRate(state, output);
