@@ -2,11 +2,19 @@
 
 #include <cstdint>
 #include <fstream>
-#include <iterator>
+#include <sstream>
 #include <string>
+#include <utility>
 
 namespace perch {
 namespace {
+
+std::string bytesOf(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream bytes;
+    bytes << file.rdbuf();
+    return std::move(bytes).str();
+}
 
 // The big-endian number in the next `size` bytes, which must be there.
 std::uint32_t numberAt(std::string_view bytes, std::size_t offset, std::size_t size) {
@@ -45,10 +53,8 @@ bool hasJpegEnd(std::string_view bytes) {
 }  // namespace
 
 bool reachesItsEnd(const std::filesystem::path& path, std::string_view format) {
-    std::ifstream file(path, std::ios::binary);
-    const std::string bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    if (format == "png") return hasPngEnd(bytes);
-    if (format == "jpeg") return hasJpegEnd(bytes);
+    if (format == "png") return hasPngEnd(bytesOf(path));
+    if (format == "jpeg") return hasJpegEnd(bytesOf(path));
     return true;
 }
 

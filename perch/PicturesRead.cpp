@@ -4,9 +4,11 @@
 #include <algorithm>
 #include <cstdint>
 #include <fstream>
+#include <limits>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <variant>
 #include <vector>
 
 #include "Error.h"
@@ -26,16 +28,16 @@ constexpr char kAlphaIsStraight[] = "oiio:UnassociatedAlpha";
     throw Error(fmt::format("cannot read \"{}\": {}", path.string(), reason));
 }
 
-// The file's samples, each widened to 16 bits, and how they are meant.
+// The file's samples, and how they are meant.
 struct Samples {
     std::int32_t width = 0;
     std::int32_t height = 0;
     std::size_t channels = 0;  // 1 grey, 2 grey and alpha, 3 RGB, 4 RGBA
     bool isPremultiplied = false;
-    Depth depth = Depth::Bits8;
-    std::vector<std::uint16_t> values;
+    std::variant<std::vector<std::uint8_t>, std::vector<std::uint16_t>> values;
 
     bool hasAlpha() const { return channels % 2 == 0; }
+    Depth depth() const { return values.index() == 0 ? Depth::Bits8 : Depth::Bits16; }
 };
 
 std::string_view depthName(OIIO::TypeDesc type) {
@@ -90,60 +92,76 @@ Samples readSamples(const fs::path& path) {
                     .height = layout.height,
                     .channels = static_cast<std::size_t>(layout.nchannels),
                     .isPremultiplied = layout.get_int_attribute(kAlphaIsStraight) == 0,
-                    .depth = layout.format == OIIO::TypeUInt16 ? Depth::Bits16 : Depth::Bits8,
                     .values = {}};
-    samples.values.resize(layout.image_pixels() * samples.channels);
+    if (layout.format == OIIO::TypeUInt16) samples.values.emplace<std::vector<std::uint16_t>>();
+    const auto readValues = [&](auto& values) {
+        values.resize(layout.image_pixels() * samples.channels);
+        return file->read_image(0, 0, 0, layout.nchannels, layout.format, values.data());
+    };
     // The error is asked for as well: the reader leaves missing parts of a TIFF file black and reports
     // success.
-    const bool isRead = reachesItsEnd(path, file->format_name()) &&
-                        file->read_image(0, 0, 0, layout.nchannels, OIIO::TypeUInt16, samples.values.data());
+    const bool isRead = reachesItsEnd(path, file->format_name()) && std::visit(readValues, samples.values);
     const std::string error = file->geterror();
     if (!isRead || !error.empty()) refuse(path, "it is damaged or cut short; save or copy it again");
     return samples;
 }
 
-// Alpha, red, green and blue of 0 to 65535, alpha straight.
-struct WidePixel {
-    std::uint32_t alpha = kWhiteOfFiles;
-    std::uint32_t red = 0;
-    std::uint32_t green = 0;
-    std::uint32_t blue = 0;
-};
-
-std::uint32_t divideByAlpha(std::uint32_t value, std::uint32_t alpha) {
-    return std::min(rescale(value, alpha, kWhiteOfFiles), kWhiteOfFiles);
+// A code of the world for a sample of 0 to the most that its type holds.
+template <typename P, typename T>
+ChannelOf<P> codeOf(T sample) {
+    return static_cast<ChannelOf<P>>(rescale(sample, std::numeric_limits<T>::max(), kWhite<P>));
 }
 
-WidePixel pixelOf(const Samples& samples, const std::uint16_t* values) {
-    const bool isGrey = samples.channels < 3;
-    WidePixel pixel{kWhiteOfFiles, values[0], values[isGrey ? 0 : 1], values[isGrey ? 0 : 2]};
-    if (!samples.hasAlpha()) return pixel;
-    pixel.alpha = values[samples.channels - 1];
-    if (!samples.isPremultiplied || pixel.alpha == 0) return pixel;
-    return {pixel.alpha, divideByAlpha(pixel.red, pixel.alpha), divideByAlpha(pixel.green, pixel.alpha),
-            divideByAlpha(pixel.blue, pixel.alpha)};
+// A sample and its alpha, on the scale of 16 bits, for the division's sake.
+template <typename P>
+ChannelOf<P> codeOverAlpha(std::uint32_t wideSample, std::uint32_t wideAlpha) {
+    const std::uint32_t straight = std::min(rescale(wideSample, wideAlpha, kWhiteOfFiles), kWhiteOfFiles);
+    return codeOf<P>(static_cast<std::uint16_t>(straight));
+}
+
+// The pixel of `kChannels` samples, alpha straight.
+template <typename P, std::size_t kChannels, typename T>
+P pixelOf(const T* samples, bool isPremultiplied) {
+    constexpr bool kHasAlpha = kChannels % 2 == 0;
+    constexpr std::size_t kGreen = kChannels < 3 ? 0 : 1;
+    constexpr std::size_t kBlue = kChannels < 3 ? 0 : 2;
+    constexpr T kOpaque = std::numeric_limits<T>::max();
+    const T alpha = kHasAlpha ? samples[kChannels - 1] : kOpaque;
+    if (!isPremultiplied || alpha == 0 || alpha == kOpaque) {
+        return {codeOf<P>(alpha), codeOf<P>(samples[0]), codeOf<P>(samples[kGreen]),
+                codeOf<P>(samples[kBlue])};
+    }
+    const auto wide = [](T sample) { return rescale(sample, kOpaque, kWhiteOfFiles); };
+    const auto straight = [&](T sample) { return codeOverAlpha<P>(wide(sample), wide(alpha)); };
+    return {codeOf<P>(alpha), straight(samples[0]), straight(samples[kGreen]), straight(samples[kBlue])};
+}
+
+template <typename P, std::size_t kChannels, typename T>
+void fillRows(const Samples& samples, const T* values, const World& world) {
+    for (std::int32_t y = 0; y < samples.height; ++y) {
+        for (P& pixel : pixelRow<P>(world.record(), y)) {
+            pixel = pixelOf<P, kChannels>(values, samples.isPremultiplied);
+            values += kChannels;
+        }
+    }
 }
 
 template <typename P>
 void fillWorld(const Samples& samples, const World& world) {
-    const auto toWorld = [](std::uint32_t value) {
-        return static_cast<ChannelOf<P>>(rescale(value, kWhiteOfFiles, kWhite<P>));
-    };
-    const std::uint16_t* values = samples.values.data();
-    for (std::int32_t y = 0; y < samples.height; ++y) {
-        for (P& pixel : pixelRow<P>(world.record(), y)) {
-            const WidePixel wide = pixelOf(samples, values);
-            pixel = {toWorld(wide.alpha), toWorld(wide.red), toWorld(wide.green), toWorld(wide.blue)};
-            values += samples.channels;
-        }
-    }
+    std::visit(
+        [&]<typename T>(const std::vector<T>& values) {
+            constexpr decltype(&fillRows<P, 1, T>) kFill[] = {fillRows<P, 1, T>, fillRows<P, 2, T>,
+                                                              fillRows<P, 3, T>, fillRows<P, 4, T>};
+            kFill[samples.channels - 1](samples, values.data(), world);
+        },
+        samples.values);
 }
 
 }  // namespace
 
 Picture readPicture(const fs::path& path, std::optional<Depth> depth) {
     const Samples samples = readSamples(path);
-    const bool isDeep = depth.value_or(samples.depth) == Depth::Bits16;
+    const bool isDeep = depth.value_or(samples.depth()) == Depth::Bits16;
     Picture picture{World(samples.width, samples.height, isDeep), samples.hasAlpha()};
     if (isDeep) {
         fillWorld<PF_Pixel16>(samples, picture.pixels);

@@ -62,6 +62,10 @@ public:
     const fs::path path;
 };
 
+constexpr std::size_t channelCount(bool withAlpha) {
+    return withAlpha ? 4 : 3;
+}
+
 // Interleaved RGB or RGBA on the full scale of the file's samples.
 template <typename P, typename T>
 std::vector<T> samplesOf(const World& world, bool withAlpha) {
@@ -69,15 +73,35 @@ std::vector<T> samplesOf(const World& world, bool withAlpha) {
         // An effect may leave codes above white in a deep world.
         return static_cast<T>(rescale(std::min(value, kWhite<P>), kWhite<P>, std::numeric_limits<T>::max()));
     };
-    std::vector<T> samples;
-    samples.reserve(static_cast<std::size_t>(world.width()) * static_cast<std::size_t>(world.height()) * 4);
+    const std::size_t pixels =
+        static_cast<std::size_t>(world.width()) * static_cast<std::size_t>(world.height());
+    std::vector<T> samples(pixels * channelCount(withAlpha));
+    T* next = samples.data();
     for (std::int32_t y = 0; y < world.height(); ++y) {
         for (const P& pixel : pixelRow<P>(world.record(), y)) {
-            samples.insert(samples.end(), {toFile(pixel.red), toFile(pixel.green), toFile(pixel.blue)});
-            if (withAlpha) samples.push_back(toFile(pixel.alpha));
+            *next++ = toFile(pixel.red);
+            *next++ = toFile(pixel.green);
+            *next++ = toFile(pixel.blue);
+            if (withAlpha) *next++ = toFile(pixel.alpha);
         }
     }
     return samples;
+}
+
+void describePng(int compression, OIIO::ImageSpec& layout) {
+    // The encoder tries every filter on each row, which takes longer than the fast levels themselves. They do
+    // with the differences from pixel to pixel.
+    constexpr int kLastFastLevel = 4;
+    constexpr int kDifferences = 16;
+    layout["png:compressionLevel"] = compression;
+    if (compression <= kLastFastLevel) layout["png:filter"] = kDifferences;
+}
+
+void describeTiff(int compression, OIIO::ImageSpec& layout) {
+    layout["compression"] = compression > 0 ? "zip" : "none";
+    if (compression > 0) layout["tiff:zipquality"] = compression;
+    // The time of writing otherwise, and the same pixels would not give the same bytes.
+    layout["DateTime"] = "1970:01:01 00:00:00";
 }
 
 using Bytes = std::vector<unsigned char>;
@@ -85,16 +109,16 @@ using Bytes = std::vector<unsigned char>;
 // Encodes in memory: the encoders do not notice when a write to a file fails. P is the world's pixel type, T
 // the file's sample type.
 template <typename P, typename T>
-Bytes encodeAs(const fs::path& path, const World& world, bool withAlpha) {
+Bytes encodeAs(const fs::path& path, const World& world, bool withAlpha, int compression) {
     constexpr OIIO::TypeDesc kType(OIIO::BaseTypeFromC<T>::value);
     const std::vector<T> samples = samplesOf<P, T>(world, withAlpha);
     Bytes bytes;
     OIIO::Filesystem::IOVecOutput memory(bytes);
     OIIO::Filesystem::IOProxy* proxy = &memory;
-    OIIO::ImageSpec layout(world.width(), world.height(), withAlpha ? 4 : 3, kType);
+    OIIO::ImageSpec layout(world.width(), world.height(), static_cast<int>(channelCount(withAlpha)), kType);
     layout["oiio:UnassociatedAlpha"] = 1;
-    // TIFF files are given the time of writing otherwise, and the same pixels would not give the same bytes.
-    if (formatOf(path) == Format::Tiff) layout["DateTime"] = "1970:01:01 00:00:00";
+    if (formatOf(path) == Format::Png) describePng(compression, layout);
+    if (formatOf(path) == Format::Tiff) describeTiff(compression, layout);
     layout.attribute("oiio:ioproxy", OIIO::TypePointer, &proxy);
     const std::unique_ptr<OIIO::ImageOutput> file = OIIO::ImageOutput::create(path.string());
     if (file == nullptr) refuse(path, OIIO::geterror());
@@ -105,9 +129,9 @@ Bytes encodeAs(const fs::path& path, const World& world, bool withAlpha) {
     return bytes;
 }
 
-Bytes encode(const fs::path& path, const World& world, bool withAlpha) {
-    return world.isDeep() ? encodeAs<PF_Pixel16, std::uint16_t>(path, world, withAlpha)
-                          : encodeAs<PF_Pixel, std::uint8_t>(path, world, withAlpha);
+Bytes encode(const fs::path& path, const World& world, bool withAlpha, int compression) {
+    return world.isDeep() ? encodeAs<PF_Pixel16, std::uint16_t>(path, world, withAlpha, compression)
+                          : encodeAs<PF_Pixel, std::uint8_t>(path, world, withAlpha, compression);
 }
 
 // Whether all of it has reached the file system; errno tells why not.
@@ -150,9 +174,9 @@ void requireWritable(const fs::path& path, Depth depth, bool withAlpha) {
     if (fs::is_directory(path, ignored)) refuse(path, "a folder has this name; choose another");
 }
 
-void writePicture(const fs::path& path, const World& world, bool withAlpha) {
+void writePicture(const fs::path& path, const World& world, bool withAlpha, int compression) {
     requireWritable(path, world.isDeep() ? Depth::Bits16 : Depth::Bits8, withAlpha);
-    const Bytes bytes = encode(path, world, withAlpha);
+    const Bytes bytes = encode(path, world, withAlpha, compression);
     const TemporaryFile temporary(path);
     if (!writeBytes(temporary.path, bytes)) refuse(path, std::generic_category().message(errno));
     std::error_code error;

@@ -1,7 +1,9 @@
 #include <fmt/format.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <atomic>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 
@@ -23,40 +25,53 @@ void catchInterrupts() {
     sigaction(SIGINT, &action, nullptr);
 }
 
-// One line on the terminal that is written over until the frame is done; nothing when nobody looks.
+// One line on the terminal that is written over until the job is done; nothing when nobody looks.
 class ProgressLine {
 public:
-    explicit ProgressLine(std::int32_t frame) : frame(frame), isShown(isatty(STDERR_FILENO) == 1) {}
-    ~ProgressLine() {
-        if (percent >= 0) fmt::print(stderr, "\r\x1B[K");
-    }
+    ~ProgressLine() { clear(); }
+    ProgressLine() = default;
     ProgressLine(const ProgressLine&) = delete;
     ProgressLine& operator=(const ProgressLine&) = delete;
 
-    void show(double fraction) {
-        const int now = static_cast<int>(fraction * 100.0);
-        if (!isShown || now == percent) return;
-        percent = now;
-        fmt::print(stderr, "\rframe {}: {:3}%", frame, percent);
+    // `number` of `count` frames is under way and `fraction` of it done.
+    void show(std::size_t number, std::size_t count, double fraction) {
+        if (!isSeen) return;
+        const double done = (static_cast<double>(number - 1) + fraction) / static_cast<double>(count);
+        std::string now = fmt::format("\rframe {} of {}: {:3}%", number, count, static_cast<int>(done * 100));
+        if (now == shown) return;
+        shown = std::move(now);
+        fmt::print(stderr, "{}", shown);
         std::fflush(stderr);
     }
 
+    void clear() {
+        if (!shown.empty()) std::fputs("\r\x1B[K", stderr);
+        shown.clear();
+    }
+
 private:
-    const std::int32_t frame;
-    const bool isShown;
-    int percent = -1;
+    const bool isSeen = isatty(STDERR_FILENO) == 1;
+    std::string shown;
+};
+
+// What the user sees of a job under way.
+struct Display {
+    std::int32_t frame = 0;  // number
+    ProgressLine line;
 };
 
 bool isOfFrame(std::string_view command) {
     return command == "RENDER" || command.starts_with("FRAME_");
 }
 
-HostOptions hostOptions(const RenderOptions& options) {
+// `display` outlives the effect.
+HostOptions hostOptions(const RenderOptions& options, Display& display) {
     HostOptions host;
     host.threads = options.threads;
     host.strict = options.strict;
-    host.onMessage = [frame = options.files.frame](std::string_view command, std::string_view message) {
-        const std::string place = isOfFrame(command) ? fmt::format("frame {}: ", frame) : "";
+    host.onMessage = [&display](std::string_view command, std::string_view message) {
+        display.line.clear();
+        const std::string place = isOfFrame(command) ? fmt::format("frame {}: ", display.frame) : "";
         fmt::print(stderr, "perch: {}{}: \"{}\"\n", place, command, message);
     };
     return host;
@@ -70,7 +85,8 @@ int printHelp(const RenderOptions& options) {
         fmt::print("{}", renderHelp(nullptr));  // without an effect to list the parameters of
         return kDone;
     }
-    const Effect effect(bundle, hostOptions(options));
+    Display display;
+    const Effect effect(bundle, hostOptions(options, display));
     fmt::print("{}", renderHelp(&effect.description()));
     return kDone;
 }
@@ -86,23 +102,72 @@ bool reportFindings(const Effect& effect) {
     return hasFault;
 }
 
-void renderStill(Effect& effect, const RenderOptions& options) {
-    Sequence sequence(effect);
-    ProgressLine line(options.files.frame);
-    const FrameWatch watch{&wasInterrupted, [&](double fraction) { line.show(fraction); }};
-    renderFrame(effect, sequence, options.settings, options.files, watch);
+double secondsOf(const timeval& time) {
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+}
+
+// Reading and writing in processor time, since they wait for processors where there are too few of them.
+void reportTiming(const RenderReport& report, std::chrono::steady_clock::duration wall) {
+    using Seconds = std::chrono::duration<double>;
+    const auto seconds = [](const RenderReport::Time& time) {
+        return Seconds(std::chrono::nanoseconds(time.load())).count();
+    };
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    fmt::print(stderr, "decode    {:8.2f} s of processor time\n", seconds(report.decodeTime));
+    fmt::print(stderr, "render    {:8.2f} s\n", seconds(report.renderTime));
+    fmt::print(stderr, "encode    {:8.2f} s of processor time\n", seconds(report.encodeTime));
+    fmt::print(stderr, "processor {:8.2f} s in all\n", secondsOf(usage.ru_utime) + secondsOf(usage.ru_stime));
+    fmt::print(stderr, "wall      {:8.2f} s\n", Seconds(wall).count());
+}
+
+int reportInterrupt(const RenderReport& report, std::size_t count) {
+    const std::size_t written = report.framesWritten;
+    const std::string outcome =
+        written == 0 ? "nothing was written" : fmt::format("{} of {} frames were written", written, count);
+    fmt::print(stderr, "perch: interrupted; {}\n", outcome);
+    return kInterrupted;
+}
+
+// Renders, and returns whether the job came to its end.
+bool render(Effect& effect, const RenderOptions& options, const FramePlan& plan, Display& display,
+            RenderReport& report) {
+    std::size_t current = 0;
+    RenderWatch watch;
+    watch.cancelled = &wasInterrupted;
+    watch.frameBegins = [&](std::size_t index) {
+        current = index;
+        display.frame = plan.frames[index].frame;
+        display.line.show(index + 1, plan.frames.size(), 0);
+    };
+    watch.frameProgresses = [&](double fraction) {
+        display.line.show(current + 1, plan.frames.size(), fraction);
+    };
+    try {
+        renderFrames(effect, options.settings, plan, watch, report);
+    } catch (const Cancelled&) {
+        display.line.clear();
+        return false;
+    }
+    display.line.clear();
+    return true;
 }
 
 }  // namespace
 
 int runRenderCommand(const std::vector<std::string>& arguments) {
+    const auto start = std::chrono::steady_clock::now();
     const RenderOptions early = parseBeforeEffect(arguments);
     if (early.wantsHelp) return printHelp(early);
-    Effect effect(chooseBundle(early.plugin), hostOptions(early));
+    Display display;
+    Effect effect(chooseBundle(early.plugin), hostOptions(early, display));
     const RenderOptions options = parseRenderOptions(arguments, effect.description());
+    const FramePlan plan = planFrames(options.names);
     catchInterrupts();
-    renderStill(effect, options);
+    RenderReport report;
+    if (!render(effect, options, plan, display, report)) return reportInterrupt(report, plan.frames.size());
     effect.close();
+    if (options.wantsTiming) reportTiming(report, std::chrono::steady_clock::now() - start);
     return reportFindings(effect) ? kFailed : kDone;
 }
 

@@ -1,21 +1,70 @@
 #include "RenderJob.h"
 
 #include <fmt/format.h>
+#include <time.h>
 
 #include <memory>
+#include <mutex>
+#include <type_traits>
+#include <utility>
 
+#include "OrderedTasks.h"
 #include "PF_Values.h"
 
 namespace perch {
 namespace {
 
-using LayerPictures = std::map<PF_ParamIndex, Picture>;
+namespace fs = std::filesystem;
 
-void throwIfCancelled(const FrameWatch& watch, std::int32_t frame) {
-    if (watch.cancelled != nullptr && watch.cancelled->load()) {
-        throw Cancelled("RENDER", PF_Interrupt_CANCEL, "", frame);
-    }
+using SharedPicture = std::shared_ptr<const Picture>;
+using LayerPictures = std::map<PF_ParamIndex, SharedPicture>;
+
+std::chrono::nanoseconds timeOf(clockid_t clock) {
+    timespec now{};
+    clock_gettime(clock, &now);
+    return std::chrono::seconds(now.tv_sec) + std::chrono::nanoseconds(now.tv_nsec);
 }
+
+// Adds the time of its life to a sum.
+class Timer {
+public:
+    Timer(clockid_t clock, RenderReport::Time& sum) : clock(clock), sum(sum) {}
+    ~Timer() { sum += (timeOf(clock) - start).count(); }
+    Timer(const Timer&) = delete;
+    Timer& operator=(const Timer&) = delete;
+
+private:
+    const clockid_t clock;
+    RenderReport::Time& sum;
+    const std::chrono::nanoseconds start = timeOf(clock);
+};
+
+// The pictures of layers that stay the same, each read once per depth. Any thread.
+class StillLayers {
+public:
+    explicit StillLayers(const std::map<PF_ParamIndex, fs::path>& paths) : paths(paths) {}
+
+    LayerPictures read(Depth depth) {
+        const std::lock_guard lock(mutex);
+        LayerPictures& layers = pictures[depth];
+        for (const auto& [index, path] : paths) {
+            SharedPicture& layer = layers[index];
+            if (layer == nullptr) layer = std::make_shared<const Picture>(readPicture(path, depth));
+        }
+        return layers;
+    }
+
+private:
+    const std::map<PF_ParamIndex, fs::path>& paths;
+    std::mutex mutex;
+    std::map<Depth, LayerPictures> pictures;
+};
+
+// What a frame is rendered from.
+struct FramePictures {
+    Picture input;
+    LayerPictures layers;
+};
 
 Depth depthOf(const World& world) {
     return world.isDeep() ? Depth::Bits16 : Depth::Bits8;
@@ -26,54 +75,133 @@ void requireDepth(const Effect& effect, const World& input) {
     throw Error("the effect does not declare 16 bits per channel; render with --depth 8");
 }
 
-LayerPictures readLayers(const FrameFiles& files, Depth depth) {
-    LayerPictures pictures;
-    for (const auto& [index, path] : files.layers)
-        pictures.emplace(index, readPicture(path, depth));
-    return pictures;
-}
-
 std::int32_t fullExtent(std::int32_t extent, const PF_RationalScale& scale) {
     return static_cast<std::int32_t>(std::int64_t{extent} * scale.den / scale.num);
 }
 
-ParameterValues valuesFor(const Effect& effect, const RenderSettings& settings, const FrameRequest& request) {
-    ParameterValues values = effect.defaultValues(request.fullWidth, request.fullHeight);
-    for (const auto& [option, text] : settings.assignments) {
-        setValue(option, text, values.at(static_cast<std::size_t>(option.parameter.index)));
+// One run through a plan. Reading and writing tasks share only what is const or guarded.
+class Job {
+public:
+    Job(Effect& effect, const RenderSettings& settings, const FramePlan& plan, const RenderWatch& watch,
+        RenderReport& report)
+        : effect(effect), settings(settings), plan(plan), watch(watch), report(report) {}
+
+    void run() {
+        for (std::size_t index = 0; index < plan.frames.size(); ++index) {
+            readAhead();
+            throwIfCancelled(index);
+            const FramePictures pictures = reads.next();
+            readAhead();
+            RenderedFrame result = render(index, pictures);
+            throwIfCancelled(index);
+            startWriting(index, std::move(result), pictures.input.hasAlpha);
+        }
+        while (!writes.isEmpty())
+            writes.next();
     }
-    return values;
-}
+
+private:
+    // Runs `body` and tells the frame of an error in it.
+    template <typename F>
+    std::invoke_result_t<F> named(std::size_t index, const F& body) const {
+        try {
+            return body();
+        } catch (const Error& error) {
+            if (!plan.isSequence) throw;
+            throw Error(fmt::format("frame {}: {}", plan.frames[index].frame, error.what()));
+        }
+    }
+
+    void readAhead() {
+        for (; !reads.isFull() && nextRead < plan.frames.size(); ++nextRead)
+            reads.start([this, index = nextRead] { return named(index, [&] { return read(index); }); });
+    }
+
+    FramePictures read(std::size_t index) {
+        const Timer timer(CLOCK_THREAD_CPUTIME_ID, report.decodeTime);
+        const FrameFiles& files = plan.frames[index];
+        FramePictures pictures{readPicture(files.input, settings.depth), {}};
+        requireDepth(effect, pictures.input.pixels);
+        const Depth depth = depthOf(pictures.input.pixels);
+        requireWritable(files.output, depth, pictures.input.hasAlpha);
+        pictures.layers = stillLayers.read(depth);
+        for (const auto& [layer, path] : files.layers)
+            pictures.layers[layer] = std::make_shared<const Picture>(readPicture(path, depth));
+        return pictures;
+    }
+
+    RenderedFrame render(std::size_t index, const FramePictures& pictures) {
+        const Timer timer(CLOCK_MONOTONIC, report.renderTime);
+        if (watch.frameBegins) watch.frameBegins(index);
+        return sequence.render(requestFor(index, pictures));
+    }
+
+    FrameRequest requestFor(std::size_t index, const FramePictures& pictures) const {
+        const World& input = pictures.input.pixels;
+        FrameRequest request;
+        request.frame = plan.frames[index].frame;
+        request.input = &input;
+        for (const auto& [layer, picture] : pictures.layers)
+            request.layers[layer] = &picture->pixels;
+        request.fullWidth = fullExtent(input.width(), settings.downsample);
+        request.fullHeight = fullExtent(input.height(), settings.downsample);
+        request.downsampleX = request.downsampleY = settings.downsample;
+        request.values = valuesFor(request);
+        // A frame has one time, whichever frames are rendered beside it.
+        request.time = request.frame * request.timeStep;
+        request.totalTime = (plan.frames.back().frame + 1) * request.timeStep;
+        request.quality = settings.quality;
+        request.cancelled = watch.cancelled;
+        request.progress = watch.frameProgresses;
+        return request;
+    }
+
+    ParameterValues valuesFor(const FrameRequest& request) const {
+        ParameterValues values = effect.defaultValues(request.fullWidth, request.fullHeight);
+        for (const auto& [option, text] : settings.assignments)
+            setValue(option, text, values.at(static_cast<std::size_t>(option.parameter.index)));
+        return values;
+    }
+
+    void startWriting(std::size_t index, RenderedFrame result, bool inputHasAlpha) {
+        while (writes.isFull() || writes.isNextReady())
+            writes.next();
+        writes.start([this, index, inputHasAlpha, result = std::move(result)] {
+            named(index, [&] { write(index, result.picture, inputHasAlpha); });
+        });
+    }
+
+    void write(std::size_t index, const World& picture, bool inputHasAlpha) {
+        const Timer timer(CLOCK_THREAD_CPUTIME_ID, report.encodeTime);
+        // An effect may make an opaque picture transparent.
+        writePicture(plan.frames[index].output, picture, inputHasAlpha || !isOpaque(picture),
+                     settings.compression);
+        ++report.framesWritten;
+    }
+
+    void throwIfCancelled(std::size_t index) const {
+        if (watch.cancelled != nullptr && watch.cancelled->load())
+            throw Cancelled("RENDER", PF_Interrupt_CANCEL, "", plan.frames[index].frame);
+    }
+
+    Effect& effect;
+    const RenderSettings& settings;
+    const FramePlan& plan;
+    const RenderWatch& watch;
+    RenderReport& report;
+    StillLayers stillLayers{plan.stillLayers};
+    Sequence sequence{effect};
+    std::size_t nextRead = 0;
+    // Last, so that the tasks end before what they use.
+    OrderedTasks<FramePictures> reads{settings.framesAhead};
+    OrderedTasks<void> writes{settings.framesAhead};
+};
 
 }  // namespace
 
-void renderFrame(Effect& effect, Sequence& sequence, const RenderSettings& settings, const FrameFiles& files,
-                 const FrameWatch& watch) {
-    const Picture input = readPicture(files.input, settings.depth);
-    requireDepth(effect, input.pixels);
-    const Depth depth = depthOf(input.pixels);
-    requireWritable(files.output, depth, input.hasAlpha);
-    const LayerPictures layers = readLayers(files, depth);
-    throwIfCancelled(watch, files.frame);
-
-    FrameRequest request;
-    request.frame = files.frame;
-    request.input = &input.pixels;
-    for (const auto& [index, picture] : layers)
-        request.layers[index] = &picture.pixels;
-    request.fullWidth = fullExtent(input.pixels.width(), settings.downsample);
-    request.fullHeight = fullExtent(input.pixels.height(), settings.downsample);
-    request.downsampleX = request.downsampleY = settings.downsample;
-    request.values = valuesFor(effect, settings, request);
-    request.time = files.frame * request.timeStep;
-    request.quality = settings.quality;
-    request.cancelled = watch.cancelled;
-    request.progress = watch.progress;
-    const RenderedFrame result = sequence.render(request);
-
-    throwIfCancelled(watch, files.frame);
-    // An effect may make an opaque picture transparent.
-    writePicture(files.output, result.picture, input.hasAlpha || !isOpaque(result.picture));
+void renderFrames(Effect& effect, const RenderSettings& settings, const FramePlan& plan,
+                  const RenderWatch& watch, RenderReport& report) {
+    Job(effect, settings, plan, watch, report).run();
 }
 
 }  // namespace perch

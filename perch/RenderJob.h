@@ -1,15 +1,17 @@
-// What `perch render` does: picture files through an effect into picture files.
+// What `perch render` does: picture files through one instance of an effect into picture files. While a frame
+// renders, the next ones are read and the last ones written, each on a thread of its own.
 #pragma once
 
 #include <atomic>
-#include <filesystem>
+#include <chrono>
+#include <cstddef>
 #include <functional>
-#include <map>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "Effect.h"
+#include "FramePlan.h"
 #include "ParameterOptions.h"
 #include "Pictures.h"
 
@@ -27,24 +29,33 @@ struct RenderSettings {
     std::optional<Depth> depth;                    // absent: that of the input
     PF_Quality quality = PF_Quality_HI;
     PF_RationalScale downsample{1, 1};  // the pictures are this much smaller than the layer
+    int compression = kFastCompression;
+    // So many frames at most are read ahead, and so many wait to be written; beside the one that renders,
+    // they are all that is in memory.
+    std::size_t framesAhead = 1;
 };
 
-// The files of one frame.
-struct FrameFiles {
-    std::int32_t frame = 0;  // number
-    std::filesystem::path input;
-    std::filesystem::path output;
-    std::map<PF_ParamIndex, std::filesystem::path> layers;
-};
-
-struct FrameWatch {
+// On the calling thread.
+struct RenderWatch {
     const std::atomic<bool>* cancelled = nullptr;
-    std::function<void(double fraction)> progress;
+    std::function<void(std::size_t index)> frameBegins;    // of the plan's frames
+    std::function<void(double fraction)> frameProgresses;  // 0 to 1
 };
 
-// Renders one frame. Throws Error; Cancelled when the flag of `watch` was seen, also between the effect's
-// commands. The output is written whole or not at all.
-void renderFrame(Effect& effect, Sequence& sequence, const RenderSettings& settings, const FrameFiles& files,
-                 const FrameWatch& watch);
+// What has been done, complete also when the job ends by an exception.
+struct RenderReport {
+    using Time = std::atomic<std::chrono::nanoseconds::rep>;
+
+    std::atomic<std::size_t> framesWritten{0};
+    Time decodeTime{0};  // processor time
+    Time renderTime{0};  // elapsed
+    Time encodeTime{0};  // processor time
+};
+
+// Renders the frames in order. Throws Error for the first failure, which ends the job, and names the frame
+// where the plan is a sequence; Cancelled when the flag of `watch` was seen, also between the effect's
+// commands. Each output is written whole or not at all; frames before the failure stay.
+void renderFrames(Effect& effect, const RenderSettings& settings, const FramePlan& plan,
+                  const RenderWatch& watch, RenderReport& report);
 
 }  // namespace perch

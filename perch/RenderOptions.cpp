@@ -3,9 +3,11 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <charconv>
 #include <cstdio>
 #include <map>
+#include <thread>
 
 #include "CommandLine.h"
 #include "Description.h"
@@ -24,6 +26,8 @@ struct Texts {
     std::string downsample = "1/1";
     std::string depth;
     std::string threads = "0";
+    std::string compression = std::to_string(kFastCompression);
+    std::string frames;
     std::map<std::string, std::string> parameters;  // by option name
 };
 
@@ -52,27 +56,51 @@ std::optional<Depth> parseDepth(const std::string& text) {
     throw UsageError(fmt::format("--depth takes 8 or 16, not \"{}\"", text));
 }
 
+// A whole number from 0 to `most`.
+int parseNumber(std::string_view option, const std::string& text, int most) {
+    int number = 0;
+    const char* const end = text.data() + text.size();
+    const auto parsed = std::from_chars(text.data(), end, number);
+    if (parsed.ec == std::errc() && parsed.ptr == end && number >= 0 && number <= most) return number;
+    throw UsageError(fmt::format("{} takes a whole number from 0 to {}, not \"{}\"", option, most, text));
+}
+
 int parseThreads(const std::string& text) {
     constexpr int kMostThreads = 1024;
-    int threads = 0;
-    const char* const end = text.data() + text.size();
-    const auto parsed = std::from_chars(text.data(), end, threads);
-    if (parsed.ec == std::errc() && parsed.ptr == end && threads >= 0 && threads <= kMostThreads)
-        return threads;
-    throw UsageError(
-        fmt::format("--threads takes a whole number from 0 to {}, not \"{}\"", kMostThreads, text));
+    return parseNumber("--threads", text, kMostThreads);
+}
+
+// One frame for each thread of the effect, so that reading and writing keep up with it; no more than this,
+// for the sake of memory.
+std::size_t framesAheadFor(int threads) {
+    constexpr unsigned kMostFramesAhead = 8;
+    const unsigned wanted =
+        threads > 0 ? static_cast<unsigned>(threads) : std::thread::hardware_concurrency();
+    return std::clamp(wanted, 1U, kMostFramesAhead);
 }
 
 void addOwnOptions(CLI::App& app, RenderOptions& options, Texts& texts) {
     addHelpFlag(app, options.wantsHelp);
-    app.add_option("-i,--input", texts.input, "the picture to be changed: PNG, TIFF or JPEG")
+    app.add_option("-i,--input", texts.input,
+                   "the picture to be changed: PNG, TIFF or JPEG; a sequence by a name like in.####.png")
         ->type_name("PICTURE");
-    app.add_option("-o,--output", texts.output, "the picture to be written; the name gives the format")
+    app.add_option(
+           "-o,--output", texts.output,
+           "the picture to be written; the name gives the format, and like the input's has #### for a "
+           "sequence")
         ->type_name("PICTURE");
+    app.add_option("--frames", texts.frames,
+                   "the frames of the sequence, like 1-24 or 1-24x2 (default: all that there are)")
+        ->type_name("RANGE");
     app.add_option("--plugin", options.plugin, "the effect; without it, the only one beside the program")
         ->type_name("BUNDLE");
     app.add_option("--threads", texts.threads, "worker threads; 0 for one per processor (default 0)")
         ->type_name("N");
+    app.add_option("--compression", texts.compression,
+                   fmt::format("of PNG and TIFF files, 0 for none to {} for the smallest (default {})",
+                               kMostCompression, kFastCompression))
+        ->type_name("LEVEL");
+    app.add_flag("--timing", options.wantsTiming, "tell how long reading, rendering and writing took");
     app.add_flag("--strict", options.strict, "watch for breaches of the interface's rules; any is a failure");
     app.add_option("--quality", texts.quality, "draft or best (default best)")->type_name("QUALITY");
     app.add_option("--downsample", texts.downsample, "the pictures' size to the full size (default 1/1)")
@@ -122,7 +150,7 @@ void takeParameter(const ParameterOption& option, const std::string& text, Rende
         requireValue(option, value);
         options.settings.assignments.push_back({option, value});
     } else if (text != "none") {
-        options.files.layers[option.parameter.index] = text;
+        options.names.layers[option.parameter.index] = text;
     }
 }
 
@@ -160,11 +188,14 @@ RenderOptions parseRenderOptions(const std::vector<std::string>& arguments, cons
 
     requireFile(texts.input, "--input");
     requireFile(texts.output, "--output");
-    options.files.input = texts.input;
-    options.files.output = texts.output;
+    options.names.input = texts.input;
+    options.names.output = texts.output;
+    if (!texts.frames.empty()) options.names.frames = parseFrameRange(texts.frames);
     options.settings.quality = parseQuality(texts.quality);
     options.settings.downsample = parseDownsample(texts.downsample);
     options.settings.depth = parseDepth(texts.depth);
+    options.settings.compression = parseNumber("--compression", texts.compression, kMostCompression);
+    options.settings.framesAhead = framesAheadFor(parseThreads(texts.threads));
     for (const ParameterOption& option : parameters) {
         if (app.count("--" + option.name) > 0) takeParameter(option, texts.parameters[option.name], options);
     }
@@ -172,7 +203,7 @@ RenderOptions parseRenderOptions(const std::vector<std::string>& arguments, cons
 }
 
 std::string renderHelp(const EffectDescription* effect) {
-    CLI::App app("Applies an effect to a picture.", "perch render");
+    CLI::App app("Applies an effect to a picture or a sequence of pictures.", "perch render");
     RenderOptions options;
     Texts texts;
     addOwnOptions(app, options, texts);

@@ -17,7 +17,8 @@ struct RenderOptions {
     int threads = 0;
     bool strict = false;
     bool wantsHelp = false;
-    FrameFiles files;
+    bool wantsTiming = false;
+    PictureNames names;
     RenderSettings settings;
 };
 

@@ -23,7 +23,7 @@ struct Command {
 };
 
 constexpr std::array kCommands{
-    Command{"render", perch::runRenderCommand, "apply an effect to a picture"},
+    Command{"render", perch::runRenderCommand, "apply an effect to a picture or a sequence"},
     Command{"describe", perch::runDescribeCommand, "print what an effect says of itself"},
     Command{"check", perch::runCheckCommand, "try an effect against the rules of the interface"},
 };

@@ -285,6 +285,28 @@ TEST_F(PicturesTest, FullDiskLeavesTheFileBeforeAndNoPartOfTheNew) {
     }
 }
 
+TEST_F(PicturesTest, EveryCompressionHoldsTheSamePicture) {
+    World world(64, 48, true);
+    for (std::int32_t y = 0; y < 48; ++y) {
+        PF_Pixel16 next{32768, 0, 0, 0};
+        for (PF_Pixel16& pixel : pixelRow<PF_Pixel16>(world.record(), y)) {
+            pixel = next;
+            next = {next.alpha, static_cast<A_u_short>(next.red + 300), static_cast<A_u_short>(y * 600), 7};
+        }
+    }
+    for (const char* const name : {"a.png", "a.tif"}) {
+        std::vector<std::uintmax_t> sizes;
+        for (int level = 0; level <= kMostCompression; ++level) {
+            writePicture(folder / name, world, true, level);
+            EXPECT_EQ(readPicture(folder / name).pixels.checksum(), world.checksum())
+                << name << ", level " << level;
+            sizes.push_back(std::filesystem::file_size(folder / name));
+        }
+        EXPECT_GT(sizes[0], 64U * 48U * 8U) << name;
+        EXPECT_LT(sizes[kFastCompression], sizes[0] / 4) << name;
+    }
+}
+
 TEST_F(PicturesTest, WithoutAlphaTheFileHasThreeChannels) {
     World world(1, 1, false);
     pixelRow<PF_Pixel>(world.record(), 0)[0] = {9, 1, 2, 3};

@@ -2,13 +2,12 @@
 // answered.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <csignal>
-#include <cstdint>
 
 #include "CommandCase.h"
+#include "CommandLine.h"
 #include "PictureFiles.h"
-#include "Program.h"
-#include "TemporaryFolder.h"
 
 namespace perch::test {
 namespace {
@@ -16,60 +15,6 @@ namespace {
 namespace fs = std::filesystem;
 
 bool isRewriting = false;
-
-template <typename T>
-std::vector<T> ramp(std::size_t size, unsigned step) {
-    std::vector<T> samples(size);
-    unsigned value = 0;
-    for (T& sample : samples)
-        sample = static_cast<T>(value += step);
-    return samples;
-}
-
-// A folder with the pictures that the cases name.
-class CommandLine {
-public:
-    CommandLine() {
-        fs::create_directory(folder);
-        const FileShape rgba{6, 4, 4};
-        const FileShape rgb{6, 4, 3};
-        writeFile(folder / "rgba8.png", rgba, ramp<std::uint8_t>(96, 5));
-        writeFile(folder / "rgba16.png", rgba, ramp<std::uint16_t>(96, 1237));
-        writeFile(folder / "rgb8.png", rgb, ramp<std::uint8_t>(72, 3));
-        writeFile(folder / "matte.png", {3, 2, 1}, ramp<std::uint16_t>(6, 9000));
-        writeFile(folder / "float.exr", {1, 1, 4}, std::vector<float>(4));
-        writeBytes(folder / "text.png", "not a picture");
-        writeBytes(folder / "cut.png", bytesOf(folder / "rgba16.png").substr(0, 100));
-        fs::create_directory(folder / "Empty.plugin");
-    }
-
-    ProgramResult run(const std::string& command) const {
-        ProgramResult result = runProgram(commandOf(command), folder);
-        result.out = replaceAll(result.out, PERCH_TEST_PLUGINS, "{plugins}");
-        result.err = replaceAll(result.err, PERCH_TEST_PLUGINS, "{plugins}");
-        return result;
-    }
-
-    std::vector<std::string> commandOf(const std::string& command) const {
-        std::vector<std::string> words = wordsOf(replaceAll(command, "{plugins}", PERCH_TEST_PLUGINS));
-        words.front() = PERCH_PROGRAM;
-        return words;
-    }
-
-    std::vector<std::string> files() const {
-        std::vector<std::string> names;
-        for (const fs::directory_entry& entry : fs::directory_iterator(folder))
-            names.push_back(entry.path().filename());
-        std::ranges::sort(names);
-        return names;
-    }
-
-private:
-    TemporaryFolder parent;
-
-public:
-    const fs::path folder = parent / "work";
-};
 
 class CommandLineTest : public testing::TestWithParam<fs::path> {};
 
@@ -103,11 +48,12 @@ INSTANTIATE_TEST_SUITE_P(Case, CommandLineTest, testing::ValuesIn(caseFiles()),
 
 const char kRender[] = "perch render --plugin {plugins}/Report.so -i rgba8.png -o out.png";
 
+// At the compression that the pictures were written with, so that their bytes can be compared.
 TEST(RenderCommandTest, EightBitPictureThatTheEffectCopiesComesBackUnchanged) {
     const CommandLine commandLine;
     for (const std::string name : {"rgba8.png", "rgb8.png"}) {
-        const ProgramResult result =
-            commandLine.run("perch render --plugin {plugins}/Report.so -o out.png -i " + name);
+        const ProgramResult result = commandLine.run(
+            "perch render --plugin {plugins}/Report.so --compression 6 -o out.png -i " + name);
         ASSERT_EQ(result.status, 0) << name << ": " << result.err;
         EXPECT_EQ(bytesOf(commandLine.folder / "out.png"), bytesOf(commandLine.folder / name)) << name;
     }

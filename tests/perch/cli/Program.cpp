@@ -1,6 +1,7 @@
 #include "Program.h"
 
 #include <fcntl.h>
+#include <pty.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -18,6 +19,16 @@ namespace {
 std::string textOf(const std::filesystem::path& path) {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// What a terminal has been given and nobody has read.
+std::string shownOn(int terminal) {
+    fcntl(terminal, F_SETFL, O_NONBLOCK);
+    std::string text;
+    char part[256];
+    for (ssize_t size = 0; (size = read(terminal, part, sizeof part)) > 0;)
+        text.append(part, static_cast<std::size_t>(size));
+    return text;
 }
 
 void sendTo(const std::filesystem::path& path, int descriptor) {
@@ -54,13 +65,21 @@ bool hasEnded(pid_t process) {
 
 }  // namespace
 
-RunningProgram::RunningProgram(const std::vector<std::string>& command, const std::filesystem::path& folder)
+RunningProgram::RunningProgram(const std::vector<std::string>& command, const std::filesystem::path& folder,
+                               Messages messages)
     : outPath(folder.string() + ".stdout"), errPath(folder.string() + ".stderr") {
+    if (messages == Messages::Terminal &&
+        openpty(&terminal, &programsTerminal, nullptr, nullptr, nullptr) != 0)
+        throw std::runtime_error("there is no terminal for " + command.front());
     process = fork();
     if (process < 0) throw std::runtime_error("cannot start " + command.front());
     if (process > 0) return;
     sendTo(outPath, STDOUT_FILENO);
-    sendTo(errPath, STDERR_FILENO);
+    if (messages == Messages::File) {
+        sendTo(errPath, STDERR_FILENO);
+    } else if (dup2(programsTerminal, STDERR_FILENO) < 0) {
+        _exit(127);
+    }
     if (chdir(folder.c_str()) != 0) _exit(127);
     become(command);
 }
@@ -70,6 +89,8 @@ RunningProgram::~RunningProgram() {
         kill(process, SIGKILL);
         waitpid(process, nullptr, 0);
     }
+    if (terminal >= 0) close(terminal);
+    if (programsTerminal >= 0) close(programsTerminal);
     std::error_code ignored;
     std::filesystem::remove(outPath, ignored);
     std::filesystem::remove(errPath, ignored);
@@ -94,7 +115,7 @@ ProgramResult RunningProgram::finish() {
     process = -1;
     constexpr int kSignalled = 128;
     return {WIFEXITED(status) ? WEXITSTATUS(status) : kSignalled + WTERMSIG(status), textOf(outPath),
-            textOf(errPath)};
+            terminal >= 0 ? shownOn(terminal) : textOf(errPath)};
 }
 
 ProgramResult runProgram(const std::vector<std::string>& command, const std::filesystem::path& folder) {

@@ -15,11 +15,15 @@ struct ProgramResult {
     std::string err;
 };
 
+// Where a program's stderr goes. A terminal holds a few thousand characters until they are read at the end.
+enum class Messages { File, Terminal };
+
 // A program under way, its outputs going to files.
 class RunningProgram {
 public:
     // `command` is the program and its arguments; it runs in `folder`, and its outputs are kept beside it.
-    RunningProgram(const std::vector<std::string>& command, const std::filesystem::path& folder);
+    RunningProgram(const std::vector<std::string>& command, const std::filesystem::path& folder,
+                   Messages messages = Messages::File);
     ~RunningProgram();
     RunningProgram(const RunningProgram&) = delete;
     RunningProgram& operator=(const RunningProgram&) = delete;
@@ -32,6 +36,8 @@ public:
 private:
     const std::filesystem::path outPath;
     const std::filesystem::path errPath;
+    int terminal = -1;  // this end of it; the other stays open until the end
+    int programsTerminal = -1;
     pid_t process = -1;
 };
 

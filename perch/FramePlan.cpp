@@ -1,0 +1,153 @@
+#include "FramePlan.h"
+
+#include <fmt/format.h>
+
+#include <set>
+#include <system_error>
+
+#include "CommandLine.h"
+
+namespace perch {
+namespace {
+
+namespace fs = std::filesystem;
+
+// The patterns among the names of a sequence.
+struct Patterns {
+    FramePattern input;
+    FramePattern output;
+    std::map<PF_ParamIndex, FramePattern> layers;
+};
+
+void requireFile(const fs::path& path, std::int32_t frame) {
+    std::error_code ignored;
+    if (fs::exists(path, ignored)) return;
+    throw Error(fmt::format("frame {} is missing: there is no file \"{}\"; check --frames and the name",
+                            frame, path.string()));
+}
+
+FrameFiles filesOf(const Patterns& patterns, std::int32_t frame) {
+    FrameFiles files{frame, patterns.input.pathOf(frame), patterns.output.pathOf(frame), {}};
+    requireFile(files.input, frame);
+    for (const auto& [index, pattern] : patterns.layers) {
+        const fs::path& layer = files.layers[index] = pattern.pathOf(frame);
+        requireFile(layer, frame);
+    }
+    return files;
+}
+
+// A missing file ends this, so that a range beyond all numbers takes no memory.
+std::vector<FrameFiles> framesOf(const Patterns& patterns, const PictureNames& names) {
+    std::vector<FrameFiles> frames;
+    if (!names.frames) {
+        for (const std::int32_t frame : patterns.input.framesOnDisk())
+            frames.push_back(filesOf(patterns, frame));
+    } else {
+        for (std::int64_t frame = names.frames->first; frame <= names.frames->last;
+             frame += names.frames->step)
+            frames.push_back(filesOf(patterns, static_cast<std::int32_t>(frame)));
+    }
+    if (frames.empty()) {
+        throw Error(fmt::format("no file is named like \"{}\"; check the name and the folder", names.input));
+    }
+    return frames;
+}
+
+FramePattern outputPattern(const PictureNames& names, const FramePattern& input) {
+    const std::optional<FramePattern> output = FramePattern::parse(names.output);
+    if (!output) {
+        throw UsageError(fmt::format(
+            "\"{}\" would hold every frame; give --output a place for the frame number, like out.####.png",
+            names.output));
+    }
+    if (output->digits() != input.digits()) {
+        throw UsageError(
+            fmt::format("\"{}\" has {} digits for the frame number and --input has {}; give both "
+                        "as many",
+                        names.output, output->digits(), input.digits()));
+    }
+    return *output;
+}
+
+FramePlan planSequence(const PictureNames& names, const FramePattern& input) {
+    FramePlan plan{.isSequence = true, .frames = {}, .stillLayers = {}};
+    Patterns patterns{input, outputPattern(names, input), {}};
+    for (const auto& [index, name] : names.layers) {
+        if (const std::optional<FramePattern> layer = FramePattern::parse(name)) {
+            patterns.layers.emplace(index, *layer);
+        } else {
+            plan.stillLayers[index] = name;
+        }
+    }
+    plan.frames = framesOf(patterns, names);
+    return plan;
+}
+
+void requireOneFile(const std::string& name) {
+    if (!FramePattern::parse(name)) return;
+    throw UsageError(fmt::format(
+        "\"{}\" stands for many files and --input for one; give --input a place for the frame number too",
+        name));
+}
+
+FramePlan planStill(const PictureNames& names) {
+    if (names.frames)
+        throw UsageError(
+            "--frames is for sequences; give --input a place for the frame number, like in.####.png");
+    requireOneFile(names.output);
+    FramePlan plan{.isSequence = false, .frames = {{0, names.input, names.output, {}}}, .stillLayers = {}};
+    for (const auto& [index, name] : names.layers) {
+        requireOneFile(name);
+        plan.stillLayers[index] = name;
+    }
+    return plan;
+}
+
+// Tells folder entries apart however they are named.
+class Entries {
+public:
+    fs::path of(const fs::path& path) {
+        const auto [folder, isNew] = folders.try_emplace(path.parent_path());
+        if (isNew) folder->second = resolved(path.parent_path());
+        return folder->second / path.filename();
+    }
+
+private:
+    static fs::path resolved(const fs::path& folder) {
+        std::error_code ignored;
+        const fs::path known = fs::canonical(folder.empty() ? fs::path(".") : folder, ignored);
+        return ignored ? folder : known;
+    }
+
+    std::map<fs::path, fs::path> folders;
+};
+
+void refuseToOverwriteInputs(const FramePlan& plan) {
+    Entries entries;
+    std::set<fs::path> read;
+    const auto addLayers = [&](const std::map<PF_ParamIndex, fs::path>& layers) {
+        for (const auto& [index, path] : layers)
+            read.insert(entries.of(path));
+    };
+    addLayers(plan.stillLayers);
+    for (const FrameFiles& files : plan.frames) {
+        read.insert(entries.of(files.input));
+        addLayers(files.layers);
+    }
+    for (const FrameFiles& files : plan.frames) {
+        if (!read.contains(entries.of(files.output))) continue;
+        throw Error(fmt::format("cannot write \"{}\": it is read by this render; choose another name",
+                                files.output.string()));
+    }
+}
+
+}  // namespace
+
+FramePlan planFrames(const PictureNames& names) {
+    const std::optional<FramePattern> input = FramePattern::parse(names.input);
+    FramePlan plan = input ? planSequence(names, *input) : planStill(names);
+    refuseToOverwriteInputs(plan);
+    return plan;
+}
+
+}  // namespace perch

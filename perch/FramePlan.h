@@ -1,0 +1,41 @@
+// Which files belong to which frame, from the names that the user gave.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "FramePattern.h"
+#include "PF_Params.h"
+
+namespace perch {
+
+// As given. A name may be a FramePattern; an input that is one makes a sequence.
+struct PictureNames {
+    std::string input;
+    std::string output;
+    std::map<PF_ParamIndex, std::string> layers;
+    std::optional<FrameRange> frames;  // absent: all that the input's pattern finds
+};
+
+struct FrameFiles {
+    std::int32_t frame = 0;  // number
+    std::filesystem::path input;
+    std::filesystem::path output;
+    std::map<PF_ParamIndex, std::filesystem::path> layers;  // of this frame alone
+};
+
+struct FramePlan {
+    bool isSequence = false;
+    std::vector<FrameFiles> frames;                              // in the order of their numbers; never empty
+    std::map<PF_ParamIndex, std::filesystem::path> stillLayers;  // the same for every frame
+};
+
+// Throws UsageError where the names do not go together; Error where a frame's file is missing, the first one
+// by name, and where a picture would be written over one that is read.
+FramePlan planFrames(const PictureNames& names);
+
+}  // namespace perch

@@ -1,0 +1,123 @@
+// Sequences through the built program: which files it leaves, when it ends early, and what a terminal shows.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <thread>
+
+#include "CommandLine.h"
+#include "PictureFiles.h"
+
+namespace perch::test {
+namespace {
+
+const char kSequence[] =
+    "perch render --plugin {plugins}/Timeline.so -i shot.####.png -o out.####.png --compression 6";
+
+std::vector<std::string> outputsIn(const CommandLine& commandLine) {
+    std::vector<std::string> outputs;
+    for (const std::string& name : commandLine.files())
+        if (name.starts_with("out.") || name.starts_with(".")) outputs.push_back(name);
+    return outputs;
+}
+
+// The program has written a frame, or has ended.
+void waitForFile(const std::filesystem::path& path) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (!std::filesystem::exists(path) && std::chrono::steady_clock::now() < end)
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+}
+
+TEST(SequenceTest, EveryFrameOfTheInputIsWrittenUnderItsNumber) {
+    const CommandLine commandLine;
+    for (const std::string threads : {"1", "2", "8"}) {
+        const ProgramResult result = commandLine.run(kSequence + (" --threads " + threads));
+        ASSERT_EQ(result.status, 0) << threads << ": " << result.err;
+        for (const std::string number : {"0001", "0002", "0003", "0005"}) {
+            EXPECT_EQ(bytesOf(commandLine.folder / ("out." + number + ".png")),
+                      bytesOf(commandLine.folder / ("shot." + number + ".png")))
+                << number << " with " << threads << " threads";
+        }
+        EXPECT_FALSE(commandLine.has("out.0004.png"));
+    }
+}
+
+struct EarlyEnd {
+    const char* name;
+    const char* command;
+    std::string message;
+    std::vector<std::string> outputs;
+};
+
+const EarlyEnd kEarlyEnds[] = {
+    {"DamagedInput",
+     "perch render --plugin {plugins}/Timeline.so -i torn.####.png -o out.####.png",
+     "frame 2: cannot read \"torn.0002.png\": it is no picture or a damaged one; name a PNG, TIFF or JPEG "
+     "file",
+     {"out.0001.png"}},
+    {"FailingEffect",
+     "perch render --plugin {plugins}/Timeline.so -i shot.####.png -o out.####.png --fail-at 3",
+     "frame 3: plug-in returned 4 at RENDER: \"no picture at 3\"",
+     {"out.0001.png", "out.0002.png"}},
+    {"UnwritableOutput",
+     "perch render --plugin {plugins}/Timeline.so -i shot.####.png -o none/out.####.png",
+     "frame 1: cannot write \"none/out.0001.png\": there is no folder \"none\"; create it first",
+     {}},
+};
+
+class EarlyEndTest : public testing::TestWithParam<EarlyEnd> {};
+
+TEST_P(EarlyEndTest, NamesTheFrameAndKeepsThoseBefore) {
+    const CommandLine commandLine;
+    const ProgramResult result = commandLine.run(GetParam().command);
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(result.err.ends_with("perch: " + GetParam().message + "\n")) << result.err;
+    EXPECT_EQ(outputsIn(commandLine), GetParam().outputs);
+}
+
+INSTANTIATE_TEST_SUITE_P(Sequence, EarlyEndTest, testing::ValuesIn(kEarlyEnds),
+                         [](const auto& test) { return std::string(test.param.name); });
+
+TEST(SequenceTest, InterruptKeepsTheFinishedFramesAndLeavesNoOther) {
+    const CommandLine commandLine;
+    RunningProgram program(commandLine.commandOf(std::string(kSequence) + " --wait-at 3"),
+                           commandLine.folder);
+    waitForFile(commandLine.folder / "out.0002.png");
+    program.send(SIGINT);
+    const ProgramResult result = program.finish();
+    EXPECT_EQ(result.status, 130);
+    EXPECT_TRUE(result.err.ends_with("perch: interrupted; 2 of 4 frames were written\n")) << result.err;
+    EXPECT_EQ(outputsIn(commandLine), (std::vector<std::string>{"out.0001.png", "out.0002.png"}));
+    EXPECT_EQ(bytesOf(commandLine.folder / "out.0002.png"), bytesOf(commandLine.folder / "shot.0002.png"));
+}
+
+TEST(SequenceTest, TerminalShowsTheFramesInOrderAndIsLeftClear) {
+    const CommandLine commandLine;
+    RunningProgram program(commandLine.commandOf(kSequence), commandLine.folder, Messages::Terminal);
+    const ProgramResult result = program.finish();
+    ASSERT_EQ(result.status, 0) << result.err;
+    std::size_t place = 0;
+    for (const std::string line : {"\rframe 1 of 4:   0%", "\rframe 2 of 4:  25%", "\rframe 3 of 4:  50%",
+                                   "\rframe 4 of 4:  75%", "\r\x1B[K"}) {
+        const std::size_t found = result.err.find(line, place);
+        ASSERT_NE(found, std::string::npos) << line << " is not in order in " << result.err;
+        place = found + line.size();
+    }
+}
+
+TEST(SequenceTest, TimingIsOneLineForEachPart) {
+    const CommandLine commandLine;
+    const ProgramResult result = commandLine.run(std::string(kSequence) + " --timing --frames 1-2");
+    ASSERT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(result.out, "");
+    std::size_t place = 0;
+    for (const std::string part : {"\ndecode ", "\nrender ", "\nencode ", "\nprocessor ", "\nwall "}) {
+        const std::size_t found = result.err.find(part, place);
+        ASSERT_NE(found, std::string::npos) << part << " is not in order in " << result.err;
+        place = found;
+    }
+}
+
+}  // namespace
+}  // namespace perch::test
