@@ -43,7 +43,7 @@ public:
     void frameSetup(AELib::AEContext& /*context*/) override {}
     void render(AELib::AEContext& context) override;
 
-    // The steps of render() by themselves, for this frame's buffers.
+    // The map's steps by themselves; PaintFocus paints this frame's output.
     void ProcessChannel(const PILib::ChannelBuffer& channel, float focalPoint, float inFocusRange,
                         bool invert);
     void PaintFocus(const PILib::ChannelBuffer& map);

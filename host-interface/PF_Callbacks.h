@@ -132,7 +132,7 @@ PF_AT(PF_ColorCallbacks, Hue, 40);
 PF_AT(PF_ColorCallbacks, Lightness, 48);
 PF_AT(PF_ColorCallbacks, Saturation, 56);
 
-/* Services of the host; the table does not change between GLOBAL_SETUP and GLOBAL_SETDOWN. */
+/* Services of the host; the table is that of the current call and is not to be kept. */
 typedef struct PF_UtilCallbacks {
     /* [main-thread] Announces sampling from params->src; ended by end_sampling. */
     PF_Err (*begin_sampling)(PF_ProgPtr effect_ref, PF_Quality qual, PF_ModeFlags mf, PF_SampPB* params);

@@ -32,7 +32,7 @@ PF_AT(PF_SoundWorld, dataP, 24);
  * disposed. */
 struct PF_InData {
     PF_InteractCallbacks inter; /* interaction callbacks of this call */
-    PF_UtilCallbacks* utils;    /* host owned; valid from GLOBAL_SETUP to GLOBAL_SETDOWN */
+    PF_UtilCallbacks* utils;    /* host owned; of this call, not to be kept */
     PF_ProgPtr effect_ref;      /* token for the callbacks; never dereferenced */
     PF_Quality quality;
     PF_SpecVersion version; /* version of the interface that the host speaks */

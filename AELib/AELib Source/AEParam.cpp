@@ -50,10 +50,14 @@ AEParamCreator::AEParamCreator(AEContext& context)
 }
 
 AEParamCreator::~AEParamCreator() noexcept(false) {
-    // A declaration has failed: its exception is on the way, and nothing more is declared.
-    if (std::uncaught_exceptions() > exceptionsAtStart) return;
-    addParam();
-    context->outData->num_params = nextIndex;
+    if (hostRefused) return;
+    try {
+        addParam();
+        context->outData->num_params = nextIndex;
+    } catch (int) {
+        const bool isUnwinding = std::uncaught_exceptions() > exceptionsAtStart;
+        if (!isUnwinding) throw;
+    }
 }
 
 void AEParamCreator::reset() {
@@ -73,7 +77,9 @@ void AEParamCreator::begin(int id, const char* name, PF_ParamType type) {
 void AEParamCreator::addParam() {
     if (!pending) return;
     context->setParamNumber(def.uu.id, nextIndex);
-    PILib::ThrowIfErr(context->inData->inter.add_param(context->inData->effect_ref, -1, &def));
+    const PF_Err err = context->inData->inter.add_param(context->inData->effect_ref, -1, &def);
+    hostRefused = err != PF_Err_NONE;
+    PILib::ThrowIfErr(err);
     ++nextIndex;
     reset();
 }

@@ -96,10 +96,12 @@ void AEPixelBuffer<P>::deallocate() {
 
 template <class P>
 void AEPixelBuffer<P>::release() {
-    if (ownsWorld) inData->utils->dispose_world(inData->effect_ref, &world);
+    if (ownsWorld) {
+        inData->utils->dispose_world(inData->effect_ref, &world);
+        this->data = nullptr;
+    }
     ownsWorld = false;
     layer = nullptr;
-    this->data = nullptr;
 }
 
 template <class P>

@@ -9,8 +9,8 @@
 namespace AELib {
 
 // Views a world of the host in place, or owns one that the host allocated for it. A viewed world must outlive
-// the buffer; the host callbacks are those of the context's call, so that the buffer must go before the call
-// returns.
+// its use; the host callbacks are those of the context's call, so that a buffer that owns a world must go
+// before the call returns.
 template <class P>
 class AEPixelBuffer : public PILib::PixelBuf<P> {
 public:
@@ -65,8 +65,10 @@ public:
 
     void initialize(AEContext& context, int id, int time);
 
-    // False for a layer parameter set to none.
-    bool hasPixels() const { return param.u.ld.data != nullptr; }
+    // False for a layer parameter set to none, and for a layer of no size.
+    bool hasPixels() const {
+        return param.u.ld.data != nullptr && param.u.ld.width > 0 && param.u.ld.height > 0;
+    }
 
     // Field order is given.
     PF_ParamDef param{};

@@ -51,8 +51,8 @@ public:
     // Field order is given; it is also what makes output go before input, and both before the context.
     AEContext context;
     PF_InData* inData = nullptr;
-    std::unique_ptr<PILib::PixelBuffer> input;   // the source, of the output's size; null outside a render
-    std::unique_ptr<PILib::PixelBuffer> output;  // null outside a render
+    std::unique_ptr<PILib::PixelBuffer> input;   // the source, of the output's size
+    std::unique_ptr<PILib::PixelBuffer> output;  // both of the last render, not for use after it
     std::int32_t inputWidth = 0;                 // of the source layer
     std::int32_t inputHeight = 0;
     std::int32_t outputWidth = 0;

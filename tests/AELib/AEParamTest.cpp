@@ -318,18 +318,21 @@ TEST_F(AEParamCreatorTest, HostErrorEndsTheSetupAndTheCountIsNotPublished) {
     }
 }
 
-TEST_F(AEParamCreatorTest, ExceptionOfTheEffectUnwindsWithoutDeclaringMore) {
-    host.out.num_params = -1;
-    AELib::AEContext context = makeContext(PF_Cmd_PARAMS_SETUP);
-    EXPECT_THROW(
-        {
-            AEParamCreator create(context);
-            create.layer(1, "Layer", 0);
-            throw std::runtime_error("the effect failed");
-        },
-        std::runtime_error);
-    EXPECT_TRUE(host.declared.empty());
-    EXPECT_EQ(-1, host.out.num_params);
+TEST_F(AEParamCreatorTest, ExceptionOfTheEffectStillDeclaresWhatIsPending) {
+    for (const bool refused : {false, true}) {
+        host.declared.clear();
+        host.out.num_params = -1;
+        host.failures.at(Callback::kAddParam, refused ? 1 : 0, 5);
+        AELib::AEContext context = makeContext(PF_Cmd_PARAMS_SETUP);
+        EXPECT_THROW(
+            {
+                AEParamCreator create(context);
+                create.layer(1, "Layer", 0);
+                throw std::runtime_error("the effect failed");
+            },
+            std::runtime_error);
+        EXPECT_EQ(refused ? -1 : 2, host.out.num_params);
+    }
 }
 
 TEST_F(AEParamCreatorTest, CreatorWorksWhileAnotherExceptionIsOnItsWay) {

@@ -141,8 +141,13 @@ TYPED_TEST(AEPixelBufferTest, FailedResamplingGivesTheWorldBack) {
 TYPED_TEST(AEPixelBufferTest, DeallocateOfAViewOnlyLetsItGo) {
     HostWorld world(2, 2, kDeep<TypeParam>);
     typename TestFixture::Buffer buffer(this->context, world.def);
+    const unsigned char* const data = buffer.data;
     buffer.deallocate();
     EXPECT_EQ(nullptr, buffer.layer);
+    EXPECT_EQ(data, buffer.data);
+    EXPECT_EQ(2, buffer.width);
+    EXPECT_EQ(2, buffer.height);
+    EXPECT_EQ(world.def.rowbytes, buffer.rowBytes);
     EXPECT_EQ(0, this->host.failures.calls(Callback::kDisposeWorld));
 }
 

@@ -101,13 +101,29 @@ TEST_F(DispatchTest, WhateverAHookThrowsBecomesCodeAndMessage) {
     }
 }
 
-TEST_F(DispatchTest, AHostsCodeThatEqualsAnAssertionsIsReportedAsACode) {
+TEST_F(DispatchTest, AHostsCodeThatEqualsAnAssertionsNamesTheLastPlace) {
     setUpSequence();
-    script.actions["doDialog"] = [](AELib::AEContext&) { PILib::_Assert(false, 142, "before"); };
-    EXPECT_EQ(512, host.call(PF_Cmd_DO_DIALOG));
+    PILib::AssertFile = nullptr;
+    PILib::AssertLine = 0;
     script.actions["doDialog"] = [](AELib::AEContext&) { PILib::ThrowIfErr(999); };
-    EXPECT_EQ(999, host.call(PF_Cmd_DO_DIALOG));
-    EXPECT_EQ("Error 999 in Test Effect", host.message());
+    EXPECT_EQ(512, host.call(PF_Cmd_DO_DIALOG));
+    EXPECT_EQ("Assert Failure - file: , line: 0 in Test Effect", host.message());
+    EXPECT_THROW(PILib::_Assert(false, 142, "before"), int);
+    EXPECT_EQ(512, host.call(PF_Cmd_DO_DIALOG));
+    EXPECT_EQ("Assert Failure - file: before, line: 142 in Test Effect", host.message());
+}
+
+// The set-down that follows finds them.
+TEST_F(DispatchTest, InstancesStayAfterAFailedGlobalSetup) {
+    const int globals = script.liveGlobals;
+    script.resource.clear();
+    EXPECT_EQ(512, host.call(PF_Cmd_GLOBAL_SETUP));
+    EXPECT_NE(nullptr, host.out.global_data);
+    EXPECT_EQ(globals + 1, script.liveGlobals);
+    host.in.global_data = host.out.global_data;
+    EXPECT_EQ(PF_Err_NONE, host.call(PF_Cmd_GLOBAL_SETDOWN));
+    EXPECT_EQ(globals, script.liveGlobals);
+    EXPECT_EQ(0, host.liveHandles());
 }
 
 TEST_F(DispatchTest, SilentResultsLeaveTheMessageAsItIs) {

@@ -16,7 +16,6 @@ protected:
         values.blend = 30;
     }
 
-    // Everything but the library's own count of processors is fresh.
     void start(PluginHost& host) {
         ASSERT_EQ(PF_Err_NONE, host.setUp()) << host.message();
         host.set(values);

@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <optional>
 #include <ostream>
+#include <utility>
 
 #include "PluginHost.h"
 #include "RandomImage.h"
@@ -270,6 +272,48 @@ TEST_F(PluginRenderTest, NoControlLayerShowsTheInputWithoutABlend) {
     RenderAndCompare(host, f, random);
     EXPECT_TRUE(host.blends.empty());
     EXPECT_EQ(1U, host.checkouts.size());
+}
+
+TEST_F(PluginRenderTest, ControlLayerOfNoSizeIsNoControlLayer) {
+    for (const bool narrow : {true, false}) {
+        HostWorld source(oracle::RandomImage(random, 9, 8, oracle::kFull8));
+        HostWorld output(9, 8, false);
+        HostWorld control(9, 8, false);
+        (narrow ? control.def.width : control.def.height) = 0;
+        host.param(kSourceIndex).u.ld = source.def;
+        host.output = &output.def;
+        host.control = &control;
+        EXPECT_EQ(PF_Err_NONE, host.renderFrame()) << host.message();
+        EXPECT_EQ(source.image().values, output.image().values);
+        EXPECT_TRUE(host.transforms.empty());
+    }
+}
+
+// The conformed control picture goes before its layer is checked in, also when the render fails.
+TEST_F(PluginRenderTest, TheControlPictureIsDisposedBeforeItsLayerIsCheckedIn) {
+    const std::pair<Callback, int> ends[] = {{Callback::kBlend, 0},
+                                             {Callback::kTransformWorld, 1},
+                                             {Callback::kProgress, 1},
+                                             {Callback::kBlend, 1}};
+    for (const auto& [callback, call] : ends) {
+        HostWorld source(oracle::RandomImage(random, 9, 8, oracle::kFull8));
+        HostWorld output(9, 8, false);
+        const HostWorld control(oracle::RandomImage(random, 5, 4, oracle::kFull8));
+        host.param(kSourceIndex).u.ld = source.def;
+        host.output = &output.def;
+        host.control = &control;
+        PanelValues values;
+        values.blend = 50;
+        host.set(values);
+        host.log.clear();
+        host.failures.at(callback, call, 5);
+        EXPECT_EQ(call == 0 ? PF_Err_NONE : 5, host.renderFrame());
+        const auto disposed = std::find(host.log.begin(), host.log.end(), "dispose_world");
+        const auto checkedIn = std::find(host.log.begin(), host.log.end(), "checkin_param");
+        EXPECT_NE(host.log.end(), disposed);
+        EXPECT_NE(host.log.end(), std::find(disposed, host.log.end(), "checkin_param"));
+        EXPECT_LT(disposed - host.log.begin(), checkedIn - host.log.begin());
+    }
 }
 
 TEST_F(PluginRenderTest, SetupNeedsNeitherOutputNorPixels) {
