@@ -229,7 +229,44 @@ TEST_F(GlobalManagerTest, TruncatedFlatDataFailTheLoad) {
     };
     EXPECT_EQ(512, host.call(PF_Cmd_SEQUENCE_RESETUP));
     EXPECT_EQ("Error 512 in Test Effect", host.message());
+    EXPECT_EQ(1, script.liveSequences) << "the new instance stays for its set-down";
+    EXPECT_NE(nullptr, host.in.sequence_data);
+    EXPECT_NE(flat, host.in.sequence_data);
     host.utils.host_dispose_handle(flat);
+}
+
+// A new handle is locked, and again after each growth; trimming does not unlock it, reading does neither.
+TEST_F(GlobalManagerTest, ArchivesKeepTheirHandleLocked) {
+    AELib::AEContext context = makeContext();
+    PILib::Archiver writer(context);
+    const std::vector<char> bytes(10001);
+    writer.writeBuffer(bytes.data(), 10000);
+    EXPECT_EQ((std::vector<std::string>{"host_new_handle", "host_lock_handle"}), host.log);
+    host.log.clear();
+    writer.writeBuffer(bytes.data(), 10001);
+    EXPECT_EQ((std::vector<std::string>{"host_unlock_handle", "host_resize_handle", "host_lock_handle"}),
+              host.log);
+    host.log.clear();
+    char** const handle = writer.getHandle();
+    EXPECT_EQ((std::vector<std::string>{"host_resize_handle"}), host.log);
+    EXPECT_EQ(1, host.lockedHandles());
+    host.log.clear();
+    PILib::Archiver reader(context, handle);
+    EXPECT_EQ((std::vector<std::string>{"host_get_handle_size"}), host.log);
+    context.unlockHandle(handle);
+    context.disposeHandle(handle);
+}
+
+TEST_F(GlobalManagerTest, AFullArchiveIsNotTrimmed) {
+    AELib::AEContext context = makeContext();
+    PILib::Archiver writer(context);
+    const std::vector<char> bytes(10000);
+    writer.writeBuffer(bytes.data(), 10000);
+    host.log.clear();
+    char** const handle = writer.getHandle();
+    EXPECT_TRUE(host.log.empty());
+    context.unlockHandle(handle);
+    context.disposeHandle(handle);
 }
 
 }  // namespace

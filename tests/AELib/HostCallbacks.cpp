@@ -14,10 +14,14 @@ bool IsDeep(const PF_EffectWorld& world) {
 
 }  // namespace
 
+void HostCallbacks::checkReference(PF_ProgPtr ref, const char* caller) {
+    if (ref != kEffectRef) theHost->fault(std::string(caller) + " with another effect reference");
+}
+
 PF_Err HostCallbacks::checkoutParam(PF_ProgPtr ref, PF_ParamIndex index, A_long time, A_long step,
                                     A_u_long scale, PF_ParamDef* param) {
     RecordingHost& host = *theHost;
-    if (ref != kEffectRef) host.fault("checkout_param with another effect reference");
+    checkReference(ref, "checkout_param");
     host.checkouts.push_back({index, time, step, scale});
     ++host.openCheckoutCount;
     if (const PF_Err error = host.enter(Callback::kCheckoutParam)) return error;
@@ -26,13 +30,15 @@ PF_Err HostCallbacks::checkoutParam(PF_ProgPtr ref, PF_ParamIndex index, A_long 
     return PF_Err_NONE;
 }
 
-PF_Err HostCallbacks::checkinParam(PF_ProgPtr, PF_ParamDef*) {
+PF_Err HostCallbacks::checkinParam(PF_ProgPtr ref, PF_ParamDef*) {
+    checkReference(ref, "checkin_param");
     RecordingHost& host = *theHost;
     if (--host.openCheckoutCount < 0) host.fault("checkin_param without a checkout");
     return host.enter(Callback::kCheckinParam);
 }
 
-PF_Err HostCallbacks::addParam(PF_ProgPtr, PF_ParamIndex index, PF_ParamDefPtr def) {
+PF_Err HostCallbacks::addParam(PF_ProgPtr ref, PF_ParamIndex index, PF_ParamDefPtr def) {
+    checkReference(ref, "add_param");
     RecordingHost& host = *theHost;
     if (index != -1) host.fault("add_param at another index than -1");
     if (const PF_Err error = host.enter(Callback::kAddParam)) return error;
@@ -40,17 +46,20 @@ PF_Err HostCallbacks::addParam(PF_ProgPtr, PF_ParamIndex index, PF_ParamDefPtr d
     return PF_Err_NONE;
 }
 
-PF_Err HostCallbacks::abort(PF_ProgPtr) {
+PF_Err HostCallbacks::abort(PF_ProgPtr ref) {
+    checkReference(ref, "abort");
     return theHost->enter(Callback::kAbort);
 }
 
-PF_Err HostCallbacks::progress(PF_ProgPtr, A_long current, A_long total) {
+PF_Err HostCallbacks::progress(PF_ProgPtr ref, A_long current, A_long total) {
+    checkReference(ref, "progress");
     theHost->progress.emplace_back(current, total);
     return theHost->enter(Callback::kProgress);
 }
 
-PF_Err HostCallbacks::blend(PF_ProgPtr, const PF_EffectWorld* a, const PF_EffectWorld* b, PF_Fixed ratio,
+PF_Err HostCallbacks::blend(PF_ProgPtr ref, const PF_EffectWorld* a, const PF_EffectWorld* b, PF_Fixed ratio,
                             PF_EffectWorld* out) {
+    checkReference(ref, "blend");
     RecordingHost& host = *theHost;
     host.blends.push_back({a, b, ratio, out});
     if (const PF_Err error = host.enter(Callback::kBlend)) return error;
@@ -61,17 +70,21 @@ PF_Err HostCallbacks::blend(PF_ProgPtr, const PF_EffectWorld* a, const PF_Effect
     return PF_Err_NONE;
 }
 
-PF_Err HostCallbacks::newWorld(PF_ProgPtr, A_long width, A_long height, PF_NewWorldFlags flags,
+PF_Err HostCallbacks::newWorld(PF_ProgPtr ref, A_long width, A_long height, PF_NewWorldFlags flags,
                                PF_EffectWorld* world) {
+    checkReference(ref, "new_world");
     RecordingHost& host = *theHost;
+    const bool deep = flags == PF_NewWorldFlag_DEEP_PIXELS;
+    if (!deep && flags != PF_NewWorldFlag_NONE) host.fault("new_world with other flags than the depth's");
     if (const PF_Err error = host.enter(Callback::kNewWorld)) return error;
-    auto made = std::make_unique<HostWorld>(width, height, (flags & PF_NewWorldFlag_DEEP_PIXELS) != 0, 16);
+    auto made = std::make_unique<HostWorld>(width, height, deep, 16);
     *world = made->def;
     host.worlds.emplace(world->data, std::move(made));
     return PF_Err_NONE;
 }
 
-PF_Err HostCallbacks::disposeWorld(PF_ProgPtr, PF_EffectWorld* world) {
+PF_Err HostCallbacks::disposeWorld(PF_ProgPtr ref, PF_EffectWorld* world) {
+    checkReference(ref, "dispose_world");
     RecordingHost& host = *theHost;
     const auto found = host.worlds.find(world->data);
     if (found == host.worlds.end()) {
@@ -83,11 +96,13 @@ PF_Err HostCallbacks::disposeWorld(PF_ProgPtr, PF_EffectWorld* world) {
     return host.enter(Callback::kDisposeWorld);
 }
 
-PF_Err HostCallbacks::transformWorld(PF_ProgPtr, PF_Quality quality, PF_ModeFlags modeFlags, PF_Field field,
-                                     const PF_EffectWorld* source, const PF_CompositeMode* mode,
-                                     const PF_MaskWorld* mask, const PF_FloatMatrix* matrices, A_long count,
+PF_Err HostCallbacks::transformWorld(PF_ProgPtr ref, PF_Quality quality, PF_ModeFlags modeFlags,
+                                     PF_Field field, const PF_EffectWorld* source,
+                                     const PF_CompositeMode* mode, const PF_MaskWorld* mask,
+                                     const PF_FloatMatrix* matrices, A_long count,
                                      PF_Boolean sourceToDestination, const PF_Rect* area,
                                      PF_EffectWorld* out) {
+    checkReference(ref, "transform_world");
     RecordingHost& host = *theHost;
     host.transforms.push_back({quality, modeFlags, field, *mode, mask != nullptr, *matrices, count,
                                sourceToDestination, area == nullptr});

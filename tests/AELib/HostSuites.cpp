@@ -47,7 +47,8 @@ struct Suites {
 
 }  // namespace
 
-PF_Err HostCallbacks::updateParamUI(PF_ProgPtr, PF_ParamIndex index, const PF_ParamDef* def) {
+PF_Err HostCallbacks::updateParamUI(PF_ProgPtr ref, PF_ParamIndex index, const PF_ParamDef* def) {
+    checkReference(ref, "PF_UpdateParamUI");
     theHost->uiUpdates.emplace_back(index, *def);
     return theHost->enter(Callback::kUpdateParamUI);
 }
