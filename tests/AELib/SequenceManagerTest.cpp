@@ -119,6 +119,33 @@ TEST_F(SequenceManagerTest, ContextOfAFrameKnowsItsManagers) {
     EXPECT_EQ(PF_Err_NONE, host.call(PF_Cmd_FRAME_SETDOWN));
 }
 
+TEST_F(SequenceManagerTest, FailedHooksKeepTheirInstances) {
+    setUpGlobal();
+    script.actions["sequenceSetup"] = [](AELib::AEContext&) { throw 21; };
+    EXPECT_EQ(21, host.call(PF_Cmd_SEQUENCE_SETUP));
+    EXPECT_NE(nullptr, host.in.sequence_data);
+    EXPECT_EQ(1, script.liveSequences);
+    script.actions["sequenceSetdown"] = [](AELib::AEContext&) { throw 22; };
+    EXPECT_EQ(22, host.call(PF_Cmd_SEQUENCE_SETDOWN));
+    EXPECT_EQ(1, script.liveSequences);
+    script.actions.clear();
+    EXPECT_EQ(PF_Err_NONE, host.call(PF_Cmd_SEQUENCE_SETDOWN));
+    EXPECT_EQ(0, script.liveSequences);
+}
+
+TEST_F(SequenceManagerTest, FailedRenderKeepsTheFrameForItsSetdown) {
+    setUpSequence();
+    HostWorld source(2, 2, false), output(2, 2, false);
+    host.param(0).u.ld = source.def;
+    host.output = &output.def;
+    script.actions["frame.render"] = [](AELib::AEContext&) { throw 23; };
+    ASSERT_EQ(PF_Err_NONE, host.call(PF_Cmd_FRAME_SETUP));
+    EXPECT_EQ(23, host.call(PF_Cmd_RENDER));
+    EXPECT_EQ(1, script.liveFrames);
+    EXPECT_EQ(PF_Err_NONE, host.call(PF_Cmd_FRAME_SETDOWN));
+    EXPECT_EQ(0, script.liveFrames);
+}
+
 TEST_F(SequenceManagerTest, FailedSetdownKeepsTheFrame) {
     setUpSequence();
     EXPECT_EQ(PF_Err_NONE, host.call(PF_Cmd_FRAME_SETUP));
