@@ -216,7 +216,7 @@ struct Job {
         ++job.calls;
         job.iterations = iterations;
         if (std::this_thread::get_id() != job.caller) ++job.otherThreads;
-        return thread == 0 && i == 0 ? 0 : -i;
+        return i == 0 ? -thread : -i;  // 0 for thread 0 with iteration 0 alone
     }
 };
 

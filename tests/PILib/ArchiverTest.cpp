@@ -182,6 +182,14 @@ TEST_F(ArchiverTest, StreamBeyondTwoGigabytesIsOutOfMemory) {
     EXPECT_EQ(4U, written(archive).size());
 }
 
+TEST_F(ArchiverTest, APixelIsFourReads) {
+    Archiver archive(context, handleWith({9, 8}));
+    PILib::Pixel<PILib::Channel8> pixel(1, 2, 3, 4);
+    EXPECT_THROW(archive >> pixel, PILib::LibraryError);
+    EXPECT_EQ((PILib::Pixel<PILib::Channel8>(9, 8, 3, 4)), pixel);
+    EXPECT_EQ(2, archive.position);
+}
+
 TEST_F(ArchiverTest, ReadPastTheEndMovesNothing) {
     Archiver archive(context, handleWith({9, 8, 7}));
     int value = -5;

@@ -140,6 +140,11 @@ TEST(Transform2DfTest, InverseUndoesTheTransform) {
     }
 }
 
+TEST(Matrix2DfTest, SingularInverseIsNotFiniteAndDoesNotThrow) {
+    const Elements elements = ElementsOf(Matrix2Df(1, 2, 3, 1, 2, 3, 7, 8, 10).inverse());
+    EXPECT_FALSE(std::all_of(elements.begin(), elements.end(), [](float e) { return std::isfinite(e); }));
+}
+
 TEST(Transform2DfTest, SingularInverseIsNotFiniteAndDoesNotThrow) {
     const Transform2Df inverse = Transform2Df(0, 0, 0, 0, 1, 2).inverse();
     EXPECT_FALSE(std::isfinite(inverse.m00));
