@@ -154,6 +154,16 @@ TEST_F(AEContextParamTest, ChangedParameterComesFromTheExtraRecord) {
     EXPECT_EQ(7, makeContext(PF_Cmd_USER_CHANGED_PARAM, &extra).getChangedParamNumber());
 }
 
+TEST_F(AEContextParamTest, AParameterThatWasNotCopiedIsSentAsZeros) {
+    useSuites();
+    AELib::AEContext context = makeContext(PF_Cmd_UPDATE_PARAMS_UI);
+    context.updateParamUI(kId);
+    ASSERT_EQ(1U, host.uiUpdates.size());
+    PF_ParamDef zeros;
+    std::memset(&zeros, 0, sizeof zeros);
+    EXPECT_EQ(0, std::memcmp(&zeros, &host.uiUpdates[0].second, sizeof zeros));
+}
+
 TEST_F(AEContextParamTest, CopiesAreWholePrivateAndSentToTheHost) {
     useSuites();
     std::memset(&param(), 0x3C, sizeof(PF_ParamDef));

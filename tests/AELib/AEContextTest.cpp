@@ -167,6 +167,18 @@ TEST_F(ProcessorCountDeathTest, IsOneWithoutSuites) {
     EXPECT_EXIT(std::_Exit(makeContext().numProcessors()), testing::ExitedWithCode(1), "");
 }
 
+TEST_F(ProcessorCountDeathTest, OneWithoutSuitesIsKeptWhenSuitesAppear) {
+    EXPECT_EXIT(
+        {
+            const int before = makeContext().numProcessors();
+            useSuites();
+            host.threads = 5;
+            const bool kept = before == 1 && makeContext().numProcessors() == 1 && host.iterations.empty();
+            std::_Exit(kept ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
+}
+
 TEST_F(ProcessorCountDeathTest, BelowOneFails) {
     EXPECT_EXIT(
         {

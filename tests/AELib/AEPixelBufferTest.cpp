@@ -227,6 +227,16 @@ TYPED_TEST(AEPixelBufferTest, BlendNeedsAHostContext) {
     typename TestFixture::Buffer a(this->context, first.def), b(this->context, second.def);
     PILib::ThreadPoolContext elsewhere(1);
     EXPECT_THROW(a.blend(elsewhere, b, 0.5F), std::bad_cast);
+    EXPECT_NO_THROW(a.blend(elsewhere, b, 0.0F));
+    EXPECT_NO_THROW(a.blend(elsewhere, b, 1.0F));
+}
+
+TYPED_TEST(AEPixelBufferTest, BlendWithAnotherDepthIsBadCast) {
+    using Other = std::conditional_t<kDeep<TypeParam>, PILib::Channel8, PILib::Channel15>;
+    HostWorld world(2, 2, kDeep<TypeParam>);
+    typename TestFixture::Buffer a(this->context, world.def);
+    const PILib::SimplePixelBuffer<Pixel<Other>> other(2, 2);
+    EXPECT_THROW(a.blend(this->context, other, 0.5F), std::bad_cast);
 }
 
 class LayerCheckoutTest : public HostedEffectTest {

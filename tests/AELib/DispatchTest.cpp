@@ -195,6 +195,20 @@ TEST_F(DispatchTest, UtilityCallbacksAreThoseOfTheCurrentCall) {
     host.in.utils = &host.utils;
 }
 
+TEST_F(DispatchTest, TheNameOutlivesTheSetdown) {
+    setUpGlobal();
+    EXPECT_EQ(PF_Err_NONE, host.call(PF_Cmd_GLOBAL_SETDOWN));
+    EXPECT_EQ(512, host.call(PF_Cmd_ABOUT));
+    EXPECT_EQ("Assert Failure - file: AELib/AELib Source/Main, line: 75 in Test Effect", host.message());
+}
+
+TEST_F(DispatchTest, AnEmptyGlobalHandleFails) {
+    host.in.global_data = host.newHandle(sizeof(void*));
+    EXPECT_EQ(512, host.call(PF_Cmd_ABOUT));
+    EXPECT_EQ("Assert Failure - file: AELib/AELib Source/Main, line: 75 in Unknown", host.message());
+    EXPECT_EQ(PF_Err_NONE, host.call(PF_Cmd_GLOBAL_SETDOWN));
+}
+
 TEST_F(DispatchTest, GlobalSetdownOfAnEmptyHandleDisposesItAlone) {
     host.in.global_data = host.newHandle(sizeof(void*));
     EXPECT_EQ(PF_Err_NONE, host.call(PF_Cmd_GLOBAL_SETDOWN));

@@ -73,6 +73,8 @@ TYPED_TEST(FramePictureTest, SourceOfTheOutputsSizeIsViewedInPlace) {
     this->cache(PF_Cmd_FRAME_SETUP);
     EXPECT_EQ(nullptr, this->frame.input);
     EXPECT_EQ(nullptr, this->frame.output);
+    EXPECT_EQ(5, this->frame.outputWidth) << "of the last render";
+    EXPECT_EQ(4, this->frame.outputHeight);
 }
 
 TYPED_TEST(FramePictureTest, SourceOfAnotherSizeIsPlacedAtTheOutputOrigin) {

@@ -112,4 +112,8 @@ TEST_F(SuiteHandlerTest, MissingUtilitySuiteFailsGlobalSetup) {
     EXPECT_EQ("Error 512 in Test Effect", host.message());
 }
 
+TEST(SuiteHandlerLayoutTest, IsTheBasicSuiteAndOneSlotPerSuiteAndVersion) {
+    EXPECT_EQ(89 * sizeof(void*), sizeof(AELib::AEGP_SuiteHandler));
+}
+
 }  // namespace

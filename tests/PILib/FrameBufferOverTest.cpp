@@ -265,4 +265,11 @@ TYPED_TEST(OverlayUnsupportedTest, OverlayAndBlendFailTheirAssertionAndWriteNoth
     EXPECT_EQ(before, ElementsOf(pixels));
 }
 
+TEST(ChanOverTest, WeighsByAlphaAndScales) {
+    EXPECT_EQ(150, PILib::chanOver<Channel8>(200, 127, 100, 128));
+    EXPECT_EQ(150, PILib::chanOver<Channel8>(200, 127, 100, 128, 65536));
+    const auto sum = PILib::chanOver<Channel15>(8000, 8192, 4000, 8192);
+    EXPECT_EQ(2 * sum, PILib::chanOver<Channel15>(8000, 8192, 4000, 8192, PILib::FixDiv(32768, 16384)));
+}
+
 }  // namespace
