@@ -11,7 +11,8 @@
 namespace perch {
 namespace {
 
-// Serves a call that works on worlds, none of which may be null. The operations refuse what they cannot do.
+// Serves a call that works on worlds, none of which may be null, by `body`, a function from Host& to a code.
+// The operations refuse what they cannot do.
 template <typename F>
 PF_Err answerForWorlds(const char* callback, PF_ProgPtr effectRef,
                        std::initializer_list<const PF_EffectWorld*> worlds, const F& body) {
@@ -21,7 +22,7 @@ PF_Err answerForWorlds(const char* callback, PF_ProgPtr effectRef,
             host.ledger.fault(callback, "a world is null");
             return PF_Err_BAD_CALLBACK_PARAM;
         }
-        const PF_Err code = body();
+        const PF_Err code = body(host);
         if (code != PF_Err_NONE)
             host.ledger.fault(callback, fmt::format("answered {}: the arguments do not fit together", code));
         return code;
@@ -30,31 +31,32 @@ PF_Err answerForWorlds(const char* callback, PF_ProgPtr effectRef,
 
 PF_Err blend(PF_ProgPtr effectRef, const PF_EffectWorld* a, const PF_EffectWorld* b, PF_Fixed ratio,
              PF_EffectWorld* dst) {
-    return answerForWorlds("blend", effectRef, {a, b, dst}, [&] { return blendWorlds(*a, *b, ratio, *dst); });
+    return answerForWorlds("blend", effectRef, {a, b, dst},
+                           [&](Host&) { return blendWorlds(*a, *b, ratio, *dst); });
 }
 
 PF_Err copy(PF_ProgPtr effectRef, PF_EffectWorld* src, PF_EffectWorld* dst, PF_Rect* srcArea,
             PF_Rect* dstArea) {
     return answerForWorlds("copy", effectRef, {src, dst},
-                           [&] { return copyWorld(*src, srcArea, *dst, dstArea); });
+                           [&](Host&) { return copyWorld(*src, srcArea, *dst, dstArea); });
 }
 
 template <typename P>
 PF_Err fill(PF_ProgPtr effectRef, const P* color, const PF_Rect* area, PF_EffectWorld* world) {
     const char* const name = sizeof(P) == sizeof(PF_Pixel16) ? "fill16" : "fill";
-    return answerForWorlds(name, effectRef, {world}, [&] { return fillWorld(color, area, *world); });
+    return answerForWorlds(name, effectRef, {world}, [&](Host&) { return fillWorld(color, area, *world); });
 }
 
 PF_Err premultiply(PF_ProgPtr effectRef, A_long forward, PF_EffectWorld* dst) {
     return answerForWorlds("premultiply", effectRef, {dst},
-                           [&] { return premultiplyWorld(forward != 0, *dst); });
+                           [&](Host&) { return premultiplyWorld(forward != 0, *dst); });
 }
 
 template <typename P>
 PF_Err premultiplyColor(PF_ProgPtr effectRef, PF_EffectWorld* src, const P* color, A_long forward,
                         PF_EffectWorld* dst) {
     const char* const name = sizeof(P) == sizeof(PF_Pixel16) ? "premultiply_color16" : "premultiply_color";
-    return answerForWorlds(name, effectRef, {src, dst}, [&] {
+    return answerForWorlds(name, effectRef, {src, dst}, [&](Host&) {
         const P black{};
         return premultiplyWorld(*src, color != nullptr ? *color : black, forward != 0, *dst);
     });
@@ -62,9 +64,9 @@ PF_Err premultiplyColor(PF_ProgPtr effectRef, PF_EffectWorld* src, const P* colo
 
 PF_Err compositeRect(PF_ProgPtr effectRef, PF_Rect* area, A_long opacity, PF_EffectWorld* src, A_long x,
                      A_long y, PF_Field field, PF_XferMode mode, PF_EffectWorld* dst) {
-    return answerForWorlds("composite_rect", effectRef, {src, dst}, [&]() -> PF_Err {
+    return answerForWorlds("composite_rect", effectRef, {src, dst}, [&](Host& host) -> PF_Err {
         if (field != PF_Field_FRAME) return PF_Err_BAD_CALLBACK_PARAM;
-        return compositeWorld(*src, area, {mode, opacity / 255.0, false}, x, y, *dst);
+        return compositeWorld(*src, area, {mode, opacity / 255.0, false}, x, y, *dst, &host.pool);
     });
 }
 
@@ -83,9 +85,9 @@ bool isOffered(PF_Field field, const PF_MaskWorld* mask) {
 PF_Err transferRect(PF_ProgPtr effectRef, PF_Quality, PF_ModeFlags, PF_Field field, const PF_Rect* area,
                     const PF_EffectWorld* src, const PF_CompositeMode* mode, const PF_MaskWorld* mask,
                     A_long x, A_long y, PF_EffectWorld* dst) {
-    return answerForWorlds("transfer_rect", effectRef, {src, dst}, [&]() -> PF_Err {
+    return answerForWorlds("transfer_rect", effectRef, {src, dst}, [&](Host& host) -> PF_Err {
         if (!isOffered(field, mask)) return PF_Err_BAD_CALLBACK_PARAM;
-        return compositeWorld(*src, area, placementOf(mode, *dst), x, y, *dst);
+        return compositeWorld(*src, area, placementOf(mode, *dst), x, y, *dst, &host.pool);
     });
 }
 
@@ -94,10 +96,11 @@ PF_Err transformPicture(PF_ProgPtr effectRef, PF_Quality, PF_ModeFlags, PF_Field
                         const PF_EffectWorld* src, const PF_CompositeMode* mode, const PF_MaskWorld* mask,
                         const PF_FloatMatrix* matrices, A_long matrixCount, PF_Boolean sourceToDestination,
                         const PF_Rect* area, PF_EffectWorld* dst) {
-    return answerForWorlds("transform_world", effectRef, {src, dst}, [&]() -> PF_Err {
+    return answerForWorlds("transform_world", effectRef, {src, dst}, [&](Host& host) -> PF_Err {
         if (!isOffered(field, mask) || matrices == nullptr || matrixCount != 1)
             return PF_Err_BAD_CALLBACK_PARAM;
-        return transformWorld(*src, *matrices, sourceToDestination != 0, placementOf(mode, *dst), area, *dst);
+        return transformWorld(*src, *matrices, sourceToDestination != 0, placementOf(mode, *dst), area, *dst,
+                              &host.pool);
     });
 }
 
@@ -114,8 +117,9 @@ PF_Err gaussianKernel(PF_ProgPtr, A_FpLong, PF_KernelFlags, A_FpLong, A_long*, v
 
 PF_Err copyFiltered(PF_ProgPtr effectRef, PF_EffectWorld* src, PF_EffectWorld* dst, PF_Rect* srcArea,
                     PF_Rect* dstArea) {
-    return answerForWorlds("copy_hq", effectRef, {src, dst},
-                           [&] { return copyWorldFiltered(*src, srcArea, *dst, dstArea); });
+    return answerForWorlds("copy_hq", effectRef, {src, dst}, [&](Host& host) {
+        return copyWorldFiltered(*src, srcArea, *dst, dstArea, &host.pool);
+    });
 }
 
 void fillPixelCallbacks(PF_UtilCallbacks& table) {

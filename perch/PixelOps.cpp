@@ -179,7 +179,7 @@ PF_Err copyWorld(const PF_EffectWorld& from, const PF_Rect* fromArea, PF_EffectW
 }
 
 PF_Err copyWorldFiltered(const PF_EffectWorld& from, const PF_Rect* fromArea, PF_EffectWorld& to,
-                         const PF_Rect* toArea) {
+                         const PF_Rect* toArea, WorkerPool* workers) {
     const PF_Rect source = clipped(fromArea, from);
     const PF_Rect target = clipped(toArea, to);
     const A_long sourceWidth = source.right - source.left;
@@ -194,7 +194,8 @@ PF_Err copyWorldFiltered(const PF_EffectWorld& from, const PF_Rect* fromArea, PF
     const PF_FloatMatrix matrix = {{{scaleX, 0, 0},
                                     {0, scaleY, 0},
                                     {static_cast<double>(target.left), static_cast<double>(target.top), 1}}};
-    return transformWorld(partOf(from, source), matrix, true, {PF_Xfer_COPY, 1.0, false}, &target, to);
+    return transformWorld(partOf(from, source), matrix, true, {PF_Xfer_COPY, 1.0, false}, &target, to,
+                          workers);
 }
 
 PF_Err fillWorld(const PF_Pixel* color, const PF_Rect* area, PF_EffectWorld& world) {
@@ -219,13 +220,13 @@ PF_Err premultiplyWorld(const PF_EffectWorld& from, const PF_Pixel16& color, boo
 }
 
 PF_Err compositeWorld(const PF_EffectWorld& from, const PF_Rect* fromArea, const Placement& placement,
-                      A_long x, A_long y, PF_EffectWorld& to) {
+                      A_long x, A_long y, PF_EffectWorld& to, WorkerPool* workers) {
     const PF_EffectWorld part = partOf(from, clipped(fromArea, from));
     const WideRect drawn = {x, y, std::int64_t{x} + part.width, std::int64_t{y} + part.height};
     const PF_Rect target = clipped(drawn, wholeOf(to));
     const PF_FloatMatrix shift = {
         {{1, 0, 0}, {0, 1, 0}, {static_cast<double>(x), static_cast<double>(y), 1}}};
-    return transformWorld(part, shift, true, placement, &target, to);
+    return transformWorld(part, shift, true, placement, &target, to, workers);
 }
 
 }  // namespace perch

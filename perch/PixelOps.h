@@ -3,13 +3,15 @@
 //
 // All work on worlds of one depth, 8 or 16 bits, with straight colour; worlds of different depths, or without
 // pixels where some are needed, are PF_Err_BAD_CALLBACK_PARAM and nothing is written. Rectangles are clipped
-// to their world; null is the whole of it. Results do not depend on the machine or on rows' padding. Any
-// thread, one writer per world.
+// to their world; null is the whole of it. Results do not depend on the machine, on rows' padding or on the
+// workers, which may be null: the calling thread alone. Any thread, one writer per world.
 #pragma once
 
 #include "PF_World.h"
 
 namespace perch {
+
+class WorkerPool;
 
 // Mixes two worlds of the size of `to`, which may be either, weighted by alpha: ratio 0 is `a` and 65536 is
 // `b`, exactly.
@@ -19,7 +21,7 @@ PF_Err blendWorlds(const PF_EffectWorld& a, const PF_EffectWorld& b, PF_Fixed ra
 PF_Err copyWorld(const PF_EffectWorld& from, const PF_Rect* fromArea, PF_EffectWorld& to,
                  const PF_Rect* toArea);
 PF_Err copyWorldFiltered(const PF_EffectWorld& from, const PF_Rect* fromArea, PF_EffectWorld& to,
-                         const PF_Rect* toArea);
+                         const PF_Rect* toArea, WorkerPool* workers = nullptr);
 
 // A null colour is transparent black. The colour has the depth of the world.
 PF_Err fillWorld(const PF_Pixel* color, const PF_Rect* area, PF_EffectWorld& world);
@@ -40,14 +42,15 @@ struct Placement {
     bool rgbOnly;  // keeps the alpha of `to`
 };
 PF_Err compositeWorld(const PF_EffectWorld& from, const PF_Rect* fromArea, const Placement& placement,
-                      A_long x, A_long y, PF_EffectWorld& to);
+                      A_long x, A_long y, PF_EffectWorld& to, WorkerPool* workers = nullptr);
 
 // Draws `from` through a matrix: (x, y, 1) * matrix maps source to destination where `sourceToDestination`,
 // else the other way. Pixel centres are at halves. A scale is filtered exactly: by area where it shrinks,
 // linearly where it grows; other matrices linearly, over several samples where they shrink. Outside the
 // source is transparent, but that a scale keeps the edge pixels' colour up to the edge. A matrix without an
-// inverse is PF_Err_BAD_CALLBACK_PARAM.
+// inverse is PF_Err_BAD_CALLBACK_PARAM. A world may be drawn onto itself.
 PF_Err transformWorld(const PF_EffectWorld& from, const PF_FloatMatrix& matrix, bool sourceToDestination,
-                      const Placement& placement, const PF_Rect* toArea, PF_EffectWorld& to);
+                      const Placement& placement, const PF_Rect* toArea, PF_EffectWorld& to,
+                      WorkerPool* workers = nullptr);
 
 }  // namespace perch

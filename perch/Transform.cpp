@@ -1,10 +1,16 @@
 // Drawing a world through a matrix: separable and exact for scales, sampled for everything else.
 #include <array>
 #include <cmath>
+#include <limits>
+#include <optional>
+#include <type_traits>
 #include <vector>
 
 #include "PixelAccess.h"
 #include "PixelOps.h"
+#include "ScaleAxis.h"
+#include "WorkerPool.h"
+#include "World.h"
 
 namespace perch {
 namespace {
@@ -87,91 +93,160 @@ void put(P& out, const P& drawn, const Placement& placement) {
     out = placement.rgbOnly ? keptAlpha(result, out.alpha) : result;
 }
 
-// The source elements that make up one destination element along one axis, and their weights, which add up to
-// kAxisOne. Weights are 11 bits, so that a product of two with alpha and a 16-bit colour stays in 64 bits
-// with room for the sums.
-constexpr std::uint32_t kAxisOne = 2048;
-
-struct Tap {
-    std::int32_t index;
-    std::uint32_t weight;
-};
-
-struct Axis {
-    std::vector<std::vector<Tap>> taps;  // per destination element of the area; empty outside the source
-};
-
-// Real weights as whole ones with an exact sum; what rounding leaves goes to the largest.
-std::vector<Tap> wholeTaps(const std::vector<std::pair<std::int32_t, double>>& real) {
-    double total = 0;
-    for (const auto& [index, weight] : real)
-        total += weight;
-    std::vector<Tap> taps;
-    std::uint32_t sum = 0;
-    std::size_t largest = 0;
-    for (const auto& [index, weight] : real) {
-        const auto whole = static_cast<std::uint32_t>(std::lround(weight / total * kAxisOne));
-        taps.push_back({index, whole});
-        sum += whole;
-        if (whole > taps[largest].weight) largest = taps.size() - 1;
+template <class P>
+void putRow(const std::vector<P>& drawn, const Placement& placement, P* out) {
+    if (placement.opacity >= 1 && !placement.rgbOnly) {
+        std::ranges::copy(drawn, out);
+        return;
     }
-    taps[largest].weight += kAxisOne - sum;
-    return taps;
+    for (std::size_t x = 0; x < drawn.size(); ++x)
+        put(out[x], drawn[x], placement);
 }
 
-// Maps destination elements [first, last) to a source of `size` elements by source = (d + 0.5) * scale +
-// shift.
-Axis axisOf(std::int32_t first, std::int32_t last, double scale, double shift, std::int32_t size) {
-    Axis axis;
-    const double extent = std::abs(scale);
-    const auto clampedIndex = [size](double position) {
-        return static_cast<std::int32_t>(std::clamp(position, 0.0, static_cast<double>(size - 1)));
-    };
-    for (std::int32_t d = first; d < last; ++d) {
-        const double centre = (d + 0.5) * scale + shift;
-        std::vector<std::pair<std::int32_t, double>> real;
-        if (centre > 0 && centre < size) {
-            if (extent > 1) {  // shrinking: the mean over what the element covers
-                const double low = std::max(centre - extent / 2, 0.0);
-                const double high = std::min(centre + extent / 2, static_cast<double>(size));
-                for (std::int32_t i = clampedIndex(std::floor(low)); i < size && i < high; ++i) {
-                    const double covered = std::min(high, i + 1.0) - std::max(low, static_cast<double>(i));
-                    if (covered > 0) real.emplace_back(i, covered);
-                }
-            } else {
-                const double below = std::floor(centre - 0.5);
-                const double fraction = centre - 0.5 - below;
-                real.emplace_back(clampedIndex(below), 1 - fraction);
-                if (fraction > 0) real.emplace_back(clampedIndex(below + 1), fraction);
-            }
-        }
-        axis.taps.push_back(real.empty() ? std::vector<Tap>{} : wholeTaps(real));
+// How the rows of an area are shared out: each is drawn by one thread.
+class RowRunner {
+public:
+    RowRunner(const PF_Rect& area, WorkerPool* workers) : area(area), workers(workers) {}
+
+    // Calls draw(first, last) for bands of rows of the area.
+    template <typename F>
+    void run(const F& draw) const {
+        constexpr std::int32_t kBand = 64;
+        const std::int32_t bands = (area.bottom - area.top + kBand - 1) / kBand;
+        const auto drawBand = [&](std::int32_t, std::int32_t band) {
+            const std::int32_t first = area.top + band * kBand;
+            draw(first, std::min(first + kBand, area.bottom));
+        };
+        if (workers != nullptr) return workers->run(bands, drawBand);
+        for (std::int32_t band = 0; band < bands; ++band)
+            drawBand(0, band);
     }
-    return axis;
-}
+
+private:
+    const PF_Rect& area;
+    WorkerPool* const workers;
+};
 
 // Scales have weights along each axis alone; a pixel's weights are their products.
 template <class P>
-void drawScaled(const PF_EffectWorld& from, const Affine& toSource, const Placement& placement,
-                const PF_Rect& area, PF_EffectWorld& to) {
-    const Axis columns = axisOf(area.left, area.right, toSource.xx, toSource.dx, from.width);
-    const Axis rows = axisOf(area.top, area.bottom, toSource.yy, toSource.dy, from.height);
-    for (std::int32_t y = area.top; y < area.bottom; ++y) {
-        P* const out = rowOf<P>(to, y);
-        const auto& rowTaps = rows.taps[static_cast<std::size_t>(y - area.top)];
-        for (std::int32_t x = area.left; x < area.right; ++x) {
-            const auto& columnTaps = columns.taps[static_cast<std::size_t>(x - area.left)];
-            Sums sums;
-            for (const Tap& row : rowTaps) {
-                const P* const in = rowOf<P>(from, row.index);
-                for (const Tap& column : columnTaps) {
-                    sums.add(in[column.index], std::uint64_t{row.weight} * column.weight);
-                }
+Sums sumsOf(const PF_EffectWorld& from, const ScaleAxis::Taps& columns, const ScaleAxis::Taps& rows) {
+    Sums sums;
+    std::int32_t y = rows.first;
+    for (const std::uint32_t rowWeight : rows.weights) {
+        const P* pixel = rowOf<P>(from, y++) + columns.first;
+        for (const std::uint32_t columnWeight : columns.weights)
+            sums.add(*pixel++, std::uint64_t{rowWeight} * columnWeight);
+    }
+    return sums;
+}
+
+// Draws rows of opaque pixels, which most pictures are made of: alpha falls out of the sums, so that they
+// stay small, and the weights of the rows are applied to whole rows first.
+template <class P>
+class OpaqueRows {
+public:
+    OpaqueRows(const PF_EffectWorld& from, const ScaleAxis& columns)
+        : from(from),
+          columns(columns),
+          range(columns.range()),
+          sums(static_cast<std::size_t>(range.end - range.begin) * kChannels) {}
+
+    // Whether all that the rows hold for the columns is opaque.
+    bool areUnder(const ScaleAxis::Taps& rows) const {
+        for (std::int32_t y = rows.first; y < rows.end(); ++y) {
+            if (!isOpaque(channelsOf(y))) return false;
+        }
+        return !rows.weights.empty();
+    }
+
+    void draw(const ScaleAxis::Taps& rows, P* out) {
+        addRows(rows);
+        for (std::size_t x = 0; x < columns.size(); ++x)
+            out[x] = pixel(columns[x]);
+    }
+
+private:
+    static constexpr std::size_t kChannels = 4;
+    // A channel times weights of both axes, 22 bits in all.
+    using Sum = std::conditional_t<kWhite<P> <= 255, std::uint32_t, std::uint64_t>;
+
+    // Of the pixels of the range in row y, alpha first.
+    const ChannelOf<P>* channelsOf(std::int32_t y) const {
+        return reinterpret_cast<const ChannelOf<P>*>(rowOf<P>(from, y) + range.begin);
+    }
+
+    // All channels are gone through, since that takes vector instructions and alpha alone does not.
+    bool isOpaque(const ChannelOf<P>* channels) const {
+        std::array<ChannelOf<P>, kChannels> common;  // bits of all pixels
+        std::array<ChannelOf<P>, kChannels> any{};   // bits of any pixel
+        common.fill(std::numeric_limits<ChannelOf<P>>::max());
+        for (std::size_t i = 0; i < sums.size(); i += kChannels) {
+            for (std::size_t c = 0; c < kChannels; ++c) {
+                common[c] &= channels[i + c];
+                any[c] |= channels[i + c];
             }
-            const std::uint64_t one = std::uint64_t{kAxisOne} * kAxisOne;
-            put(out[x], sums.template pixel<P>(one), placement);
+        }
+        return common[0] == kWhite<P> && any[0] == kWhite<P>;
+    }
+
+    void addRows(const ScaleAxis::Taps& rows) {
+        std::ranges::fill(sums, 0);
+        std::int32_t y = rows.first;
+        for (const std::uint32_t weight : rows.weights) {
+            const ChannelOf<P>* const channels = channelsOf(y++);
+            for (std::size_t i = 0; i < sums.size(); ++i)
+                sums[i] += weight * channels[i];
         }
     }
+
+    P pixel(const ScaleAxis::Taps& taps) const {
+        if (taps.weights.empty()) return {};
+        const std::uint32_t* column = &sums[static_cast<std::size_t>(taps.first - range.begin) * kChannels];
+        Sum red = kHalf;
+        Sum green = kHalf;
+        Sum blue = kHalf;
+        for (const std::uint32_t weight : taps.weights) {
+            red += Sum{weight} * column[1];
+            green += Sum{weight} * column[2];
+            blue += Sum{weight} * column[3];
+            column += kChannels;
+        }
+        return {kWhite<P>, static_cast<ChannelOf<P>>(red / kOne), static_cast<ChannelOf<P>>(green / kOne),
+                static_cast<ChannelOf<P>>(blue / kOne)};
+    }
+
+    static constexpr Sum kOne = Sum{ScaleAxis::kOne} * ScaleAxis::kOne;
+    static constexpr Sum kHalf = kOne / 2;
+
+    const PF_EffectWorld& from;
+    const ScaleAxis& columns;
+    const ScaleAxis::Range range;
+    std::vector<std::uint32_t> sums;  // of the channels of each pixel in the range, over the rows
+};
+
+template <class P>
+void drawScaled(const PF_EffectWorld& from, const Affine& toSource, const Placement& placement,
+                const PF_Rect& area, const RowRunner& runner, const PF_EffectWorld& to) {
+    constexpr std::uint64_t kOne = std::uint64_t{ScaleAxis::kOne} * ScaleAxis::kOne;
+    const ScaleAxis columns(area.left, area.right, toSource.xx, toSource.dx, from.width);
+    const ScaleAxis rows(area.top, area.bottom, toSource.yy, toSource.dy, from.height);
+    const auto drawRow = [&](const ScaleAxis::Taps& rowTaps, P* out) {
+        for (std::size_t x = 0; x < columns.size(); ++x)
+            out[x] = sumsOf<P>(from, columns[x], rowTaps).template pixel<P>(kOne);
+    };
+    runner.run([&](std::int32_t firstY, std::int32_t lastY) {
+        OpaqueRows<P> opaqueRows(from, columns);
+        std::vector<P> drawn(columns.size());
+        for (std::int32_t y = firstY; y < lastY; ++y) {
+            const ScaleAxis::Taps rowTaps = rows[static_cast<std::size_t>(y - area.top)];
+            if (opaqueRows.areUnder(rowTaps)) {
+                opaqueRows.draw(rowTaps, drawn.data());
+            } else {
+                drawRow(rowTaps, drawn.data());
+            }
+            putRow<P>(drawn, placement, rowOf<P>(to, y) + area.left);
+        }
+    });
 }
 
 // The pixel at whole coordinates; outside the source is transparent.
@@ -201,46 +276,69 @@ void addLinearSample(Sums& sums, const PF_EffectWorld& from, double x, double y)
 
 template <class P>
 void drawSampled(const PF_EffectWorld& from, const Affine& toSource, const Placement& placement,
-                 const PF_Rect& area, PF_EffectWorld& to) {
+                 const PF_Rect& area, const RowRunner& runner, const PF_EffectWorld& to) {
     // As many samples along each side of a pixel as source pixels it covers, eight at most.
     const double covered =
         std::max(std::hypot(toSource.xx, toSource.xy), std::hypot(toSource.yx, toSource.yy));
     const int side = static_cast<int>(std::clamp(std::ceil(covered), 1.0, 8.0));
     const std::uint64_t one =
         kSampleOne * kSampleOne * static_cast<std::uint64_t>(side) * static_cast<std::uint64_t>(side);
-    for (std::int32_t y = area.top; y < area.bottom; ++y) {
-        P* const out = rowOf<P>(to, y);
-        for (std::int32_t x = area.left; x < area.right; ++x) {
-            Sums sums;
-            for (int sample = 0; sample < side * side; ++sample) {
-                const double px = x + (sample % side + 0.5) / side;
-                const double py = y + (sample / side + 0.5) / side;
-                addLinearSample<P>(sums, from, px * toSource.xx + py * toSource.yx + toSource.dx,
-                                   px * toSource.xy + py * toSource.yy + toSource.dy);
-            }
-            put(out[x], sums.template pixel<P>(one), placement);
+    const auto drawPixel = [&](std::int32_t x, std::int32_t y, P& out) {
+        Sums sums;
+        for (int sample = 0; sample < side * side; ++sample) {
+            const double px = x + (sample % side + 0.5) / side;
+            const double py = y + (sample / side + 0.5) / side;
+            addLinearSample<P>(sums, from, px * toSource.xx + py * toSource.yx + toSource.dx,
+                               px * toSource.xy + py * toSource.yy + toSource.dy);
         }
-    }
+        put(out, sums.template pixel<P>(one), placement);
+    };
+    runner.run([&](std::int32_t firstY, std::int32_t lastY) {
+        for (std::int32_t y = firstY; y < lastY; ++y) {
+            for (std::int32_t x = area.left; x < area.right; ++x)
+                drawPixel(x, y, rowOf<P>(to, y)[x]);
+        }
+    });
+}
+
+bool sharesPixels(const PF_EffectWorld& a, const PF_EffectWorld& b) {
+    const auto begin = [](const PF_EffectWorld& world) {
+        return reinterpret_cast<std::uintptr_t>(world.data);
+    };
+    const auto end = [&](const PF_EffectWorld& world) {
+        return begin(world) + static_cast<std::uintptr_t>(std::int64_t{world.height} * world.rowbytes);
+    };
+    return begin(a) < end(b) && begin(b) < end(a);
+}
+
+World copyOf(const PF_EffectWorld& world) {
+    World copy(world.width, world.height, isDeep(world));
+    copyWorld(world, nullptr, copy.record(), nullptr);
+    return copy;
 }
 
 }  // namespace
 
 PF_Err transformWorld(const PF_EffectWorld& from, const PF_FloatMatrix& matrix, bool sourceToDestination,
-                      const Placement& placement, const PF_Rect* toArea, PF_EffectWorld& to) {
+                      const Placement& placement, const PF_Rect* toArea, PF_EffectWorld& to,
+                      WorkerPool* workers) {
     const Affine given = affineOf(matrix);
     if (isDeep(from) != isDeep(to) || placement.mode != PF_Xfer_COPY || !isAffine(matrix) ||
         !isUsable(given)) {
         return PF_Err_BAD_CALLBACK_PARAM;
     }
     if (!hasPixels(from) || !hasPixels(to)) return PF_Err_NONE;
+    const std::optional<World> copy = sharesPixels(from, to) ? std::optional(copyOf(from)) : std::nullopt;
+    const PF_EffectWorld& source = copy ? copy->record() : from;
     const Affine toSource = sourceToDestination ? inverseOf(given) : given;
     const PF_Rect area = clipped(toArea, to);
+    const RowRunner runner(area, workers);
     const bool isScale = toSource.xy == 0 && toSource.yx == 0;
     forDepth(to, [&]<class P>() {
         if (isScale) {
-            drawScaled<P>(from, toSource, placement, area, to);
+            drawScaled<P>(source, toSource, placement, area, runner, to);
         } else {
-            drawSampled<P>(from, toSource, placement, area, to);
+            drawSampled<P>(source, toSource, placement, area, runner, to);
         }
     });
     return PF_Err_NONE;
