@@ -36,14 +36,13 @@ inline constexpr float kLargestRowRadius = 250.0F;
 // Cells that a kernel may read past the end of a table, to their values' disregard.
 inline constexpr std::size_t kTableSlack = 16;
 
-// One row of a picture, and where the running sums of its premultiplied channels go.
+// One row of a picture, and where the running sums of its premultiplied channels go, from `start` on: of red,
+// green, blue and alpha.
 struct PrefixRow {
     const void* pixels;
     std::int32_t count;  // pixels
-    std::int32_t* alpha;
-    std::int32_t* red;
-    std::int32_t* green;
-    std::int32_t* blue;
+    std::int32_t start[4];
+    std::int32_t* sums[4];
 };
 
 // The kernels of one level, by blur and depth.

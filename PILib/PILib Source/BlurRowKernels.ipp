@@ -46,6 +46,11 @@ struct Depth8 {
         return Plus(quotient, Minus(Splat(kNumerator), Times(quotient, alpha)) < 0);
     }
 
+    static PILIB_INLINE Channels load(const Type* from, int count) {
+        const Int pixels = LoadSome<Int>(from, 4 * count);
+        return {pixels & kMask, pixels >> 8 & kMask, pixels >> 16 & kMask, pixels >> 24 & kMask};
+    }
+
     static PILIB_INLINE void store(Type* to, const Type* unblurred, int count, Int blurred,
                                    const Channels& c) {
         const Int pixels = c.alpha | c.red << 8 | c.green << 16 | c.blue << 24;
@@ -76,6 +81,14 @@ struct Depth15 {
         const Int left = rest(quotient);
         quotient = Plus(Minus(quotient, left >= alpha), left < 0);
         return Select(alpha == 1, Splat(0x7FFFFFFF), quotient);
+    }
+
+    static PILIB_INLINE Channels load(const Type* from, int count) {
+        Int pixels[2] = {};
+        std::memcpy(pixels, from, 8U * static_cast<std::size_t>(count));
+        const Int low = Arranged<Evens>(pixels[0], pixels[1]);
+        const Int high = Arranged<Odds>(pixels[0], pixels[1]);
+        return {low & kMask, low >> 16 & kMask, high & kMask, high >> 16 & kMask};
     }
 
     static PILIB_INLINE void store(Type* to, const Type* unblurred, int count, Int blurred,
@@ -269,8 +282,7 @@ struct Tent {
         }
 
         PILIB_INLINE Int mean(const Entry* table) const {
-            const HalfInt halves[2] = {half(table), half(table + kLanes / 2)};
-            return Load<Int>(halves);
+            return Joined(half(table), half(table + kLanes / 2));
         }
     };
 
@@ -467,42 +479,38 @@ void ReadRow(const BlurRow<typename Blur::Entry>& row) {
     if (x < row.count) ReadBlock<Blur, Depth>(row, x, row.count - x);
 }
 
-// Pixels x .. x + count - 1, of which `count` is 4 at most, to the running sums that end in `sum`: a pixel's
-// four channels side by side.
-template <class Depth>
-PILIB_INLINE void SumPixels(const PrefixRow& row, Pixel4& sum, int x, int count) {
-    const auto* const pixels =
-        static_cast<const typename Depth::Type*>(row.pixels) + 4 * static_cast<std::ptrdiff_t>(x);
-    Pixel4 sums[4] = {};
-    for (int lane = 0; lane < 4 * count; lane += kLanes) {
-        const int channels = 4 * count - lane < kLanes ? 4 * count - lane : kLanes;
-        const Int p = LoadWidened(pixels + lane, channels);
-        const Int premultiplied = Depth::product(p, Arranged<AlphasAfterFirst>(p, Splat(Depth::kOne)));
-        std::memcpy(reinterpret_cast<char*>(sums) + 4 * static_cast<std::ptrdiff_t>(lane), &premultiplied,
-                    sizeof premultiplied);
+// v summed along its lanes.
+template <int kDistance = 1>
+PILIB_INLINE Int RunningSums(Int v) {
+    if constexpr (kDistance < kLanes) {
+        return RunningSums<2 * kDistance>(v + Arranged<ShiftedUp<kDistance>>(v, Int{}));
+    } else {
+        return v;
     }
-    for (Pixel4& pixel : sums)
-        pixel = sum = sum + pixel;
-    const Pixel4 firstAlphaRed = __builtin_shufflevector(sums[0], sums[1], 0, 4, 1, 5);
-    const Pixel4 lastAlphaRed = __builtin_shufflevector(sums[2], sums[3], 0, 4, 1, 5);
-    const Pixel4 firstGreenBlue = __builtin_shufflevector(sums[0], sums[1], 2, 6, 3, 7);
-    const Pixel4 lastGreenBlue = __builtin_shufflevector(sums[2], sums[3], 2, 6, 3, 7);
-    const auto store = [&](std::int32_t* to, Pixel4 values) PILIB_INLINE_LAMBDA {
-        std::memcpy(to + x, &values, sizeof *to * static_cast<unsigned>(count));
-    };
-    store(row.alpha, __builtin_shufflevector(firstAlphaRed, lastAlphaRed, 0, 1, 4, 5));
-    store(row.red, __builtin_shufflevector(firstAlphaRed, lastAlphaRed, 2, 3, 6, 7));
-    store(row.green, __builtin_shufflevector(firstGreenBlue, lastGreenBlue, 0, 1, 4, 5));
-    store(row.blue, __builtin_shufflevector(firstGreenBlue, lastGreenBlue, 2, 3, 6, 7));
+}
+
+// Pixels x .. x + count - 1, of which `count` is at most the lanes, to the running sums that end in `sums`,
+// of red, green, blue and alpha.
+template <class Depth>
+PILIB_INLINE void SumPixels(const PrefixRow& row, Int (&sums)[4], int x, int count) {
+    const Channels c = Depth::load(
+        static_cast<const typename Depth::Type*>(row.pixels) + 4 * static_cast<std::ptrdiff_t>(x), count);
+    const Int premultiplied[4] = {Depth::product(c.red, c.alpha), Depth::product(c.green, c.alpha),
+                                  Depth::product(c.blue, c.alpha), c.alpha};
+    for (int table = 0; table < 4; ++table) {
+        const Int running = sums[table] + RunningSums(premultiplied[table]);
+        std::memcpy(row.sums[table] + x, &running, sizeof(std::int32_t) * static_cast<unsigned>(count));
+        sums[table] = Arranged<Last>(running, running);
+    }
 }
 
 template <class Depth>
 void SumRow(const PrefixRow& row) {
-    Pixel4 sum{};
+    Int sums[4] = {Splat(row.start[0]), Splat(row.start[1]), Splat(row.start[2]), Splat(row.start[3])};
     int x = 0;
-    for (; x + 4 <= row.count; x += 4)
-        SumPixels<Depth>(row, sum, x, 4);
-    if (x < row.count) SumPixels<Depth>(row, sum, x, row.count - x);
+    for (; x + kLanes <= row.count; x += kLanes)
+        SumPixels<Depth>(row, sums, x, kLanes);
+    if (x < row.count) SumPixels<Depth>(row, sums, x, row.count - x);
 }
 
 }  // namespace

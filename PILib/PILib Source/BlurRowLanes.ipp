@@ -144,8 +144,18 @@ template <int kFirst>
 struct EveryFourth {  // of both in the first half of the lanes
     static constexpr int at(int lane) { return (4 * lane + kFirst) % (2 * kLanes); }
 };
-struct AlphasAfterFirst {  // of each pixel of four lanes: the first lane of b, then three times a's first
-    static constexpr int at(int lane) { return lane % 4 == 0 ? kLanes + lane : lane - lane % 4; }
+struct Evens {
+    static constexpr int at(int lane) { return 2 * lane; }
+};
+struct Odds {
+    static constexpr int at(int lane) { return 2 * lane + 1; }
+};
+template <int kDistance>
+struct ShiftedUp {  // b's lanes come in from below
+    static constexpr int at(int lane) { return lane < kDistance ? kLanes : lane - kDistance; }
+};
+struct Last {
+    static constexpr int at(int /*lane*/) { return kLanes - 1; }
 };
 struct Previous {
     static constexpr int at(int lane) { return lane == 0 ? 0 : lane - 1; }
@@ -159,6 +169,15 @@ PILIB_INLINE V ArrangedLanes(V a, V b, std::integer_sequence<int, kLane...> /*la
 template <class Order, class V>
 PILIB_INLINE V Arranged(V a, V b) {
     return ArrangedLanes<Order>(a, b, std::make_integer_sequence<int, kLanes>{});
+}
+
+template <int... kLane>
+PILIB_INLINE Int JoinedLanes(HalfInt low, HalfInt high, std::integer_sequence<int, kLane...> /*lanes*/) {
+    return __builtin_shufflevector(low, high, kLane...);
+}
+
+PILIB_INLINE Int Joined(HalfInt low, HalfInt high) {
+    return JoinedLanes(low, high, std::make_integer_sequence<int, kLanes>{});
 }
 
 }  // namespace

@@ -1,6 +1,9 @@
 #include <sys/mman.h>
 
+#include <array>
 #include <cstdint>
+#include <mutex>
+#include <utility>
 
 #include "LargeArray.h"
 
@@ -23,13 +26,9 @@ void Unmap(char* begin, const char* end) {
     if (begin != end) munmap(begin, static_cast<std::size_t>(end - begin));
 }
 
-}  // namespace
-
-// A mapping of its own, as the heap's pages lose the request for large ones when the heap shrinks.
-void* AllocateLarge(std::size_t bytes) {
-    if (!IsMapped(bytes)) return ::operator new(bytes);
-    if (bytes > SIZE_MAX - 2 * kLargePage) throw std::bad_alloc();
-    const std::size_t mapped = MappedBytes(bytes);
+// Whole large pages in a mapping of its own, as the heap's pages lose the request for large ones when the
+// heap shrinks.
+void* Map(std::size_t mapped) {
     void* const mapping =
         mmap(nullptr, mapped + kLargePage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (mapping == MAP_FAILED) throw std::bad_alloc();
@@ -43,9 +42,71 @@ void* AllocateLarge(std::size_t bytes) {
     return block;
 }
 
+// Blocks that were given back last, for the next frame's tables of the same size: new pages would have to be
+// cleared by the system first. The system may take these pages whenever it is short of memory.
+class SpareBlocks {
+public:
+    SpareBlocks() = default;
+    SpareBlocks(const SpareBlocks&) = delete;
+    SpareBlocks& operator=(const SpareBlocks&) = delete;
+    ~SpareBlocks() { clear(); }
+
+    // A block of exactly this size, or null. The others are let go of then: sizes have changed.
+    void* take(std::size_t mapped) {
+        const std::lock_guard lock(mutex);
+        for (Block& block : blocks) {
+            if (block.mapped == mapped) return std::exchange(block, Block{}).memory;
+        }
+        clear();
+        return nullptr;
+    }
+
+    void put(void* memory, std::size_t mapped) noexcept {
+        Block block = {memory, mapped};
+        if (madvise(memory, mapped, MADV_FREE) == 0) {
+            const std::lock_guard lock(mutex);
+            std::swap(block, blocks[next]);
+            next = (next + 1) % blocks.size();
+        }
+        if (block.memory != nullptr) munmap(block.memory, block.mapped);
+    }
+
+private:
+    struct Block {
+        void* memory = nullptr;
+        std::size_t mapped = 0;
+    };
+
+    void clear() {
+        for (Block& block : blocks) {
+            if (block.memory != nullptr) munmap(block.memory, block.mapped);
+            block = {};
+        }
+    }
+
+    std::mutex mutex;
+    std::array<Block, 4> blocks;  // one render's tables
+    std::size_t next = 0;
+};
+
+SpareBlocks& Spare() {
+    static SpareBlocks spare;
+    return spare;
+}
+
+}  // namespace
+
+void* AllocateLarge(std::size_t bytes) {
+    if (!IsMapped(bytes)) return ::operator new(bytes);
+    if (bytes > SIZE_MAX - 2 * kLargePage) throw std::bad_alloc();
+    const std::size_t mapped = MappedBytes(bytes);
+    void* const spare = Spare().take(mapped);
+    return spare != nullptr ? spare : Map(mapped);
+}
+
 void FreeLarge(void* block, std::size_t bytes) noexcept {
     if (!IsMapped(bytes)) return ::operator delete(block);
-    munmap(block, MappedBytes(bytes));
+    Spare().put(block, MappedBytes(bytes));
 }
 
 }  // namespace PILib::detail

@@ -4,10 +4,8 @@
 #include <cmath>
 #include <limits>
 #include <new>
-#include <optional>
 
 #include "BlurRowDispatch.h"
-#include "RowSums.h"
 #include "SATBlurTables.h"
 
 namespace PILib {
@@ -137,24 +135,16 @@ SATBoxBlur<P>::SATBoxBlur(PIContext& context, const FrameBuf<P>& source, int rad
 
 template <class P>
 void SATBoxBlur<P>::initialize() {
-    using C = typename P::ChannelType;
-    using Rows = detail::TableRows<std::uint32_t>;
-    std::optional<detail::RowSums<C>> sums;
-    if (detail::RowSums<C>::suits(this->level, this->tableWidth))
-        sums.emplace(this->level, this->borderX, this->tableWidth);
-    Rows up{};
+    detail::FirstOrderRow<typename P::ChannelType, std::uint32_t> row(this->level, this->borderX,
+                                                                      this->tableWidth);
     for (int ty = 0; ty < this->tableHeight; ++ty) {
         this->context.progress(ty, this->tableHeight, 0.0F, 1.0F);
-        const auto sourceRow = this->source.row(std::clamp(ty - this->borderY, 0, this->height - 1));
-        const Rows out =
-            detail::RowsAt<std::uint32_t>(sumRed, sumGreen, sumBlue, sumAlpha, this->tableWidth, ty);
-        const Rows* const above = ty > 0 ? &up : nullptr;
-        if (sums) {
-            detail::AddRows(sums->of(sourceRow), this->tableWidth, out, above);
-        } else {
-            detail::AccumulateRow<C>(sourceRow, this->borderX, this->tableWidth, out, above);
-        }
-        up = out;
+        row.advance(this->source.row(std::clamp(ty - this->borderY, 0, this->height - 1)));
+        const std::size_t start = static_cast<std::size_t>(ty) * row.width;
+        std::copy_n(row.red(), row.width, &sumRed[start]);
+        std::copy_n(row.green(), row.width, &sumGreen[start]);
+        std::copy_n(row.blue(), row.width, &sumBlue[start]);
+        std::copy_n(row.alpha(), row.width, &sumAlpha[start]);
     }
 }
 

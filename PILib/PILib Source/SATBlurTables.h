@@ -1,53 +1,115 @@
-// What the builds of the box and the tent tables share: one row of first-order sums from one row of the
-// source.
+// What the builds of the box and the tent tables share: rows of first-order sums, one after another.
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
+#include <vector>
 
+#include "BlurRowDispatch.h"
 #include "FrameBuffer.h"
+#include "SimdLevel.h"
 
 namespace PILib::detail {
 
-// Four table rows side by side: the row being written and the finished one above it.
-template <class T>
-struct TableRows {
-    T* red;
-    T* green;
-    T* blue;
-    T* alpha;
-};
-
-// The rows of row `ty` of four row-major tables of `tableWidth` columns.
-template <class T, class Table>
-TableRows<T> RowsAt(const Table& red, const Table& green, const Table& blue, const Table& alpha,
-                    int tableWidth, int ty) {
-    const std::size_t start = static_cast<std::size_t>(ty) * static_cast<std::size_t>(tableWidth);
-    return {&red[start], &green[start], &blue[start], &alpha[start]};
-}
-
-// Writes one table row of first-order sums: entry = value + left + up - up-left, which is the running sum of
-// the row's premultiplied values plus the entry above. Both forms are exact: the integers wrap alike, and the
-// doubles hold whole numbers far below 2^53. `up` is null for the top row.
+// A row of first-order sums, from the top of the tables downwards: entry = value + left + up - up-left, which
+// is the running sum of the row's premultiplied values plus the entry above. Exact in any order: the integers
+// wrap alike, and the doubles hold whole numbers far below 2^53.
 template <class C, class T>
-void AccumulateRow(const Row<Pixel<C>>& source, int border, int tableWidth, const TableRows<T>& out,
-                   const TableRows<T>* up) {
-    T red{};
-    T green{};
-    T blue{};
-    T alpha{};
-    for (int tx = 0; tx < tableWidth; ++tx) {
-        const Pixel<C>& p = source[std::clamp(tx - border, 0, source.size() - 1)];
-        red += static_cast<T>(C::mul(p.red, p.alpha));
-        green += static_cast<T>(C::mul(p.green, p.alpha));
-        blue += static_cast<T>(C::mul(p.blue, p.alpha));
-        alpha += static_cast<T>(p.alpha);
-        out.red[tx] = up != nullptr ? red + up->red[tx] : red;
-        out.green[tx] = up != nullptr ? green + up->green[tx] : green;
-        out.blue[tx] = up != nullptr ? blue + up->blue[tx] : blue;
-        out.alpha[tx] = up != nullptr ? alpha + up->alpha[tx] : alpha;
+class FirstOrderRow {
+public:
+    FirstOrderRow(SimdLevel level, std::int32_t border, std::int32_t tableWidth)
+        : border(border), width(static_cast<std::size_t>(tableWidth)), entries(4 * width) {
+        if (!suitsVectors(level, tableWidth)) return;
+        kernel = PrefixKernel<C>(level);
+        running.resize(4 * width);
     }
-}
+
+    // Moves on to the next table row, which lies over `source` with its ends repeated.
+    void advance(const Row<Pixel<C>>& source) {
+        if (kernel == nullptr) {
+            addOneByOne(source);
+            return;
+        }
+        if (source.begin() != last) sum(source);
+        add(running.data(), entries.data());
+    }
+
+    // Of `width` entries.
+    const T* red() const { return entries.data(); }
+    const T* green() const { return red() + width; }
+    const T* blue() const { return green() + width; }
+    const T* alpha() const { return blue() + width; }
+
+    const std::int32_t border;
+    const std::size_t width;
+
+private:
+    // Whether the level's vectors form the running sums faster than one by one, and 32 bits hold them.
+    static bool suitsVectors(SimdLevel level, int tableWidth) {
+        return (level == SimdLevel::Avx2 || level == SimdLevel::Avx512) &&
+               tableWidth <= std::numeric_limits<std::int32_t>::max() / C::kOne;
+    }
+
+    void addOneByOne(const Row<Pixel<C>>& source) {
+        T red{};
+        T green{};
+        T blue{};
+        T alpha{};
+        T* entry = entries.data();
+        for (int tx = 0; tx < static_cast<int>(width); ++tx, ++entry) {
+            const Pixel<C>& p = source[std::clamp(tx - border, 0, source.size() - 1)];
+            red += static_cast<T>(C::mul(p.red, p.alpha));
+            green += static_cast<T>(C::mul(p.green, p.alpha));
+            blue += static_cast<T>(C::mul(p.blue, p.alpha));
+            alpha += static_cast<T>(p.alpha);
+            entry[0] += red;
+            entry[width] += green;
+            entry[2 * width] += blue;
+            entry[3 * width] += alpha;
+        }
+    }
+
+    void add(const std::int32_t* __restrict row, T* __restrict to) const {
+        for (std::size_t i = 0; i < 4 * width; ++i)
+            to[i] += static_cast<T>(row[i]);
+    }
+
+    // The ends of the source are repeated for every column of the border.
+    void sum(const Row<Pixel<C>>& source) {
+        const int pixels = source.size();
+        const std::array<std::int32_t, 4> first = premultiplied(source[0]);
+        const std::array<std::int32_t, 4> end = premultiplied(source[pixels - 1]);
+        PrefixRow row{source.begin(), pixels, {}, {}};
+        for (std::size_t table = 0; table < 4; ++table) {
+            std::int32_t* sum = running.data() + table * width;
+            for (std::int32_t tx = 1; tx <= border; ++tx)
+                *sum++ = tx * first[table];
+            row.start[table] = border * first[table];
+            row.sums[table] = sum;
+        }
+        kernel(row);
+        for (std::size_t table = 0; table < 4; ++table) {
+            std::int32_t* const sum = row.sums[table] + pixels;
+            for (std::int32_t tx = 0; tx < border; ++tx)
+                sum[tx] = sum[-1] + (tx + 1) * end[table];
+        }
+        last = source.begin();
+    }
+
+    static std::array<std::int32_t, 4> premultiplied(const Pixel<C>& p) {
+        const auto times = [&p](typename C::Type colour) {
+            return static_cast<std::int32_t>(C::mul(colour, p.alpha));
+        };
+        return {times(p.red), times(p.green), times(p.blue), p.alpha};
+    }
+
+    void (*kernel)(const PrefixRow& row) = nullptr;  // where vectors form the running sums
+    std::vector<T> entries;                          // of red, green, blue and alpha, one row each
+    std::vector<std::int32_t> running;               // sums along the last source row, likewise
+    const Pixel<C>* last = nullptr;  // that row: it is asked for again for every row of the border
+};
 
 }  // namespace PILib::detail

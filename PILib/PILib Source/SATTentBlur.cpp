@@ -33,19 +33,25 @@ struct SecondOrder {
     }
 };
 
-// Second-order sums of one row in place. The four channels go side by side, as each waits for its own last
-// sum.
-void AccumulateInPlace(const detail::TableRows<double>& row, const detail::TableRows<const double>& up,
-                       int tableWidth) {
-    SecondOrder red;
-    SecondOrder green;
-    SecondOrder blue;
-    SecondOrder alpha;
+// One row of one table, and what its second-order sums are made from.
+struct TableRow {
+    const double* firstOrder;
+    const double* above;
+    double* out;
+};
+
+// The four tables go side by side, as each waits for its own last sum.
+void Accumulate(const TableRow& red, const TableRow& green, const TableRow& blue, const TableRow& alpha,
+                int tableWidth) {
+    SecondOrder sumRed;
+    SecondOrder sumGreen;
+    SecondOrder sumBlue;
+    SecondOrder sumAlpha;
     for (int tx = 0; tx < tableWidth; ++tx) {
-        row.red[tx] = red.next(row.red[tx], up.red[tx]);
-        row.green[tx] = green.next(row.green[tx], up.green[tx]);
-        row.blue[tx] = blue.next(row.blue[tx], up.blue[tx]);
-        row.alpha[tx] = alpha.next(row.alpha[tx], up.alpha[tx]);
+        red.out[tx] = sumRed.next(red.firstOrder[tx], red.above[tx]);
+        green.out[tx] = sumGreen.next(green.firstOrder[tx], green.above[tx]);
+        blue.out[tx] = sumBlue.next(blue.firstOrder[tx], blue.above[tx]);
+        alpha.out[tx] = sumAlpha.next(alpha.firstOrder[tx], alpha.above[tx]);
     }
 }
 
@@ -70,26 +76,30 @@ SATTentBlur<P>::SATTentBlur(PIContext& context, const FrameBuf<P>& source, int r
 
 template <class P>
 void SATTentBlur<P>::initialize() {
-    using Rows = detail::TableRows<double>;
-    const auto rowsAt = [this](int ty) {
-        return detail::RowsAt<double>(sumRed, sumGreen, sumBlue, sumAlpha, this->tableWidth, ty);
+    detail::FirstOrderRow<typename P::ChannelType, double> row(this->level, this->borderX, this->tableWidth);
+    const std::vector<double> zeros(row.width);  // above the top row
+    const auto buildRow = [&](int ty) {
+        row.advance(this->source.row(std::clamp(ty - this->borderY, 0, this->height - 1)));
+        const auto rowOf = [&](const double* firstOrder, const Table& table) {
+            double* const out = &table[static_cast<std::size_t>(ty) * row.width];
+            return TableRow{firstOrder, ty == 0 ? zeros.data() : out - row.width, out};
+        };
+        Accumulate(rowOf(row.red(), sumRed), rowOf(row.green(), sumGreen), rowOf(row.blue(), sumBlue),
+                   rowOf(row.alpha(), sumAlpha), this->tableWidth);
     };
-    Rows up{};
+    // Progress tells of two passes, of which each builds half of the rows.
+    int built = 0;
+    const auto buildRowsTo = [&](int end) {
+        while (built < end)
+            buildRow(built++);
+    };
     for (int ty = 0; ty < this->tableHeight; ++ty) {
         this->context.progress(ty, this->tableHeight, 0.0F, 0.5F);
-        const auto sourceRow = this->source.row(std::clamp(ty - this->borderY, 0, this->height - 1));
-        const Rows out = rowsAt(ty);
-        detail::AccumulateRow<typename P::ChannelType>(sourceRow, this->borderX, this->tableWidth, out,
-                                                       ty > 0 ? &up : nullptr);
-        up = out;
+        buildRowsTo((ty + 1) / 2);
     }
-    const std::vector<double> zeros(static_cast<std::size_t>(this->tableWidth), 0.0);  // above the first row
-    detail::TableRows<const double> above = {zeros.data(), zeros.data(), zeros.data(), zeros.data()};
     for (int ty = 0; ty < this->tableHeight; ++ty) {
         this->context.progress(ty, this->tableHeight, 0.5F, 1.0F);
-        const Rows out = rowsAt(ty);
-        AccumulateInPlace(out, above, this->tableWidth);
-        above = {out.red, out.green, out.blue, out.alpha};
+        buildRowsTo((this->tableHeight + ty + 1) / 2);
     }
 }
 

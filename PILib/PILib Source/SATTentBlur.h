@@ -19,7 +19,7 @@ public:
     // stays below 46341.
     P getBlurInt(int x, int y, int radiusX, int radiusY) override;
 
-    // Two passes. Deliberate: the second reports beyond the end of the progress range.
+    // Progress in two passes. Deliberate: the second reports beyond the end of the progress range.
     // Pinned by SATTentBlurTest.SecondPassReportsPastTheEndOfItsRange.
     void initialize() override;
 

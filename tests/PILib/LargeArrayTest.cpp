@@ -1,0 +1,62 @@
+#include "LargeArray.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <thread>
+#include <vector>
+
+namespace PILib::detail {
+namespace {
+
+constexpr std::size_t kMegabyte = std::size_t{1} << 20;
+constexpr std::size_t kSizes[] = {
+    0, 1, 4096, kMegabyte, kMegabyte + 1, 2 * kMegabyte, 2 * kMegabyte + 1, 5 * kMegabyte - 1};
+
+bool holds(const LargeArray<std::uint8_t>& array, std::size_t size, std::uint8_t value) {
+    return std::all_of(array.get(), array.get() + size, [value](std::uint8_t v) { return v == value; });
+}
+
+// As tables are made and given back: four at a time, frame after frame, of sizes that come and go.
+TEST(LargeArrayTest, ArraysOfEverySizeKeepWhatIsWrittenApart) {
+    for (int frame = 0; frame < 3; ++frame) {
+        for (const std::size_t size : kSizes) {
+            LargeArray<std::uint8_t> arrays[6];
+            std::uint8_t value = 0;
+            for (auto& array : arrays) {
+                array = MakeLargeArray<std::uint8_t>(size);
+                std::fill_n(array.get(), size, ++value);
+            }
+            value = 0;
+            for (const auto& array : arrays)
+                EXPECT_TRUE(holds(array, size, ++value)) << "size " << size << ", frame " << frame;
+        }
+    }
+}
+
+TEST(LargeArrayTest, ThreadsMakeArraysAtTheSameTime) {
+    std::vector<std::thread> threads;
+    std::vector<int> wrong(4);
+    for (std::uint8_t thread = 0; thread < 4; ++thread) {
+        threads.emplace_back([thread, &wrong] {
+            for (unsigned i = 0; i < 20; ++i) {
+                const std::size_t size = (i % 3 + 2) * kMegabyte;
+                const auto array = MakeLargeArray<std::uint8_t>(size);
+                std::fill_n(array.get(), size, thread);
+                wrong[thread] += holds(array, size, thread) ? 0 : 1;
+            }
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(wrong, std::vector<int>(4));
+}
+
+TEST(LargeArrayTest, SizesBeyondTheAddressSpaceAreBadAlloc) {
+    EXPECT_THROW(MakeLargeArray<double>(std::numeric_limits<std::size_t>::max() / 4), std::bad_alloc);
+}
+
+}  // namespace
+}  // namespace PILib::detail
