@@ -127,50 +127,42 @@ struct Group {
 };
 
 // c0 + fraction / 65536 of the way to c1, rounded. Halving first keeps the largest product in 32 bits.
-template <class V>
-PILIB_INLINE V Interpolated(V c0, V c1, V fraction) {
+PILIB_INLINE Int Interpolated(Int c0, Int c1, Int fraction) {
     return c0 + (((Times(fraction, c1 - c0) >> 1) + 16384) >> 15);
 }
 
-// The four channels of one pixel with two values each, in pairs: alpha, alpha, red, red ...
-typedef std::int32_t Pairs __attribute__((vector_size(32)));
-typedef float FloatPairs __attribute__((vector_size(32)));
-typedef std::uint64_t Words __attribute__((vector_size(32)));
+// The mean of the steps across and down from a channel's value at the whole radii.
+PILIB_INLINE Int Mixed(Int whole, Int nextAcross, Int nextDown, Int fractionX, Int fractionY) {
+    return (Interpolated(whole, nextAcross, fractionX) + Interpolated(whole, nextDown, fractionY)) >> 1;
+}
+
+// One pixel read out by itself: each channel at the whole radii and then at the next radius across, and each
+// channel at the next radius down.
 typedef std::int32_t Pixel4 __attribute__((vector_size(16)));
+typedef std::int32_t Pixel4x2 __attribute__((vector_size(32)));
+typedef std::uint64_t Words __attribute__((vector_size(32)));
 typedef double Double4 __attribute__((vector_size(32)));
 typedef double Double2 __attribute__((vector_size(16)));
 
-template <class V>
-PILIB_INLINE V PairsSwapped(V v) {
-    return __builtin_shufflevector(v, v, 1, 0, 3, 2, 5, 4, 7, 6);
-}
-
-PILIB_INLINE Pairs EveryPair(std::int32_t first, std::int32_t second) {
-    return Pairs{first, second, first, second, first, second, first, second};
-}
-
-// The two fractional steps and their mean. `whole` holds a channel's value at the whole radii in its pair's
-// first lane and at the next radius across in the second, `nextDown` that at the next radius down in the
-// first.
-PILIB_INLINE Pixel4 PairsMixed(Pairs whole, Pairs nextDown, std::int32_t fractionX, std::int32_t fractionY) {
-    const Pairs from = __builtin_shufflevector(whole, whole, 0, 0, 2, 2, 4, 4, 6, 6);
-    const Pairs to = __builtin_shufflevector(nextDown, whole, 0, 9, 2, 11, 4, 13, 6, 15);
-    const Pairs steps = Interpolated(from, to, EveryPair(fractionY, fractionX));
-    const Pairs mean = (steps + PairsSwapped(steps)) >> 1;
-    return __builtin_shufflevector(mean, mean, 0, 2, 4, 6);
-}
+struct PixelValues {
+    Pixel4x2 wholeAndAcross;
+    Pixel4 down;
+};
 
 // Division of a box's sum by its area. The reciprocal is low by 2^-22, more than the singles' rounding, so
 // that the estimate is never too large, and for quotients of up to 16 bits too small by one at most.
-PILIB_INLINE float LowReciprocal(std::int32_t area) {
-    return 1.0F / static_cast<float>(area) * (1.0F - 0x1p-22F);
-}
+struct BoxArea {
+    Int area;
+    Float reciprocal;
 
-template <class V, class F>
-PILIB_INLINE V Mean(V sum, V area, F reciprocal) {
-    const V estimate = __builtin_convertvector(__builtin_convertvector(sum, F) * reciprocal, V);
-    return Minus(estimate, Minus(sum, Times(estimate, area)) >= area);
-}
+    explicit PILIB_INLINE BoxArea(Int area)
+        : area(area), reciprocal(1.0F / AsFloat(area) * (1.0F - 0x1p-22F)) {}
+
+    PILIB_INLINE Int mean(Int sum) const {
+        const Int estimate = Truncated(AsFloat(sum) * reciprocal);
+        return Minus(estimate, Minus(sum, Times(estimate, area)) >= area);
+    }
+};
 
 // The mean of a box from the four corners around it.
 struct Box {
@@ -184,60 +176,64 @@ struct Box {
         std::ptrdiff_t bottomLeft;
         std::ptrdiff_t topRight;
         std::ptrdiff_t topLeft;
-        Int area;
-        Float reciprocal;
+        BoxArea area;
 
         PILIB_INLINE Neighbours(std::ptrdiff_t radiusX, std::ptrdiff_t radiusY, std::ptrdiff_t stride)
             : bottomRight(radiusY * stride + radiusX),
               bottomLeft(radiusY * stride - radiusX - 1),
               topRight(-(radiusY + 1) * stride + radiusX),
               topLeft(-(radiusY + 1) * stride - radiusX - 1),
-              area(Splat(static_cast<std::int32_t>((2 * radiusX + 1) * (2 * radiusY + 1)))),
-              reciprocal(Float{} + LowReciprocal(area[0])) {}
+              area(Splat(static_cast<std::int32_t>((2 * radiusX + 1) * (2 * radiusY + 1)))) {}
 
         PILIB_INLINE Int mean(const Entry* table) const {
             const Uint sum = Load<Uint>(table + bottomRight) - Load<Uint>(table + bottomLeft) -
                              Load<Uint>(table + topRight) + Load<Uint>(table + topLeft);
-            return Mean(reinterpret_cast<Int>(sum), area, reciprocal);
+            return area.mean(reinterpret_cast<Int>(sum));
         }
     };
 
-    // The entries at `cell` and its right neighbour, in all tables.
-    static PILIB_INLINE Pairs entriesAt(const BlurRow<Entry>& row, std::ptrdiff_t cell) {
-        const auto word = [cell](const Entry* table)
-                              PILIB_INLINE_LAMBDA { return Load<std::uint64_t>(table + cell); };
-        return reinterpret_cast<Pairs>(
-            Words{word(row.alpha), word(row.red), word(row.green), word(row.blue)});
-    }
+    // A block of pixels of whatever radii. What readPixel gives are sums, which `mean...` divide.
+    struct Pixels {
+        Int width;
+        Int height;
 
-    // The sums of the boxes between the table rows `top` and `bottom`: in a pair of the whole radius and of
-    // the next one.
-    static PILIB_INLINE Pairs sumsBetween(const BlurRow<Entry>& row, std::ptrdiff_t top,
-                                          std::ptrdiff_t bottom, std::ptrdiff_t radius) {
-        const Pairs right = Minus(entriesAt(row, bottom + radius), entriesAt(row, top + radius));
-        const Pairs left = Minus(entriesAt(row, bottom - radius - 2), entriesAt(row, top - radius - 2));
-        return Minus(right, PairsSwapped(left));
-    }
+        PILIB_INLINE Pixels(Int radiusX, Int radiusY) : width(2 * radiusX + 1), height(2 * radiusY + 1) {}
 
-    template <class Depth>
-    static PILIB_INLINE Pixel4 readPixel(const BlurRow<Entry>& row, std::ptrdiff_t centre,
-                                         std::int32_t radiusX, std::int32_t radiusY, std::int32_t fractionX,
-                                         std::int32_t fractionY) {
-        const std::ptrdiff_t top = centre - (radiusY + 1) * row.stride;
-        const std::ptrdiff_t bottom = centre + radiusY * row.stride;
-        const Pairs whole = sumsBetween(row, top, bottom, radiusX);
-        const Pairs nextDown = sumsBetween(row, top - row.stride, bottom + row.stride, radiusX);
-        const std::int32_t width = 2 * radiusX + 1;
-        const std::int32_t height = 2 * radiusY + 1;
-        const Pairs areas = EveryPair(width * height, (width + 2) * height);
-        const Pairs nextAreas = areas + EveryPair(2 * width, 2 * (width + 2));
-        const auto reciprocals = [](Pairs area) PILIB_INLINE_LAMBDA {
-            return 1.0F / __builtin_convertvector(area, FloatPairs) * (1.0F - 0x1p-22F);
+        // The entries at `cell` and its right neighbour, in all tables.
+        static PILIB_INLINE Pixel4x2 entriesAt(const BlurRow<Entry>& row, std::ptrdiff_t cell) {
+            const auto word = [cell](const Entry* table)
+                                  PILIB_INLINE_LAMBDA { return Load<std::uint64_t>(table + cell); };
+            return reinterpret_cast<Pixel4x2>(
+                Words{word(row.alpha), word(row.red), word(row.green), word(row.blue)});
+        }
+
+        // The sums of the boxes between the table rows `top` and `bottom`, of the radius and the next one.
+        static PILIB_INLINE Pixel4x2 sumsBetween(const BlurRow<Entry>& row, std::ptrdiff_t top,
+                                                 std::ptrdiff_t bottom, std::ptrdiff_t radius) {
+            const Pixel4x2 right = Minus(entriesAt(row, bottom + radius), entriesAt(row, top + radius));
+            const Pixel4x2 left =
+                Minus(entriesAt(row, bottom - radius - 2), entriesAt(row, top - radius - 2));
+            return Minus(right, __builtin_shufflevector(left, left, 1, 0, 3, 2, 5, 4, 7, 6));
+        }
+
+        PILIB_INLINE PixelValues readPixel(const BlurRow<Entry>& row, std::ptrdiff_t centre, int /*lane*/,
+                                           std::ptrdiff_t radiusX, std::ptrdiff_t radiusY) const {
+            const std::ptrdiff_t top = centre - (radiusY + 1) * row.stride;
+            const std::ptrdiff_t bottom = centre + radiusY * row.stride;
+            const Pixel4x2 nextDown = sumsBetween(row, top - row.stride, bottom + row.stride, radiusX);
+            return {sumsBetween(row, top, bottom, radiusX),
+                    __builtin_shufflevector(nextDown, nextDown, 0, 2, 4, 6)};
+        }
+
+        struct Means {
+            BoxArea whole;
+            BoxArea across;
+            BoxArea down;
         };
-        return PairsMixed(Mean(whole, areas, reciprocals(areas)) & Depth::kMask,
-                          Mean(nextDown, nextAreas, reciprocals(nextAreas)) & Depth::kMask, fractionX,
-                          fractionY);
-    }
+        PILIB_INLINE Means means() const {
+            return {BoxArea(width * height), BoxArea((width + 2) * height), BoxArea(width * (height + 2))};
+        }
+    };
 };
 
 // The tent from nine samples of the second-order sums.
@@ -286,76 +282,101 @@ struct Tent {
         }
     };
 
-    // Samples of two tables, each at the half-width's distance and at the next one's: across the row's centre
-    // to the left, in the middle, to the right.
-    struct RowOfPairs {
-        Double4 at[3];
+    // A block of pixels of whatever radii. What readPixel gives are the means.
+    struct Pixels {
+        double whole[kLanes];  // reciprocals of the weights
+        double across[kLanes];
+        double down[kLanes];
 
-        PILIB_INLINE RowOfPairs(const Entry* one, const Entry* two, std::ptrdiff_t centre,
-                                std::ptrdiff_t halfX) {
-            const auto both = [&](std::ptrdiff_t cell) PILIB_INLINE_LAMBDA {
-                return __builtin_shufflevector(Load<Double2>(one + cell), Load<Double2>(two + cell), 0, 1, 2,
-                                               3);
-            };
-            const Double4 left = both(centre - halfX - 1);
-            at[0] = __builtin_shufflevector(left, left, 1, 0, 3, 2);
-            at[1] = Double4{one[centre], one[centre], two[centre], two[centre]};
-            at[2] = both(centre + halfX);
-        }
-    };
-
-    // Samples of all four tables at the half-width's distance.
-    struct RowOfTables {
-        Double4 at[3];
-
-        PILIB_INLINE RowOfTables(const BlurRow<Entry>& row, std::ptrdiff_t centre, std::ptrdiff_t halfX) {
-            const auto all = [&](std::ptrdiff_t cell) PILIB_INLINE_LAMBDA {
-                return Double4{row.alpha[cell], row.red[cell], row.green[cell], row.blue[cell]};
-            };
-            at[0] = all(centre - halfX);
-            at[1] = all(centre);
-            at[2] = all(centre + halfX);
+        PILIB_INLINE Pixels(Int radiusX, Int radiusY) {
+            store(radiusX + 1, radiusY + 1, whole);
+            store(radiusX + 2, radiusY + 1, across);
+            store(radiusX + 1, radiusY + 2, down);
         }
 
-        // From what has been read in pairs.
-        PILIB_INLINE RowOfTables(const RowOfPairs& alphaRed, const RowOfPairs& greenBlue) {
-            for (int i = 0; i < 3; ++i)
-                at[i] = __builtin_shufflevector(alphaRed.at[i], greenBlue.at[i], 0, 2, 4, 6);
+        static PILIB_INLINE void store(Int halfX, Int halfY, double* reciprocals) {
+            const Int weight = halfX * halfY;
+            const Int square = Times(weight, weight);
+            const Double low = 1.0 / __builtin_convertvector(FirstHalf(square), Double);
+            const Double high = 1.0 / __builtin_convertvector(SecondHalf(square), Double);
+            std::memcpy(reciprocals, &low, sizeof low);
+            std::memcpy(reciprocals + kLanes / 2, &high, sizeof high);
         }
-    };
 
-    template <class Depth>
-    static PILIB_INLINE Pixel4 readPixel(const BlurRow<Entry>& row, std::ptrdiff_t centre,
-                                         std::int32_t radiusX, std::int32_t radiusY, std::int32_t fractionX,
-                                         std::int32_t fractionY) {
-        const std::ptrdiff_t halfX = radiusX + 1;
-        const std::ptrdiff_t halfY = radiusY + 1;
-        const std::ptrdiff_t top = centre - halfY * row.stride;
-        const std::ptrdiff_t bottom = centre + halfY * row.stride;
-        const auto rowOfPairs = [&](const Entry* one, const Entry* two, std::ptrdiff_t cell)
-                                    PILIB_INLINE_LAMBDA { return RowOfPairs(one, two, cell, halfX); };
-        const RowOfPairs middleAlphaRed = rowOfPairs(row.alpha, row.red, centre);
-        const RowOfPairs middleGreenBlue = rowOfPairs(row.green, row.blue, centre);
-        const double whole = reciprocalOf(halfX, halfY);
-        const double nextAcross = reciprocalOf(halfX + 1, halfY);
-        const Double4 reciprocals = {whole, nextAcross, whole, nextAcross};
-        const auto mean = [](Double4 sum, Double4 reciprocal) PILIB_INLINE_LAMBDA {
-            return __builtin_convertvector(sum * reciprocal + 0.5, Pixel4) & Depth::kMask;
+        // Samples of two tables, each at the half-width's distance and at the next one's: across the row's
+        // centre to the left, in the middle, to the right.
+        struct RowOfPairs {
+            Double4 at[3];
+
+            PILIB_INLINE RowOfPairs(const Entry* one, const Entry* two, std::ptrdiff_t centre,
+                                    std::ptrdiff_t halfX) {
+                const auto both = [&](std::ptrdiff_t cell) PILIB_INLINE_LAMBDA {
+                    return __builtin_shufflevector(Load<Double2>(one + cell), Load<Double2>(two + cell), 0, 1,
+                                                   2, 3);
+                };
+                const Double4 left = both(centre - halfX - 1);
+                at[0] = __builtin_shufflevector(left, left, 1, 0, 3, 2);
+                at[1] = Double4{one[centre], one[centre], two[centre], two[centre]};
+                at[2] = both(centre + halfX);
+            }
         };
-        const Pixel4 alphaRed = mean(weighted(rowOfPairs(row.alpha, row.red, top).at, middleAlphaRed.at,
-                                              rowOfPairs(row.alpha, row.red, bottom).at),
-                                     reciprocals);
-        const Pixel4 greenBlue = mean(weighted(rowOfPairs(row.green, row.blue, top).at, middleGreenBlue.at,
-                                               rowOfPairs(row.green, row.blue, bottom).at),
-                                      reciprocals);
-        const Pixel4 nextDown = mean(weighted(RowOfTables(row, top - row.stride, halfX).at,
-                                              RowOfTables(middleAlphaRed, middleGreenBlue).at,
-                                              RowOfTables(row, bottom + row.stride, halfX).at),
-                                     Double4{} + reciprocalOf(halfX, halfY + 1));
-        return PairsMixed(__builtin_shufflevector(alphaRed, greenBlue, 0, 1, 2, 3, 4, 5, 6, 7),
-                          __builtin_shufflevector(nextDown, nextDown, 0, 0, 1, 1, 2, 2, 3, 3), fractionX,
-                          fractionY);
-    }
+
+        // Samples of all four tables at the half-width's distance.
+        struct RowOfTables {
+            Double4 at[3];
+
+            PILIB_INLINE RowOfTables(const BlurRow<Entry>& row, std::ptrdiff_t centre, std::ptrdiff_t halfX) {
+                const auto all = [&](std::ptrdiff_t cell) PILIB_INLINE_LAMBDA {
+                    return Double4{row.alpha[cell], row.red[cell], row.green[cell], row.blue[cell]};
+                };
+                at[0] = all(centre - halfX);
+                at[1] = all(centre);
+                at[2] = all(centre + halfX);
+            }
+
+            // From what has been read in pairs.
+            PILIB_INLINE RowOfTables(const RowOfPairs& alphaRed, const RowOfPairs& greenBlue) {
+                for (int i = 0; i < 3; ++i)
+                    at[i] = __builtin_shufflevector(alphaRed.at[i], greenBlue.at[i], 0, 2, 4, 6);
+            }
+        };
+
+        PILIB_INLINE PixelValues readPixel(const BlurRow<Entry>& row, std::ptrdiff_t centre, int lane,
+                                           std::ptrdiff_t radiusX, std::ptrdiff_t radiusY) const {
+            const std::ptrdiff_t halfX = radiusX + 1;
+            const std::ptrdiff_t top = centre - (radiusY + 1) * row.stride;
+            const std::ptrdiff_t bottom = centre + (radiusY + 1) * row.stride;
+            const RowOfPairs middleAlphaRed(row.alpha, row.red, centre, halfX);
+            const RowOfPairs middleGreenBlue(row.green, row.blue, centre, halfX);
+            const Double4 reciprocals = {whole[lane], across[lane], whole[lane], across[lane]};
+            const auto mean = [](Double4 sum, Double4 reciprocal) PILIB_INLINE_LAMBDA {
+                return __builtin_convertvector(sum * reciprocal + 0.5, Pixel4);
+            };
+            const Pixel4 alphaRed =
+                mean(weighted(RowOfPairs(row.alpha, row.red, top, halfX).at, middleAlphaRed.at,
+                              RowOfPairs(row.alpha, row.red, bottom, halfX).at),
+                     reciprocals);
+            const Pixel4 greenBlue =
+                mean(weighted(RowOfPairs(row.green, row.blue, top, halfX).at, middleGreenBlue.at,
+                              RowOfPairs(row.green, row.blue, bottom, halfX).at),
+                     reciprocals);
+            const Pixel4 nextDown = mean(weighted(RowOfTables(row, top - row.stride, halfX).at,
+                                                  RowOfTables(middleAlphaRed, middleGreenBlue).at,
+                                                  RowOfTables(row, bottom + row.stride, halfX).at),
+                                         Double4{} + down[lane]);
+            return {__builtin_shufflevector(alphaRed, greenBlue, 0, 1, 2, 3, 4, 5, 6, 7), nextDown};
+        }
+
+        struct Mean {
+            static PILIB_INLINE Int mean(Int value) { return value; }
+        };
+        struct Means {
+            Mean whole;
+            Mean across;
+            Mean down;
+        };
+        PILIB_INLINE Means means() const { return {}; }
+    };
 };
 
 template <class Depth>
@@ -395,7 +416,7 @@ PILIB_INLINE Channels ReadGroup(const BlurRow<typename Blur::Entry>& row, std::p
         const Int c00 = whole.mean(table + centre) & Depth::kMask;
         const Int c10 = nextAcross.mean(table + centre) & Depth::kMask;
         const Int c01 = nextDown.mean(table + centre) & Depth::kMask;
-        return (Interpolated(c00, c10, fractionX) + Interpolated(c00, c01, fractionY)) >> 1;
+        return Mixed(c00, c10, c01, fractionX, fractionY);
     };
     return {channel(row.alpha), channel(row.red), channel(row.green), channel(row.blue)};
 }
@@ -415,32 +436,53 @@ PILIB_INLINE Channels ReadGroups(const BlurRow<typename Blur::Entry>& row, std::
     return result;
 }
 
-// The same pixel by pixel. Needs radii that are not clamped.
+// Pixels of kValues values each, one behind the other, to one vector per value.
+template <unsigned kValues>
+PILIB_INLINE void SplitValues(const Int* pixels, Int* values, int step = 1) {
+    if constexpr (kValues == 1) {
+        *values = *pixels;
+    } else {
+        constexpr unsigned kHalf = kValues / 2;
+        Int evens[kHalf];
+        Int odds[kHalf];
+        for (unsigned i = 0; i < kHalf; ++i) {
+            evens[i] = Arranged<Evens>(pixels[2 * i], pixels[2 * i + 1]);
+            odds[i] = Arranged<Odds>(pixels[2 * i], pixels[2 * i + 1]);
+        }
+        SplitValues<kHalf>(evens, values, 2 * step);
+        SplitValues<kHalf>(odds, values + step, 2 * step);
+    }
+}
+
+// The same with every pixel read by itself. Needs radii that are not clamped.
 template <class Blur, class Depth>
 PILIB_INLINE Channels ReadPixels(const BlurRow<typename Blur::Entry>& row, std::ptrdiff_t centre,
                                  const Radii& x, const Radii& y, unsigned wanted) {
     std::int32_t wholeX[kLanes];
     std::int32_t wholeY[kLanes];
-    std::int32_t fractionX[kLanes];
-    std::int32_t fractionY[kLanes];
     std::memcpy(wholeX, &x.whole, sizeof wholeX);
     std::memcpy(wholeY, &y.whole, sizeof wholeY);
-    std::memcpy(fractionX, &x.fraction, sizeof fractionX);
-    std::memcpy(fractionY, &y.fraction, sizeof fractionY);
-    Int pixels[4] = {};
+    const typename Blur::Pixels pixels(x.whole, y.whole);
+    Int wholeAndAcross[8] = {};
+    Int down[4] = {};
     for (; wanted != 0; wanted &= wanted - 1) {
         const int lane = __builtin_ctz(wanted);
-        const Pixel4 pixel = Blur::template readPixel<Depth>(row, centre + lane, wholeX[lane], wholeY[lane],
-                                                             fractionX[lane], fractionY[lane]);
-        std::memcpy(reinterpret_cast<char*>(pixels) + sizeof pixel * static_cast<unsigned>(lane), &pixel,
-                    sizeof pixel);
+        const PixelValues values = pixels.readPixel(row, centre + lane, lane, wholeX[lane], wholeY[lane]);
+        std::memcpy(reinterpret_cast<Pixel4x2*>(wholeAndAcross) + lane, &values.wholeAndAcross,
+                    sizeof values.wholeAndAcross);
+        std::memcpy(reinterpret_cast<Pixel4*>(down) + lane, &values.down, sizeof values.down);
     }
-    const auto channel = [&]<class Order>(Order /*order*/) PILIB_INLINE_LAMBDA {
-        return Arranged<JoinFirstHalves>(Arranged<Order>(pixels[0], pixels[1]),
-                                         Arranged<Order>(pixels[2], pixels[3]));
+    Int acrossValues[8];
+    Int downValues[4];
+    SplitValues<8>(wholeAndAcross, acrossValues);
+    SplitValues<4>(down, downValues);
+    const auto means = pixels.means();
+    const auto channel = [&](int c) PILIB_INLINE_LAMBDA {
+        return Mixed(means.whole.mean(acrossValues[2 * c]) & Depth::kMask,
+                     means.across.mean(acrossValues[2 * c + 1]) & Depth::kMask,
+                     means.down.mean(downValues[c]) & Depth::kMask, x.fraction, y.fraction);
     };
-    return {channel(EveryFourth<0>{}), channel(EveryFourth<1>{}), channel(EveryFourth<2>{}),
-            channel(EveryFourth<3>{})};
+    return {channel(0), channel(1), channel(2), channel(3)};
 }
 
 // Pixels x .. x + count - 1 of the row, of which `count` is at most the lanes.
@@ -471,8 +513,26 @@ PILIB_INLINE void ReadBlock(const BlurRow<typename Blur::Entry>& row, int x, int
     Depth::store(output, input, count, blurred, result);
 }
 
+// Fetches the lowest table row that the largest radius reaches, which no row above has read. Where radii
+// differ from pixel to pixel its cells would be waited for one by one.
+template <class Entry>
+PILIB_INLINE void PrefetchLowestCells(const BlurRow<Entry>& row) {
+    constexpr std::ptrdiff_t kCacheLine = 64 / sizeof(Entry);
+    const auto reach = [](float radius, std::int32_t maxFixed) PILIB_INLINE_LAMBDA {
+        const auto whole = static_cast<std::int32_t>(radius);
+        return std::ptrdiff_t{whole < maxFixed >> 16 ? whole : maxFixed >> 16} + 1;
+    };
+    const std::ptrdiff_t reachX = reach(row.radiusX, row.maxFixedRadiusX);
+    const std::ptrdiff_t below = row.centre + reach(row.radiusY, row.maxFixedRadiusY) * row.stride;
+    for (std::ptrdiff_t cell = below - reachX; cell <= below + row.count + reachX; cell += kCacheLine) {
+        for (const Entry* table : {row.alpha, row.red, row.green, row.blue})
+            __builtin_prefetch(table + cell);
+    }
+}
+
 template <class Blur, class Depth>
 void ReadRow(const BlurRow<typename Blur::Entry>& row) {
+    PrefetchLowestCells(row);
     int x = 0;
     for (; x + kLanes <= row.count; x += kLanes)
         ReadBlock<Blur, Depth>(row, x, kLanes);

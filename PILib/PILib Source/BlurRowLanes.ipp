@@ -137,13 +137,6 @@ struct ZipFirstHalves {
 struct ZipSecondHalves {
     static constexpr int at(int lane) { return kLanes / 2 + lane / 2 + lane % 2 * kLanes; }
 };
-struct JoinFirstHalves {
-    static constexpr int at(int lane) { return lane < kLanes / 2 ? lane : lane + kLanes / 2; }
-};
-template <int kFirst>
-struct EveryFourth {  // of both in the first half of the lanes
-    static constexpr int at(int lane) { return (4 * lane + kFirst) % (2 * kLanes); }
-};
 struct Evens {
     static constexpr int at(int lane) { return 2 * lane; }
 };
@@ -174,6 +167,19 @@ PILIB_INLINE V Arranged(V a, V b) {
 template <int... kLane>
 PILIB_INLINE Int JoinedLanes(HalfInt low, HalfInt high, std::integer_sequence<int, kLane...> /*lanes*/) {
     return __builtin_shufflevector(low, high, kLane...);
+}
+
+template <int kFirst, int... kLane>
+PILIB_INLINE HalfInt HalfOf(Int v, std::integer_sequence<int, kLane...> /*lanes*/) {
+    return __builtin_shufflevector(v, v, (kFirst + kLane)...);
+}
+
+PILIB_INLINE HalfInt FirstHalf(Int v) {
+    return HalfOf<0>(v, std::make_integer_sequence<int, kLanes / 2>{});
+}
+
+PILIB_INLINE HalfInt SecondHalf(Int v) {
+    return HalfOf<kLanes / 2>(v, std::make_integer_sequence<int, kLanes / 2>{});
 }
 
 PILIB_INLINE Int Joined(HalfInt low, HalfInt high) {
