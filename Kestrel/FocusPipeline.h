@@ -35,7 +35,8 @@ struct Downsample {
 bool ShowsOriginal(const RenderInputs& inputs);
 
 // Renders one frame. `control` is the control layer, conformed to the output's size; null when none is
-// chosen, and then the output is the input, without the blend. `level` changes the speed alone.
+// chosen, and then the output is the input, without the blend. `level` changes the speed alone
+// for channels within full scale.
 void RenderFrame(PILib::PIContext& context, const RenderInputs& inputs, Downsample downsample,
                  const PILib::PixelBuffer& output, const PILib::PixelBuffer& input,
                  const PILib::PixelBuffer* control, PILib::SimdLevel level = PILib::BestSimdLevel());

@@ -82,6 +82,18 @@ void DepthDispatch(PILib::PIContext& context, const PixelBuf<P>& output, const P
     PILib::ThreadRows(context, handler, output.height, -1);
 }
 
+template <class P>
+void DepthDispatch(PILib::PIContext& context, const PixelBuf<P>& output, const PixelBuf<P>& input,
+                   const ChannelBuf<typename P::ChannelType>& control, bool fine, float radiusX,
+                   float radiusY) {
+    DepthDispatch<P>(context, output, input, control, fine, radiusX, radiusY, PILib::BestSimdLevel());
+}
+
+void Kestrel(PILib::PIContext& context, const PILib::PixelBuffer& output, const PILib::PixelBuffer& input,
+             const PILib::ChannelBuffer& control, bool fine, float radiusX, float radiusY) {
+    Kestrel(context, output, input, control, fine, radiusX, radiusY, PILib::BestSimdLevel());
+}
+
 void Kestrel(PILib::PIContext& context, const PILib::PixelBuffer& output, const PILib::PixelBuffer& input,
              const PILib::ChannelBuffer& control, bool fine, float radiusX, float radiusY,
              PILib::SimdLevel level) {
@@ -97,6 +109,12 @@ void Kestrel(PILib::PIContext& context, const PILib::PixelBuffer& output, const 
 
 template struct KestrelThreadHandler<Pixel<Channel8>>;
 template struct KestrelThreadHandler<Pixel<Channel15>>;
+template void DepthDispatch(PILib::PIContext&, const PixelBuf<Pixel<Channel8>>&,
+                            const PixelBuf<Pixel<Channel8>>&, const ChannelBuf<Channel8>&, bool, float,
+                            float);
+template void DepthDispatch(PILib::PIContext&, const PixelBuf<Pixel<Channel15>>&,
+                            const PixelBuf<Pixel<Channel15>>&, const ChannelBuf<Channel15>&, bool, float,
+                            float);
 template void DepthDispatch(PILib::PIContext&, const PixelBuf<Pixel<Channel8>>&,
                             const PixelBuf<Pixel<Channel8>>&, const ChannelBuf<Channel8>&, bool, float, float,
                             PILib::SimdLevel);

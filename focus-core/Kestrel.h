@@ -18,16 +18,24 @@
 // Renders at the depth of `output`, 8 or 15 bits: `fine` takes the tent blur, else the box blur. `radiusX`
 // and `radiusY` are the largest horizontal and vertical radius, not negative. Another depth, or an input or
 // map smaller than the output, fails an assertion; a buffer of another class is std::bad_cast. What the
-// context or a row throws passes on, and rows already written stay written. `level` changes the speed alone.
+// context or a row throws passes on, and rows already written stay written.
 void Kestrel(PILib::PIContext& context, const PILib::PixelBuffer& output, const PILib::PixelBuffer& input,
-             const PILib::ChannelBuffer& control, bool fine, float radiusX, float radiusY,
-             PILib::SimdLevel level = PILib::BestSimdLevel());
+             const PILib::ChannelBuffer& control, bool fine, float radiusX, float radiusY);
 
 // The same for one pixel type: owns the blur of one render.
 template <class P>
 void DepthDispatch(PILib::PIContext& context, const PILib::PixelBuf<P>& output,
                    const PILib::PixelBuf<P>& input, const PILib::ChannelBuf<typename P::ChannelType>& control,
-                   bool fine, float radiusX, float radiusY, PILib::SimdLevel level = PILib::BestSimdLevel());
+                   bool fine, float radiusX, float radiusY);
+
+// Both at another level than the best: for channels within full scale it changes the speed alone.
+void Kestrel(PILib::PIContext& context, const PILib::PixelBuffer& output, const PILib::PixelBuffer& input,
+             const PILib::ChannelBuffer& control, bool fine, float radiusX, float radiusY,
+             PILib::SimdLevel level);
+template <class P>
+void DepthDispatch(PILib::PIContext& context, const PILib::PixelBuf<P>& output,
+                   const PILib::PixelBuf<P>& input, const PILib::ChannelBuf<typename P::ChannelType>& control,
+                   bool fine, float radiusX, float radiusY, PILib::SimdLevel level);
 
 // What the row threads share, read-only. A row writes its own output row alone, so that nothing is locked.
 template <class P>

@@ -66,7 +66,9 @@ struct Depth15 {
 
     static PILIB_INLINE Int shareOf(Int map) { return map * 2; }
 
-    static PILIB_INLINE Int product(Int a, Int b) { return Times(a, b) >> 15; }
+    static PILIB_INLINE Int product(Int a, Int b) {
+        return reinterpret_cast<Int>(AsUnsigned(a) * AsUnsigned(b) >> 15);
+    }
 
     // 32768 in 16.16 divided by alpha, truncated; saturated for alpha 1. The estimate is corrected by what is
     // left over.

@@ -41,7 +41,8 @@ public:
 
     // `count` pixels of a row at once: output[i] is getBlur(x + i, y) at the radius that map[i] gives, full
     // scale meaning `radiusX` and `radiusY` pixels, or input[i] where map[i] is 0. Every level gives the
-    // bytes of the per-pixel read-out.
+    // bytes of the per-pixel read-out, of the blurs here without calling it: a blur with another getBlur
+    // overrides this as well.
     using MapValue = typename P::Type;
     virtual void getBlurRow(int x, int y, const MapValue* map, const P* input, P* output, int count,
                             float radiusX, float radiusY);

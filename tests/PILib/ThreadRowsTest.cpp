@@ -203,14 +203,24 @@ TEST(ThreadRowsTest, BandsCoverAChunkWithAReportForEachRow) {
     for (const int thread : {0, 1}) {
         FakeContext context;
         BandHandler handler;
-        ThreadRowsWork<BandHandler> work{handler, context, 20};
+        ThreadRowsWork<BandHandler> work{handler, context, 70};
         EXPECT_EQ(0, ThreadRowsHelper<BandHandler>(&work, thread, 1, 2));
-        EXPECT_EQ((Bands{{10, 4}, {14, 4}, {18, 2}}), handler.bands);
+        EXPECT_EQ((Bands{{35, 4}, {39, 4}, {43, 4}, {47, 4}, {51, 4}, {55, 4}, {59, 4}, {63, 4}, {67, 3}}),
+                  handler.bands);
         EXPECT_TRUE(handler.rows.empty());
         std::vector<ProgressCall> expected;
-        for (int k = 0; thread == 0 && k < 10; ++k)
-            expected.push_back({k, 10, 0.0F, 1.0F});
+        for (int k = 0; thread == 0 && k < 35; ++k)
+            expected.push_back({k, 35, 0.0F, 1.0F});
         EXPECT_EQ(expected, context.progressCalls);
+    }
+}
+
+TEST(ThreadRowsTest, BandIsAnEighthOfItsChunkAtMost) {
+    for (const auto& [rows, band] : {std::pair{31, 3}, {24, 3}, {16, 2}, {9, 1}, {2, 1}}) {
+        FakeContext context;
+        BandHandler handler;
+        ThreadRows(context, handler, rows, 1);
+        EXPECT_EQ(band, handler.bands.front().second) << rows;
     }
 }
 
@@ -225,7 +235,7 @@ TEST(ThreadRowsTest, CancelWithinABandLeavesTheRowsBeforeItRendered) {
         FakeContext context;
         context.failAtProgress(c.call, PILib::kUserCancelled);
         BandHandler handler;
-        EXPECT_THROW(ThreadRows(context, handler, 10, -1), int) << c.call;
+        EXPECT_THROW(ThreadRows(context, handler, 33, -1), int) << c.call;
         EXPECT_EQ(c.bands, handler.bands) << c.call;
     }
 }
