@@ -2,8 +2,10 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <span>
 
 #include "PF_Values.h"
@@ -41,6 +43,31 @@ inline constexpr std::uint32_t kWhite<PF_Pixel16> = 32768;
 
 template <class P>
 using ChannelOf = decltype(P::alpha);
+
+// The channels of pixels one behind the other, alpha first.
+template <class P>
+const ChannelOf<P>* channelsOf(std::span<const P> pixels) {
+    static_assert(sizeof(P) == 4 * sizeof(ChannelOf<P>));
+    return reinterpret_cast<const ChannelOf<P>*>(pixels.data());
+}
+
+// False for no pixels. All channels are gone through, since that takes vector instructions and alpha alone
+// does not.
+template <class P>
+bool isOpaque(std::span<const P> pixels) {
+    using Channel = ChannelOf<P>;
+    constexpr Channel kAll = std::numeric_limits<Channel>::max();
+    std::array<Channel, 4> common = {kAll, kAll, kAll, kAll};  // bits of all pixels
+    std::array<Channel, 4> any{};                              // bits of any pixel
+    const Channel* const channels = channelsOf(pixels);
+    for (std::size_t i = 0; i < 4 * pixels.size(); i += 4) {
+        for (std::size_t c = 0; c < 4; ++c) {
+            common[c] &= channels[i + c];
+            any[c] |= channels[i + c];
+        }
+    }
+    return common[0] == kWhite<P> && any[0] == kWhite<P>;
+}
 
 // A rectangle before it is clipped. Effects may hand over any coordinates; in 64 bits their sums and
 // differences do not overflow.

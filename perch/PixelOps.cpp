@@ -23,13 +23,29 @@ P mixed(const P& a, std::uint64_t shareA, const P& b, std::uint64_t shareB) {
             colour(a.green, b.green), colour(a.blue, b.blue)};
 }
 
+// Alpha falls out of the weights where both rows are opaque; a channel times its share stays in 32 bits.
+template <class P>
+void blendOpaque(std::span<const P> a, std::span<const P> b, std::uint32_t ratio, P* to) {
+    constexpr auto kOne = static_cast<std::uint32_t>(kFixedOne);
+    const ChannelOf<P>* const channelsA = channelsOf(a);
+    const ChannelOf<P>* const channelsB = channelsOf(b);
+    auto* const out = reinterpret_cast<ChannelOf<P>*>(to);
+    for (std::size_t i = 0; i < 4 * a.size(); ++i)
+        out[i] = static_cast<ChannelOf<P>>((channelsA[i] * (kOne - ratio) + channelsB[i] * ratio + kOne / 2) /
+                                           kOne);
+}
+
 template <class P>
 void blend(const PF_EffectWorld& a, const PF_EffectWorld& b, std::uint64_t ratio, const PF_EffectWorld& to) {
     for (std::int32_t y = 0; y < to.height; ++y) {
-        const P* const rowA = rowOf<P>(a, y);
-        const P* const rowB = rowOf<P>(b, y);
+        const std::span<const P> rowA = pixelRow<P>(a, y);
+        const std::span<const P> rowB = pixelRow<P>(b, y);
         P* const out = rowOf<P>(to, y);
-        for (std::int32_t x = 0; x < to.width; ++x)
+        if (isOpaque(rowA) && isOpaque(rowB)) {
+            blendOpaque(rowA, rowB, static_cast<std::uint32_t>(ratio), out);
+            continue;
+        }
+        for (std::size_t x = 0; x < rowA.size(); ++x)
             out[x] = mixed(rowA[x], kFixedOne - ratio, rowB[x], ratio);
     }
 }

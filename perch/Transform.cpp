@@ -1,8 +1,7 @@
 // Drawing a world through a matrix: separable and exact for scales, sampled for everything else.
-#include <array>
 #include <cmath>
-#include <limits>
 #include <optional>
+#include <span>
 #include <type_traits>
 #include <vector>
 
@@ -154,7 +153,7 @@ public:
     // Whether all that the rows hold for the columns is opaque.
     bool areUnder(const ScaleAxis::Taps& rows) const {
         for (std::int32_t y = rows.first; y < rows.end(); ++y) {
-            if (!isOpaque(channelsOf(y))) return false;
+            if (!isOpaque(pixelsOf(y))) return false;
         }
         return !rows.weights.empty();
     }
@@ -170,30 +169,16 @@ private:
     // A channel times weights of both axes, 22 bits in all.
     using Sum = std::conditional_t<kWhite<P> <= 255, std::uint32_t, std::uint64_t>;
 
-    // Of the pixels of the range in row y, alpha first.
-    const ChannelOf<P>* channelsOf(std::int32_t y) const {
-        return reinterpret_cast<const ChannelOf<P>*>(rowOf<P>(from, y) + range.begin);
-    }
-
-    // All channels are gone through, since that takes vector instructions and alpha alone does not.
-    bool isOpaque(const ChannelOf<P>* channels) const {
-        std::array<ChannelOf<P>, kChannels> common;  // bits of all pixels
-        std::array<ChannelOf<P>, kChannels> any{};   // bits of any pixel
-        common.fill(std::numeric_limits<ChannelOf<P>>::max());
-        for (std::size_t i = 0; i < sums.size(); i += kChannels) {
-            for (std::size_t c = 0; c < kChannels; ++c) {
-                common[c] &= channels[i + c];
-                any[c] |= channels[i + c];
-            }
-        }
-        return common[0] == kWhite<P> && any[0] == kWhite<P>;
+    // Those of the range in row y.
+    std::span<const P> pixelsOf(std::int32_t y) const {
+        return {rowOf<P>(from, y) + range.begin, static_cast<std::size_t>(range.end - range.begin)};
     }
 
     void addRows(const ScaleAxis::Taps& rows) {
         std::ranges::fill(sums, 0);
         std::int32_t y = rows.first;
         for (const std::uint32_t weight : rows.weights) {
-            const ChannelOf<P>* const channels = channelsOf(y++);
+            const ChannelOf<P>* const channels = channelsOf(pixelsOf(y++));
             for (std::size_t i = 0; i < sums.size(); ++i)
                 sums[i] += weight * channels[i];
         }

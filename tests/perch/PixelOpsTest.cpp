@@ -46,6 +46,27 @@ TYPED_TEST(PixelOpsTest, BlendWeighsColoursByAlpha) {
     EXPECT_EQ(at<P>(out, 0, 0).red, 100);
 }
 
+// A transparent last column takes rows off the path of opaque ones.
+TYPED_TEST(PixelOpsTest, OpaqueRowsAreBlendedAsAllOthers) {
+    using P = TypeParam;
+    World a = opaqueNoise<P>(40, 6, 1);
+    World b = opaqueNoise<P>(40, 6, 2);
+    World softA = a;
+    for (std::int32_t y = 0; y < 6; ++y)
+        at<P>(softA, 39, y).alpha = 0;
+    for (const PF_Fixed ratio : {1, 100, 19661, 32768, 65535}) {
+        World opaque = filled(40, 6, grey<P>(0, 0));
+        World soft = opaque;
+        ASSERT_EQ(blendWorlds(a.record(), b.record(), ratio, opaque.record()), PF_Err_NONE);
+        ASSERT_EQ(blendWorlds(softA.record(), b.record(), ratio, soft.record()), PF_Err_NONE);
+        for (std::int32_t y = 0; y < 6; ++y) {
+            for (std::int32_t x = 0; x < 39; ++x)
+                ASSERT_TRUE(same(at<P>(opaque, x, y), at<P>(soft, x, y)))
+                    << ratio << " at " << x << ", " << y;
+        }
+    }
+}
+
 TYPED_TEST(PixelOpsTest, BlendMayWriteOverASource) {
     World a = noise<TypeParam>(9, 4, 1);
     World b = noise<TypeParam>(9, 4, 2);
