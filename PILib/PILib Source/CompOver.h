@@ -1,16 +1,11 @@
 // The "over" operator on straight pixels of the two host depths: `top` composited over `bottom`.
 #pragma once
 
-#include <concepts>
 #include <cstdint>
 
 #include "Pixel.h"
 
 namespace PILib {
-
-// The depths that painting, overlay and blend exist for.
-template <class C>
-concept HostDepth = std::same_as<C, Channel8> || std::same_as<C, Channel15>;
 
 // One colour of the result where its alpha is full: each colour weighted by its share of the alpha.
 template <HostDepth C>

@@ -138,8 +138,9 @@ constexpr Channel32::Type Channel32::fromFloat(float f) {
     return detail::ClampedFromFloat(f, 65536.0F, 65535.0F);
 }
 
+// The host's two depths: those that are rendered at, painted, blended, and widened to float.
 template <class C>
-concept WidensToFloat = std::same_as<C, Channel8> || std::same_as<C, Channel15>;
+concept HostDepth = std::same_as<C, Channel8> || std::same_as<C, Channel15>;
 
 template <class C>
 struct Pixel {
@@ -170,7 +171,7 @@ struct Pixel {
           blue(C::fromFloat(p.blue)) {}
 
     // Widens each component to float.
-    template <WidensToFloat S>
+    template <HostDepth S>
     requires std::same_as<C, Channel32f>
     // NOLINTNEXTLINE(google-explicit-constructor): as above
     constexpr Pixel(const Pixel<S>& p)
