@@ -1,5 +1,6 @@
 // Vectors of PILIB_LANES 32-bit lanes, as the row kernels use them. The compilers' portable vector types give
 // one text for every instruction set; what they compile badly goes through the processor's own intrinsics.
+#pragma once
 
 #include <cstddef>
 #include <cstdint>
