@@ -8,7 +8,8 @@
 
 namespace PILib::detail {
 
-// What one row is read out from. `T` is a table entry, std::uint32_t (box) or double (tent).
+// What one row is read out from. `T` is a table entry, std::uint32_t (box) or double (tent). The tables hold
+// all cells up to the radii and one more around the row's pixels.
 template <class T>
 struct BlurRow {
     const T* alpha;
@@ -24,35 +25,41 @@ struct BlurRow {
     float radiusX;  // pixels, 0 to kLargestRowRadius
     float radiusY;
     std::int32_t count;  // pixels
-    const void* map;     // channel values
+    const void* map;     // channel values, 0 to full scale
     const void* input;   // pixels
-    void* output;        // pixels
+    void* output;        // pixels; may be `input`
 };
 
-// A box's 15-bit sum stays below 2^31 up to this radius, as radii are capped at about half of it; rows of
-// larger ones are read out pixel by pixel.
+// The largest whole radius that kernels read, beside the next one: the 15-bit sum of a box of 2 * 127 + 1 by
+// 2 * 126 + 1 pixels stays below 2^31.
+inline constexpr std::int32_t kLargestWholeRadius = 126;
+
+// The largest radius of a row, so that a share of it in 16.16 stays far within 32 bits. Rows of larger ones
+// are read out pixel by pixel.
 inline constexpr float kLargestRowRadius = 250.0F;
 
-// Cells that a kernel may read past the end of a table, to their values' disregard.
+// Cells past the end of a table that kernels may read, whatever they hold: the widest vector's, less one.
 inline constexpr std::size_t kTableSlack = 16;
 
-// One row of a picture, and where the running sums of its premultiplied channels go, from `start` on: of red,
-// green, blue and alpha.
+// One row of a picture, and where the running sums of its premultiplied channels go, modulo 2^32 and from
+// `start` on: of red, green, blue and alpha.
 struct PrefixRow {
     const void* pixels;
-    std::int32_t count;  // pixels
-    std::int32_t start[4];
-    std::int32_t* sums[4];
+    std::int32_t count;  // pixels, 1 or more
+    std::uint32_t start[4];
+    std::uint32_t* sums[4];
 };
 
-// The kernels of one level, by blur and depth.
+// The kernels of one depth and one level.
+struct DepthKernels {
+    void (*box)(const BlurRow<std::uint32_t>& row);
+    void (*tent)(const BlurRow<double>& row);
+    void (*prefix)(const PrefixRow& row);
+};
+
 struct BlurRowKernels {
-    void (*box8)(const BlurRow<std::uint32_t>& row);
-    void (*box15)(const BlurRow<std::uint32_t>& row);
-    void (*tent8)(const BlurRow<double>& row);
-    void (*tent15)(const BlurRow<double>& row);
-    void (*prefix8)(const PrefixRow& row);
-    void (*prefix15)(const PrefixRow& row);
+    DepthKernels depth8;
+    DepthKernels depth15;
 };
 
 extern const BlurRowKernels kBlurRowBaseline;

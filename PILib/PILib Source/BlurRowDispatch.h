@@ -9,23 +9,13 @@
 
 namespace PILib::detail {
 
-// The kernels of a level other than Scalar.
-const BlurRowKernels& KernelsOf(SimdLevel level);
-
-template <class C>
-auto BoxRowKernel(SimdLevel level) {
-    return std::is_same_v<C, Channel8> ? KernelsOf(level).box8 : KernelsOf(level).box15;
-}
-
-template <class C>
-auto TentRowKernel(SimdLevel level) {
-    return std::is_same_v<C, Channel8> ? KernelsOf(level).tent8 : KernelsOf(level).tent15;
-}
-
-template <class C>
-auto PrefixKernel(SimdLevel level) {
-    return std::is_same_v<C, Channel8> ? KernelsOf(level).prefix8 : KernelsOf(level).prefix15;
-}
+// The kernels of a level that can run here and is not Scalar.
+template <HostDepth C>
+const DepthKernels& KernelsFor(SimdLevel level);
+template <>
+const DepthKernels& KernelsFor<Channel8>(SimdLevel level);
+template <>
+const DepthKernels& KernelsFor<Channel15>(SimdLevel level);
 
 template <class Blur, class P>
 auto RowOf(const Blur& blur, int x, int y, const typename P::Type* map, const P* input, P* output, int count,

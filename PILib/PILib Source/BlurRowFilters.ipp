@@ -9,14 +9,14 @@ namespace PILib::detail {
 
 namespace {
 
-// One pixel read out by itself: each channel at the whole radii and then at the next radius across, and each
-// channel at the next radius down.
 typedef std::int32_t Pixel4 __attribute__((vector_size(16)));
 typedef std::int32_t Pixel4x2 __attribute__((vector_size(32)));
 typedef std::uint64_t Words __attribute__((vector_size(32)));
 typedef double Double4 __attribute__((vector_size(32)));
 typedef double Double2 __attribute__((vector_size(16)));
 
+// One pixel read out by itself: each channel at the whole radii and then at the next radius across, and each
+// channel at the next radius down.
 struct PixelValues {
     Pixel4x2 wholeAndAcross;
     Pixel4 down;
@@ -165,12 +165,12 @@ struct Tent {
         double down[kLanes];
 
         PILIB_INLINE Pixels(Int radiusX, Int radiusY) {
-            store(radiusX + 1, radiusY + 1, whole);
-            store(radiusX + 2, radiusY + 1, across);
-            store(radiusX + 1, radiusY + 2, down);
+            storeReciprocals(radiusX + 1, radiusY + 1, whole);
+            storeReciprocals(radiusX + 2, radiusY + 1, across);
+            storeReciprocals(radiusX + 1, radiusY + 2, down);
         }
 
-        static PILIB_INLINE void store(Int halfX, Int halfY, double* reciprocals) {
+        static PILIB_INLINE void storeReciprocals(Int halfX, Int halfY, double* reciprocals) {
             const Int weight = halfX * halfY;
             const Int square = Times(weight, weight);
             const Double low = 1.0 / __builtin_convertvector(FirstHalf(square), Double);

@@ -75,7 +75,7 @@ struct Depth15 {
     // left over.
     static PILIB_INLINE Int straightenFactor(Int alpha) {
         const Float divisor = AsFloat(alpha);
-        const auto rest = [alpha](Int quotient) {
+        const auto rest = [alpha](Int quotient) PILIB_INLINE_LAMBDA {
             return reinterpret_cast<Int>((Uint{} + 0x80000000U) - AsUnsigned(quotient) * AsUnsigned(alpha));
         };
         Int quotient =
@@ -109,13 +109,13 @@ struct Depth15 {
 };
 
 // The radii of a block along one axis, split and clamped as getBlur and getBlurInt do.
-struct Radii {
+struct AxisRadii {
     Int whole;
     Int next;      // whole + 1, clamped likewise
     Int fraction;  // 0 to 65535
 };
 
-PILIB_INLINE Radii RadiiOf(Int share, float radius, std::int32_t maxFixed, std::int32_t largest) {
+PILIB_INLINE AxisRadii RadiiOf(Int share, float radius, std::int32_t maxFixed, std::int32_t largest) {
     const Int fixed = Min(Truncated(AsFloat(share) * radius), Splat(maxFixed));
     const Int whole = fixed >> 16;
     return {Min(whole, Splat(largest)), Min(whole + 1, Splat(largest)), fixed & 0xFFFF};
@@ -145,7 +145,7 @@ PILIB_INLINE void Straighten(Channels& c) {
     if (Bits(opaque) == (1U << kLanes) - 1U) return;
     const Int transparent = c.alpha == 0;
     const Int factor = Depth::straightenFactor(c.alpha - transparent);  // transparent lanes divide by 1
-    const auto scaled = [&](Int colour) {
+    const auto scaled = [&](Int colour) PILIB_INLINE_LAMBDA {
         const Uint product = AsUnsigned(colour) * AsUnsigned(factor);
         return Select(opaque, colour, reinterpret_cast<Int>(product >> 16) & Depth::kMask & ~transparent);
     };
@@ -184,7 +184,7 @@ PILIB_INLINE Channels ReadGroup(const BlurRow<typename Blur::Entry>& row, std::p
 // A block whose lanes `wanted` are blurred, group by group.
 template <class Blur, class Depth>
 PILIB_INLINE Channels ReadGroups(const BlurRow<typename Blur::Entry>& row, std::ptrdiff_t centre,
-                                 const Radii& x, const Radii& y, unsigned wanted) {
+                                 const AxisRadii& x, const AxisRadii& y, unsigned wanted) {
     Channels result{};
     while (wanted != 0) {
         const int lane = __builtin_ctz(wanted);
@@ -217,7 +217,7 @@ PILIB_INLINE void SplitValues(const Int* pixels, Int* values, int step = 1) {
 // The same with every pixel read by itself. Needs radii that are not clamped.
 template <class Blur, class Depth>
 PILIB_INLINE Channels ReadPixels(const BlurRow<typename Blur::Entry>& row, std::ptrdiff_t centre,
-                                 const Radii& x, const Radii& y, unsigned wanted) {
+                                 const AxisRadii& x, const AxisRadii& y, unsigned wanted) {
     std::int32_t wholeX[kLanes];
     std::int32_t wholeY[kLanes];
     std::memcpy(wholeX, &x.whole, sizeof wholeX);
@@ -228,9 +228,12 @@ PILIB_INLINE Channels ReadPixels(const BlurRow<typename Blur::Entry>& row, std::
     for (; wanted != 0; wanted &= wanted - 1) {
         const int lane = __builtin_ctz(wanted);
         const PixelValues values = pixels.readPixel(row, centre + lane, lane, wholeX[lane], wholeY[lane]);
-        std::memcpy(reinterpret_cast<Pixel4x2*>(wholeAndAcross) + lane, &values.wholeAndAcross,
+        const auto to = [lane](Int* pixelValues, std::size_t size) {
+            return reinterpret_cast<unsigned char*>(pixelValues) + static_cast<unsigned>(lane) * size;
+        };
+        std::memcpy(to(wholeAndAcross, sizeof values.wholeAndAcross), &values.wholeAndAcross,
                     sizeof values.wholeAndAcross);
-        std::memcpy(reinterpret_cast<Pixel4*>(down) + lane, &values.down, sizeof values.down);
+        std::memcpy(to(down, sizeof values.down), &values.down, sizeof values.down);
     }
     Int means[8];
     Int meansDown[4];
@@ -254,14 +257,14 @@ PILIB_INLINE void ReadBlock(const BlurRow<typename Blur::Entry>& row, int x, int
     const Int blurred = map != 0;
     const unsigned wanted = Bits(blurred);
     if (wanted == 0) {
-        std::memcpy(output, input, 4 * sizeof(Type) * static_cast<std::size_t>(count));
+        if (output != input) std::memcpy(output, input, 4 * sizeof(Type) * static_cast<std::size_t>(count));
         return;
     }
     const Int share = Depth::shareOf(map);
     const std::int32_t largestX = row.borderX - Blur::kClampedBelowBorder;
     const std::int32_t largestY = row.borderY - Blur::kClampedBelowBorder;
-    const Radii radiiX = RadiiOf(share, row.radiusX, row.maxFixedRadiusX, largestX);
-    const Radii radiiY = RadiiOf(share, row.radiusY, row.maxFixedRadiusY, largestY);
+    const AxisRadii radiiX = RadiiOf(share, row.radiusX, row.maxFixedRadiusX, largestX);
+    const AxisRadii radiiY = RadiiOf(share, row.radiusY, row.maxFixedRadiusY, largestY);
     const std::ptrdiff_t centre = row.centre + x + Blur::kCentreShift * (row.stride + 1);
 
     const bool isClamped = row.maxFixedRadiusX >> 16 >= largestX || row.maxFixedRadiusY >> 16 >= largestY;
@@ -272,8 +275,8 @@ PILIB_INLINE void ReadBlock(const BlurRow<typename Blur::Entry>& row, int x, int
     Depth::store(output, input, count, blurred, result);
 }
 
-// Fetches the lowest table row that the largest radius reaches, which no row above has read. Where radii
-// differ from pixel to pixel its cells would be waited for one by one.
+// Fetches the lowest table row that the largest radius reaches: the rows above have brought in all others.
+// Where radii differ from pixel to pixel its cells would be waited for one by one.
 template <class Entry>
 PILIB_INLINE void PrefetchLowestCells(const BlurRow<Entry>& row) {
     constexpr std::ptrdiff_t kCacheLine = 64 / sizeof(Entry);
@@ -302,7 +305,7 @@ void ReadRow(const BlurRow<typename Blur::Entry>& row) {
 template <int kDistance = 1>
 PILIB_INLINE Int RunningSums(Int v) {
     if constexpr (kDistance < kLanes) {
-        return RunningSums<2 * kDistance>(v + Arranged<ShiftedUp<kDistance>>(v, Int{}));
+        return RunningSums<2 * kDistance>(Plus(v, Arranged<ShiftedUp<kDistance>>(v, Int{})));
     } else {
         return v;
     }
@@ -317,7 +320,7 @@ PILIB_INLINE void SumPixels(const PrefixRow& row, Int (&sums)[4], int x, int cou
     const Int premultiplied[4] = {Depth::product(c.red, c.alpha), Depth::product(c.green, c.alpha),
                                   Depth::product(c.blue, c.alpha), c.alpha};
     for (int table = 0; table < 4; ++table) {
-        const Int running = sums[table] + RunningSums(premultiplied[table]);
+        const Int running = Plus(sums[table], RunningSums(premultiplied[table]));
         std::memcpy(row.sums[table] + x, &running, sizeof(std::int32_t) * static_cast<unsigned>(count));
         sums[table] = Arranged<Last>(running, running);
     }
@@ -325,7 +328,9 @@ PILIB_INLINE void SumPixels(const PrefixRow& row, Int (&sums)[4], int x, int cou
 
 template <class Depth>
 void SumRow(const PrefixRow& row) {
-    Int sums[4] = {Splat(row.start[0]), Splat(row.start[1]), Splat(row.start[2]), Splat(row.start[3])};
+    Int sums[4];
+    for (int table = 0; table < 4; ++table)
+        sums[table] = Splat(static_cast<std::int32_t>(row.start[table]));
     int x = 0;
     for (; x + kLanes <= row.count; x += kLanes)
         SumPixels<Depth>(row, sums, x, kLanes);
@@ -335,8 +340,8 @@ void SumRow(const PrefixRow& row) {
 }  // namespace
 
 extern const BlurRowKernels PILIB_KERNELS = {
-    ReadRow<Box, Depth8>,   ReadRow<Box, Depth15>, ReadRow<Tent, Depth8>,
-    ReadRow<Tent, Depth15>, SumRow<Depth8>,        SumRow<Depth15>,
+    {ReadRow<Box, Depth8>, ReadRow<Tent, Depth8>, SumRow<Depth8>},
+    {ReadRow<Box, Depth15>, ReadRow<Tent, Depth15>, SumRow<Depth15>},
 };
 
 }  // namespace PILib::detail

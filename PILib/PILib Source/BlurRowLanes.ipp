@@ -24,7 +24,7 @@ typedef double Double __attribute__((vector_size(4 * PILIB_LANES)));  // half as
 typedef std::int32_t HalfInt __attribute__((vector_size(2 * PILIB_LANES)));
 
 #define PILIB_INLINE __attribute__((always_inline)) inline
-#define PILIB_INLINE_LAMBDA __attribute__((always_inline))
+#define PILIB_INLINE_LAMBDA __attribute__((always_inline))  // a call would pass vectors through memory
 
 template <class V, class E>
 PILIB_INLINE V Load(const E* from) {

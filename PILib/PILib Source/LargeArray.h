@@ -11,7 +11,8 @@
 
 namespace PILib::detail {
 
-// Memory for any trivial type, of any value, to be given back with its size. Throws std::bad_alloc.
+// Memory for any trivial type, of any value, to be given back with its size. Throws std::bad_alloc. What is
+// given back may be kept for the next block of that size.
 void* AllocateLarge(std::size_t bytes);
 void FreeLarge(void* block, std::size_t bytes) noexcept;
 

@@ -13,11 +13,11 @@ namespace {
 
 constexpr std::size_t kLargePage = std::size_t{2} << 20;  // x86-64's, and the usual one of arm64
 
-// Whole large pages; what fits in less stays on the heap.
 std::size_t MappedBytes(std::size_t bytes) {
     return (bytes + kLargePage - 1) / kLargePage * kLargePage;
 }
 
+// Blocks of less than half a large page would waste most of one: they stay on the heap.
 bool IsMapped(std::size_t bytes) {
     return bytes > kLargePage / 2;
 }
@@ -26,7 +26,7 @@ void Unmap(char* begin, const char* end) {
     if (begin != end) munmap(begin, static_cast<std::size_t>(end - begin));
 }
 
-// Whole large pages in a mapping of its own, as the heap's pages lose the request for large ones when the
+// A mapping of its own, as the heap's pages lose the request for large ones when the
 // heap shrinks.
 void* Map(std::size_t mapped) {
     void* const mapping =
@@ -43,7 +43,8 @@ void* Map(std::size_t mapped) {
 }
 
 // Blocks that were given back last, for the next frame's tables of the same size: new pages would have to be
-// cleared by the system first. The system may take these pages whenever it is short of memory.
+// cleared by the system first. The system may take these pages whenever it is short of memory. For any
+// thread; renders of two sizes in turn find none.
 class SpareBlocks {
 public:
     SpareBlocks() = default;

@@ -6,7 +6,7 @@
 #include <new>
 
 #include "BlurRowDispatch.h"
-#include "SATBlurTables.h"
+#include "FirstOrderRow.h"
 
 namespace PILib {
 
@@ -41,7 +41,11 @@ std::int32_t WithBorders(std::int32_t size, std::int64_t border) {
 
 template <class P>
 SATBlur<P>::SATBlur(PIContext& context, const FrameBuf<P>& source, int radiusX, int radiusY, SimdLevel level)
-    : width(source.width), height(source.height), context(context), source(source), level(level) {
+    : width(source.width),
+      height(source.height),
+      context(context),
+      source(source),
+      level(IsSupported(level) ? level : SimdLevel::Scalar) {
     _Assert(radiusX >= 0 && radiusY >= 0, site::kRadiusNotNegative, site::kSATBlurFile);
     _Assert(width > 0 && height > 0, site::kSourceNotEmpty, site::kSATBlurFile);
 
@@ -67,6 +71,7 @@ template <class P>
 std::size_t SATBlur<P>::tableCells() const {
     const std::uint64_t cells =
         static_cast<std::uint64_t>(tableWidth) * static_cast<std::uint64_t>(tableHeight);
+    // The larger entries in half of the address space, so that differences of addresses fit too.
     if (cells > std::numeric_limits<std::size_t>::max() / (2 * sizeof(double))) throw std::bad_alloc();
     return static_cast<std::size_t>(cells) + detail::kTableSlack;
 }
@@ -75,10 +80,10 @@ template <class P>
 bool SATBlur<P>::hasRowKernel(float radiusX, float radiusY) const {
     // What is read out is capped by the row's radius and by the tables. Tables of one pixel's radius or less
     // are clamped at both ends of the read-out; they are left to getBlur.
-    constexpr float kLargestFixed = 127.0F * 65536.0F;
+    constexpr float kFixedLimit = static_cast<float>(detail::kLargestWholeRadius + 1) * 65536.0F;
     const auto fits = [](float radius, std::int32_t maxFixed) {
-        return radius <= detail::kLargestRowRadius &&
-               std::min(radius * 65536.0F, static_cast<float>(maxFixed)) < kLargestFixed;
+        return radius >= 0.0F && radius <= detail::kLargestRowRadius &&
+               std::min(radius * 65536.0F, static_cast<float>(maxFixed)) < kFixedLimit;
     };
     return level != SimdLevel::Scalar && borderX > 1 && borderY > 1 && fits(radiusX, maxFixedRadiusX) &&
            fits(radiusY, maxFixedRadiusY);
@@ -180,8 +185,8 @@ void SATBoxBlur<P>::getBlurRow(int x, int y, const typename P::Type* map, const 
         SATBlur<P>::getBlurRow(x, y, map, input, output, count, radiusX, radiusY);
         return;
     }
-    const auto kernel = detail::BoxRowKernel<typename P::ChannelType>(this->level);
-    kernel(detail::RowOf(*this, x, y, map, input, output, count, radiusX, radiusY));
+    const auto& kernels = detail::KernelsFor<typename P::ChannelType>(this->level);
+    kernels.box(detail::RowOf(*this, x, y, map, input, output, count, radiusX, radiusY));
 }
 
 template class SATBlur<Pixel<Channel8>>;

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "BlurRowDispatch.h"
-#include "SATBlurTables.h"
+#include "FirstOrderRow.h"
 
 namespace PILib {
 
@@ -139,8 +139,8 @@ void SATTentBlur<P>::getBlurRow(int x, int y, const typename P::Type* map, const
         SATBlur<P>::getBlurRow(x, y, map, input, output, count, radiusX, radiusY);
         return;
     }
-    const auto kernel = detail::TentRowKernel<typename P::ChannelType>(this->level);
-    kernel(detail::RowOf(*this, x, y, map, input, output, count, radiusX, radiusY));
+    const auto& kernels = detail::KernelsFor<typename P::ChannelType>(this->level);
+    kernels.tent(detail::RowOf(*this, x, y, map, input, output, count, radiusX, radiusY));
 }
 
 template class SATTentBlur<Pixel<Channel8>>;

@@ -34,6 +34,8 @@ SimdLevel BestSimdLevel() {
 
 namespace detail {
 
+namespace {
+
 const BlurRowKernels& KernelsOf(SimdLevel level) {
 #if PILIB_HAS_X86_LEVELS
     if (level == SimdLevel::Avx512) return kBlurRowAvx512;
@@ -42,9 +44,21 @@ const BlurRowKernels& KernelsOf(SimdLevel level) {
 #if PILIB_HAS_BASELINE
     return kBlurRowBaseline;
 #else
-    static const BlurRowKernels none{};
+    static const BlurRowKernels none{};  // such builds know Scalar alone
     return none;
 #endif
+}
+
+}  // namespace
+
+template <>
+const DepthKernels& KernelsFor<Channel8>(SimdLevel level) {
+    return KernelsOf(level).depth8;
+}
+
+template <>
+const DepthKernels& KernelsFor<Channel15>(SimdLevel level) {
+    return KernelsOf(level).depth15;
 }
 
 }  // namespace detail

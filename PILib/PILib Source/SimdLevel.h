@@ -1,4 +1,5 @@
-// Which vector instructions the fast paths use. Every level gives the same bytes; Scalar is the reference.
+// Which vector instructions the fast paths use. Every level gives the same bytes for channels within full
+// scale; Scalar is the reference.
 #pragma once
 
 namespace PILib {
@@ -13,7 +14,7 @@ enum class SimdLevel {
 // The best level that this build holds and this processor runs; found once. For any thread.
 SimdLevel BestSimdLevel();
 
-// Whether `level` can run here.
+// Whether `level` can run here. A blur that is asked for one that cannot takes Scalar.
 bool IsSupported(SimdLevel level);
 
 }  // namespace PILib

@@ -39,7 +39,7 @@ public:
         {
             const std::lock_guard lock(mutex);
             job = {fn, refcon, iterations};
-            next = 1;
+            untaken = 1;
             failed = Failure{};
             busy = static_cast<int>(workers.size());
             ++generation;
@@ -79,7 +79,8 @@ private:
     }
 
     void work(int thread) {
-        for (int i = thread == 0 ? 0 : take(); i < job.iterations; i = take()) {
+        for (std::int64_t next = thread == 0 ? 0 : take(); next < job.iterations; next = take()) {
+            const auto i = static_cast<int>(next);
             Failure outcome{i, 0, nullptr};
             try {
                 outcome.code = job.fn(job.refcon, thread, i, job.iterations);
@@ -92,7 +93,7 @@ private:
         }
     }
 
-    int take() { return next.fetch_add(1, std::memory_order_relaxed); }
+    std::int64_t take() { return untaken.fetch_add(1, std::memory_order_relaxed); }
 
     void stop() {
         {
@@ -108,7 +109,7 @@ private:
     std::condition_variable wake;
     std::condition_variable done;
     Job job{};
-    std::atomic<int> next = 0;
+    std::atomic<std::int64_t> untaken = 0;  // runs past the count by up to one per thread
     Failure failed;
     int busy = 0;
     unsigned generation = 0;

@@ -22,8 +22,9 @@ struct ThreadRowsWork {
     int rows;
 };
 
-// A handler may also render a band of neighbouring rows at once, at most kBandRows, which is then done in
-// place of rowOp. What a band that throws leaves of its own rows is up to the handler.
+// A handler may also render a band of neighbouring rows at once, at most kBandRows: bandOp then takes the
+// place of rowOp wherever an iteration has several rows. What a band that throws leaves of its own rows is up
+// to the handler.
 template <class H>
 concept RendersBands = requires(H& handler, PIContext& context) {
     { H::kBandRows } -> std::convertible_to<int>;
@@ -33,9 +34,11 @@ concept RendersBands = requires(H& handler, PIContext& context) {
 // The rows of one chunk, band by band. What the context and the caller see is what rows one by one give: each
 // row's report comes before the row, and a report that throws leaves the rows before its own rendered. A band
 // is at most an eighth of its chunk, so that the bar moves on and a cancel comes in time in small chunks too.
+// An exception of a band takes the place of the report's.
 template <class H>
 void RenderBands(const ThreadRowsWork<H>& work, int thread, int start, int count) {
-    const int bandRows = std::clamp<int>(count / 8, 1, H::kBandRows);
+    constexpr int kBandsOfChunk = 8;
+    const int bandRows = std::clamp<int>(count / kBandsOfChunk, 1, H::kBandRows);
     for (int first = 0; first < count; first += bandRows) {
         const int end = first + std::min(bandRows, count - first);
         int k = first;

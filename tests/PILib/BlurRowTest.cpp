@@ -74,8 +74,8 @@ void ExpectEqualRows(const Scene<C>& scene, SimdLevel level, int seed, int large
     const SimplePixelBuffer<P> actual(scene.picture.width, 1);
     for (int y = 0; y < scene.picture.height; ++y) {
         const auto read = [&](Blur& blur, const SimplePixelBuffer<P>& output) {
-            blur.getBlurRow(0, y, scene.map.row(y).begin(), scene.picture.row(y).begin(), output.row(0).begin(),
-                            scene.picture.width, scene.radiusX, scene.radiusY);
+            blur.getBlurRow(0, y, scene.map.row(y).begin(), scene.picture.row(y).begin(),
+                            output.row(0).begin(), scene.picture.width, scene.radiusX, scene.radiusY);
         };
         read(reference, expected);
         read(fast, actual);
@@ -94,6 +94,9 @@ void ExpectEqualRows(const Scene<C>& scene, SimdLevel level, int seed) {
                           static_cast<int>(std::ceil(scene.radiusY)));
 }
 
+// A level that cannot run here gives the rows of Scalar.
+constexpr SimdLevel kLevels[] = {SimdLevel::Baseline, SimdLevel::Avx2, SimdLevel::Avx512};
+
 template <class C>
 class BlurRowTest : public testing::Test {};
 using Depths = testing::Types<Channel8, Channel15>;
@@ -101,8 +104,7 @@ TYPED_TEST_SUITE(BlurRowTest, Depths);
 
 TYPED_TEST(BlurRowTest, EveryLevelGivesTheBytesOfThePerPixelReadOut) {
     using P = Pixel<TypeParam>;
-    for (const SimdLevel level : {SimdLevel::Baseline, SimdLevel::Avx2, SimdLevel::Avx512}) {
-        if (!IsSupported(level)) continue;
+    for (const SimdLevel level : kLevels) {
         for (int seed = 0; seed < 140; ++seed) {
             Random random(static_cast<unsigned>(seed));
             // Every width up to two blocks of the widest level and more, twice.
@@ -121,8 +123,7 @@ TYPED_TEST(BlurRowTest, RowsOfLargeRadiiEqualThePerPixelReadOut) {
         float rowRadius;
         int tableRadius;
     };
-    for (const SimdLevel level : {SimdLevel::Baseline, SimdLevel::Avx2, SimdLevel::Avx512}) {
-        if (!IsSupported(level)) continue;
+    for (const SimdLevel level : kLevels) {
         for (const Case& c : {Case{200.0F, 200}, Case{249.99F, 250}, Case{250.0F, 250}, Case{250.01F, 251},
                               Case{300.0F, 300}, Case{250.0F, 356}, Case{250.0F, 700}, Case{127.0F, 356}}) {
             Random random(7);
@@ -136,6 +137,19 @@ TYPED_TEST(BlurRowTest, RowsOfLargeRadiiEqualThePerPixelReadOut) {
             }
             ExpectEqualRows<SATBoxBlur<P>>(scene, level, 7, c.tableRadius, c.tableRadius);
             ExpectEqualRows<SATTentBlur<P>>(scene, level, 7, c.tableRadius, c.tableRadius);
+        }
+    }
+}
+
+TYPED_TEST(BlurRowTest, NegativeRadiiEqualThePerPixelReadOut) {
+    using P = Pixel<TypeParam>;
+    for (const SimdLevel level : kLevels) {
+        for (const float radius : {-0.5F, -3.0F, -100.0F}) {
+            Random random(3);
+            Scene<TypeParam> scene(random, 50, 3);
+            scene.radiusX = radius;
+            ExpectEqualRows<SATBoxBlur<P>>(scene, level, 3, 20, 20);
+            ExpectEqualRows<SATTentBlur<P>>(scene, level, 3, 20, 20);
         }
     }
 }

@@ -1,4 +1,4 @@
-// What the builds of the box and the tent tables share: rows of first-order sums, one after another.
+// Rows of first-order sums, one after another, as the tables of both blurs are built from.
 #pragma once
 
 #include <algorithm>
@@ -23,7 +23,7 @@ public:
     FirstOrderRow(SimdLevel level, std::int32_t border, std::int32_t tableWidth)
         : border(border), width(static_cast<std::size_t>(tableWidth)), entries(4 * width) {
         if (!suitsVectors(level, tableWidth)) return;
-        kernel = PrefixKernel<C>(level);
+        kernel = KernelsFor<C>(level).prefix;
         running.resize(4 * width);
     }
 
@@ -72,43 +72,42 @@ private:
         }
     }
 
-    void add(const std::int32_t* __restrict row, T* __restrict to) const {
+    // Signed, as processors convert those to doubles at once.
+    void add(const std::uint32_t* __restrict row, T* __restrict to) const {
         for (std::size_t i = 0; i < 4 * width; ++i)
-            to[i] += static_cast<T>(row[i]);
+            to[i] += static_cast<T>(static_cast<std::int32_t>(row[i]));
     }
 
     // The ends of the source are repeated for every column of the border.
     void sum(const Row<Pixel<C>>& source) {
         const int pixels = source.size();
-        const std::array<std::int32_t, 4> first = premultiplied(source[0]);
-        const std::array<std::int32_t, 4> end = premultiplied(source[pixels - 1]);
+        const auto repeats = static_cast<std::uint32_t>(border);
+        const std::array<std::uint32_t, 4> first = premultiplied(source[0]);
+        const std::array<std::uint32_t, 4> end = premultiplied(source[pixels - 1]);
         PrefixRow row{source.begin(), pixels, {}, {}};
         for (std::size_t table = 0; table < 4; ++table) {
-            std::int32_t* sum = running.data() + table * width;
-            for (std::int32_t tx = 1; tx <= border; ++tx)
+            std::uint32_t* sum = running.data() + table * width;
+            for (std::uint32_t tx = 1; tx <= repeats; ++tx)
                 *sum++ = tx * first[table];
-            row.start[table] = border * first[table];
+            row.start[table] = repeats * first[table];
             row.sums[table] = sum;
         }
         kernel(row);
         for (std::size_t table = 0; table < 4; ++table) {
-            std::int32_t* const sum = row.sums[table] + pixels;
-            for (std::int32_t tx = 0; tx < border; ++tx)
+            std::uint32_t* const sum = row.sums[table] + pixels;
+            for (std::uint32_t tx = 0; tx < repeats; ++tx)
                 sum[tx] = sum[-1] + (tx + 1) * end[table];
         }
         last = source.begin();
     }
 
-    static std::array<std::int32_t, 4> premultiplied(const Pixel<C>& p) {
-        const auto times = [&p](typename C::Type colour) {
-            return static_cast<std::int32_t>(C::mul(colour, p.alpha));
-        };
-        return {times(p.red), times(p.green), times(p.blue), p.alpha};
+    static std::array<std::uint32_t, 4> premultiplied(const Pixel<C>& p) {
+        return {C::mul(p.red, p.alpha), C::mul(p.green, p.alpha), C::mul(p.blue, p.alpha), p.alpha};
     }
 
     void (*kernel)(const PrefixRow& row) = nullptr;  // where vectors form the running sums
     std::vector<T> entries;                          // of red, green, blue and alpha, one row each
-    std::vector<std::int32_t> running;               // sums along the last source row, likewise
+    std::vector<std::uint32_t> running;              // sums along the last source row, likewise
     const Pixel<C>* last = nullptr;  // that row: it is asked for again for every row of the border
 };
 
