@@ -19,6 +19,8 @@ using PILib::Pixel;
 using PILib::PixelBuf;
 using PILib::PixelBuffer;
 
+// Users know these failures by file and line, which do not follow the source
+// (docs/decisions/assertion-lines.md).
 constexpr char kFile[] = "AEKestrel";
 constexpr int kFrameSizesMatch = 1;
 constexpr int kProcessChannelDepth = 335;
@@ -40,7 +42,7 @@ void AssertSizeOf(const FrameBuffer& output, const FrameBuffer& other) {
     PILib::_Assert(other.width == output.width && other.height == output.height, kFrameSizesMatch, kFile);
 }
 
-// In whole numbers of type `N`.
+// max(0, |value - focus| - range) in place. `N` holds every step.
 template <class N, class C>
 void MapDistances(const ChannelBuf<C>& channel, N focus, N range, bool invert) {
     using Type = typename C::Type;

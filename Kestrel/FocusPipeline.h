@@ -10,10 +10,11 @@
 #include "PIContext.h"
 #include "SimdLevel.h"
 
-// The effect's controls for one frame. The defaults are those of a freshly applied effect.
+// The effect's controls for one frame. The defaults are those of a freshly applied effect. Values are not
+// clamped; a channel that PILib::ChannelID does not have fails an assertion.
 struct RenderInputs {
-    int viewMode = 0;           // 0 Normal, 1 Focus (shows the defocus map)
-    int blurType = 0;           // 0 Coarse (box), 1 Fine (tent)
+    int viewMode = 0;           // 0 Normal, else Focus (shows the defocus map)
+    int blurType = 0;           // 0 Coarse (box), else Fine (tent)
     int channel = 4;            // a PILib::ChannelID; 4 is Luma
     float focalPoint = 0.0F;    // control value in focus, 0 to 1
     float inFocusRange = 0.0F;  // control values this far from the focal point stay sharp, 0 to 1
@@ -35,8 +36,8 @@ struct Downsample {
 bool ShowsOriginal(const RenderInputs& inputs);
 
 // Renders one frame. `control` is the control layer, conformed to the output's size; null when none is
-// chosen, and then the output is the input, without the blend. `level` changes the speed alone
-// for channels within full scale.
+// chosen, and then the output is the input, without the blend. `level` changes the speed alone for channels
+// within full scale.
 void RenderFrame(PILib::PIContext& context, const RenderInputs& inputs, Downsample downsample,
                  const PILib::PixelBuffer& output, const PILib::PixelBuffer& input,
                  const PILib::PixelBuffer* control, PILib::SimdLevel level = PILib::BestSimdLevel());

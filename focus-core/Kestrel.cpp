@@ -17,6 +17,8 @@ using PILib::FrameBuffer;
 using PILib::Pixel;
 using PILib::PixelBuf;
 
+// Users know these failures by file and line, which do not follow the source
+// (docs/decisions/assertion-lines.md).
 constexpr char kFile[] = "Kestrel";
 constexpr int kSourcesCoverOutput = 1;
 constexpr int kSupportedDepth = 82;
