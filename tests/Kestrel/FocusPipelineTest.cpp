@@ -101,18 +101,12 @@ TEST(ProcessChannelTest, DistanceFromTheFocusBandIsKeptInChannelUnits) {
     };
     // A focal point of 50% is 127 of 255, a range of 10% is 25.
     for (const Distance& d : {
-             Distance{0.5F, 0.1F, false, 0, 102},
-             Distance{0.5F, 0.1F, false, 101, 1},
-             Distance{0.5F, 0.1F, false, 102, 0},
-             Distance{0.5F, 0.1F, false, 127, 0},
-             Distance{0.5F, 0.1F, false, 152, 0},
-             Distance{0.5F, 0.1F, false, 153, 1},
-             Distance{0.5F, 0.1F, false, 200, 48},
-             Distance{0.5F, 0.1F, true, 55, 48},
-             Distance{0.0F, 0.0F, false, 255, 255},
-             Distance{0.0F, 0.0F, true, 255, 0},
-             Distance{1.0F, 0.0F, false, 255, 0},
-             Distance{1.0F, 1.0F, false, 0, 0},
+             Distance{0.5F, 0.1F, false, 0, 102}, Distance{0.5F, 0.1F, false, 101, 1},
+             Distance{0.5F, 0.1F, false, 102, 0}, Distance{0.5F, 0.1F, false, 127, 0},
+             Distance{0.5F, 0.1F, false, 152, 0}, Distance{0.5F, 0.1F, false, 153, 1},
+             Distance{0.5F, 0.1F, false, 200, 48}, Distance{0.5F, 0.1F, true, 55, 48},
+             Distance{0.0F, 0.0F, false, 255, 255}, Distance{0.0F, 0.0F, true, 255, 0},
+             Distance{1.0F, 0.0F, false, 255, 0}, Distance{1.0F, 1.0F, false, 0, 0},
              Distance{0.5F, 1e10F, true, 255, 127},  // a range that no integer holds is the most negative one
              Distance{0.5F, 10.0F, false, 255, 0},   // beyond the control's own range
          }) {
