@@ -3,6 +3,9 @@
 #include "FrameManager.h"
 
 #include <climits>
+#include <memory>
+#include <string>
+#include <vector>
 
 #include "OracleBuffers.h"
 #include "RandomImage.h"
