@@ -2,7 +2,8 @@
 // the entry point and implements the image library's processing context over the host's callbacks.
 //
 // Lives for one call; copies (each frame instance keeps one) are good until that call returns. Parameters are
-// addressed by the effect's own identifiers. Host errors are thrown as int. For the thread that entered the
+// addressed by the effect's own identifiers. Host errors are thrown as int, but for those of multiThread,
+// which returns them; a missing suite is a long, the suite handler's. For the thread that entered the
 // plug-in, but for progress(), which iteration thread 0 of multiThread may call.
 #pragma once
 

@@ -50,7 +50,7 @@ public:
 
     // Field order is given; it is also what makes output go before input, and both before the context.
     AEContext context;
-    PF_InData* inData = nullptr;
+    PF_InData* inData = nullptr;                 // of the last cached call, not for use after it
     std::unique_ptr<PILib::PixelBuffer> input;   // the source, of the output's size
     std::unique_ptr<PILib::PixelBuffer> output;  // both of the last render, not for use after it
     std::int32_t inputWidth = 0;                 // of the source layer

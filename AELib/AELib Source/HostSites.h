@@ -1,5 +1,7 @@
 // The framework's assertions by name: the file and line that each one reports to the user. They are fixed and
-// do not follow the source. Checks that guard memory beyond the fixed set use lines below 20.
+// do not follow the source. Checks that guard memory beyond the fixed set use lines below 20; but a global
+// handle that a failed set-up left empty counts as none. Those of sequences and frames are made with their
+// instance.
 #pragma once
 
 namespace AELib::site {

@@ -42,8 +42,7 @@ public:
     [[noreturn]] static void MissingSuiteError();
 
 private:
-    // One slot per suite and version that effects of this family know; the ones without a name here are never
-    // filled.
+    // One slot per suite and version of the host; the framework fills those that have a name here.
     static constexpr std::size_t kSlots = 88;
     enum Slot : std::size_t {
         kIterate8,

@@ -133,7 +133,9 @@ protected:
 
 class PixelBuffer : public virtual FrameBuffer {
 public:
-    // Slot order is given; append only.
+    // Slot order is given; append only. The destructor is declared, here and below, for its place in that
+    // order: an implicit one comes last.
+    ~PixelBuffer() override = default;
     virtual PixelBuffer* newPixelBuffer(int width, int height) const = 0;
     unsigned char* newPremultRowCache() const override;
     // alpha = channel; colours stay.
@@ -163,6 +165,7 @@ public:
 class ChannelBuffer : public virtual FrameBuffer {
 public:
     // Slot order is given; append only.
+    ~ChannelBuffer() override = default;
     unsigned char* newPremultRowCache() const override;
     // Copies the alpha plane; asserts that the source has this depth and size.
     virtual void loadAlpha(const PixelBuffer& source) const = 0;
@@ -204,6 +207,7 @@ public:
     using ChannelType = typename detail::ElementTraits<T>::Channel;
 
     // Slot order is given; append only.
+    ~FrameBuf() override = default;
     int elementKey() const override;
     const std::type_info& elementType() const override;
     int elementSize() const override;

@@ -45,6 +45,38 @@ TEST_F(AEContextTest, DefaultHasNoCall) {
     EXPECT_EQ(nullptr, context.sequenceManager);
 }
 
+TEST_F(AEContextTest, AssignmentCopiesTheWholeCall) {
+    host.in.downsample_x = {1, 2};
+    host.in.downsample_y = {1, 4};
+    TestSequence sequence;
+    HostWorld picture(1, 1, false);
+    host.output = &picture.def;
+    AELib::AEContext context = makeContext(PF_Cmd_UPDATE_PARAMS_UI, &sequence);
+    context.sequenceManager = &sequence;
+    context.setProgress(0.25F, 0.75F);
+    host.param(0).uu.id = 77;
+    context.copyParam(0);
+
+    AELib::AEContext copy;
+    copy = context;
+    ASSERT_EQ(1U, copy.paramCopies.size());
+    EXPECT_EQ(0, std::memcmp(&context.paramCopies[0], &copy.paramCopies[0], sizeof(PF_ParamDef)));
+    EXPECT_NE(&context.paramCopies[0], &copy.paramCopies[0]);
+    EXPECT_EQ(PF_Cmd_UPDATE_PARAMS_UI, copy.cmd);
+    EXPECT_EQ(&host.in, copy.inData);
+    EXPECT_EQ(&host.out, copy.outData);
+    EXPECT_EQ(params.data(), copy.params);
+    EXPECT_EQ(&picture.def, copy.output);
+    EXPECT_EQ(&sequence, copy.extra);
+    EXPECT_EQ(&manager, copy.globalManager);
+    EXPECT_EQ(&sequence, copy.sequenceManager);
+    EXPECT_EQ(0.5F, copy.downsampleX);
+    EXPECT_EQ(0.25F, copy.downsampleY);
+    EXPECT_EQ(0.5F, copy.pixelAspectRatio);
+    EXPECT_EQ(2500, copy.progressOffset);
+    EXPECT_EQ(5000, copy.progressScale);
+}
+
 TEST_F(AEContextTest, OnlyBestQualityIsNoDraft) {
     for (const PF_Quality quality : {-1, 0, 1, 2}) {
         host.in.quality = quality;

@@ -141,6 +141,13 @@ const Declaration kDeclarations[] = {
          def.u.fs_d.display_flags = PF_ValueDisplayFlag_PERCENT;
          return def;
      }},
+    {"percent of one decimal", [](AEParamCreator& c) { c.percent(13, "Name", 50, 1); },
+     [] {
+         PF_ParamDef def = FloatSlider(0, 0, 100, 100, 50);
+         def.u.fs_d.display_flags = PF_ValueDisplayFlag_PERCENT;
+         def.u.fs_d.precision = 1;
+         return def;
+     }},
     {"angle", [](AEParamCreator& c) { c.angle(13, "Name", 45.5F, 9); },
      [] {
          PF_ParamDef def = Blank(PF_Param_ANGLE);
@@ -250,6 +257,28 @@ TEST_F(AEParamCreatorTest, GroupsStartClosedUnlessTwirledOpen) {
     EXPECT_EQ(PF_ParamFlag_START_COLLAPSED, declared[3].flags);
 }
 
+TEST_F(AEParamCreatorTest, ModifiersKeepTheOtherFlags) {
+    constexpr PF_ParamUIFlags kOtherUi = PF_PUI_TOPIC;
+    constexpr A_u_long kOtherSliderFlag = 2;
+    const auto& declared = declare([](AEParamCreator& create) {
+        create.percent(1, "Pixel after percent", 50, 1);
+        create.displayPixel();
+        create.slider(2, "Percent after pixel", 0, 0, 1, 1, 0, 2);
+        create.displayPixel();
+        create.displayPercent();
+        create.def.ui_flags = kOtherUi;
+        create.disable();
+        create.def.u.fs_d.fs_flags = kOtherSliderFlag;
+        create.wantPhase();
+    });
+    ASSERT_EQ(2U, declared.size());
+    for (const PF_ParamDef& def : declared)
+        EXPECT_EQ(PF_ValueDisplayFlag_PERCENT | PF_ValueDisplayFlag_PIXEL, def.u.fs_d.display_flags)
+            << def.name;
+    EXPECT_EQ(kOtherUi | PF_PUI_DISABLED, declared[1].ui_flags);
+    EXPECT_EQ(kOtherSliderFlag | PF_FSliderFlag_WANT_PHASE, declared[1].u.fs_d.fs_flags);
+}
+
 TEST_F(AEParamCreatorTest, EachDeclarationHandsOverTheOneBefore) {
     AELib::AEContext context = makeContext(PF_Cmd_PARAMS_SETUP);
     AEParamCreator create(context);
@@ -316,6 +345,25 @@ TEST_F(AEParamCreatorTest, HostErrorEndsTheSetupAndTheCountIsNotPublished) {
         EXPECT_EQ(static_cast<std::size_t>(failing - 1), host.declared.size()) << "nothing more is declared";
         EXPECT_EQ(failing, host.failures.calls(Callback::kAddParam)) << "nothing is tried again";
     }
+}
+
+TEST_F(AEParamCreatorTest, ARefusedDeclarationIsHandedOverAgainAtItsIndex) {
+    AELib::AEContext context = makeContext(PF_Cmd_PARAMS_SETUP);
+    {
+        AEParamCreator create(context);
+        create.layer(7, "First", 0);
+        host.failures.at(Callback::kAddParam, 1, 61);
+        EXPECT_EQ(61, CodeOf([&] { create.layer(8, "Never started", 0); }));
+        EXPECT_TRUE(create.pending);
+        EXPECT_EQ(1, create.nextIndex);
+        create.layer(9, "Second", 0);
+    }
+    ASSERT_EQ(2U, host.declared.size());
+    EXPECT_EQ(7, host.declared[0].uu.id);
+    EXPECT_EQ(9, host.declared[1].uu.id);
+    EXPECT_EQ(1, manager.getParamNumber(7));
+    EXPECT_EQ(2, manager.getParamNumber(9));
+    EXPECT_EQ(3, host.out.num_params);
 }
 
 TEST_F(AEParamCreatorTest, ExceptionOfTheEffectStillDeclaresWhatIsPending) {

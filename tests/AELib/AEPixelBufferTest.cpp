@@ -162,6 +162,32 @@ TYPED_TEST(AEPixelBufferTest, DeallocateOfAnOwnedWorldDisposesItOnce) {
     EXPECT_EQ(1, this->host.failures.calls(Callback::kDisposeWorld));
 }
 
+TYPED_TEST(AEPixelBufferTest, SizingAgainReplacesAnOwnedWorldAndLetsAViewedOneGo) {
+    HostWorld world(2, 2, kDeep<TypeParam>);
+    {
+        typename TestFixture::Buffer owner(this->context, world.def, 3, 3, PILib::kAlignCenter);
+        typename TestFixture::Buffer view(this->context, world.def);
+        owner.initialize(5, 4);
+        EXPECT_EQ(1, this->host.failures.calls(Callback::kDisposeWorld));
+        view.initialize(5, 4);
+        EXPECT_EQ(1, this->host.failures.calls(Callback::kDisposeWorld)) << "the viewed world is not its own";
+        EXPECT_EQ(2, this->host.liveWorlds());
+        for (const auto* buffer : {&owner, &view}) {
+            EXPECT_TRUE(buffer->ownsWorld);
+            EXPECT_EQ(&buffer->world, buffer->layer);
+            EXPECT_EQ(5, buffer->world.width);
+            EXPECT_EQ(4, buffer->world.height);
+            EXPECT_EQ(5, buffer->width);
+            EXPECT_EQ(4, buffer->height);
+            EXPECT_EQ(static_cast<const void*>(buffer->world.data), buffer->data);
+        }
+        this->host.failures.at(Callback::kNewWorld, 1, 91);
+        EXPECT_EQ(91, CodeOf([&] { owner.initialize(6, 6); }));
+        EXPECT_EQ(1, this->host.liveWorlds()) << "the old world is given back first, and only once";
+    }
+    EXPECT_EQ(0, this->host.liveWorlds());
+}
+
 TYPED_TEST(AEPixelBufferTest, WorldsThatCannotHoldTheirPixelsFail) {
     HostWorld world(4, 2, kDeep<TypeParam>);
     PF_EffectWorld empty = world.def;

@@ -210,10 +210,12 @@ TEST_F(DispatchTest, AnEmptyGlobalHandleFails) {
 }
 
 TEST_F(DispatchTest, GlobalSetdownOfAnEmptyHandleDisposesItAlone) {
+    const int before = script.liveGlobals;
     host.in.global_data = host.newHandle(sizeof(void*));
     EXPECT_EQ(PF_Err_NONE, host.call(PF_Cmd_GLOBAL_SETDOWN));
     EXPECT_EQ(nullptr, host.in.global_data);
     EXPECT_EQ(0, host.liveHandles());
+    EXPECT_EQ(before, script.liveGlobals);
 }
 
 TEST_F(DispatchTest, GlobalInstanceLivesFromSetupToSetdown) {

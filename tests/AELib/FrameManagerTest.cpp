@@ -3,6 +3,9 @@
 #include "FrameManager.h"
 
 #include <climits>
+#include <memory>
+#include <string>
+#include <vector>
 
 #include "OracleBuffers.h"
 #include "RandomImage.h"
@@ -44,6 +47,49 @@ TEST_F(FrameManagerTest, SetupCachesSizesAndRatiosAndNoPictures) {
     EXPECT_EQ(nullptr, frame.output);
     EXPECT_EQ(&host.in, frame.inData);
     EXPECT_EQ(PF_Cmd_FRAME_SETUP, frame.context.cmd);
+}
+
+TEST_F(FrameManagerTest, CommandsThatAreNotItsOwnReachNothing) {
+    for (PF_Cmd command = -1; command <= 31; ++command) {
+        if (command >= PF_Cmd_FRAME_SETUP && command <= PF_Cmd_FRAME_SETDOWN) continue;
+        AELib::AEContext context = makeContext(command);
+        frame.handleCommand(context);
+        EXPECT_TRUE(script.hooks.empty()) << command;
+        EXPECT_EQ(nullptr, frame.inData) << command;
+    }
+}
+
+TEST_F(FrameManagerTest, SetupAndRenderSeeTheirOwnCallAndSetdownThatOfTheRender) {
+    const HostWorld sources[] = {{3, 1, false}, {4, 1, false}, {5, 1, false}};
+    HostWorld output(2, 1, false);
+    host.output = &output.def;
+    std::vector<int> widths;
+    for (const char* hook : {"frame.frameSetup", "frame.render", "frame.frameSetdown"})
+        script.actions[hook] = [&](AELib::AEContext&) { widths.push_back(script.frame->inputWidth); };
+    setUpSequence();
+    for (int call = 0; call < 3; ++call) {
+        host.param(0).u.ld = sources[call].def;
+        EXPECT_EQ(PF_Err_NONE, host.call(PF_Cmd_FRAME_SETUP + call));
+    }
+    EXPECT_EQ((std::vector<int>{3, 4, 4}), widths);
+}
+
+struct NotedBuffer : PILib::SimplePixelBuffer<Pixel<Channel8>> {
+    NotedBuffer(const char* name, std::vector<std::string>& ends)
+        : SimplePixelBuffer(1, 1), name(name), ends(ends) {}
+    ~NotedBuffer() override { ends.emplace_back(name); }
+    const char* name;
+    std::vector<std::string>& ends;
+};
+
+TEST_F(FrameManagerTest, OutputGoesBeforeInput) {
+    std::vector<std::string> ends;
+    {
+        TestFrame ending;
+        ending.input = std::make_unique<NotedBuffer>("input", ends);
+        ending.output = std::make_unique<NotedBuffer>("output", ends);
+    }
+    EXPECT_EQ((std::vector<std::string>{"output", "input"}), ends);
 }
 
 TEST_F(FrameManagerTest, DenominatorOfZeroCountsAsOne) {

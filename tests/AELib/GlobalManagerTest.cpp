@@ -143,6 +143,16 @@ TEST_F(GlobalManagerTest, ParamCountFollowsTheGreatestIndex) {
     EXPECT_EQ(6, manager.paramCount);
 }
 
+TEST_F(GlobalManagerTest, CommandsThatAreNotItsOwnReachNothing) {
+    for (const PF_Cmd command : {-1, 1, 2, 3, 23, 24, 1000}) {
+        AELib::AEContext context = makeContext(command);
+        manager.handleCommand(context);
+        EXPECT_EQ(nullptr, context.sequenceManager) << command;
+        EXPECT_TRUE(script.hooks.empty()) << command;
+        EXPECT_EQ("", host.message()) << command;
+    }
+}
+
 TEST_F(GlobalManagerTest, SequenceLivesFromSetupToSetdown) {
     setUpSequence();
     EXPECT_EQ(1, script.liveSequences);

@@ -23,17 +23,22 @@ PF_Err HostCallbacks::checkoutParam(PF_ProgPtr ref, PF_ParamIndex index, A_long 
     RecordingHost& host = *theHost;
     checkReference(ref, "checkout_param");
     host.checkouts.push_back({index, time, step, scale});
-    ++host.openCheckoutCount;
+    host.checkedOut.insert(param);
     if (const PF_Err error = host.enter(Callback::kCheckoutParam)) return error;
     std::memset(param, 0, sizeof *param);
     if (host.control != nullptr) param->u.ld = host.control->def;
     return PF_Err_NONE;
 }
 
-PF_Err HostCallbacks::checkinParam(PF_ProgPtr ref, PF_ParamDef*) {
+PF_Err HostCallbacks::checkinParam(PF_ProgPtr ref, PF_ParamDef* param) {
     checkReference(ref, "checkin_param");
     RecordingHost& host = *theHost;
-    if (--host.openCheckoutCount < 0) host.fault("checkin_param without a checkout");
+    const auto open = host.checkedOut.find(param);
+    if (open == host.checkedOut.end()) {
+        host.fault("checkin_param of a record that is not checked out");
+    } else {
+        host.checkedOut.erase(open);
+    }
     return host.enter(Callback::kCheckinParam);
 }
 

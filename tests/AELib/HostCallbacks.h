@@ -13,7 +13,7 @@ struct HostCallbacks {
     static void checkReference(PF_ProgPtr ref, const char* caller);
     static PF_Err checkoutParam(PF_ProgPtr ref, PF_ParamIndex index, A_long time, A_long step, A_u_long scale,
                                 PF_ParamDef* param);
-    static PF_Err checkinParam(PF_ProgPtr, PF_ParamDef*);
+    static PF_Err checkinParam(PF_ProgPtr, PF_ParamDef* param);
     static PF_Err addParam(PF_ProgPtr, PF_ParamIndex index, PF_ParamDefPtr def);
     static PF_Err abort(PF_ProgPtr);
     static PF_Err progress(PF_ProgPtr, A_long current, A_long total);

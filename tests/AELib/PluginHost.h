@@ -76,6 +76,6 @@ private:
 };
 
 // What the plug-in is to render: the reference's frame of the same values, and in place of the reference's
-// own mix the host's where the host mixes.
+// own mix the host's where the host mixes (`hostBlends`: source and output are of one size).
 oracle::Image ExpectedFrame(const PanelValues& values, const RecordingHost& host, const oracle::Image& input,
                             const oracle::Image* control, bool hostBlends);

@@ -162,7 +162,7 @@ std::string RecordingHost::faults() const {
     std::string text;
     for (const std::string& fault : faultList)
         text += fault + '\n';
-    if (openCheckoutCount > 0) text += std::to_string(openCheckoutCount) + " checkouts are open\n";
+    if (!checkedOut.empty()) text += std::to_string(checkedOut.size()) + " checkouts are open\n";
     if (!worlds.empty()) text += std::to_string(worlds.size()) + " worlds are lent\n";
     return text;
 }

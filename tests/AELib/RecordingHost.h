@@ -126,7 +126,7 @@ public:
     int liveHandles() const { return static_cast<int>(handles.size()); }
     int lockedHandles() const;
     int liveWorlds() const { return static_cast<int>(worlds.size()); }
-    int openCheckouts() const { return openCheckoutCount; }
+    int openCheckouts() const { return static_cast<int>(checkedOut.size()); }
     int liveSuites() const { return liveSuiteCount; }
 
     PF_Handle newHandle(A_u_longlong size);
@@ -169,9 +169,9 @@ private:
 
     std::map<PF_Handle, std::unique_ptr<Block>> handles;
     std::map<const void*, std::unique_ptr<HostWorld>> worlds;  // by first pixel
+    std::multiset<const PF_ParamDef*> checkedOut;              // records of the checkouts that are open
     std::vector<PF_ParamDef> params;
     std::vector<std::string> faultList;
     std::thread::id mainThread = std::this_thread::get_id();
-    int openCheckoutCount = 0;
     int liveSuiteCount = 0;
 };

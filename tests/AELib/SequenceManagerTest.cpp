@@ -38,6 +38,15 @@ TEST_F(SequenceManagerTest, HandleEventSwitchesOnTheStoredCommand) {
     }
 }
 
+TEST_F(SequenceManagerTest, CommandsThatAreNotItsOwnReachNoHook) {
+    TestSequence sequence;
+    for (const PF_Cmd command : {-1, 0, 1, 2, 3, 4, 6, 7, 23, 24, 25, 28, 31, 1000}) {
+        AELib::AEContext context = makeContext(command);
+        sequence.handleCommand(context);
+        EXPECT_TRUE(script.hooks.empty()) << command;
+    }
+}
+
 TEST_F(SequenceManagerTest, FrameLivesInFrameDataFromSetupToSetdown) {
     setUpSequence();
     EXPECT_EQ(PF_Err_NONE, host.call(PF_Cmd_FRAME_SETUP));
@@ -94,6 +103,20 @@ TEST_F(SequenceManagerTest, PoppedFrameHandlesAreLeft) {
         EXPECT_EQ(before + frame, host.liveHandles());
         EXPECT_EQ(0, script.liveFrames);
     }
+}
+
+TEST_F(SequenceManagerTest, FrameDataOfAStackHostAreDisposedAndTheirFieldsLeft) {
+    host.in.version = {12, 10};
+    setUpSequence();
+    ASSERT_EQ(PF_Err_NONE, host.call(PF_Cmd_FRAME_SETUP));
+    const PF_Handle data = host.newHandle(sizeof(void*));
+    host.in.frame_data = data;
+    const int before = host.liveHandles();
+    EXPECT_EQ(PF_Err_NONE, host.call(PF_Cmd_FRAME_SETDOWN));
+    EXPECT_EQ(before - 1, host.liveHandles());
+    EXPECT_EQ(data, host.in.frame_data);
+    EXPECT_EQ(data, host.out.frame_data);
+    host.in.frame_data = nullptr;
 }
 
 TEST_F(SequenceManagerTest, RenderWithoutAFrameFails) {

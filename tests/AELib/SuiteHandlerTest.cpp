@@ -79,6 +79,20 @@ TEST_F(SuiteHandlerTest, MissingSuiteIsAnErrorAndAskedForAgain) {
     }
 }
 
+TEST_F(SuiteHandlerTest, ASuiteLoadedDirectlyIsItsCallersToKeepAndRelease) {
+    {
+        AELib::SuiteHandler handler(&host.basic);
+        const void* const first = handler.LoadSuite("AEGP Stream Suite", 4);
+        EXPECT_NE(nullptr, first);
+        EXPECT_EQ(first, handler.LoadSuite("AEGP Stream Suite", 4));
+        handler.ReleaseSuite("AEGP Stream Suite", 4);
+        handler.ReleaseSuite("AEGP Stream Suite", 4);
+    }
+    EXPECT_EQ((std::vector<std::string>{"acquire AEGP Stream Suite 4", "acquire AEGP Stream Suite 4",
+                                        "release AEGP Stream Suite 4", "release AEGP Stream Suite 4"}),
+              host.suiteLog);
+}
+
 TEST_F(SuiteHandlerTest, ErrorFromAcquiringIsAMissingSuite) {
     AELib::SuiteHandler handler(&host.basic);
     host.failures.at(Callback::kAcquireSuite, 1, 3);
