@@ -36,7 +36,7 @@ namespace detail {
 
 namespace {
 
-const BlurRowKernels& KernelsOf(SimdLevel level) {
+const BlurRowKernels& KernelsOf([[maybe_unused]] SimdLevel level) {
 #if PILIB_HAS_X86_LEVELS
     if (level == SimdLevel::Avx512) return kBlurRowAvx512;
     if (level == SimdLevel::Avx2) return kBlurRowAvx2;
