@@ -101,18 +101,12 @@ TEST(ProcessChannelTest, DistanceFromTheFocusBandIsKeptInChannelUnits) {
     };
     // A focal point of 50% is 127 of 255, a range of 10% is 25.
     for (const Distance& d : {
-             Distance{0.5F, 0.1F, false, 0, 102},
-             Distance{0.5F, 0.1F, false, 101, 1},
-             Distance{0.5F, 0.1F, false, 102, 0},
-             Distance{0.5F, 0.1F, false, 127, 0},
-             Distance{0.5F, 0.1F, false, 152, 0},
-             Distance{0.5F, 0.1F, false, 153, 1},
-             Distance{0.5F, 0.1F, false, 200, 48},
-             Distance{0.5F, 0.1F, true, 55, 48},
-             Distance{0.0F, 0.0F, false, 255, 255},
-             Distance{0.0F, 0.0F, true, 255, 0},
-             Distance{1.0F, 0.0F, false, 255, 0},
-             Distance{1.0F, 1.0F, false, 0, 0},
+             Distance{0.5F, 0.1F, false, 0, 102}, Distance{0.5F, 0.1F, false, 101, 1},
+             Distance{0.5F, 0.1F, false, 102, 0}, Distance{0.5F, 0.1F, false, 127, 0},
+             Distance{0.5F, 0.1F, false, 152, 0}, Distance{0.5F, 0.1F, false, 153, 1},
+             Distance{0.5F, 0.1F, false, 200, 48}, Distance{0.5F, 0.1F, true, 55, 48},
+             Distance{0.0F, 0.0F, false, 255, 255}, Distance{0.0F, 0.0F, true, 255, 0},
+             Distance{1.0F, 0.0F, false, 255, 0}, Distance{1.0F, 1.0F, false, 0, 0},
              Distance{0.5F, 1e10F, true, 255, 127},  // a range that no integer holds is the most negative one
              Distance{0.5F, 10.0F, false, 255, 0},   // beyond the control's own range
          }) {
@@ -324,6 +318,82 @@ TYPED_TEST(FocusPipelineTypedTest, BothViewsAreBlendedWithTheInput) {
             EXPECT_EQ(oracle::Blended(processed, frame.inputImage, blend).values, frame.rendered(inputs))
                 << "view " << viewMode << ", blend " << blend;
         }
+    }
+}
+
+// Counts its blends, which may fail.
+template <class C>
+struct BlendCounter : SimplePixelBuffer<Pixel<C>> {
+    using SimplePixelBuffer<Pixel<C>>::SimplePixelBuffer;
+
+    void blend(PILib::PIContext& context, const PILib::PixelBuffer& other, float fraction) const override {
+        ++blends;
+        if (fails) throw 23;
+        SimplePixelBuffer<Pixel<C>>::blend(context, other, fraction);
+    }
+
+    bool fails = false;
+    mutable int blends = 0;
+};
+
+TYPED_TEST(FocusPipelineTypedTest, EveryProcessedFrameIsBlendedOnceHoweverSmallTheShare) {
+    struct Case {
+        float blend;
+        bool hasControl;
+        int blends;
+    };
+    Frame<TypeParam> frame(16);
+    for (const int viewMode : {0, 1}) {
+        for (const Case& c : {Case{0.0F, true, 1}, Case{0.5F, true, 1}, Case{0.999F, true, 0},
+                              Case{0.0F, false, 0}, Case{0.5F, false, 0}}) {
+            FakeContext context;
+            RenderInputs inputs;
+            inputs.viewMode = viewMode;
+            inputs.blend = c.blend;
+            const BlendCounter<TypeParam> output(kWidth, kHeight);
+            RenderFrame(context, inputs, {}, output, frame.input, c.hasControl ? &frame.control : nullptr);
+            EXPECT_EQ(c.blends, output.blends)
+                << "view " << viewMode << ", blend " << c.blend << ", control " << c.hasControl;
+        }
+    }
+}
+
+// Counts the channel buffers that it has made and that still are.
+template <class C>
+struct MapCounter : SimplePixelBuffer<Pixel<C>> {
+    using SimplePixelBuffer<Pixel<C>>::SimplePixelBuffer;
+
+    struct Counted : ChannelBuf<C> {
+        Counted(int width, int height, int& live) : ChannelBuf<C>(width, height), live(live) { ++live; }
+        ~Counted() override { --live; }
+        int& live;
+    };
+
+    PILib::ChannelBuffer* newChannelBuffer(int width, int height) const override {
+        ++made;
+        return new Counted(width, height, live);
+    }
+
+    mutable int made = 0;
+    mutable int live = 0;
+};
+
+TYPED_TEST(FocusPipelineTypedTest, MapIsGoneWhenTheFrameIsDoneOrHasFailed) {
+    Frame<TypeParam> frame(17);
+    for (const bool fails : {false, true}) {
+        FakeContext context;
+        const MapCounter<TypeParam> control(kWidth, kHeight);
+        oracle::Store<TypeParam>(frame.controlImage, control);
+        BlendCounter<TypeParam> output(kWidth, kHeight);
+        output.fails = fails;
+        const auto render = [&] { RenderFrame(context, {}, {}, output, frame.input, &control); };
+        if (fails) {
+            EXPECT_THROW(render(), int);
+        } else {
+            render();
+        }
+        EXPECT_EQ(1, control.made) << "fails " << fails;
+        EXPECT_EQ(0, control.live) << "fails " << fails;
     }
 }
 
