@@ -110,6 +110,38 @@ TEST_P(PluginFailureTest, CancelIsSilentAtEachOfItsCalls) {
     }
 }
 
+// Wider than the strips that rows are rendered in.
+TEST_P(PluginFailureTest, RowsBeforeACancelAreWholeAndTheOthersAsTheyWere) {
+    constexpr int kRows = 150;
+    constexpr int kTableReports = 11;  // one in 16 of the rows and a border of 6 on either side
+    values.blend = 0;
+    const HostWorld input(oracle::RandomImage(random, 300, kRows, full));
+    const HostWorld matte(oracle::RandomImage(random, 300, kRows, full));
+    const oracle::Image before = oracle::RandomImage(random, 300, kRows, full);
+    PluginHost host;
+    host.threads = 1;
+    start(host);
+    host.param(kSourceIndex).u.ld = input.def;
+    host.control = &matte;
+    const oracle::Image controlImage = matte.image();
+    const oracle::Image whole = ExpectedFrame(values, host, input.image(), &controlImage, true);
+    for (int row = 0; row < kRows; row += 16) {
+        HostWorld target(before);
+        host.output = &target.def;
+        host.failures.clear();
+        host.failures.at(Callback::kProgress, kTableReports + row / 16 + 1, PF_Interrupt_CANCEL);
+        ASSERT_EQ(PF_Interrupt_CANCEL, host.renderFrame()) << row << host.message();
+        const oracle::Image rendered = target.image();
+        for (int y = 0; y < kRows; ++y) {
+            const oracle::Image& expected = y < row ? whole : before;
+            for (int x = 0; x < 300; ++x)
+                ASSERT_EQ(expected.at(x, y), rendered.at(x, y))
+                    << "cancelled at " << row << ": " << x << ", " << y;
+        }
+    }
+    EXPECT_EQ("", host.faults());
+}
+
 INSTANTIATE_TEST_SUITE_P(Depths, PluginFailureTest, testing::Bool(),
                          [](const auto& test) { return test.param ? "Deep" : "Shallow"; });
 

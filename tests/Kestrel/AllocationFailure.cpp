@@ -1,5 +1,6 @@
 #include "AllocationFailure.h"
 
+#include <array>
 #include <atomic>
 #include <cstddef>
 #include <cstdlib>
@@ -10,6 +11,8 @@ namespace {
 std::atomic<long> living = 0;
 std::atomic<long> untilFailure = 0;  // 0 and below: none
 std::atomic<bool> failed = false;
+std::atomic<std::size_t> allocated = 0;
+std::array<std::atomic<const void*>, 4> lastBlocks;  // the n-th ever at n modulo 4
 
 // Null for the allocation that is to fail. malloc and free, so that the sanitizers still see every block.
 void* Allocated(std::size_t size) noexcept {
@@ -18,7 +21,10 @@ void* Allocated(std::size_t size) noexcept {
         return nullptr;
     }
     void* const block = std::malloc(size > 0 ? size : 1);
-    if (block != nullptr) ++living;
+    if (block != nullptr) {
+        ++living;
+        lastBlocks[allocated.fetch_add(1) % lastBlocks.size()] = block;
+    }
     return block;
 }
 
@@ -40,6 +46,13 @@ namespace allocation {
 
 long Living() {
     return living;
+}
+
+std::array<const void*, 4> LastFour() {
+    std::array<const void*, 4> blocks{};
+    for (std::size_t i = 0; i < blocks.size(); ++i)
+        blocks[i] = lastBlocks[(allocated + i) % lastBlocks.size()];
+    return blocks;
 }
 
 FailureAt::FailureAt(long n) {

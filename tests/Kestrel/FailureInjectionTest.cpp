@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <atomic>
 #include <cstdint>
 #include <new>
@@ -16,6 +17,7 @@
 #include "NaivePipeline.h"
 #include "OracleBuffers.h"
 #include "RandomImage.h"
+#include "SATTentBlur.h"
 #include "ThreadPoolContext.h"
 #include "ThreadRows.h"
 
@@ -187,6 +189,23 @@ TYPED_TEST(FailureInjectionTest, AnyFailingAllocationArrives) {
         }
         EXPECT_GT(n - 1, variant.allocations) << variant;
     }
+}
+
+template <class Blur, class P>
+void ExpectTablesAllocatedInOrder() {
+    ThreadPoolContext context(1);
+    const SimplePixelBuffer<P> source(3, 2);
+    const Blur blur(context, source, 1, 1);
+    const std::array<const void*, 4> last = allocation::LastFour();
+    EXPECT_EQ((std::array<const void*, 4>{blur.sumRed.get(), blur.sumGreen.get(), blur.sumBlue.get(),
+                                          blur.sumAlpha.get()}),
+              last);
+}
+
+TYPED_TEST(FailureInjectionTest, TablesAreAllocatedRedGreenBlueThenAlpha) {
+    using P = Pixel<TypeParam>;
+    ExpectTablesAllocatedInOrder<PILib::SATBoxBlur<P>, P>();
+    ExpectTablesAllocatedInOrder<PILib::SATTentBlur<P>, P>();
 }
 
 TEST(PoolFailureTest, AnyFailingAllocationOfANewPoolArrives) {

@@ -321,6 +321,82 @@ TYPED_TEST(FocusPipelineTypedTest, BothViewsAreBlendedWithTheInput) {
     }
 }
 
+// Counts its blends, which may fail.
+template <class C>
+struct BlendCounter : SimplePixelBuffer<Pixel<C>> {
+    using SimplePixelBuffer<Pixel<C>>::SimplePixelBuffer;
+
+    void blend(PILib::PIContext& context, const PILib::PixelBuffer& other, float fraction) const override {
+        ++blends;
+        if (fails) throw 23;
+        SimplePixelBuffer<Pixel<C>>::blend(context, other, fraction);
+    }
+
+    bool fails = false;
+    mutable int blends = 0;
+};
+
+TYPED_TEST(FocusPipelineTypedTest, EveryProcessedFrameIsBlendedOnceHoweverSmallTheShare) {
+    struct Case {
+        float blend;
+        bool hasControl;
+        int blends;
+    };
+    Frame<TypeParam> frame(16);
+    for (const int viewMode : {0, 1}) {
+        for (const Case& c : {Case{0.0F, true, 1}, Case{0.5F, true, 1}, Case{0.999F, true, 0},
+                              Case{0.0F, false, 0}, Case{0.5F, false, 0}}) {
+            FakeContext context;
+            RenderInputs inputs;
+            inputs.viewMode = viewMode;
+            inputs.blend = c.blend;
+            const BlendCounter<TypeParam> output(kWidth, kHeight);
+            RenderFrame(context, inputs, {}, output, frame.input, c.hasControl ? &frame.control : nullptr);
+            EXPECT_EQ(c.blends, output.blends)
+                << "view " << viewMode << ", blend " << c.blend << ", control " << c.hasControl;
+        }
+    }
+}
+
+// Counts the channel buffers that it has made and that still are.
+template <class C>
+struct MapCounter : SimplePixelBuffer<Pixel<C>> {
+    using SimplePixelBuffer<Pixel<C>>::SimplePixelBuffer;
+
+    struct Counted : ChannelBuf<C> {
+        Counted(int width, int height, int& live) : ChannelBuf<C>(width, height), live(live) { ++live; }
+        ~Counted() override { --live; }
+        int& live;
+    };
+
+    PILib::ChannelBuffer* newChannelBuffer(int width, int height) const override {
+        ++made;
+        return new Counted(width, height, live);
+    }
+
+    mutable int made = 0;
+    mutable int live = 0;
+};
+
+TYPED_TEST(FocusPipelineTypedTest, MapIsGoneWhenTheFrameIsDoneOrHasFailed) {
+    Frame<TypeParam> frame(17);
+    for (const bool fails : {false, true}) {
+        FakeContext context;
+        const MapCounter<TypeParam> control(kWidth, kHeight);
+        oracle::Store<TypeParam>(frame.controlImage, control);
+        BlendCounter<TypeParam> output(kWidth, kHeight);
+        output.fails = fails;
+        const auto render = [&] { RenderFrame(context, {}, {}, output, frame.input, &control); };
+        if (fails) {
+            EXPECT_THROW(render(), int);
+        } else {
+            render();
+        }
+        EXPECT_EQ(1, control.made) << "fails " << fails;
+        EXPECT_EQ(0, control.live) << "fails " << fails;
+    }
+}
+
 TYPED_TEST(FocusPipelineTypedTest, ConformControlSizeChangesNothing) {
     Frame<TypeParam> frame(11);
     RenderInputs inputs;

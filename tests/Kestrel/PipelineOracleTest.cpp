@@ -6,11 +6,13 @@
 #include <cstdint>
 #include <ostream>
 #include <random>
+#include <vector>
 
 #include "FocusPipeline.h"
 #include "NaivePipeline.h"
 #include "OracleBuffers.h"
 #include "RandomImage.h"
+#include "SimdLevels.h"
 #include "ThreadPoolContext.h"
 
 namespace {
@@ -107,15 +109,17 @@ void CompareSet(unsigned seed) {
     oracle::Store<C>(controlImage, control);
     output.clear();
     PILib::ThreadPoolContext context(p.threads);
+    const std::vector<PILib::SimdLevel> levels = SupportedLevels();
+    const PILib::SimdLevel level = levels[seed % levels.size()];
     RenderFrame(context, InputsFor(p), {p.controls.downsampleX, p.controls.downsampleY}, output, input,
-                p.hasControl ? &control : nullptr);
+                p.hasControl ? &control : nullptr, level);
 
     const oracle::Image expected =
         oracle::RenderedFrame(p.controls, inputImage, p.hasControl ? &controlImage : nullptr);
     for (int y = 0; y < p.height; ++y) {
         for (int x = 0; x < p.width; ++x) {
             ASSERT_EQ(expected.at(x, y), oracle::ColourOf(output.row(y)[x]))
-                << p << ": x " << x << ", y " << y << ", input "
+                << p << ", level " << static_cast<int>(level) << ": x " << x << ", y " << y << ", input "
                 << testing::PrintToString(inputImage.at(x, y)) << ", control "
                 << testing::PrintToString(controlImage.at(x, y));
         }

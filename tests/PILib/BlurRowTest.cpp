@@ -2,11 +2,15 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstdint>
 #include <random>
+#include <vector>
 
 #include "FakeContext.h"
 #include "SATTentBlur.h"
+#include "SimdLevels.h"
 
 namespace PILib {
 namespace {
@@ -28,10 +32,11 @@ struct Scene {
     float radiusX;
     float radiusY;
 
-    Scene(Random& random, int width, int height)
+    Scene(Random& random, int width, int height) : Scene(random, width, height, random.upTo(2) * 20) {}
+
+    Scene(Random& random, int width, int height, int longestRun)
         : picture(width, height), map(width, height), radiusX(radius(random)), radiusY(radius(random)) {
         const int alphaKind = random.upTo(3);
-        const int longestRun = random.upTo(2) * 20;
         const auto channel = [&] { return static_cast<typename C::Type>(random.upTo(C::kOne)); };
         for (int y = 0; y < height; ++y) {
             typename C::Type value = 0;
@@ -94,9 +99,6 @@ void ExpectEqualRows(const Scene<C>& scene, SimdLevel level, int seed) {
                           static_cast<int>(std::ceil(scene.radiusY)));
 }
 
-// A level that cannot run here gives the rows of Scalar.
-constexpr SimdLevel kLevels[] = {SimdLevel::Baseline, SimdLevel::Avx2, SimdLevel::Avx512};
-
 template <class C>
 class BlurRowTest : public testing::Test {};
 using Depths = testing::Types<Channel8, Channel15>;
@@ -104,7 +106,7 @@ TYPED_TEST_SUITE(BlurRowTest, Depths);
 
 TYPED_TEST(BlurRowTest, EveryLevelGivesTheBytesOfThePerPixelReadOut) {
     using P = Pixel<TypeParam>;
-    for (const SimdLevel level : kLevels) {
+    for (const SimdLevel level : VectorLevels()) {
         for (int seed = 0; seed < 140; ++seed) {
             Random random(static_cast<unsigned>(seed));
             // Every width up to two blocks of the widest level and more, twice.
@@ -123,9 +125,10 @@ TYPED_TEST(BlurRowTest, RowsOfLargeRadiiEqualThePerPixelReadOut) {
         float rowRadius;
         int tableRadius;
     };
-    for (const SimdLevel level : kLevels) {
+    for (const SimdLevel level : VectorLevels()) {
         for (const Case& c : {Case{200.0F, 200}, Case{249.99F, 250}, Case{250.0F, 250}, Case{250.01F, 251},
-                              Case{300.0F, 300}, Case{250.0F, 356}, Case{250.0F, 700}, Case{127.0F, 356}}) {
+                              Case{300.0F, 300}, Case{250.0F, 356}, Case{250.0F, 700}, Case{127.0F, 356},
+                              Case{251.0F, 4}, Case{40000.0F, 4}, Case{1e20F, 4}, Case{40000.0F, 100}}) {
             Random random(7);
             Scene<C> scene(random, 40, 2);
             scene.radiusX = scene.radiusY = c.rowRadius;
@@ -143,7 +146,7 @@ TYPED_TEST(BlurRowTest, RowsOfLargeRadiiEqualThePerPixelReadOut) {
 
 TYPED_TEST(BlurRowTest, NegativeRadiiEqualThePerPixelReadOut) {
     using P = Pixel<TypeParam>;
-    for (const SimdLevel level : kLevels) {
+    for (const SimdLevel level : VectorLevels()) {
         for (const float radius : {-0.5F, -3.0F, -100.0F}) {
             Random random(3);
             Scene<TypeParam> scene(random, 50, 3);
@@ -151,6 +154,194 @@ TYPED_TEST(BlurRowTest, NegativeRadiiEqualThePerPixelReadOut) {
             ExpectEqualRows<SATBoxBlur<P>>(scene, level, 3, 20, 20);
             ExpectEqualRows<SATTentBlur<P>>(scene, level, 3, 20, 20);
         }
+    }
+}
+
+// Radii that tables of a few pixels clamp, from the first pixel on or from none, along both axes or along
+// one.
+TYPED_TEST(BlurRowTest, RowsOfSmallRadiiEqualThePerPixelReadOut) {
+    using C = TypeParam;
+    using P = Pixel<C>;
+    constexpr std::array kRowRadii = {0.0F, 0.25F, 0.75F, 1.0F, 1.5F, 2.0F, 2.75F, 3.0F, 4.0F, 4.5F, 6.0F};
+    constexpr std::array kTableRadii = {0, 1, 2, 3, 5, 9};
+    for (std::size_t row = 0; row < kRowRadii.size(); ++row) {
+        for (int seed = 0; seed < 4 * static_cast<int>(kTableRadii.size()); ++seed) {
+            const auto table = static_cast<std::size_t>(seed / 4);
+            const bool isSquare = seed % 4 < 2;
+            Random random(static_cast<unsigned>(seed));
+            Scene<C> scene(random, 40, 2, seed % 2 * 40);
+            scene.radiusX = kRowRadii[row];
+            scene.radiusY = kRowRadii[(row + (isSquare ? 0 : 4)) % kRowRadii.size()];
+            const int largestX = kTableRadii[table];
+            const int largestY = kTableRadii[(table + (isSquare ? 0 : 2)) % kTableRadii.size()];
+            for (const SimdLevel level : VectorLevels()) {
+                ExpectEqualRows<SATBoxBlur<P>>(scene, level, seed, largestX, largestY);
+                ExpectEqualRows<SATTentBlur<P>>(scene, level, seed, largestX, largestY);
+            }
+        }
+    }
+}
+
+// A row of every alpha, for colours at the ends and in the middle and for any.
+TYPED_TEST(BlurRowTest, EveryAlphaIsStraightenedAsPerPixel) {
+    using C = TypeParam;
+    using P = Pixel<C>;
+    using Type = typename C::Type;
+    Random random(3);
+    Scene<C> scene(random, C::kOne + 1, 4);
+    scene.radiusX = scene.radiusY = 0.0F;
+    for (int y = 0; y < 4; ++y) {
+        std::fill(scene.map.row(y).begin(), scene.map.row(y).end(), Type{1});
+        for (int x = 0; x <= C::kOne; ++x) {
+            P& pixel = scene.picture.row(y)[x];
+            const int colour[] = {C::kOne, C::kOne - 1, C::kOne / 2 + 1};
+            pixel.alpha = static_cast<Type>(x);
+            if (y < 3) pixel.red = pixel.green = pixel.blue = static_cast<Type>(colour[y]);
+        }
+    }
+    for (const SimdLevel level : VectorLevels()) {
+        ExpectEqualRows<SATBoxBlur<P>>(scene, level, 3, 1, 1);
+        ExpectEqualRows<SATTentBlur<P>>(scene, level, 3, 1, 1);
+    }
+}
+
+// A blur whose one set of tables is read at any level.
+template <class Blur>
+struct AnyLevelBlur : Blur {
+    using Blur::Blur;
+    void use(SimdLevel chosen) { this->level = chosen; }
+};
+
+// The scene's row `y` at a level.
+template <class Blur, class C>
+std::vector<Pixel<C>> RowAt(SimdLevel level, AnyLevelBlur<Blur>& blur, const Scene<C>& scene, int y) {
+    std::vector<Pixel<C>> output(static_cast<std::size_t>(scene.picture.width));
+    blur.use(level);
+    blur.getBlurRow(0, y, scene.map.row(y).begin(), scene.picture.row(y).begin(), output.data(),
+                    scene.picture.width, scene.radiusX, scene.radiusY);
+    return output;
+}
+
+// Every box's sum is an exact multiple of its area, where a quotient could fall one short.
+template <class Blur, class C>
+void ExpectColourKept(Scene<C>& scene, const Pixel<C>& colour) {
+    FakeContext context;
+    std::fill(scene.picture.row(0).begin(), scene.picture.row(0).end(), colour);
+    AnyLevelBlur<Blur> blur(context, scene.picture, static_cast<int>(std::ceil(scene.radiusX)),
+                            static_cast<int>(std::ceil(scene.radiusY)));
+    blur.initialize();
+    for (const SimdLevel level : SupportedLevels()) {
+        for (const Pixel<C>& pixel : RowAt(level, blur, scene, 0)) {
+            ASSERT_EQ(colour, pixel) << "level " << static_cast<int>(level) << ", radii " << scene.radiusX
+                                     << ", " << scene.radiusY;
+        }
+    }
+}
+
+TYPED_TEST(BlurRowTest, UniformOpaqueRowKeepsItsColour) {
+    using C = TypeParam;
+    using P = Pixel<C>;
+    constexpr int kUnit = C::kOne == 255 ? 1 : 97;  // from one colour to the next
+    struct Size {
+        float radius;
+        int step;  // in units: fewer colours where tables are large
+    };
+    for (const Size& size :
+         {Size{3, 3}, Size{7, 3}, Size{40, 3}, Size{101, 12}, Size{125, 12}, Size{200, 24}}) {
+        for (const float radiusX : {size.radius, size.radius / 3}) {
+            Random random(5);
+            Scene<C> scene(random, 48, 1, 0);
+            scene.radiusX = radiusX;
+            scene.radiusY = size.radius;
+            for (int x = 0; x < 48; ++x)
+                scene.map.row(0)[x] = static_cast<typename C::Type>(1 + (C::kOne - 1) * x / 47);
+            for (int k = 0; k <= C::kOne; k += kUnit * size.step) {
+                const auto channel = [&](int value) {
+                    return static_cast<typename C::Type>(std::min<int>(value, C::kOne));
+                };
+                const P colour(static_cast<typename C::Type>(C::kOne), channel(k), channel(k + kUnit),
+                               channel(k + 2 * kUnit));
+                ExpectColourKept<SATBoxBlur<P>>(scene, colour);
+                ExpectColourKept<SATTentBlur<P>>(scene, colour);
+            }
+        }
+    }
+}
+
+// Box sums of one less than a multiple of the area, where a quotient could come out one too large.
+TYPED_TEST(BlurRowTest, OneDarkerPixelIsSeenAsPerPixel) {
+    using C = TypeParam;
+    using P = Pixel<C>;
+    using Type = typename C::Type;
+    for (const float radius : {3.0F, 7.0F, 40.0F}) {
+        for (int k = 1; k <= C::kOne; k += C::kOne / 15) {
+            Random random(5);
+            Scene<C> scene(random, 48, 1);
+            scene.radiusX = scene.radiusY = radius;
+            const auto channel = static_cast<Type>(k);
+            const auto row = scene.picture.row(0);
+            std::fill(row.begin(), row.end(), P(static_cast<Type>(C::kOne), channel, channel, channel));
+            row[24].red = static_cast<Type>(k - 1);
+            for (const SimdLevel level : VectorLevels())
+                ExpectEqualRows<SATBoxBlur<P>>(scene, level, k);
+        }
+    }
+}
+
+// The second-order sums of this picture are beyond 2^53, where doubles round and the order of terms tells.
+TEST(TentRowTest, EveryLevelAddsTheSamplesOfLargeSumsInTheirOrder) {
+    constexpr int kSize = 1250;
+    Random random(6);
+    Scene<Channel15> scene(random, kSize, kSize, 0);
+    scene.radiusX = scene.radiusY = 6.0F;
+    for (int y = 0; y < kSize; ++y) {
+        for (Pixel<Channel15>& pixel : scene.picture.row(y)) {
+            const auto channel = [&] { return static_cast<std::uint16_t>(Channel15::kOne - random.upTo(2)); };
+            pixel = Pixel<Channel15>(channel(), channel(), channel(), channel());
+        }
+    }
+    FakeContext context;
+    AnyLevelBlur<SATTentBlur<Pixel<Channel15>>> blur(context, scene.picture, 6, 6);
+    blur.initialize();
+    for (int y = 1200; y < kSize; ++y) {
+        const auto expected = RowAt(SimdLevel::Scalar, blur, scene, y);
+        for (const SimdLevel level : VectorLevels())
+            ASSERT_EQ(expected, RowAt(level, blur, scene, y)) << static_cast<int>(level) << ", row " << y;
+    }
+}
+
+// The running sums of this row need more than 31 bits.
+TEST(WideRowTest, WhiteRowOfMoreThan65535CellsEqualsThePerPixelReadOut) {
+    using C = Channel15;
+    constexpr int kWidth = 65600;
+    constexpr int kBlurred = 500;
+    Random random(8);
+    Scene<C> scene(random, kWidth, 1);
+    scene.radiusX = scene.radiusY = 3.0F;
+    const Pixel<C> white(C::kOne, C::kOne, C::kOne, C::kOne);
+    const auto map = scene.map.row(0);
+    std::fill(scene.picture.row(0).begin(), scene.picture.row(0).end(), white);
+    std::fill(map.begin(), map.end(), std::uint16_t{0});
+    std::fill(map.end() - kBlurred, map.end(), std::uint16_t{C::kOne});
+    for (const SimdLevel level : VectorLevels()) {
+        ExpectEqualRows<SATBoxBlur<Pixel<C>>>(scene, level, 8);
+        ExpectEqualRows<SATTentBlur<Pixel<C>>>(scene, level, 8);
+    }
+}
+
+struct OpenBlur : SATBoxBlur<Pixel<Channel8>> {
+    using SATBoxBlur::level;
+    using SATBoxBlur::SATBoxBlur;
+};
+
+// Also on a machine that can run them all: a level of no name is one that it cannot.
+TEST(SimdLevelTest, ALevelThatCannotRunIsScalar) {
+    FakeContext context;
+    const SimplePixelBuffer<Pixel<Channel8>> picture(2, 2);
+    for (const SimdLevel level : {SimdLevel::Scalar, SimdLevel::Baseline, SimdLevel::Avx2, SimdLevel::Avx512,
+                                  static_cast<SimdLevel>(100)}) {
+        const OpenBlur blur(context, picture, 1, 1, level);
+        EXPECT_EQ(IsSupported(level) ? level : SimdLevel::Scalar, blur.level) << static_cast<int>(level);
     }
 }
 

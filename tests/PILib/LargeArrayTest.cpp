@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <fstream>
 #include <limits>
+#include <new>
 #include <thread>
 #include <vector>
 
@@ -54,9 +56,39 @@ TEST(LargeArrayTest, ThreadsMakeArraysAtTheSameTime) {
     EXPECT_EQ(wrong, std::vector<int>(4));
 }
 
+// Counts of bytes that 64 bits do not hold, that they hold until rounded up to whole pages, and that no
+// address space holds.
 TEST(LargeArrayTest, SizesBeyondTheAddressSpaceAreBadAlloc) {
-    EXPECT_THROW(MakeLargeArray<double>(std::numeric_limits<std::size_t>::max() / 4), std::bad_alloc);
+    constexpr std::size_t kLargest = std::numeric_limits<std::size_t>::max();
+    for (const std::size_t count :
+         {kLargest / 4, kLargest / 8 + 1, kLargest / 8, kLargest / 8 - kMegabyte / 8, std::size_t{1} << 50})
+        EXPECT_THROW(MakeLargeArray<double>(count), std::bad_alloc) << count;
 }
+
+#ifdef __linux__
+
+// Pages of the process's address space.
+std::size_t MappedPages() {
+    std::size_t pages = 0;
+    std::ifstream("/proc/self/statm") >> pages;
+    return pages;
+}
+
+TEST(LargeArrayTest, WhatIsGivenBackIsKeptForOneFrameAtMost) {
+    const auto makeFrame = [](std::size_t size) {
+        LargeArray<std::uint8_t> tables[4];
+        for (auto& table : tables)
+            table = MakeLargeArray<std::uint8_t>(size);
+    };
+    makeFrame(5 * kMegabyte);
+    const std::size_t before = MappedPages();
+    for (int frame = 0; frame < 500; ++frame)
+        makeFrame((5 - static_cast<std::size_t>(frame) % 4) * kMegabyte);
+    makeFrame(5 * kMegabyte);
+    EXPECT_EQ(before, MappedPages());
+}
+
+#endif
 
 }  // namespace
 }  // namespace PILib::detail

@@ -237,7 +237,8 @@ std::vector<double> OrderedSums(const oracle::Image& premultiplied, std::size_t 
     return sums;
 }
 
-TEST(SATTentBlurTest, SumsTooLargeForADoubleAreRoundedInTheirOrder) {
+// Nearly white, and so large that the last second-order sums are beyond 2^53, where doubles round.
+oracle::Image ImageOfLargeSums() {
     constexpr int kSize = 1250;
     std::mt19937 random(23);
     oracle::Image image(kSize, kSize, oracle::kFull<Channel15>);
@@ -245,7 +246,12 @@ TEST(SATTentBlurTest, SumsTooLargeForADoubleAreRoundedInTheirOrder) {
         for (auto& channel : pixel)
             channel = oracle::kFull<Channel15> - static_cast<std::uint32_t>(random() % 3);
     }
-    const SimplePixelBuffer<Pixel<Channel15>> source(kSize, kSize);
+    return image;
+}
+
+TEST(SATTentBlurTest, SumsTooLargeForADoubleAreRoundedInTheirOrder) {
+    oracle::Image image = ImageOfLargeSums();
+    const SimplePixelBuffer<Pixel<Channel15>> source(image.width, image.height);
     oracle::Store<Channel15>(image, source);
     FakeContext context;
     SATTentBlur<Pixel<Channel15>> blur(context, source, 2, 2);
@@ -262,6 +268,45 @@ TEST(SATTentBlurTest, SumsTooLargeForADoubleAreRoundedInTheirOrder) {
     expectSums(oracle::kRed, blur.sumRed);
     expectSums(oracle::kGreen, blur.sumGreen);
     expectSums(oracle::kBlue, blur.sumBlue);
+}
+
+TEST(SATTentBlurTest, NineSamplesAreAddedInTheirOrder) {
+    const oracle::Image image = ImageOfLargeSums();
+    const SimplePixelBuffer<Pixel<Channel15>> source(image.width, image.height);
+    oracle::Store<Channel15>(image, source);
+    FakeContext context;
+    SATTentBlur<Pixel<Channel15>> blur(context, source, 2, 2);
+    blur.initialize();
+    const auto expected = [&](const SATTentBlur<Pixel<Channel15>>::Table& table, int x, int y, int half) {
+        const auto at = [&](int dx, int dy) {
+            const int tx = x + blur.borderX - 1 + dx * half;
+            const int ty = y + blur.borderY - 1 + dy * half;
+            return table[static_cast<std::size_t>(ty) * static_cast<std::size_t>(blur.tableWidth) +
+                         static_cast<std::size_t>(tx)];
+        };
+        double sum = at(-1, -1);
+        sum -= 2.0 * at(0, -1);
+        sum += at(1, -1);
+        sum -= 2.0 * at(-1, 0);
+        sum += 4.0 * at(0, 0);
+        sum -= 2.0 * at(1, 0);
+        sum += at(-1, 1);
+        sum -= 2.0 * at(0, 1);
+        sum += at(1, 1);
+        return static_cast<std::uint32_t>(sum * (1.0 / (half * half * half * half)) + 0.5);
+    };
+    for (int y = 1100; y < image.height; y += 7) {
+        for (int x = 1100; x < image.width; x += 5) {
+            for (int radius = 0; radius <= 2; ++radius) {
+                const int half = radius + 1;
+                ASSERT_EQ(
+                    (oracle::Colour{expected(blur.sumAlpha, x, y, half), expected(blur.sumRed, x, y, half),
+                                    expected(blur.sumGreen, x, y, half), expected(blur.sumBlue, x, y, half)}),
+                    oracle::ColourOf(blur.getBlurInt(x, y, radius, radius)))
+                    << x << ", " << y << ", radius " << radius;
+            }
+        }
+    }
 }
 
 TYPED_TEST(SATTentBlurTypedTest, InitializePassesOnWhatTheContextThrowsInEitherPass) {

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <functional>
 #include <new>
+#include <numeric>
 #include <stdexcept>
 #include <string>
 #include <typeinfo>
@@ -238,6 +239,99 @@ TEST(ThreadRowsTest, CancelWithinABandLeavesTheRowsBeforeItRendered) {
         EXPECT_THROW(ThreadRows(context, handler, 33, -1), int) << c.call;
         EXPECT_EQ(c.bands, handler.bands) << c.call;
     }
+}
+
+TEST(ThreadRowsTest, RowsWithAnIterationEachAreNoBandsAndAreNotReported) {
+    using Rows = std::vector<int>;
+    FakeContext context;
+    for (int i = 0; i < 4; ++i) {
+        BandHandler handler;
+        ThreadRowsWork<BandHandler> work{handler, context, 3};
+        EXPECT_EQ(0, ThreadRowsHelper<BandHandler>(&work, 0, i, 4));
+        EXPECT_EQ(i < 3 ? Rows{i} : Rows{}, handler.rows);
+        EXPECT_TRUE(handler.bands.empty()) << i;
+    }
+    EXPECT_TRUE(context.progressCalls.empty());
+}
+
+// Notes the rows of its bands; a band for one of whose rows `fail` throws is not noted.
+struct RowsOfBandsHandler : RecordingHandler {
+    static constexpr int kBandRows = 4;
+
+    void bandOp(PILib::PIContext& /*context*/, int first, int count) {
+        for (int row = first; row < first + count; ++row)
+            fail(row);
+        for (int row = first; row < first + count; ++row)
+            rows.push_back(row);
+    }
+};
+
+std::vector<int> Sequence(int first, int count) {
+    std::vector<int> rows(static_cast<std::size_t>(count));
+    std::iota(rows.begin(), rows.end(), first);
+    return rows;
+}
+
+// What the run of all rows ends with; 0 if nothing is thrown.
+template <class H>
+int CodeOfRows(PILib::PIContext& context, H& handler, int rows) {
+    try {
+        ThreadRows(context, handler, rows, -1);
+        return 0;
+    } catch (int code) {
+        return code;
+    }
+}
+
+TEST(ThreadRowsTest, ExceptionOfABandEndsItsChunkAlone) {
+    for (const int code : {-50, PILib::kInternalDamage}) {
+        FakeContext context;
+        context.processors = 3;
+        RowsOfBandsHandler handler;
+        handler.fail = [code](int row) {
+            if (row == 45 && code == -50) throw code;
+            if (row == 45) throw std::bad_alloc();
+        };
+        EXPECT_EQ(code, CodeOfRows(context, handler, 120));
+        // The rows before the failing band, whose size is the handler's largest or less.
+        const auto done = static_cast<int>(handler.rows.size()) - 80;
+        EXPECT_GE(done, 5 - (RowsOfBandsHandler::kBandRows - 1)) << code;
+        EXPECT_LE(done, 5) << code;
+        std::vector<int> expected = Sequence(0, 40 + std::max(done, 0));
+        const std::vector<int> last = Sequence(80, 40);
+        expected.insert(expected.end(), last.begin(), last.end());
+        EXPECT_EQ(expected, handler.rows) << code;
+    }
+}
+
+TEST(ThreadRowsTest, ExceptionOfARowBeforeACancelledOneArrivesInItsPlace) {
+    FakeContext context;
+    context.failAtProgress(7, PILib::kUserCancelled);
+    RowsOfBandsHandler handler;
+    handler.fail = [](int row) {
+        if (row == 5) throw 23;
+    };
+    EXPECT_EQ(23, CodeOfRows(context, handler, 33));
+}
+
+// Its third progress report is out of memory.
+struct ExhaustedContext : FakeContext {
+    void progress(int i, int n, float base, float span) const override {
+        FakeContext::progress(i, n, base, span);
+        if (progressCalls.size() == 3) throw std::bad_alloc();
+    }
+};
+
+TEST(ThreadRowsTest, OtherExceptionsOfAReportBecome512AfterTheRowsBeforeIt) {
+    ExhaustedContext context;
+    RecordingHandler rows;
+    EXPECT_EQ(512, CodeOfRows(context, rows, 9));
+    EXPECT_EQ((std::vector<int>{0, 1}), rows.rows);
+
+    ExhaustedContext other;
+    RowsOfBandsHandler bands;
+    EXPECT_EQ(512, CodeOfRows(other, bands, 33));
+    EXPECT_EQ((std::vector<int>{0, 1}), bands.rows);
 }
 
 TEST(ThreadRowsTest, NumberOfIterationsIsWhatTheCallerAsksFor) {

@@ -3,8 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <new>
 #include <numeric>
 #include <random>
 #include <typeinfo>
@@ -20,6 +23,7 @@
 #include "OracleBuffers.h"
 #include "RandomImage.h"
 #include "SATTentBlur.h"
+#include "SimdLevels.h"
 #include "ThreadPoolContext.h"
 
 namespace {
@@ -118,9 +122,14 @@ TYPED_TEST(KestrelTypedTest, BothBlursEqualTheReference) {
     for (const bool fine : {false, true}) {
         for (const auto& [radiusX, radiusY] : {std::pair{7.3F, 2.0F}, {0.4F, 11.9F}, {25.0F, 25.0F}}) {
             Scene<TypeParam> scene(13, 19, 4);
-            Kestrel(this->context, scene.output, scene.input, scene.map, fine, radiusX, radiusY);
-            EXPECT_EQ(scene.expected(fine, radiusX, radiusY).values, oracle::Fetched(scene.output).values)
-                << "fine " << fine << ", radii " << radiusX << ", " << radiusY;
+            const oracle::Image expected = scene.expected(fine, radiusX, radiusY);
+            for (const PILib::SimdLevel level : SupportedLevels()) {
+                scene.output.clear();
+                Kestrel(this->context, scene.output, scene.input, scene.map, fine, radiusX, radiusY, level);
+                EXPECT_EQ(expected.values, oracle::Fetched(scene.output).values)
+                    << "fine " << fine << ", radii " << radiusX << ", " << radiusY << ", level "
+                    << static_cast<int>(level);
+            }
         }
     }
 }
@@ -154,24 +163,58 @@ TYPED_TEST(KestrelTypedTest, AnyOrderOfIterationsGivesTheSameBytes) {
     }
 }
 
-// Wider than a strip and higher than a band, neither by a whole number of blocks.
-TYPED_TEST(KestrelTypedTest, BandsGiveThePixelsOfSingleRows) {
-    using P = Pixel<TypeParam>;
-    constexpr float kRadius = 9.5F;
-    Scene<TypeParam> scene(531, 67, 31);
+// `radius` is that of the rows and, rounded up, that of the tables.
+template <class C>
+void ExpectBandsLikeRows(const Scene<C>& scene, bool fine, PILib::SimdLevel level, float radius) {
+    using P = Pixel<C>;
+    FakeContext context;
+    const auto tableRadius = static_cast<int>(std::ceil(radius));
+    PILib::SATTentBlur<P> tent(context, scene.input, tableRadius, tableRadius, level);
+    PILib::SATBoxBlur<P> box(context, scene.input, tableRadius, tableRadius, level);
+    PILib::SATBlur<P>& blur = fine ? static_cast<PILib::SATBlur<P>&>(tent) : box;
+    blur.initialize();
     const SimplePixelBuffer<P> rowByRow(scene.output.width, scene.output.height);
+    KestrelThreadHandler<P> bands{scene.output, scene.input, scene.map, &blur, radius, radius};
+    KestrelThreadHandler<P> rows{rowByRow, scene.input, scene.map, &blur, radius, radius};
+    scene.output.clear();
+    bands.bandOp(context, 0, 64);
+    bands.bandOp(context, 64, 3);
+    for (int row = 0; row < rowByRow.height; ++row)
+        rows.rowOp(context, row);
+    EXPECT_EQ(oracle::Fetched(rowByRow).values, oracle::Fetched(scene.output).values)
+        << "fine " << fine << ", level " << static_cast<int>(level) << ", radius " << radius;
+}
+
+// Wider than a strip and higher than a band, neither by a whole number of blocks. Without a radius, or
+// without vectors, rows are read out pixel by pixel.
+TYPED_TEST(KestrelTypedTest, BandsGiveThePixelsOfSingleRows) {
+    const Scene<TypeParam> scene(531, 67, 31);
     for (const bool fine : {false, true}) {
-        PILib::SATTentBlur<P> tent(this->context, scene.input, 10, 10);
-        PILib::SATBoxBlur<P> box(this->context, scene.input, 10, 10);
-        PILib::SATBlur<P>& blur = fine ? static_cast<PILib::SATBlur<P>&>(tent) : box;
-        blur.initialize();
-        KestrelThreadHandler<P> bands{scene.output, scene.input, scene.map, &blur, kRadius, kRadius};
-        KestrelThreadHandler<P> rows{rowByRow, scene.input, scene.map, &blur, kRadius, kRadius};
-        bands.bandOp(this->context, 0, 64);
-        bands.bandOp(this->context, 64, 3);
-        for (int row = 0; row < rowByRow.height; ++row)
-            rows.rowOp(this->context, row);
-        EXPECT_EQ(oracle::Fetched(rowByRow).values, oracle::Fetched(scene.output).values) << fine;
+        for (const PILib::SimdLevel level : SupportedLevels())
+            ExpectBandsLikeRows(scene, fine, level, 9.5F);
+        ExpectBandsLikeRows(scene, fine, PILib::BestSimdLevel(), 0.0F);
+    }
+}
+
+// Chunks of 150, 75, 50 and 22 rows, in strips of columns.
+TYPED_TEST(KestrelTypedTest, LargeFramesAreTheSameForAnyThreadCountAndOrder) {
+    Scene<TypeParam> scene(531, 150, 32);
+    FakeContext shuffled;
+    shuffled.order = {3, 6, 0, 5, 1, 4, 2};
+    shuffled.processors = 7;
+    for (const bool fine : {false, true}) {
+        const auto rendered = [&](PILib::PIContext& context) {
+            scene.output.clear();
+            Kestrel(context, scene.output, scene.input, scene.map, fine, 9.5F, 4.0F);
+            return oracle::Fetched(scene.output).values;
+        };
+        PILib::ThreadPoolContext one(1);
+        const std::vector<oracle::Colour> expected = rendered(one);
+        for (const int threads : {2, 3, 7}) {
+            PILib::ThreadPoolContext pool(threads);
+            EXPECT_TRUE(expected == rendered(pool)) << "fine " << fine << ", " << threads << " threads";
+        }
+        EXPECT_TRUE(expected == rendered(shuffled)) << "fine " << fine;
     }
 }
 
@@ -221,11 +264,78 @@ TYPED_TEST(KestrelTypedTest, EmptyOutputNeedsNoInput) {
     EXPECT_TRUE(this->context.progressCalls.empty());
 }
 
-TYPED_TEST(KestrelTypedTest, NegativeRadiusIsRefused) {
+TYPED_TEST(KestrelTypedTest, RadiiThatNoTableHoldsAreRefusedBeforeAnythingIsReported) {
     Scene<TypeParam> scene(4, 4, 10);
+    oracle::Store<TypeParam>(scene.inputImage, scene.output);
+    const auto render = [&](bool fine, float radiusX, float radiusY) {
+        Kestrel(this->context, scene.output, scene.input, scene.map, fine, radiusX, radiusY);
+    };
     for (const bool fine : {false, true}) {
-        EXPECT_THROW(Kestrel(this->context, scene.output, scene.input, scene.map, fine, -1.0F, 1.0F), int);
-        EXPECT_THROW(Kestrel(this->context, scene.output, scene.input, scene.map, fine, 1.0F, -1.0F), int);
+        for (const auto& [x, y] : {std::pair{-1.0F, 1.0F}, {1.0F, -1.0F}})
+            EXPECT_TRUE(FailsAssertion("PILib/PILib Source/SATBlur", 1, [&, x = x, y = y] {
+                render(fine, x, y);
+            })) << x;
+    }
+    EXPECT_THROW(render(false, 0.0F, 1.2e9F), std::bad_alloc);
+    EXPECT_THROW(render(false, 1.2e9F, 0.0F), std::bad_alloc);
+    EXPECT_TRUE(this->context.ranges.empty());
+    EXPECT_TRUE(this->context.progressCalls.empty());
+    EXPECT_EQ(scene.inputImage.values, oracle::Fetched(scene.output).values);
+}
+
+// 6 rows between borders of 3 rows, the tent's of 5.
+TYPED_TEST(KestrelTypedTest, CancelWhileTablesAreBuiltStartsNoRows) {
+    struct Cancel {
+        bool fine;
+        int report;
+    };
+    for (const Cancel& c : {Cancel{false, 3}, Cancel{false, 12}, Cancel{true, 3}, Cancel{true, 16 + 3}}) {
+        FakeContext cancelled;
+        cancelled.failAtProgress(c.report, PILib::kUserCancelled);
+        Scene<TypeParam> scene(5, 6, 17);
+        oracle::Store<TypeParam>(scene.inputImage, scene.output);
+        FillMap(scene.map, TypeParam::kOne);
+        EXPECT_THROW(Kestrel(cancelled, scene.output, scene.input, scene.map, c.fine, 2.0F, 2.0F), int);
+        EXPECT_EQ((std::vector<std::pair<float, float>>{{0.0F, 0.25F}}), cancelled.ranges) << c.report;
+        EXPECT_EQ(static_cast<std::size_t>(c.report), cancelled.progressCalls.size());
+        EXPECT_EQ(0, cancelled.lastIterations) << c.report;
+        EXPECT_EQ(scene.inputImage.values, oracle::Fetched(scene.output).values) << c.report;
+    }
+}
+
+// Counts calls of the operations that ask the host for something.
+struct AskedContext : FakeContext {
+    mutable int questions = 0;
+
+    bool isDraftMode() const override {
+        ++questions;
+        return FakeContext::isDraftMode();
+    }
+    float getPixelAspectRatio() const override {
+        ++questions;
+        return FakeContext::getPixelAspectRatio();
+    }
+    char** newHandle(std::size_t size) const override {
+        ++questions;
+        return FakeContext::newHandle(size);
+    }
+    int getCurrentTime() const override {
+        ++questions;
+        return FakeContext::getCurrentTime();
+    }
+};
+
+TYPED_TEST(KestrelTypedTest, RenderUsesNothingOfTheContextButProgressAndThreads) {
+    for (const bool fine : {false, true}) {
+        AskedContext asked;
+        asked.processors = 4;
+        Scene<TypeParam> scene(11, 37, 20);
+        Kestrel(asked, scene.output, scene.input, scene.map, fine, 3.0F, 3.0F);
+        EXPECT_EQ((std::vector<std::pair<float, float>>{{0.0F, 0.25F}, {0.25F, 1.0F}}), asked.ranges);
+        EXPECT_EQ(4, asked.lastIterations);
+        EXPECT_EQ(0, asked.abortChecks);
+        EXPECT_EQ(0, asked.questions);
+        EXPECT_TRUE(asked.handleFaults.empty());
     }
 }
 
@@ -298,6 +408,22 @@ void ExpectRadii(const std::vector<RadiusCase>& cases) {
         EXPECT_EQ(scene.input.row(kRow)[kX - 1], scene.output.row(kRow)[kX - 1]);
         EXPECT_EQ(Pixel<C>::kTransparentColor, scene.output.row(kRow - 1)[kX]) << "another row";
     }
+}
+
+TYPED_TEST(KestrelTypedTest, BlurredPixelsOfARowAreAskedForFromLeftToRight) {
+    using P = Pixel<TypeParam>;
+    Scene<TypeParam> scene(4, 3, 21);
+    for (const auto& [x, value] : {std::pair{0, 5}, {1, 0}, {2, 255}, {3, 1}})
+        scene.map.row(1)[x] = static_cast<typename TypeParam::Type>(value);
+    RadiusRecorder<P> blur(this->context, scene.input, 1, 1);
+    KestrelThreadHandler<P> handler{scene.output, scene.input, scene.map, &blur, 1.0F, 1.0F};
+    handler.rowOp(this->context, 1);
+    ASSERT_EQ(3U, blur.requests.size());
+    for (const auto& [request, x] : {std::pair{0U, 0}, {1U, 2}, {2U, 3}}) {
+        EXPECT_EQ(x, blur.requests[request][0]);
+        EXPECT_EQ(1, blur.requests[request][1]);
+    }
+    EXPECT_EQ(scene.input.row(1)[1], scene.output.row(1)[1]);
 }
 
 constexpr std::int32_t kLargestFixed = std::numeric_limits<std::int32_t>::max();
