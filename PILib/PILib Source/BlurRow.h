@@ -50,7 +50,7 @@ struct PrefixRow {
     std::uint32_t* sums[4];
 };
 
-// The kernels of one depth and one level.
+// The kernels of one depth and one level. `prefix` is null where sums one by one are as fast.
 struct DepthKernels {
     void (*box)(const BlurRow<std::uint32_t>& row);
     void (*tent)(const BlurRow<double>& row);

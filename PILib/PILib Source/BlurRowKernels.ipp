@@ -340,8 +340,8 @@ void SumRow(const PrefixRow& row) {
 }  // namespace
 
 extern const BlurRowKernels PILIB_KERNELS = {
-    {ReadRow<Box, Depth8>, ReadRow<Tent, Depth8>, SumRow<Depth8>},
-    {ReadRow<Box, Depth15>, ReadRow<Tent, Depth15>, SumRow<Depth15>},
+    {ReadRow<Box, Depth8>, ReadRow<Tent, Depth8>, kLanes >= 8 ? SumRow<Depth8> : nullptr},
+    {ReadRow<Box, Depth15>, ReadRow<Tent, Depth15>, kLanes >= 16 ? SumRow<Depth15> : nullptr},
 };
 
 }  // namespace PILib::detail

@@ -22,9 +22,11 @@ class FirstOrderRow {
 public:
     FirstOrderRow(SimdLevel level, std::int32_t border, std::int32_t tableWidth)
         : border(border), width(static_cast<std::size_t>(tableWidth)), entries(4 * width) {
-        if (!suitsVectors(level, tableWidth)) return;
+        // 32 bits hold the running sums of rows up to this width.
+        constexpr std::int32_t kWidest = std::numeric_limits<std::int32_t>::max() / C::kOne;
+        if (level == SimdLevel::Scalar || tableWidth > kWidest) return;
         kernel = KernelsFor<C>(level).prefix;
-        running.resize(4 * width);
+        if (kernel != nullptr) running.resize(4 * width);
     }
 
     // Moves on to the next table row, which lies over `source` with its ends repeated.
@@ -47,12 +49,6 @@ public:
     const std::size_t width;
 
 private:
-    // Whether the level's vectors form the running sums faster than one by one, and 32 bits hold them.
-    static bool suitsVectors(SimdLevel level, int tableWidth) {
-        return (level == SimdLevel::Avx2 || level == SimdLevel::Avx512) &&
-               tableWidth <= std::numeric_limits<std::int32_t>::max() / C::kOne;
-    }
-
     void addOneByOne(const Row<Pixel<C>>& source) {
         T red{};
         T green{};
