@@ -5,10 +5,17 @@
 #include <array>
 #include <atomic>
 #include <cstdint>
+#include <cstdlib>
+#include <fstream>
 #include <new>
 #include <ostream>
 #include <random>
 #include <vector>
+
+#ifdef __linux__
+#include <sys/resource.h>
+#include <unistd.h>
+#endif
 
 #include "AllocationFailure.h"
 #include "ChannelTypes.h"
@@ -207,6 +214,40 @@ TYPED_TEST(FailureInjectionTest, TablesAreAllocatedRedGreenBlueThenAlpha) {
     ExpectTablesAllocatedInOrder<PILib::SATBoxBlur<P>, P>();
     ExpectTablesAllocatedInOrder<PILib::SATTentBlur<P>, P>();
 }
+
+#if defined(__linux__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+
+// With address space for so many more tables of 2 MiB: whether making a blur is std::bad_alloc and leaves the
+// blurs that follow as they should be.
+bool IsShortOfTables(int tables) {
+    constexpr rlim_t kTable = rlim_t{2} << 20;
+    using P = Pixel<Channel8>;
+    ThreadPoolContext context(1);
+    const SimplePixelBuffer<P> source(500, 300);
+    const auto makeBlur = [&] { PILib::SATTentBlur<P>(context, source, 1, 1).initialize(); };
+    PILib::detail::MakeLargeArray<char>(5 * kTable);  // in place of what was kept of other tests
+    const auto mapped = [] {
+        rlim_t pages = 0;
+        std::ifstream("/proc/self/statm") >> pages;
+        return pages * static_cast<rlim_t>(sysconf(_SC_PAGESIZE));
+    };
+    const rlim_t before = mapped() - 5 * kTable;
+    rlimit limit{};
+    getrlimit(RLIMIT_AS, &limit);
+    // A table is cut out of a mapping of twice its size.
+    const rlimit tight = {before + static_cast<rlim_t>(tables) * kTable + 3 * kTable / 2, limit.rlim_max};
+    setrlimit(RLIMIT_AS, &tight);
+    const int code = CodeOf(makeBlur);
+    setrlimit(RLIMIT_AS, &limit);
+    return code == kBadAlloc && CodeOf(makeBlur) == 0 && mapped() <= before + 4 * kTable + kTable / 2;
+}
+
+TEST(LargeTablesTest, AnyTableThatMemoryIsTooShortForIsBadAllocAndNoneIsLost) {
+    for (int tables = 0; tables < 4; ++tables)
+        EXPECT_EXIT(std::exit(IsShortOfTables(tables) ? 0 : 1), testing::ExitedWithCode(0), "") << tables;
+}
+
+#endif
 
 TEST(PoolFailureTest, AnyFailingAllocationOfANewPoolArrives) {
     int n = 1;

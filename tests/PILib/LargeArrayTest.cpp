@@ -76,7 +76,7 @@ std::size_t MappedPages() {
 
 TEST(LargeArrayTest, WhatIsGivenBackIsKeptForOneFrameAtMost) {
     const auto makeFrame = [](std::size_t size) {
-        LargeArray<std::uint8_t> tables[4];
+        LargeArray<std::uint8_t> tables[6];  // more than are kept
         for (auto& table : tables)
             table = MakeLargeArray<std::uint8_t>(size);
     };
