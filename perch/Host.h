@@ -97,9 +97,6 @@ private:
 
 CommandResult resultOf(const Call& call);
 
-// The source's extent at full resolution: as given, else from the picture's `extent` at `scale`.
-std::int32_t fullExtent(std::int32_t given, std::int32_t extent, const PF_RationalScale& scale);
-
 // "RENDER"; "command 99" for numbers without a name.
 std::string commandName(PF_Cmd command);
 
