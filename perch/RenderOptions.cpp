@@ -198,7 +198,8 @@ RenderOptions parseRenderOptions(const std::vector<std::string>& arguments, cons
     options.settings.downsample = parseDownsample(texts.downsample);
     options.settings.depth = parseDepth(texts.depth);
     options.settings.compression = parseNumber("--compression", texts.compression, kMostCompression);
-    options.settings.framesAhead = framesAheadFor(parseThreads(texts.threads));
+    options.threads = parseThreads(texts.threads);
+    options.settings.framesAhead = framesAheadFor(options.threads);
     for (const ParameterOption& option : parameters) {
         if (app.count("--" + option.name) > 0) takeParameter(option, texts.parameters[option.name], options);
     }

@@ -15,6 +15,20 @@ RenderOptions parsed(const std::string& option, const std::string& text) {
     return parseRenderOptions(withPictures(option, text), EffectDescription{});
 }
 
+TEST(RenderOptionsTest, ThreadsAreKnownBeforeTheEffectAndWithIt) {
+    for (const int threads : {0, 1, 3, 1024}) {
+        const std::string text = std::to_string(threads);
+        EXPECT_EQ(parseBeforeEffect(withPictures("--threads", text)).threads, threads);
+        EXPECT_EQ(parsed("--threads", text).threads, threads);
+    }
+}
+
+TEST(RenderOptionsTest, FramesAheadFollowTheThreadsUpToEight) {
+    EXPECT_EQ(parsed("--threads", "1").settings.framesAhead, 1U);
+    EXPECT_EQ(parsed("--threads", "3").settings.framesAhead, 3U);
+    EXPECT_EQ(parsed("--threads", "1024").settings.framesAhead, 8U);
+}
+
 TEST(RenderOptionsTest, DownsampleIsAFractionUpToOne) {
     struct Fraction {
         const char* text;
