@@ -169,7 +169,7 @@ private:
     void write(std::size_t index, const World& picture, bool inputHasAlpha) {
         const Timer timer(CLOCK_THREAD_CPUTIME_ID, report.encodeTime);
         // An effect may make an opaque picture transparent.
-        writePicture(plan.frames[index].output, picture, inputHasAlpha || !isOpaque(picture),
+        writePicture(plan.frames[index].output, picture, inputHasAlpha || !needsNoAlpha(picture),
                      settings.compression);
         ++report.framesWritten;
     }
