@@ -132,8 +132,8 @@ void addParameterOptions(CLI::App& app, const std::vector<ParameterOption>& opti
         addParameterOption(app, option, texts.parameters[option.name]);
 }
 
-void requireFile(const std::string& path, std::string_view option) {
-    if (path.empty()) throw UsageError(fmt::format("{} is missing; see perch render --help", option));
+void requireOption(const std::string& text, std::string_view option) {
+    if (text.empty()) throw UsageError(fmt::format("{} is missing; see perch render --help", option));
 }
 
 // Tries the value on a copy of the declaration, so that a wrong one is told of before any work.
@@ -189,8 +189,8 @@ RenderOptions parseRenderOptions(const std::vector<std::string>& arguments, cons
     addParameterOptions(app, parameters, texts);
     parseArguments(app, arguments, Extras::Refused);
 
-    requireFile(texts.input, "--input");
-    requireFile(texts.output, "--output");
+    requireOption(texts.input, "--input");
+    requireOption(texts.output, "--output");
     options.names.input = texts.input;
     options.names.output = texts.output;
     if (!texts.frames.empty()) options.names.frames = parseFrameRange(texts.frames);
