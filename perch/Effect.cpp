@@ -1,5 +1,8 @@
 #include "Effect.h"
 
+#include <algorithm>
+#include <limits>
+
 #include "Bundle.h"
 #include "Host.h"
 #include "PF_Values.h"
@@ -31,6 +34,13 @@ std::unique_ptr<Host> loadHost(const std::filesystem::path& plugin, HostOptions 
 }
 
 }  // namespace
+
+std::int32_t fullExtent(std::int32_t given, std::int32_t extent, const PF_RationalScale& scale) {
+    if (given > 0) return given;
+    if (scale.num <= 0) return extent;
+    constexpr std::int64_t kLargest = std::numeric_limits<std::int32_t>::max();
+    return static_cast<std::int32_t>(std::min(std::int64_t{extent} * scale.den / scale.num, kLargest));
+}
 
 Effect::Effect(const std::filesystem::path& plugin, HostOptions options)
     : host(loadHost(plugin, std::move(options))) {

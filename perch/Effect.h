@@ -140,6 +140,10 @@ struct FrameRequest {
     std::function<void(double fraction)> progress;  // on the calling thread, 0 to 1
 };
 
+// A FrameRequest's full extent: as given, else the picture's `extent` divided by `scale`, or the largest that
+// there is where that is larger.
+std::int32_t fullExtent(std::int32_t given, std::int32_t extent, const PF_RationalScale& scale);
+
 struct RenderedFrame {
     World picture;
     PF_Point origin{};  // of the input in the picture, where the effect asked for another size

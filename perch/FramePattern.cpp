@@ -115,8 +115,9 @@ std::vector<std::int32_t> FramePattern::framesOnDisk() const {
     std::error_code error;
     fs::directory_iterator entry(folder.empty() ? fs::path(".") : folder, error);
     while (!error && entry != fs::directory_iterator()) {
-        if (const std::optional<std::int32_t> frame = frameOf(entry->path().filename()))
-            frames.push_back(*frame);
+        std::error_code unknown;
+        const std::optional<std::int32_t> frame = frameOf(entry->path().filename());
+        if (frame && !entry->is_directory(unknown)) frames.push_back(*frame);
         entry.increment(error);
     }
     std::ranges::sort(frames);

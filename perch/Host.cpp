@@ -94,12 +94,6 @@ void describeFrame(const FrameRequest& frame, PF_InData& in) {
 
 }  // namespace
 
-std::int32_t fullExtent(std::int32_t given, std::int32_t extent, const PF_RationalScale& scale) {
-    if (given > 0) return given;
-    if (scale.num <= 0) return extent;
-    return static_cast<std::int32_t>(std::int64_t{extent} * scale.den / scale.num);
-}
-
 std::string commandName(PF_Cmd command) {
     const auto* found =
         std::find_if(kCommandNames.begin(), kCommandNames.end(),

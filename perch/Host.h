@@ -1,5 +1,9 @@
 // The host behind an Effect: what the callbacks answer from, and how a command is sent.
 // Callbacks get at it through Host::current(), because most of them carry nothing that would name it.
+//
+// Commands are sent, and `call` and `description` written, on the thread that made the host. While a command
+// is under way, workers may ask isCancelled(), isDuring() and the like, count their calls, and use the ledger
+// and the tables, which lock.
 #pragma once
 
 #include <map>
@@ -46,7 +50,8 @@ public:
     // The one host of the process; null when there is none.
     static Host* current();
 
-    // Sends the command, carries the data over, and checks what had to be given back by its end.
+    // Sends the command, carries the data over, and checks what had to be given back by its end. What the
+    // effect answers is in call.code and is not thrown. Throws Error on any other thread.
     void send(Call& call);
     // Throws what the effect answered, or passes its message on.
     void throwIfFailed(const Call& call) const;
@@ -54,7 +59,9 @@ public:
     // Notes a failed tear-down, which nobody is thrown at.
     void reportFailedTearDown(const Call& call);
 
+    // GLOBAL_SETUP and PARAMS_SETUP. Throws as throwIfFailed does.
     void setUp();
+    // GLOBAL_SETDOWN after a set-up, once; then the leaks are noted.
     void close();
 
     PF_ProgPtr token() { return reinterpret_cast<PF_ProgPtr>(this); }
@@ -96,9 +103,6 @@ private:
 };
 
 CommandResult resultOf(const Call& call);
-
-// The source's extent at full resolution: as given, else from the picture's `extent` at `scale`.
-std::int32_t fullExtent(std::int32_t given, std::int32_t extent, const PF_RationalScale& scale);
 
 // "RENDER"; "command 99" for numbers without a name.
 std::string commandName(PF_Cmd command);

@@ -9,7 +9,7 @@
 namespace perch {
 namespace {
 
-// What the workers of one call have come to: the first failure, and the rows done.
+// The first failure that any worker of a call met; none while all goes well.
 class Outcome {
 public:
     void fail(PF_Err failure) {
@@ -75,7 +75,8 @@ bool holds(const PF_EffectWorld& world) {
     return world.data != nullptr && isDeep(world) == std::is_same_v<P, PF_Pixel16>;
 }
 
-// Destination pixels that the source, shifted by `origin`, lies under.
+// What becomes of destination pixels that the source, shifted by `origin`, does not lie under: they are left
+// alone, or the function is given a transparent pixel.
 enum class Source { Clipped, TransparentOutside };
 
 template <typename P>
@@ -93,68 +94,101 @@ struct Iteration {
 };
 
 template <typename P>
-PF_Err iterateRow(const Iteration<P>& it, const PF_Rect& area, A_long y) {
-    const std::int64_t sourceY = std::int64_t{y} - it.origin.v;
-    const bool isRowInside = it.src != nullptr && sourceY >= 0 && sourceY < it.src->height;
+PF_Err iterateRow(const Iteration<P>& iteration, const PF_Rect& area, A_long y) {
+    const std::int64_t sourceY = std::int64_t{y} - iteration.origin.v;
+    const bool isRowInside = iteration.src != nullptr && sourceY >= 0 && sourceY < iteration.src->height;
     for (A_long x = area.left; x < area.right; ++x) {
-        const std::int64_t sourceX = std::int64_t{x} - it.origin.h;
+        const std::int64_t sourceX = std::int64_t{x} - iteration.origin.h;
         P transparent{};
-        P* in = it.src != nullptr ? &transparent : nullptr;
-        if (isRowInside && sourceX >= 0 && sourceX < it.src->width)
-            in = pixelAt<P>(*it.src, sourceX, sourceY);
-        if (const PF_Err code = it.function(it.refcon, x, y, in, pixelAt<P>(*it.dst, x, y))) return code;
+        P* in = iteration.src != nullptr ? &transparent : nullptr;
+        if (isRowInside && sourceX >= 0 && sourceX < iteration.src->width)
+            in = pixelAt<P>(*iteration.src, sourceX, sourceY);
+        if (const PF_Err code =
+                iteration.function(iteration.refcon, x, y, in, pixelAt<P>(*iteration.dst, x, y)))
+            return code;
     }
     return PF_Err_NONE;
 }
 
 // The destination's pixels that are iterated.
 template <typename P>
-PF_Rect areaOf(const Iteration<P>& it) {
-    const PF_Rect area = clipped(it.area, *it.dst);
-    if (it.src == nullptr || it.outside == Source::TransparentOutside) return area;
-    const std::int64_t left = it.origin.h;
-    const std::int64_t top = it.origin.v;
-    return clipped({left, top, left + it.src->width, top + it.src->height}, area);
+PF_Rect areaOf(const Iteration<P>& iteration) {
+    const PF_Rect area = clipped(iteration.area, *iteration.dst);
+    if (iteration.src == nullptr || iteration.outside == Source::TransparentOutside) return area;
+    const std::int64_t left = iteration.origin.h;
+    const std::int64_t top = iteration.origin.v;
+    return clipped({left, top, left + iteration.src->width, top + iteration.src->height}, area);
 }
 
 template <typename P>
-PF_Err iterateWorld(const Iteration<P>& it) {
-    return answer(it.callback, Caller::MainThread, [&](Host& host) -> PF_Err {
-        if (it.dst == nullptr || it.function == nullptr) return PF_Err_BAD_CALLBACK_PARAM;
-        if (!holds<P>(*it.dst) || (it.src != nullptr && !holds<P>(*it.src))) {
-            host.ledger.fault(it.callback, "a world has no pixels, or is of another depth than the call");
+PF_Err iterateWorld(const Iteration<P>& iteration) {
+    return answer(iteration.callback, Caller::MainThread, [&](Host& host) -> PF_Err {
+        if (iteration.dst == nullptr || iteration.function == nullptr) return PF_Err_BAD_CALLBACK_PARAM;
+        if (!holds<P>(*iteration.dst) || (iteration.src != nullptr && !holds<P>(*iteration.src))) {
+            host.ledger.fault(iteration.callback,
+                              "a world has no pixels, or is of another depth than the call");
             return PF_Err_BAD_CALLBACK_PARAM;
         }
-        const PF_Rect area = areaOf(it);
-        return runRows(host, it.callback, area, it.span, [&](A_long y) { return iterateRow(it, area, y); });
+        const PF_Rect area = areaOf(iteration);
+        return runRows(host, iteration.callback, area, iteration.span,
+                       [&](A_long y) { return iterateRow(iteration, area, y); });
     });
+}
+
+// The slot that is called: the same operation has one for each depth.
+template <typename P>
+const char* nameFor(const char* shallow, const char* deep) {
+    return std::is_same_v<P, PF_Pixel16> ? deep : shallow;
+}
+
+// A null origin does not shift.
+PF_Point shiftOf(const PF_Point* origin) {
+    return origin != nullptr ? *origin : PF_Point{};
 }
 
 template <typename P>
 PF_Err iterate(PF_InData*, A_long base, A_long final, PF_EffectWorld* src, const PF_Rect* area, void* refcon,
                typename Iteration<P>::Function function, PF_EffectWorld* dst) {
-    const char* name = std::is_same_v<P, PF_Pixel16> ? "iterate16" : "iterate";
-    return iterateWorld<P>({name, {base, final}, src, area, {0, 0}, Source::Clipped, refcon, function, dst});
+    return iterateWorld<P>({.callback = nameFor<P>("iterate", "iterate16"),
+                            .span = {base, final},
+                            .src = src,
+                            .area = area,
+                            .origin = {0, 0},
+                            .outside = Source::Clipped,
+                            .refcon = refcon,
+                            .function = function,
+                            .dst = dst});
 }
 
 template <typename P>
 PF_Err iterateOrigin(PF_InData*, A_long base, A_long final, PF_EffectWorld* src, const PF_Rect* area,
                      const PF_Point* origin, void* refcon, typename Iteration<P>::Function function,
                      PF_EffectWorld* dst) {
-    const char* name = std::is_same_v<P, PF_Pixel16> ? "iterate_origin16" : "iterate_origin";
-    const PF_Point shift = origin != nullptr ? *origin : PF_Point{};
-    return iterateWorld<P>({name, {base, final}, src, area, shift, Source::Clipped, refcon, function, dst});
+    return iterateWorld<P>({.callback = nameFor<P>("iterate_origin", "iterate_origin16"),
+                            .span = {base, final},
+                            .src = src,
+                            .area = area,
+                            .origin = shiftOf(origin),
+                            .outside = Source::Clipped,
+                            .refcon = refcon,
+                            .function = function,
+                            .dst = dst});
 }
 
 template <typename P>
 PF_Err iterateOriginNonClip(PF_InData*, A_long base, A_long final, PF_EffectWorld* src, const PF_Rect* area,
                             const PF_Point* origin, void* refcon, typename Iteration<P>::Function function,
                             PF_EffectWorld* dst) {
-    const char* name =
-        std::is_same_v<P, PF_Pixel16> ? "iterate_origin_non_clip_src16" : "iterate_origin_non_clip_src";
-    const PF_Point shift = origin != nullptr ? *origin : PF_Point{};
     return iterateWorld<P>(
-        {name, {base, final}, src, area, shift, Source::TransparentOutside, refcon, function, dst});
+        {.callback = nameFor<P>("iterate_origin_non_clip_src", "iterate_origin_non_clip_src16"),
+         .span = {base, final},
+         .src = src,
+         .area = area,
+         .origin = shiftOf(origin),
+         .outside = Source::TransparentOutside,
+         .refcon = refcon,
+         .function = function,
+         .dst = dst});
 }
 
 struct Tables {
@@ -178,15 +212,15 @@ PF_Err mapPixel(void* refcon, A_long, A_long, PF_Pixel* in, PF_Pixel* out) {
 PF_Err iterateLut(PF_InData*, A_long base, A_long final, PF_EffectWorld* src, const PF_Rect* area,
                   A_u_char* alpha, A_u_char* red, A_u_char* green, A_u_char* blue, PF_EffectWorld* dst) {
     Tables tables{alpha, red, green, blue};
-    return iterateWorld<PF_Pixel>({"iterate_lut",
-                                   {base, final},
-                                   src != nullptr ? src : dst,
-                                   area,
-                                   {0, 0},
-                                   Source::Clipped,
-                                   &tables,
-                                   mapPixel,
-                                   dst});
+    return iterateWorld<PF_Pixel>({.callback = "iterate_lut",
+                                   .span = {base, final},
+                                   .src = src != nullptr ? src : dst,
+                                   .area = area,
+                                   .origin = {0, 0},
+                                   .outside = Source::Clipped,
+                                   .refcon = &tables,
+                                   .function = mapPixel,
+                                   .dst = dst});
 }
 
 PF_Err iterateGeneric(A_long iterations, void* refcon, PF_Err (*function)(void*, A_long, A_long, A_long)) {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <limits>
 
 #include "Host.h"
 #include "PF_Values.h"
@@ -103,9 +104,11 @@ void describeCheckBox(PF_CheckBoxDef& box, Parameter& parameter) {
     box.u.nameptr = nullptr;
 }
 
-// `percent` is 16.16 per cent of the extent; the result 16.16 pixels.
+// `percent` is 16.16 per cent of the extent; the result 16.16 pixels, held to what they reach.
 PF_Fixed placeInLayer(PF_Fixed percent, std::int32_t extent) {
-    return static_cast<PF_Fixed>(std::int64_t{percent} * extent / 100);
+    using Limits = std::numeric_limits<PF_Fixed>;
+    return static_cast<PF_Fixed>(
+        std::clamp<std::int64_t>(std::int64_t{percent} * extent / 100, Limits::min(), Limits::max()));
 }
 
 void setToDefault(const Parameter& parameter, std::int32_t width, std::int32_t height, PF_ParamDef& value) {

@@ -1,5 +1,6 @@
 #include "PictureFileEnd.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <fstream>
 #include <sstream>
@@ -28,10 +29,12 @@ std::uint32_t numberAt(std::string_view bytes, std::size_t offset, std::size_t s
 bool hasPngEnd(std::string_view bytes) {
     constexpr std::size_t kSignature = 8;
     constexpr std::size_t kAroundData = 12;
-    std::size_t chunk = kSignature;
-    while (chunk + kAroundData <= bytes.size()) {
-        if (bytes.substr(chunk + 4, 4) == "IEND") return true;
-        chunk += kAroundData + numberAt(bytes, chunk, 4);
+    std::string_view rest = bytes.substr(std::min(kSignature, bytes.size()));
+    while (rest.size() >= kAroundData) {
+        if (rest.substr(4, 4) == "IEND") return true;
+        const std::size_t length = numberAt(rest, 0, 4);
+        if (length > rest.size() - kAroundData) return false;
+        rest.remove_prefix(kAroundData + length);
     }
     return false;
 }

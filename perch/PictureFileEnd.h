@@ -7,7 +7,8 @@
 
 namespace perch {
 
-// `format` is "png" or "jpeg"; files of other formats are taken to be whole.
+// `format` is "png" or "jpeg": such a file is read whole, and has no end where it cannot be read. Files of
+// other formats are taken to be whole.
 bool reachesItsEnd(const std::filesystem::path& path, std::string_view format);
 
 }  // namespace perch

@@ -31,8 +31,8 @@ Picture readPicture(const std::filesystem::path& path, std::optional<Depth> dept
 // have the depth and alpha, and its folder must exist.
 void requireWritable(const std::filesystem::path& path, Depth depth, bool withAlpha);
 
-// Of PNG and TIFF files, which lose nothing at any level: from 0, none, to the most. The fast one takes a
-// quarter of the time of the encoders' own choice, 6, for files that are a sixth larger.
+// Of PNG and TIFF files, which lose nothing at any level: from 0, none, to the most. The fast one takes
+// much less time than the encoders' own choice, 6, for files somewhat larger; docs/perch.md has the figures.
 constexpr int kFastCompression = 2;
 constexpr int kMostCompression = 9;
 
@@ -41,6 +41,8 @@ constexpr int kMostCompression = 9;
 void writePicture(const std::filesystem::path& path, const World& world, bool withAlpha,
                   int compression = kFastCompression);
 
-bool isOpaque(const World& world);
+// Whether a file without alpha shows the same: no alpha is below white. Codes above white are written as
+// white.
+bool needsNoAlpha(const World& world);
 
 }  // namespace perch

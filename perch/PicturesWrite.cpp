@@ -143,7 +143,7 @@ bool writeBytes(const fs::path& path, const Bytes& bytes) {
 }
 
 template <typename P>
-bool isOpaqueAs(const World& world) {
+bool needsNoAlphaAs(const World& world) {
     for (std::int32_t y = 0; y < world.height(); ++y) {
         const auto isGlass = [](const P& pixel) { return pixel.alpha < kWhite<P>; };
         if (std::ranges::any_of(pixelRow<P>(world.record(), y), isGlass)) return false;
@@ -153,8 +153,8 @@ bool isOpaqueAs(const World& world) {
 
 }  // namespace
 
-bool isOpaque(const World& world) {
-    return world.isDeep() ? isOpaqueAs<PF_Pixel16>(world) : isOpaqueAs<PF_Pixel>(world);
+bool needsNoAlpha(const World& world) {
+    return world.isDeep() ? needsNoAlphaAs<PF_Pixel16>(world) : needsNoAlphaAs<PF_Pixel>(world);
 }
 
 void requireWritable(const fs::path& path, Depth depth, bool withAlpha) {

@@ -21,6 +21,11 @@ inline bool hasPixels(const PF_EffectWorld& world) {
     return world.data != nullptr && world.width > 0 && world.height > 0;
 }
 
+// A record that an effect has filled in by itself may have a size and no pixels.
+inline bool lacksPixels(const PF_EffectWorld& world) {
+    return world.data == nullptr && world.width > 0 && world.height > 0;
+}
+
 template <class P>
 P* rowOf(const PF_EffectWorld& world, std::int32_t y) {
     // Through void: rows are aligned for their pixels.
@@ -51,8 +56,8 @@ const ChannelOf<P>* channelsOf(std::span<const P> pixels) {
     return reinterpret_cast<const ChannelOf<P>*>(pixels.data());
 }
 
-// False for no pixels. All channels are gone through, since that takes vector instructions and alpha alone
-// does not.
+// Whether every alpha is white, not above it. False for no pixels. All channels are gone through, since that
+// takes vector instructions and alpha alone does not.
 template <class P>
 bool isOpaque(std::span<const P> pixels) {
     using Channel = ChannelOf<P>;

@@ -11,15 +11,22 @@
 namespace perch {
 namespace {
 
-// Serves a call that works on worlds, none of which may be null, by `body`, a function from Host& to a code.
-// The operations refuse what they cannot do.
+// Why no operation can work on a world; null where one can.
+const char* flawOf(const PF_EffectWorld* world) {
+    if (world == nullptr) return "a world is null";
+    return lacksPixels(*world) ? "a world has a size and no pixels" : nullptr;
+}
+
+// Serves a call that works on worlds, all without a flaw, by `body`, a function from Host& to a code. The
+// operations refuse what they cannot do.
 template <typename F>
 PF_Err answerForWorlds(const char* callback, PF_ProgPtr effectRef,
                        std::initializer_list<const PF_EffectWorld*> worlds, const F& body) {
     return answer(callback, Caller::MainThread, effectRef, [&](Host& host) -> PF_Err {
         for (const PF_EffectWorld* world : worlds) {
-            if (world != nullptr) continue;
-            host.ledger.fault(callback, "a world is null");
+            const char* const flaw = flawOf(world);
+            if (flaw == nullptr) continue;
+            host.ledger.fault(callback, flaw);
             return PF_Err_BAD_CALLBACK_PARAM;
         }
         const PF_Err code = body(host);

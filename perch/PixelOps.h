@@ -1,10 +1,11 @@
 // What a host does with pictures for an effect: mixing, copying, filling, premultiplying, compositing,
 // transforming.
 //
-// All work on worlds of one depth, 8 or 16 bits, with straight colour; worlds of different depths, or without
-// pixels where some are needed, are PF_Err_BAD_CALLBACK_PARAM and nothing is written. Rectangles are clipped
-// to their world; null is the whole of it. Results do not depend on the machine, on rows' padding or on the
-// workers, which may be null: the calling thread alone. Any thread, one writer per world.
+// All work on worlds of one depth, 8 or 16 bits, with straight colour. Worlds of different depths are
+// PF_Err_BAD_CALLBACK_PARAM and nothing is written. A world has pixels, or no size; into or from one without
+// a size nothing is drawn. Rectangles are clipped to their world; null is the whole of it. Results do not
+// depend on the machine, on rows' padding or on the workers, which may be null: the calling thread alone. Any
+// thread, one writer per world.
 #pragma once
 
 #include "PF_World.h"

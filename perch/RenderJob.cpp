@@ -75,10 +75,6 @@ void requireDepth(const Effect& effect, const World& input) {
     throw Error("the effect does not declare 16 bits per channel; render with --depth 8");
 }
 
-std::int32_t fullExtent(std::int32_t extent, const PF_RationalScale& scale) {
-    return static_cast<std::int32_t>(std::int64_t{extent} * scale.den / scale.num);
-}
-
 // One run through a plan. Reading and writing tasks share only what is const or guarded.
 class Job {
 public:
@@ -143,10 +139,8 @@ private:
         request.input = &input;
         for (const auto& [layer, picture] : pictures.layers)
             request.layers[layer] = &picture->pixels;
-        request.fullWidth = fullExtent(input.width(), settings.downsample);
-        request.fullHeight = fullExtent(input.height(), settings.downsample);
         request.downsampleX = request.downsampleY = settings.downsample;
-        request.values = valuesFor(request);
+        request.values = valuesFor(input);
         // A frame has one time, whichever frames are rendered beside it.
         request.time = request.frame * request.timeStep;
         request.totalTime = (plan.frames.back().frame + 1) * request.timeStep;
@@ -156,8 +150,9 @@ private:
         return request;
     }
 
-    ParameterValues valuesFor(const FrameRequest& request) const {
-        ParameterValues values = effect.defaultValues(request.fullWidth, request.fullHeight);
+    ParameterValues valuesFor(const World& input) const {
+        ParameterValues values = effect.defaultValues(fullExtent(0, input.width(), settings.downsample),
+                                                      fullExtent(0, input.height(), settings.downsample));
         for (const auto& [option, text] : settings.assignments)
             setValue(option, text, values.at(static_cast<std::size_t>(option.parameter.index)));
         return values;
@@ -174,7 +169,7 @@ private:
     void write(std::size_t index, const World& picture, bool inputHasAlpha) {
         const Timer timer(CLOCK_THREAD_CPUTIME_ID, report.encodeTime);
         // An effect may make an opaque picture transparent.
-        writePicture(plan.frames[index].output, picture, inputHasAlpha || !isOpaque(picture),
+        writePicture(plan.frames[index].output, picture, inputHasAlpha || !needsNoAlpha(picture),
                      settings.compression);
         ++report.framesWritten;
     }

@@ -35,7 +35,9 @@ struct RenderSettings {
     std::size_t framesAhead = 1;
 };
 
-// On the calling thread.
+// How a caller follows a job. The functions are called on the thread of renderFrames; frameBegins may throw,
+// which ends the job, frameProgresses is called from within the effect and must not. `cancelled` may be set
+// from any thread or a signal handler and must outlive the job.
 struct RenderWatch {
     const std::atomic<bool>* cancelled = nullptr;
     std::function<void(std::size_t index)> frameBegins;    // of the plan's frames

@@ -5,7 +5,6 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <charconv>
-#include <cstdio>
 #include <map>
 #include <thread>
 
@@ -31,16 +30,20 @@ struct Texts {
     std::map<std::string, std::string> parameters;  // by option name
 };
 
-// "1/2"
+// "1/2". The numbers are read as unsigned ones, which takes digits alone: no sign and no space.
 PF_RationalScale parseDownsample(const std::string& text) {
-    PF_RationalScale scale{};
-    char end = 0;
-    const int count = std::sscanf(text.c_str(), "%9d/%9u%c", &scale.num, &scale.den, &end);
-    if (count != 2 || scale.num < 1 || scale.den < 1 || static_cast<A_u_long>(scale.num) > scale.den) {
-        throw UsageError(
-            fmt::format("--downsample takes a fraction of at most 1, like 1/2, not \"{}\"", text));
+    constexpr A_u_long kMostDownsample = 1000;
+    const char* const end = text.data() + text.size();
+    A_u_long num = 0;
+    A_u_long den = 0;
+    const auto [slash, numError] = std::from_chars(text.data(), end, num);
+    const bool isFraction = numError == std::errc() && slash != end && *slash == '/';
+    const auto [rest, denError] = std::from_chars(isFraction ? slash + 1 : end, end, den);
+    if (denError != std::errc() || rest != end || num < 1 || num > den || den > kMostDownsample) {
+        throw UsageError(fmt::format("--downsample takes a fraction from 1/{} to 1/1, like 1/2, not \"{}\"",
+                                     kMostDownsample, text));
     }
-    return scale;
+    return {static_cast<A_long>(num), den};
 }
 
 PF_Quality parseQuality(const std::string& text) {
@@ -129,8 +132,8 @@ void addParameterOptions(CLI::App& app, const std::vector<ParameterOption>& opti
         addParameterOption(app, option, texts.parameters[option.name]);
 }
 
-void requireFile(const std::string& path, std::string_view option) {
-    if (path.empty()) throw UsageError(fmt::format("{} is missing; see perch render --help", option));
+void requireOption(const std::string& text, std::string_view option) {
+    if (text.empty()) throw UsageError(fmt::format("{} is missing; see perch render --help", option));
 }
 
 // Tries the value on a copy of the declaration, so that a wrong one is told of before any work.
@@ -186,8 +189,8 @@ RenderOptions parseRenderOptions(const std::vector<std::string>& arguments, cons
     addParameterOptions(app, parameters, texts);
     parseArguments(app, arguments, Extras::Refused);
 
-    requireFile(texts.input, "--input");
-    requireFile(texts.output, "--output");
+    requireOption(texts.input, "--input");
+    requireOption(texts.output, "--output");
     options.names.input = texts.input;
     options.names.output = texts.output;
     if (!texts.frames.empty()) options.names.frames = parseFrameRange(texts.frames);
@@ -195,7 +198,8 @@ RenderOptions parseRenderOptions(const std::vector<std::string>& arguments, cons
     options.settings.downsample = parseDownsample(texts.downsample);
     options.settings.depth = parseDepth(texts.depth);
     options.settings.compression = parseNumber("--compression", texts.compression, kMostCompression);
-    options.settings.framesAhead = framesAheadFor(parseThreads(texts.threads));
+    options.threads = parseThreads(texts.threads);
+    options.settings.framesAhead = framesAheadFor(options.threads);
     for (const ParameterOption& option : parameters) {
         if (app.count("--" + option.name) > 0) takeParameter(option, texts.parameters[option.name], options);
     }

@@ -50,16 +50,18 @@ void ScaleAxis::addElement(double centre, double extent, std::int32_t size) {
     appendWhole(real);
 }
 
-// Real weights as whole ones with an exact sum; what rounding leaves goes to the largest.
+// Real weights as whole ones with an exact sum. What is rounded is the running total: it never falls, so that
+// no weight is below 0, and no element takes the rounding of all others.
 void ScaleAxis::appendWhole(const std::vector<double>& real) {
     const double total = std::accumulate(real.begin(), real.end(), 0.0);
-    const auto offset = static_cast<std::ptrdiff_t>(weights.size());
-    std::uint32_t sum = 0;
+    double running = 0;  // added up in the order of `total`, which it reaches exactly
+    std::uint32_t given = 0;
     for (const double weight : real) {
-        weights.push_back(static_cast<std::uint32_t>(std::lround(weight / total * kOne)));
-        sum += weights.back();
+        running += weight;
+        const auto upToHere = static_cast<std::uint32_t>(std::lround(running / total * kOne));
+        weights.push_back(upToHere - given);
+        given = upToHere;
     }
-    *std::max_element(weights.begin() + offset, weights.end()) += kOne - sum;
     places.back().count = static_cast<std::uint32_t>(real.size());
 }
 

@@ -236,7 +236,7 @@ void drawScaled(const PF_EffectWorld& from, const Affine& toSource, const Placem
 
 // The pixel at whole coordinates; outside the source is transparent.
 template <class P>
-P pixelAt(const PF_EffectWorld& from, std::int64_t x, std::int64_t y) {
+P pixelOrNothing(const PF_EffectWorld& from, std::int64_t x, std::int64_t y) {
     if (x < 0 || y < 0 || x >= from.width || y >= from.height) return {};
     return rowOf<P>(from, static_cast<std::int32_t>(y))[x];
 }
@@ -253,10 +253,10 @@ void addLinearSample(Sums& sums, const PF_EffectWorld& from, double x, double y)
     const auto below = static_cast<std::uint64_t>(std::lround((y - 0.5 - top) * kSampleOne));
     const auto column = static_cast<std::int64_t>(left);
     const auto row = static_cast<std::int64_t>(top);
-    sums.add(pixelAt<P>(from, column, row), (kSampleOne - right) * (kSampleOne - below));
-    sums.add(pixelAt<P>(from, column + 1, row), right * (kSampleOne - below));
-    sums.add(pixelAt<P>(from, column, row + 1), (kSampleOne - right) * below);
-    sums.add(pixelAt<P>(from, column + 1, row + 1), right * below);
+    sums.add(pixelOrNothing<P>(from, column, row), (kSampleOne - right) * (kSampleOne - below));
+    sums.add(pixelOrNothing<P>(from, column + 1, row), right * (kSampleOne - below));
+    sums.add(pixelOrNothing<P>(from, column, row + 1), (kSampleOne - right) * below);
+    sums.add(pixelOrNothing<P>(from, column + 1, row + 1), right * below);
 }
 
 template <class P>

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <limits>
 
 #include "ScriptedEffect.h"
 
@@ -250,6 +251,29 @@ TEST_F(CommandOrderTest, FrameIsDescribedToTheEffect) {
     EXPECT_EQ(layerWidth, 4);
     EXPECT_EQ(frame.picture.width(), 6);
     EXPECT_EQ(frame.picture.height(), 3);
+}
+
+TEST_F(CommandOrderTest, FullSizeThatNoNumberHoldsIsTheLargest) {
+    PF_InData seen{};
+    PF_ParamDef point{};
+    PF_ParamDef corner = parameterOfType(PF_Param_POINT, "Corner");
+    corner.u.td.x_dephault = corner.u.td.y_dephault = 100 << 16;  // percent
+    script.declareParameters({corner});
+    script.on(PF_Cmd_RENDER, [&](const EffectCall& call) {
+        seen = *call.in;
+        point = *call.params[1];
+        return PF_Err_NONE;
+    });
+    Effect effect(ScriptedEffect::enter, {}, strictOptions());
+    Sequence sequence(effect);
+    request.downsampleX = {1, std::numeric_limits<A_u_long>::max()};
+    request.downsampleY = {1, 100'000};
+    sequence.render(request);
+    EXPECT_EQ(seen.width, std::numeric_limits<A_long>::max());
+    EXPECT_EQ(seen.height, 300'000);
+    // Places are in 16.16 fixed point, which ends below 32768 pixels.
+    EXPECT_EQ(point.u.td.x_value, std::numeric_limits<PF_Fixed>::max());
+    EXPECT_EQ(point.u.td.y_value, std::numeric_limits<PF_Fixed>::max());
 }
 
 TEST_F(CommandOrderTest, EffectThatExpandsItsOutputGetsTheSizeItAskedFor) {

@@ -59,6 +59,7 @@ TEST(FramePatternTest, FilesOfItsFormAreFoundInOrder) {
          {"a.0010.png", "a.0002.png", "a.12345.png", "a.0000.png", "a.7.png", "a.00003.png", "b.0004.png",
           "a.0005.tif", "a.-001.png", "a.0006.png.bak", "a..png", "a.9999999999.png", "a.+008.png"})
         writeBytes(folder / name, "");
+    std::filesystem::create_directory(folder / "a.0011.png");
     const auto framesOf = [&](const std::string& name) {
         return FramePattern::parse((folder / name).string())->framesOnDisk();
     };

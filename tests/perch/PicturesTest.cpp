@@ -332,13 +332,15 @@ TEST_F(PicturesTest, SamePixelsGiveTheSameBytesAtAnyTime) {
     }
 }
 
-TEST_F(PicturesTest, WorldIsOpaqueWhenEveryAlphaIsFull) {
+TEST_F(PicturesTest, AlphaIsNeededWhereOneIsBelowWhite) {
     World world(2, 1, true);
     for (PF_Pixel16& pixel : pixelRow<PF_Pixel16>(world.record(), 0))
         pixel.alpha = 32768;
-    EXPECT_TRUE(isOpaque(world));
+    EXPECT_TRUE(needsNoAlpha(world));
+    pixelRow<PF_Pixel16>(world.record(), 0)[0].alpha = 32769;
+    EXPECT_TRUE(needsNoAlpha(world));
     pixelRow<PF_Pixel16>(world.record(), 0)[1].alpha = 32767;
-    EXPECT_FALSE(isOpaque(world));
+    EXPECT_FALSE(needsNoAlpha(world));
 }
 
 }  // namespace

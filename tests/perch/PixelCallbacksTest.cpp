@@ -122,6 +122,54 @@ TEST_F(PixelCallbacksTest, NullWorldIsNamed) {
     }
 }
 
+// Records of the effect's own, in the place of the source and of the output.
+TEST_F(PixelCallbacksTest, WorldWithASizeAndNoPixelsIsNamed) {
+    for (const Operation& operation : kOperations) {
+        SCOPED_TRACE(operation.name);
+        render([&](const EffectCall& call) {
+            PF_EffectWorld* const input = &call.params[0]->u.ld;
+            PF_EffectWorld bare = *call.output;
+            bare.data = nullptr;
+            EXPECT_EQ(operation.apply(call, input, &bare), PF_Err_BAD_CALLBACK_PARAM);
+            const bool hasSource = std::string(operation.name) != "fill";
+            if (hasSource) {
+                EXPECT_EQ(operation.apply(call, &bare, call.output), PF_Err_BAD_CALLBACK_PARAM);
+            }
+            return PF_Err_NONE;
+        });
+        EXPECT_THAT(found, ElementsAre(std::string("RENDER, ") + operation.name +
+                                       ": a world has a size and no pixels"));
+    }
+}
+
+TEST_F(PixelCallbacksTest, OperationsInPlaceNameAWorldWithASizeAndNoPixels) {
+    render([](const EffectCall& call) {
+        PF_EffectWorld bare = *call.output;
+        bare.data = nullptr;
+        EXPECT_EQ(call.utilities().premultiply(call.in->effect_ref, 1, &bare), PF_Err_BAD_CALLBACK_PARAM);
+        bare.world_flags |= PF_WorldFlag_DEEP;
+        EXPECT_EQ(call.utilities().fill16(call.in->effect_ref, nullptr, nullptr, &bare),
+                  PF_Err_BAD_CALLBACK_PARAM);
+        return PF_Err_NONE;
+    });
+    EXPECT_THAT(found, ElementsAre("RENDER, premultiply: a world has a size and no pixels",
+                                   "RENDER, fill16: a world has a size and no pixels"));
+}
+
+TEST_F(PixelCallbacksTest, WorldWithoutASizeNeedsNoPixels) {
+    render([](const EffectCall& call) {
+        PF_EffectWorld empty = *call.output;
+        empty.data = nullptr;
+        empty.width = empty.height = 0;
+        const PF_UtilCallbacks& utilities = call.utilities();
+        EXPECT_EQ(utilities.fill(call.in->effect_ref, nullptr, nullptr, &empty), PF_Err_NONE);
+        EXPECT_EQ(utilities.copy(call.in->effect_ref, &empty, &empty, nullptr, nullptr), PF_Err_NONE);
+        EXPECT_EQ(utilities.blend(call.in->effect_ref, &empty, &empty, 32768, &empty), PF_Err_NONE);
+        return PF_Err_NONE;
+    });
+    EXPECT_THAT(found, IsEmpty());
+}
+
 TEST_F(PixelCallbacksTest, SamplesAreTakenFromTheAnnouncedWorld) {
     render([](const EffectCall& call) {
         PF_SampPB params{};

@@ -101,6 +101,33 @@ TEST(DeepTransformTest, CodesAboveWhiteAreNotTakenForOpaque) {
     EXPECT_EQ(at<PF_Pixel16>(to, 0, 0).red, 15000);  // 30000 * 32769 / 65536, rounded
 }
 
+// The mean of a ramp's evenly covered pixels, to the code: rounded running totals are off by half a weight at
+// most, which moves the mean by less than a fifth of a code (half a weight of 2048, 95 steps of 8 codes).
+TEST(DeepTransformTest, RampShrunkFarIsTheMeanOfWhatEachPixelCovers) {
+    constexpr std::int32_t kWidth = 40;
+    constexpr std::int32_t kStep = 8;
+    for (const std::int32_t covered : {77, 95, 96}) {
+        for (const std::uint32_t alpha : {32768U, 16384U}) {
+            World from(covered * kWidth, 2, true);
+            for (std::int32_t y = 0; y < 2; ++y) {
+                for (std::int32_t x = 0; x < from.width(); ++x)
+                    at<PF_Pixel16>(from, x, y) =
+                        grey<PF_Pixel16>(alpha, static_cast<std::uint32_t>(x * kStep));
+            }
+            World to(kWidth, 1, true);
+            const PF_FloatMatrix shrunk = {{{1.0 / covered, 0, 0}, {0, 0.5, 0}, {0, 0, 1}}};
+            ASSERT_EQ(transformWorld(from.record(), shrunk, true, kCopy, nullptr, to.record()), PF_Err_NONE);
+            for (std::int32_t x = 0; x < kWidth; ++x) {
+                const std::int32_t mean = covered * x * kStep + (covered - 1) * kStep / 2;
+                const PF_Pixel16 drawn = at<PF_Pixel16>(to, x, 0);
+                EXPECT_TRUE(same(drawn, grey<PF_Pixel16>(alpha, static_cast<std::uint32_t>(mean))))
+                    << covered << " covered, alpha " << alpha << ", x " << x << ": " << drawn.red << " for "
+                    << mean;
+            }
+        }
+    }
+}
+
 TYPED_TEST(TransformTest, WorldIsDrawnOntoItselfAsFromACopy) {
     using P = TypeParam;
     for (const Drawing& drawing : kDrawings) {

@@ -1,0 +1,55 @@
+#include "RenderOptions.h"
+
+#include <gtest/gtest.h>
+
+#include "CommandLine.h"
+
+namespace perch::test {
+namespace {
+
+std::vector<std::string> withPictures(const std::string& option, const std::string& text) {
+    return {"--input", "in.png", "--output", "out.png", option, text};
+}
+
+RenderOptions parsed(const std::string& option, const std::string& text) {
+    return parseRenderOptions(withPictures(option, text), EffectDescription{});
+}
+
+TEST(RenderOptionsTest, ThreadsAreKnownBeforeTheEffectAndWithIt) {
+    for (const int threads : {0, 1, 3, 1024}) {
+        const std::string text = std::to_string(threads);
+        EXPECT_EQ(parseBeforeEffect(withPictures("--threads", text)).threads, threads);
+        EXPECT_EQ(parsed("--threads", text).threads, threads);
+    }
+}
+
+TEST(RenderOptionsTest, FramesAheadFollowTheThreadsUpToEight) {
+    EXPECT_EQ(parsed("--threads", "1").settings.framesAhead, 1U);
+    EXPECT_EQ(parsed("--threads", "3").settings.framesAhead, 3U);
+    EXPECT_EQ(parsed("--threads", "1024").settings.framesAhead, 8U);
+}
+
+TEST(RenderOptionsTest, DownsampleIsAFractionUpToOne) {
+    struct Fraction {
+        const char* text;
+        A_long num;
+        A_u_long den;
+    };
+    for (const auto& [text, num, den] : {Fraction{"1/1", 1, 1}, Fraction{"1/2", 1, 2}, Fraction{"2/3", 2, 3},
+                                         Fraction{"1/1000", 1, 1000}, Fraction{"01/02", 1, 2}}) {
+        const PF_RationalScale scale = parsed("--downsample", text).settings.downsample;
+        EXPECT_EQ(scale.num, num) << text;
+        EXPECT_EQ(scale.den, den) << text;
+    }
+}
+
+TEST(RenderOptionsTest, OtherDownsamplesAreRefused) {
+    for (const char* const text :
+         {"",     "/",    "1",     "1/",     "/2",          "0/1",          "1/0",
+          "2/1",  "-1/2", "1/-5",  "+1/2",   "1/+2",        " 1/2",         "1/ 2",
+          "1 /2", "1/2 ", "1/2/3", "1/1001", "1/999999999", "1/4294967297", "99999999999/99999999999"})
+        EXPECT_THROW(parsed("--downsample", text), UsageError) << '"' << text << '"';
+}
+
+}  // namespace
+}  // namespace perch::test
