@@ -12,7 +12,7 @@
 #include <random>
 #include <vector>
 
-#ifdef __linux__
+#ifdef MAPS_LARGE_ARRAYS
 #include <sys/resource.h>
 #include <unistd.h>
 #endif
@@ -215,7 +215,7 @@ TYPED_TEST(FailureInjectionTest, TablesAreAllocatedRedGreenBlueThenAlpha) {
     ExpectTablesAllocatedInOrder<PILib::SATTentBlur<P>, P>();
 }
 
-#if defined(__linux__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#ifdef MAPS_LARGE_ARRAYS
 
 // With address space for so many more tables of 2 MiB: whether making a blur is std::bad_alloc and leaves the
 // blurs that follow as they should be.
