@@ -24,8 +24,8 @@ public:
     // The worlds are borrowed. Throws perch::Error when the plug-in cannot be loaded.
     PluginRender(const perch::World& input, const perch::World& control, const PluginSettings& settings);
 
-    // Renders one frame and returns the seconds that the effect's RENDER command took. The host's own work,
-    // a new output picture above all, is outside of them.
+    // Renders one frame and returns the seconds that the effect's RENDER command took: with the host's
+    // bookkeeping of one command, without its pictures.
     double secondsOfFrame();
 
 private:

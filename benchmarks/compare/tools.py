@@ -20,7 +20,7 @@ class Job:
     radius: int
     scene: Path  # folder of the pictures that write-scene has written
     runs: int  # of which the median counts
-    limit: float  # seconds that one run may take
+    limit: float  # seconds that one run may take; a process of many runs, ten times as long
 
     @property
     def deviation(self):
