@@ -39,8 +39,8 @@ static_assert(sizeof(AEParam) == sizeof(PF_ParamDef) && std::is_trivially_copyab
 // Each declaration hands the one before it to the host; the destructor hands over the last and publishes the
 // count. Host indices are dense from 1 (0 is the source layer); the context learns which one each identifier
 // got. Names are cut to 31 characters; label and choice strings are kept by pointer and must outlive the
-// effect. A host error is thrown, also by the destructor unless an exception is
-// on its way already; the count is then not published.
+// effect. A host error is thrown, also by the destructor unless an exception is on its way already; the count
+// is then not published.
 class AEParamCreator {
 public:
     explicit AEParamCreator(AEContext& context);
