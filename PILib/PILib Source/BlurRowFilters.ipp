@@ -1,19 +1,32 @@
 // The two blurs of the row kernels: how many neighbouring pixels of one radius are read, and how one pixel
-// is. Premultiplied; each lane computes what getBlurInt computes, operation by operation.
+// is. Premultiplied; each lane computes what getBlurInt computes, operation by operation. Blocks of more than
+// kMostRuns runs of equal radii are read pixel by pixel: so many groups would cost more.
 #pragma once
 
 #include "BlurRow.h"
+#include "BlurRowCells.ipp"
 #include "BlurRowLanes.ipp"
 
 namespace PILib::detail {
 
 namespace {
 
-typedef std::int32_t Pixel4 __attribute__((vector_size(16)));
-typedef std::int32_t Pixel4x2 __attribute__((vector_size(32)));
-typedef std::uint64_t Words __attribute__((vector_size(32)));
-typedef double Double4 __attribute__((vector_size(32)));
-typedef double Double2 __attribute__((vector_size(16)));
+// One group: whole radii, and the next larger ones, that all its pixels share.
+struct Group {
+    std::ptrdiff_t wholeX;
+    std::ptrdiff_t nextX;
+    std::ptrdiff_t wholeY;
+    std::ptrdiff_t nextY;
+};
+
+// A channel's means around a group's pixels: at the whole radii, at the next one across, at the next one
+// down.
+template <class V>
+struct Means {
+    V whole;
+    V across;
+    V down;
+};
 
 // One pixel read out by itself: each channel at the whole radii and then at the next radius across, and each
 // channel at the next radius down.
@@ -42,16 +55,17 @@ struct Box {
     using Entry = std::uint32_t;
     static constexpr std::int32_t kClampedBelowBorder = 1;  // radii reach borderX - 1
     static constexpr std::ptrdiff_t kCentreShift = 0;
+    static constexpr int kMostRuns = kLanes == 4 ? 4 : kLanes / 4;
 
     // One box around each of neighbouring pixels.
-    struct Neighbours {
+    struct Boxes {
         std::ptrdiff_t bottomRight;
         std::ptrdiff_t bottomLeft;
         std::ptrdiff_t topRight;
         std::ptrdiff_t topLeft;
         BoxArea area;
 
-        PILIB_INLINE Neighbours(std::ptrdiff_t radiusX, std::ptrdiff_t radiusY, std::ptrdiff_t stride)
+        PILIB_INLINE Boxes(std::ptrdiff_t radiusX, std::ptrdiff_t radiusY, std::ptrdiff_t stride)
             : bottomRight(radiusY * stride + radiusX),
               bottomLeft(radiusY * stride - radiusX - 1),
               topRight(-(radiusY + 1) * stride + radiusX),
@@ -65,6 +79,22 @@ struct Box {
         }
     };
 
+    // A group's pixels.
+    struct Neighbours {
+        Boxes whole;
+        Boxes across;
+        Boxes down;
+
+        PILIB_INLINE Neighbours(const Group& group, std::ptrdiff_t stride)
+            : whole(group.wholeX, group.wholeY, stride),
+              across(group.nextX, group.wholeY, stride),
+              down(group.wholeX, group.nextY, stride) {}
+
+        PILIB_INLINE Means<Int> read(const Entry* table, unsigned /*members*/) const {
+            return {whole.mean(table), across.mean(table), down.mean(table)};
+        }
+    };
+
     // A block of pixels of whatever radii. What readPixel gives are sums, which toMeans divides.
     struct Pixels {
         Int width;
@@ -72,20 +102,11 @@ struct Box {
 
         PILIB_INLINE Pixels(Int radiusX, Int radiusY) : width(2 * radiusX + 1), height(2 * radiusY + 1) {}
 
-        // The entries at `cell` and its right neighbour, in all tables.
-        static PILIB_INLINE Pixel4x2 entriesAt(const BlurRow<Entry>& row, std::ptrdiff_t cell) {
-            const auto word = [cell](const Entry* table)
-                                  PILIB_INLINE_LAMBDA { return Load<std::uint64_t>(table + cell); };
-            return reinterpret_cast<Pixel4x2>(
-                Words{word(row.alpha), word(row.red), word(row.green), word(row.blue)});
-        }
-
         // The sums of the boxes between the table rows `top` and `bottom`, of the radius and the next one.
         static PILIB_INLINE Pixel4x2 sumsBetween(const BlurRow<Entry>& row, std::ptrdiff_t top,
                                                  std::ptrdiff_t bottom, std::ptrdiff_t radius) {
-            const Pixel4x2 right = Minus(entriesAt(row, bottom + radius), entriesAt(row, top + radius));
-            const Pixel4x2 left =
-                Minus(entriesAt(row, bottom - radius - 2), entriesAt(row, top - radius - 2));
+            const Pixel4x2 right = Minus(PairsAt(row, bottom + radius), PairsAt(row, top + radius));
+            const Pixel4x2 left = Minus(PairsAt(row, bottom - radius - 2), PairsAt(row, top - radius - 2));
             return Minus(right, __builtin_shufflevector(left, left, 1, 0, 3, 2, 5, 4, 7, 6));
         }
 
@@ -115,9 +136,9 @@ struct Box {
 // The tent from nine samples of the second-order sums.
 struct Tent {
     using Entry = double;
-    static constexpr std::int32_t kClampedBelowBorder =
-        2;  // half-widths, one more than radii, reach borderX - 1
+    static constexpr std::int32_t kClampedBelowBorder = 2;  // half-widths, radii and one, reach borderX - 1
     static constexpr std::ptrdiff_t kCentreShift = -1;
+    static constexpr int kMostRuns = kLanes == 4 ? 2 : kLanes / 4;
 
     static PILIB_INLINE double reciprocalOf(std::ptrdiff_t halfX, std::ptrdiff_t halfY) {
         const auto weight = static_cast<std::uint32_t>(halfX * halfY);
@@ -131,30 +152,56 @@ struct Tent {
                bottom[0] - 2.0 * bottom[1] + bottom[2];
     }
 
-    // One tent over each of neighbouring pixels.
+    // A group's pixels.
     struct Neighbours {
         std::ptrdiff_t halfX;
+        std::ptrdiff_t nextHalfX;
         std::ptrdiff_t rowOffset;
-        double reciprocal;
+        std::ptrdiff_t nextRowOffset;
+        Means<double> reciprocals;
 
-        PILIB_INLINE Neighbours(std::ptrdiff_t radiusX, std::ptrdiff_t radiusY, std::ptrdiff_t stride)
-            : halfX(radiusX + 1),
-              rowOffset((radiusY + 1) * stride),
-              reciprocal(reciprocalOf(radiusX + 1, radiusY + 1)) {}
+        PILIB_INLINE Neighbours(const Group& group, std::ptrdiff_t stride)
+            : halfX(group.wholeX + 1),
+              nextHalfX(group.nextX + 1),
+              rowOffset((group.wholeY + 1) * stride),
+              nextRowOffset((group.nextY + 1) * stride),
+              reciprocals{reciprocalOf(halfX, group.wholeY + 1), reciprocalOf(nextHalfX, group.wholeY + 1),
+                          reciprocalOf(halfX, group.nextY + 1)} {}
 
-        PILIB_INLINE HalfInt half(const Entry* table) const {
-            const Double top[3] = {Load<Double>(table - rowOffset - halfX), Load<Double>(table - rowOffset),
-                                   Load<Double>(table - rowOffset + halfX)};
-            const Double middle[3] = {Load<Double>(table - halfX), Load<Double>(table),
-                                      Load<Double>(table + halfX)};
-            const Double bottom[3] = {Load<Double>(table + rowOffset - halfX),
-                                      Load<Double>(table + rowOffset),
-                                      Load<Double>(table + rowOffset + halfX)};
-            return __builtin_convertvector(weighted(top, middle, bottom) * reciprocal + 0.5, HalfInt);
+        // Samples of a table row at the half-width's distance and at the next one's: to the left, in the
+        // middle, to the right.
+        struct SampleRow {
+            Double whole[3];
+            Double across[3];
+
+            PILIB_INLINE SampleRow(const Entry* centre, std::ptrdiff_t halfX, std::ptrdiff_t nextHalfX)
+                : whole{Load<Double>(centre - halfX), Load<Double>(centre), Load<Double>(centre + halfX)},
+                  across{Load<Double>(centre - nextHalfX), whole[1], Load<Double>(centre + nextHalfX)} {}
+        };
+
+        // Half a vector of pixels.
+        PILIB_INLINE Means<HalfInt> readHalf(const Entry* centre) const {
+            const auto mean = [](Double sum, double reciprocal) PILIB_INLINE_LAMBDA {
+                return __builtin_convertvector(sum * reciprocal + 0.5, HalfInt);
+            };
+            const SampleRow top(centre - rowOffset, halfX, nextHalfX);
+            const SampleRow middle(centre, halfX, nextHalfX);
+            const SampleRow bottom(centre + rowOffset, halfX, nextHalfX);
+            const SampleRow nextTop(centre - nextRowOffset, halfX, nextHalfX);
+            const SampleRow nextBottom(centre + nextRowOffset, halfX, nextHalfX);
+            return {mean(weighted(top.whole, middle.whole, bottom.whole), reciprocals.whole),
+                    mean(weighted(top.across, middle.across, bottom.across), reciprocals.across),
+                    mean(weighted(nextTop.whole, middle.whole, nextBottom.whole), reciprocals.down)};
         }
 
-        PILIB_INLINE Int mean(const Entry* table) const {
-            return Joined(half(table), half(table + kLanes / 2));
+        PILIB_INLINE Means<Int> read(const Entry* table, unsigned members) const {
+            constexpr unsigned kFirst = (1U << kLanes / 2) - 1U;
+            Means<HalfInt> low{};
+            Means<HalfInt> high{};
+            if ((members & kFirst) != 0) low = readHalf(table);
+            if ((members & ~kFirst) != 0) high = readHalf(table + kLanes / 2);
+            return {Joined(low.whole, high.whole), Joined(low.across, high.across),
+                    Joined(low.down, high.down)};
         }
     };
 
@@ -179,42 +226,26 @@ struct Tent {
             std::memcpy(reciprocals + kLanes / 2, &high, sizeof high);
         }
 
-        // Samples of two tables, each at the half-width's distance and at the next one's: across the row's
-        // centre to the left, in the middle, to the right.
+        // Samples of a table row at the half-width's distance and at the next one's: across its centre to the
+        // left, in the middle, to the right.
         struct RowOfPairs {
-            Double4 at[3];
+            DoublePairs at[3];
 
-            PILIB_INLINE RowOfPairs(const Entry* one, const Entry* two, std::ptrdiff_t centre,
-                                    std::ptrdiff_t halfX) {
-                const auto both = [&](std::ptrdiff_t cell) PILIB_INLINE_LAMBDA {
-                    return __builtin_shufflevector(Load<Double2>(one + cell), Load<Double2>(two + cell), 0, 1,
-                                                   2, 3);
-                };
-                const Double4 left = both(centre - halfX - 1);
-                at[0] = __builtin_shufflevector(left, left, 1, 0, 3, 2);
-                at[1] = Double4{one[centre], one[centre], two[centre], two[centre]};
-                at[2] = both(centre + halfX);
-            }
+            PILIB_INLINE RowOfPairs(const BlurRow<Entry>& row, std::ptrdiff_t centre, std::ptrdiff_t halfX)
+                : at{Swapped(PairsAt(row, centre - halfX - 1)), TwiceAt(row, centre),
+                     PairsAt(row, centre + halfX)} {}
         };
 
-        // Samples of all four tables at the half-width's distance.
-        struct RowOfTables {
+        // The same at the half-width's distance alone.
+        struct RowOfEntries {
             Double4 at[3];
 
-            PILIB_INLINE RowOfTables(const BlurRow<Entry>& row, std::ptrdiff_t centre, std::ptrdiff_t halfX) {
-                const auto all = [&](std::ptrdiff_t cell) PILIB_INLINE_LAMBDA {
-                    return Double4{row.alpha[cell], row.red[cell], row.green[cell], row.blue[cell]};
-                };
-                at[0] = all(centre - halfX);
-                at[1] = all(centre);
-                at[2] = all(centre + halfX);
+            PILIB_INLINE RowOfEntries(const BlurRow<Entry>& row, std::ptrdiff_t centre, std::ptrdiff_t halfX)
+                : at{EntriesAt(row, centre - halfX), EntriesAt(row, centre), EntriesAt(row, centre + halfX)} {
             }
 
-            // From what has been read in pairs.
-            PILIB_INLINE RowOfTables(const RowOfPairs& alphaRed, const RowOfPairs& greenBlue) {
-                for (int i = 0; i < 3; ++i)
-                    at[i] = __builtin_shufflevector(alphaRed.at[i], greenBlue.at[i], 0, 2, 4, 6);
-            }
+            PILIB_INLINE explicit RowOfEntries(const RowOfPairs& pairs)
+                : at{FirstOfPairs(pairs.at[0]), FirstOfPairs(pairs.at[1]), FirstOfPairs(pairs.at[2])} {}
         };
 
         PILIB_INLINE PixelValues readPixel(const BlurRow<Entry>& row, std::ptrdiff_t centre, int lane,
@@ -222,25 +253,14 @@ struct Tent {
             const std::ptrdiff_t halfX = radiusX + 1;
             const std::ptrdiff_t top = centre - (radiusY + 1) * row.stride;
             const std::ptrdiff_t bottom = centre + (radiusY + 1) * row.stride;
-            const RowOfPairs middleAlphaRed(row.alpha, row.red, centre, halfX);
-            const RowOfPairs middleGreenBlue(row.green, row.blue, centre, halfX);
-            const Double4 reciprocals = {whole[lane], across[lane], whole[lane], across[lane]};
-            const auto mean = [](Double4 sum, Double4 reciprocal) PILIB_INLINE_LAMBDA {
-                return __builtin_convertvector(sum * reciprocal + 0.5, Pixel4);
-            };
-            const Pixel4 alphaRed =
-                mean(weighted(RowOfPairs(row.alpha, row.red, top, halfX).at, middleAlphaRed.at,
-                              RowOfPairs(row.alpha, row.red, bottom, halfX).at),
-                     reciprocals);
-            const Pixel4 greenBlue =
-                mean(weighted(RowOfPairs(row.green, row.blue, top, halfX).at, middleGreenBlue.at,
-                              RowOfPairs(row.green, row.blue, bottom, halfX).at),
-                     reciprocals);
-            const Pixel4 nextDown = mean(weighted(RowOfTables(row, top - row.stride, halfX).at,
-                                                  RowOfTables(middleAlphaRed, middleGreenBlue).at,
-                                                  RowOfTables(row, bottom + row.stride, halfX).at),
-                                         Double4{} + down[lane]);
-            return {__builtin_shufflevector(alphaRed, greenBlue, 0, 1, 2, 3, 4, 5, 6, 7), nextDown};
+            const RowOfPairs middle(row, centre, halfX);
+            const DoublePairs wholeAndAcross =
+                weighted(RowOfPairs(row, top, halfX).at, middle.at, RowOfPairs(row, bottom, halfX).at);
+            const Double4 nextDown =
+                weighted(RowOfEntries(row, top - row.stride, halfX).at, RowOfEntries(middle).at,
+                         RowOfEntries(row, bottom + row.stride, halfX).at);
+            return {Truncated(wholeAndAcross * Repeated(whole[lane], across[lane]) + 0.5),
+                    __builtin_convertvector(nextDown * down[lane] + 0.5, Pixel4)};
         }
 
         PILIB_INLINE void toMeans(Int (&/*wholeAndAcross*/)[8], Int (&/*down*/)[4]) const {}

@@ -121,14 +121,6 @@ PILIB_INLINE AxisRadii RadiiOf(Int share, float radius, std::int32_t maxFixed, s
     return {Min(whole, Splat(largest)), Min(whole + 1, Splat(largest)), fixed & 0xFFFF};
 }
 
-// One group: whole radii, and the next larger ones, that all its pixels share.
-struct Group {
-    std::ptrdiff_t wholeX;
-    std::ptrdiff_t nextX;
-    std::ptrdiff_t wholeY;
-    std::ptrdiff_t nextY;
-};
-
 // c0 + fraction / 65536 of the way to c1, rounded. Halving first keeps the largest product in 32 bits.
 PILIB_INLINE Int Interpolated(Int c0, Int c1, Int fraction) {
     return c0 + (((Times(fraction, c1 - c0) >> 1) + 16384) >> 15);
@@ -154,29 +146,21 @@ PILIB_INLINE void Straighten(Channels& c) {
     c.blue = scaled(c.blue);
 }
 
-// Blocks of more runs of equal radii than this are read pixel by pixel: a group costs about as much as a
-// quarter of the block's pixels do by themselves, and all of a block of four.
-constexpr int kMostRuns = kLanes == 4 ? kLanes : kLanes / 4;
-
 PILIB_INLINE int Runs(Int wholeX, Int wholeY) {
     const Int changes =
         (wholeX != Arranged<Previous>(wholeX, wholeX)) | (wholeY != Arranged<Previous>(wholeY, wholeY));
     return 1 + __builtin_popcount(Bits(changes));
 }
 
-// All lanes at one group's radii, premultiplied.
+// One group's lanes, premultiplied; what others hold means nothing.
 template <class Blur, class Depth>
 PILIB_INLINE Channels ReadGroup(const BlurRow<typename Blur::Entry>& row, std::ptrdiff_t centre,
-                                const Group& group, Int fractionX, Int fractionY) {
-    using Neighbours = typename Blur::Neighbours;
-    const Neighbours whole(group.wholeX, group.wholeY, row.stride);
-    const Neighbours nextAcross(group.nextX, group.wholeY, row.stride);
-    const Neighbours nextDown(group.wholeX, group.nextY, row.stride);
+                                const Group& group, Int fractionX, Int fractionY, unsigned members) {
+    const typename Blur::Neighbours neighbours(group, row.stride);
     const auto channel = [&](const typename Blur::Entry* table) PILIB_INLINE_LAMBDA {
-        const Int c00 = whole.mean(table + centre) & Depth::kMask;
-        const Int c10 = nextAcross.mean(table + centre) & Depth::kMask;
-        const Int c01 = nextDown.mean(table + centre) & Depth::kMask;
-        return Mixed(c00, c10, c01, fractionX, fractionY);
+        const Means<Int> means = neighbours.read(table + centre, members);
+        return Mixed(means.whole & Depth::kMask, means.across & Depth::kMask, means.down & Depth::kMask,
+                     fractionX, fractionY);
     };
     return {channel(row.alpha), channel(row.red), channel(row.green), channel(row.blue)};
 }
@@ -189,9 +173,11 @@ PILIB_INLINE Channels ReadGroups(const BlurRow<typename Blur::Entry>& row, std::
     while (wanted != 0) {
         const int lane = __builtin_ctz(wanted);
         const Group group = {x.whole[lane], x.next[lane], y.whole[lane], y.next[lane]};
-        const Int members = (x.whole == x.whole[lane]) & (y.whole == y.whole[lane]);
-        result = Select(members, ReadGroup<Blur, Depth>(row, centre, group, x.fraction, y.fraction), result);
-        wanted &= ~Bits(members);
+        const Int isMember = (x.whole == x.whole[lane]) & (y.whole == y.whole[lane]);
+        const unsigned members = Bits(isMember);
+        result = Select(isMember, ReadGroup<Blur, Depth>(row, centre, group, x.fraction, y.fraction, members),
+                        result);
+        wanted &= ~members;
     }
     return result;
 }
@@ -268,7 +254,7 @@ PILIB_INLINE void ReadBlock(const BlurRow<typename Blur::Entry>& row, int x, int
     const std::ptrdiff_t centre = row.centre + x + Blur::kCentreShift * (row.stride + 1);
 
     const bool isClamped = row.maxFixedRadiusX >> 16 >= largestX || row.maxFixedRadiusY >> 16 >= largestY;
-    Channels result = isClamped || Runs(radiiX.whole, radiiY.whole) <= kMostRuns
+    Channels result = isClamped || Runs(radiiX.whole, radiiY.whole) <= Blur::kMostRuns
                           ? ReadGroups<Blur, Depth>(row, centre, radiiX, radiiY, wanted)
                           : ReadPixels<Blur, Depth>(row, centre, radiiX, radiiY, wanted);
     Straighten<Depth>(result);
