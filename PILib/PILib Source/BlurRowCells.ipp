@@ -2,8 +2,8 @@
 // cell and its right neighbour, TwiceAt a cell into both of a pair, EntriesAt a cell alone.
 #pragma once
 
-#include "BlurRow.h"
-#include "BlurRowLanes.ipp"
+#include "RowKernels.h"
+#include "RowLanes.ipp"
 
 namespace PILib::detail {
 

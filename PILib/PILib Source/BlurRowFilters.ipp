@@ -3,9 +3,9 @@
 // kMostRuns runs of equal radii are read pixel by pixel: so many groups would cost more.
 #pragma once
 
-#include "BlurRow.h"
 #include "BlurRowCells.ipp"
-#include "BlurRowLanes.ipp"
+#include "RowKernels.h"
+#include "RowLanes.ipp"
 
 namespace PILib::detail {
 

@@ -8,8 +8,8 @@
 #include <limits>
 #include <vector>
 
-#include "BlurRowDispatch.h"
 #include "FrameBuffer.h"
+#include "RowDispatch.h"
 #include "SimdLevel.h"
 
 namespace PILib::detail {
@@ -24,8 +24,7 @@ public:
         : border(border), width(static_cast<std::size_t>(tableWidth)), entries(4 * width) {
         // 32 bits hold the running sums of rows up to this width.
         constexpr std::int32_t kWidest = std::numeric_limits<std::int32_t>::max() / C::kOne;
-        if (level == SimdLevel::Scalar || tableWidth > kWidest) return;
-        kernel = KernelsFor<C>(level).prefix;
+        if (tableWidth <= kWidest) kernel = KernelsFor<C>(level).prefix;
         if (kernel != nullptr) running.resize(4 * width);
     }
 

@@ -2,8 +2,10 @@
 // They exist for the host's two depths; the pixel buffers of the others compile and fail an assertion here.
 
 #include <algorithm>
+#include <limits>
 
 #include "FrameBuffer.h"
+#include "RowDispatch.h"
 
 namespace PILib {
 
@@ -113,6 +115,25 @@ void PixelBuf<P>::paint(int x, int y, const Colour& colour) const {
     if (x >= 0 && x < this->width && y >= 0 && y < this->height) this->row(y)[x] = colour;
 }
 
+namespace detail {
+
+// Moves `out` toward `in` by weight / 65536.
+template <HostDepth C>
+void BlendRows(const Row<Pixel<C>>& out, const Row<Pixel<C>>& in, std::int32_t weight) {
+    const auto kernel = KernelsFor<C>(BestSimdLevel()).blend;
+    constexpr int kLargestRow = std::numeric_limits<std::int32_t>::max() / 4;
+    if (kernel != nullptr && weight >= 0 && weight <= 65536 && out.size() <= kLargestRow) {
+        kernel({out.begin(), in.begin(), 4 * out.size(), static_cast<std::uint32_t>(weight)});
+        return;
+    }
+    for (int x = 0; x < out.size(); ++x) {
+        out[x] = Pixel<C>(Toward(out[x].alpha, in[x].alpha, weight), Toward(out[x].red, in[x].red, weight),
+                          Toward(out[x].green, in[x].green, weight), Toward(out[x].blue, in[x].blue, weight));
+    }
+}
+
+}  // namespace detail
+
 template <class P>
 void PixelBuf<P>::blend(PIContext& /*context*/, const PixelBuffer& other, float fraction) const {
     if (fraction == 0.0F) return;
@@ -123,17 +144,9 @@ void PixelBuf<P>::blend(PIContext& /*context*/, const PixelBuffer& other, float 
     const auto& typed = dynamic_cast<const PixelBuf<P>&>(other);
     _Assert(this->hasSizeOf(typed), site::kBlendSize, site::kFrameBufferFile);
     if constexpr (HostDepth<C>) {
-        const std::int64_t weight = TruncToInt32(fraction * 65536.0F + 0.5F);
-        for (int y = 0; y < this->height; ++y) {
-            const auto out = this->row(y);
-            const auto in = typed.row(y);
-            for (int x = 0; x < out.size(); ++x) {
-                out[x] = P(detail::Toward(out[x].alpha, in[x].alpha, weight),
-                           detail::Toward(out[x].red, in[x].red, weight),
-                           detail::Toward(out[x].green, in[x].green, weight),
-                           detail::Toward(out[x].blue, in[x].blue, weight));
-            }
-        }
+        const std::int32_t weight = TruncToInt32(fraction * 65536.0F + 0.5F);
+        for (int y = 0; y < this->height; ++y)
+            detail::BlendRows(this->row(y), typed.row(y), weight);
     } else {
         detail::FailUnsupportedDepth();
     }

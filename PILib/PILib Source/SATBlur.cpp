@@ -5,8 +5,8 @@
 #include <limits>
 #include <new>
 
-#include "BlurRowDispatch.h"
 #include "FirstOrderRow.h"
+#include "RowDispatch.h"
 
 namespace PILib {
 

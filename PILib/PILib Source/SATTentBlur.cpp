@@ -4,8 +4,8 @@
 #include <limits>
 #include <vector>
 
-#include "BlurRowDispatch.h"
 #include "FirstOrderRow.h"
+#include "RowDispatch.h"
 
 namespace PILib {
 

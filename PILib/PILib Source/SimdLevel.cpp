@@ -1,6 +1,6 @@
 #include "SimdLevel.h"
 
-#include "BlurRowDispatch.h"
+#include "RowDispatch.h"
 
 namespace PILib {
 
@@ -36,17 +36,23 @@ namespace detail {
 
 namespace {
 
-const BlurRowKernels& KernelsOf([[maybe_unused]] SimdLevel level) {
+constexpr RowKernels kNoKernels{};
+
+const RowKernels& KernelsOf(SimdLevel level) {
+    switch (level) {
 #if PILIB_HAS_X86_LEVELS
-    if (level == SimdLevel::Avx512) return kBlurRowAvx512;
-    if (level == SimdLevel::Avx2) return kBlurRowAvx2;
+        case SimdLevel::Avx512:
+            return kRowKernelsAvx512;
+        case SimdLevel::Avx2:
+            return kRowKernelsAvx2;
 #endif
 #if PILIB_HAS_BASELINE
-    return kBlurRowBaseline;
-#else
-    static const BlurRowKernels none{};  // such builds know Scalar alone
-    return none;
+        case SimdLevel::Baseline:
+            return kRowKernelsBaseline;
 #endif
+        default:
+            return kNoKernels;
+    }
 }
 
 }  // namespace

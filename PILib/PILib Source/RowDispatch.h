@@ -3,13 +3,13 @@
 
 #include <type_traits>
 
-#include "BlurRow.h"
 #include "Pixel.h"
+#include "RowKernels.h"
 #include "SimdLevel.h"
 
 namespace PILib::detail {
 
-// The kernels of a level that can run here and is not Scalar.
+// The kernels of a level that can run here; of Scalar they are all null.
 template <HostDepth C>
 const DepthKernels& KernelsFor(SimdLevel level);
 template <>

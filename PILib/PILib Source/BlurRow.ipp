@@ -1,112 +1,20 @@
-// The vector kernels of the blurs' rows, compiled once per instruction set with PILIB_LANES 32-bit lanes.
+// Rows of blurred pixels by vectors.
 //
 // A block of pixels is read out by groups of equal whole radii: within a group the corners of the boxes lie
 // side by side in the tables. Neighbouring pixels of a depth matte mostly share their whole radius, so that
 // most blocks are one group. In blocks of many groups each pixel is read by itself, its channels and the
 // corners of neighbouring radii side by side. Each lane computes what getBlur computes, operation by
 // operation.
+#pragma once
 
-#include "BlurRow.h"
 #include "BlurRowFilters.ipp"
-#include "BlurRowLanes.ipp"
+#include "RowDepths.ipp"
+#include "RowKernels.h"
+#include "RowLanes.ipp"
 
 namespace PILib::detail {
 
 namespace {
-
-struct Channels {
-    Int alpha;
-    Int red;
-    Int green;
-    Int blue;
-};
-
-PILIB_INLINE Channels Select(Int mask, const Channels& a, const Channels& b) {
-    return {Select(mask, a.alpha, b.alpha), Select(mask, a.red, b.red), Select(mask, a.green, b.green),
-            Select(mask, a.blue, b.blue)};
-}
-
-// What differs between the two depths.
-struct Depth8 {
-    using Type = std::uint8_t;
-    static constexpr std::int32_t kOne = 255;
-    static constexpr std::int32_t kMask = 0xFF;
-
-    static PILIB_INLINE Int shareOf(Int map) { return (map * 32897) >> 7; }
-
-    static PILIB_INLINE Int product(Int a, Int b) {
-        const Int t = a * b + 128;
-        return (t + (t >> 8)) >> 8;
-    }
-
-    // 255 in 16.16 divided by alpha, truncated. The quotient of two exact singles is one step too large at
-    // most.
-    static PILIB_INLINE Int straightenFactor(Int alpha) {
-        constexpr std::int32_t kNumerator = kOne << 16;
-        const Int quotient = Truncated(static_cast<float>(kNumerator) / AsFloat(alpha));
-        return Plus(quotient, Minus(Splat(kNumerator), Times(quotient, alpha)) < 0);
-    }
-
-    static PILIB_INLINE Channels load(const Type* from, int count) {
-        const Int pixels = LoadSome<Int>(from, 4 * count);
-        return {pixels & kMask, pixels >> 8 & kMask, pixels >> 16 & kMask, pixels >> 24 & kMask};
-    }
-
-    static PILIB_INLINE void store(Type* to, const Type* unblurred, int count, Int blurred,
-                                   const Channels& c) {
-        const Int pixels = c.alpha | c.red << 8 | c.green << 16 | c.blue << 24;
-        const Int result = Select(blurred, pixels, LoadSome<Int>(unblurred, 4 * count));
-        std::memcpy(to, &result, 4U * static_cast<std::size_t>(count));
-    }
-};
-
-struct Depth15 {
-    using Type = std::uint16_t;
-    static constexpr std::int32_t kOne = 32768;
-    static constexpr std::int32_t kMask = 0xFFFF;
-
-    static PILIB_INLINE Int shareOf(Int map) { return map * 2; }
-
-    static PILIB_INLINE Int product(Int a, Int b) {
-        return reinterpret_cast<Int>(AsUnsigned(a) * AsUnsigned(b) >> 15);
-    }
-
-    // 32768 in 16.16 divided by alpha, truncated; saturated for alpha 1. The estimate is corrected by what is
-    // left over.
-    static PILIB_INLINE Int straightenFactor(Int alpha) {
-        const Float divisor = AsFloat(alpha);
-        const auto rest = [alpha](Int quotient) PILIB_INLINE_LAMBDA {
-            return reinterpret_cast<Int>((Uint{} + 0x80000000U) - AsUnsigned(quotient) * AsUnsigned(alpha));
-        };
-        Int quotient =
-            Truncated(2147483520.0F / divisor);  // the single before 2^31 stays in range for alpha 1
-        quotient = Plus(quotient, Truncated(AsFloat(rest(quotient)) / divisor));
-        const Int left = rest(quotient);
-        quotient = Plus(Minus(quotient, left >= alpha), left < 0);
-        return Select(alpha == 1, Splat(0x7FFFFFFF), quotient);
-    }
-
-    static PILIB_INLINE Channels load(const Type* from, int count) {
-        Int pixels[2] = {};
-        std::memcpy(pixels, from, 8U * static_cast<std::size_t>(count));
-        const Int low = Arranged<Evens>(pixels[0], pixels[1]);
-        const Int high = Arranged<Odds>(pixels[0], pixels[1]);
-        return {low & kMask, low >> 16 & kMask, high & kMask, high >> 16 & kMask};
-    }
-
-    static PILIB_INLINE void store(Type* to, const Type* unblurred, int count, Int blurred,
-                                   const Channels& c) {
-        const Int low = c.alpha | c.red << 16;
-        const Int high = c.green | c.blue << 16;
-        Int kept[2] = {};
-        std::memcpy(kept, unblurred, 8U * static_cast<std::size_t>(count));
-        const Int result[2] = {
-            Select(Arranged<ZipFirstHalves>(blurred, blurred), Arranged<ZipFirstHalves>(low, high), kept[0]),
-            Select(Arranged<ZipSecondHalves>(blurred, blurred), Arranged<ZipSecondHalves>(low, high),
-                   kept[1])};
-        std::memcpy(to, result, 8U * static_cast<std::size_t>(count));
-    }
-};
 
 // The radii of a block along one axis, split and clamped as getBlur and getBlurInt do.
 struct AxisRadii {
@@ -287,47 +195,6 @@ void ReadRow(const BlurRow<typename Blur::Entry>& row) {
     if (x < row.count) ReadBlock<Blur, Depth>(row, x, row.count - x);
 }
 
-// v summed along its lanes.
-template <int kDistance = 1>
-PILIB_INLINE Int RunningSums(Int v) {
-    if constexpr (kDistance < kLanes) {
-        return RunningSums<2 * kDistance>(Plus(v, Arranged<ShiftedUp<kDistance>>(v, Int{})));
-    } else {
-        return v;
-    }
-}
-
-// Pixels x .. x + count - 1, of which `count` is at most the lanes, to the running sums that end in `sums`,
-// of red, green, blue and alpha.
-template <class Depth>
-PILIB_INLINE void SumPixels(const PrefixRow& row, Int (&sums)[4], int x, int count) {
-    const Channels c = Depth::load(
-        static_cast<const typename Depth::Type*>(row.pixels) + 4 * static_cast<std::ptrdiff_t>(x), count);
-    const Int premultiplied[4] = {Depth::product(c.red, c.alpha), Depth::product(c.green, c.alpha),
-                                  Depth::product(c.blue, c.alpha), c.alpha};
-    for (int table = 0; table < 4; ++table) {
-        const Int running = Plus(sums[table], RunningSums(premultiplied[table]));
-        std::memcpy(row.sums[table] + x, &running, sizeof(std::int32_t) * static_cast<unsigned>(count));
-        sums[table] = Arranged<Last>(running, running);
-    }
-}
-
-template <class Depth>
-void SumRow(const PrefixRow& row) {
-    Int sums[4];
-    for (int table = 0; table < 4; ++table)
-        sums[table] = Splat(static_cast<std::int32_t>(row.start[table]));
-    int x = 0;
-    for (; x + kLanes <= row.count; x += kLanes)
-        SumPixels<Depth>(row, sums, x, kLanes);
-    if (x < row.count) SumPixels<Depth>(row, sums, x, row.count - x);
-}
-
 }  // namespace
-
-extern const BlurRowKernels PILIB_KERNELS = {
-    {ReadRow<Box, Depth8>, ReadRow<Tent, Depth8>, kLanes >= 8 ? SumRow<Depth8> : nullptr},
-    {ReadRow<Box, Depth15>, ReadRow<Tent, Depth15>, kLanes >= 16 ? SumRow<Depth15> : nullptr},
-};
 
 }  // namespace PILib::detail

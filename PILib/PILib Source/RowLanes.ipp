@@ -47,7 +47,8 @@ PILIB_INLINE Int LoadWidened(const std::uint8_t* from, int count) {
 #elif defined(__AVX2__) && PILIB_LANES == 8
     return reinterpret_cast<Int>(_mm256_cvtepu8_epi32(LoadSome<__m128i>(from, count)));
 #elif defined(__SSE2__) && PILIB_LANES == 4
-    const __m128i shorts = _mm_unpacklo_epi8(LoadSome<__m128i>(from, count), _mm_setzero_si128());
+    const __m128i shorts =
+        _mm_unpacklo_epi8(_mm_cvtsi32_si128(LoadSome<std::int32_t>(from, count)), _mm_setzero_si128());
     return reinterpret_cast<Int>(_mm_unpacklo_epi16(shorts, _mm_setzero_si128()));
 #else
     typedef std::uint8_t Bytes __attribute__((vector_size(PILIB_LANES)));
@@ -61,11 +62,49 @@ PILIB_INLINE Int LoadWidened(const std::uint16_t* from, int count) {
 #elif defined(__AVX2__) && PILIB_LANES == 8
     return reinterpret_cast<Int>(_mm256_cvtepu16_epi32(LoadSome<__m128i>(from, 2 * count)));
 #elif defined(__SSE2__) && PILIB_LANES == 4
-    return reinterpret_cast<Int>(_mm_unpacklo_epi16(LoadSome<__m128i>(from, 2 * count), _mm_setzero_si128()));
+    return reinterpret_cast<Int>(
+        _mm_unpacklo_epi16(_mm_cvtsi64_si128(LoadSome<std::int64_t>(from, 2 * count)), _mm_setzero_si128()));
 #else
     typedef std::uint16_t Shorts __attribute__((vector_size(2 * PILIB_LANES)));
     return __builtin_convertvector(LoadSome<Shorts>(from, 2 * count), Int);
 #endif
+}
+
+// The first `count` lanes of `v`, which hold what an element can.
+PILIB_INLINE void StoreNarrowed(Int v, std::uint8_t* to, int count) {
+#if defined(__AVX512F__) && PILIB_LANES == 16
+    const __m128i narrow = _mm512_maskz_cvtepi32_epi8(0xFFFF, reinterpret_cast<__m512i>(v));
+#elif defined(__AVX2__) && PILIB_LANES == 8
+    const auto whole = reinterpret_cast<__m256i>(v);
+    const __m128i shorts =
+        _mm_packus_epi32(_mm256_castsi256_si128(whole), _mm256_extracti128_si256(whole, 1));
+    const __m128i narrow = _mm_packus_epi16(shorts, shorts);
+#elif defined(__SSE2__) && PILIB_LANES == 4
+    const __m128i shorts = _mm_packs_epi32(reinterpret_cast<__m128i>(v), reinterpret_cast<__m128i>(v));
+    const __m128i narrow = _mm_packus_epi16(shorts, shorts);
+#else
+    typedef std::uint8_t Bytes __attribute__((vector_size(PILIB_LANES)));
+    const Bytes narrow = __builtin_convertvector(v, Bytes);
+#endif
+    std::memcpy(to, &narrow, static_cast<std::size_t>(count));
+}
+
+PILIB_INLINE void StoreNarrowed(Int v, std::uint16_t* to, int count) {
+#if defined(__AVX512F__) && PILIB_LANES == 16
+    const __m256i narrow = _mm512_maskz_cvtepi32_epi16(0xFFFF, reinterpret_cast<__m512i>(v));
+#elif defined(__AVX2__) && PILIB_LANES == 8
+    const auto whole = reinterpret_cast<__m256i>(v);
+    const __m128i narrow =
+        _mm_packus_epi32(_mm256_castsi256_si128(whole), _mm256_extracti128_si256(whole, 1));
+#elif defined(__SSE2__) && PILIB_LANES == 4
+    // The pack saturates signed values: with the sign of their low halves they pass as they are.
+    const __m128i asSigned = reinterpret_cast<__m128i>(v << 16 >> 16);
+    const __m128i narrow = _mm_packs_epi32(asSigned, asSigned);
+#else
+    typedef std::uint16_t Shorts __attribute__((vector_size(2 * PILIB_LANES)));
+    const Shorts narrow = __builtin_convertvector(v, Shorts);
+#endif
+    std::memcpy(to, &narrow, 2 * static_cast<std::size_t>(count));
 }
 
 PILIB_INLINE Int Splat(std::int32_t value) {

@@ -1,6 +1,6 @@
-// One row of blurred pixels, or of their tables: the interface between the blurs and their vector kernels.
-// Plain C types alone, as the kernels are compiled for other instruction sets than the rest: they share no
-// inline code with it.
+// Rows of blurred pixels, of their tables and of blends: the interface between the library and its vector
+// kernels. Plain C types alone, as the kernels are compiled for other instruction sets than the rest: they
+// share no inline code with it.
 #pragma once
 
 #include <cstddef>
@@ -50,20 +50,30 @@ struct PrefixRow {
     std::uint32_t* sums[4];
 };
 
-// The kernels of one depth and one level. `prefix` is null where sums one by one are as fast.
+// One row of channel values that moves toward another: each becomes
+// (value * (65536 - weight) + other * weight + 32768) >> 16.
+struct BlendRow {
+    void* values;
+    const void* other;
+    std::int32_t count;    // values, four to a pixel
+    std::uint32_t weight;  // 0 to 65536
+};
+
+// The kernels of one depth and one level. `prefix` and `blend` are null where values one by one are as fast.
 struct DepthKernels {
     void (*box)(const BlurRow<std::uint32_t>& row);
     void (*tent)(const BlurRow<double>& row);
     void (*prefix)(const PrefixRow& row);
+    void (*blend)(const BlendRow& row);
 };
 
-struct BlurRowKernels {
+struct RowKernels {
     DepthKernels depth8;
     DepthKernels depth15;
 };
 
-extern const BlurRowKernels kBlurRowBaseline;
-extern const BlurRowKernels kBlurRowAvx2;
-extern const BlurRowKernels kBlurRowAvx512;
+extern const RowKernels kRowKernelsBaseline;
+extern const RowKernels kRowKernelsAvx2;
+extern const RowKernels kRowKernelsAvx512;
 
 }  // namespace PILib::detail

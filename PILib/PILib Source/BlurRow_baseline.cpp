@@ -1,3 +1,0 @@
-#define PILIB_LANES 4
-#define PILIB_KERNELS kBlurRowBaseline
-#include "BlurRowKernels.ipp"

@@ -1,0 +1,3 @@
+#define PILIB_LANES 8
+#define PILIB_KERNELS kRowKernelsAvx2
+#include "RowKernels.ipp"

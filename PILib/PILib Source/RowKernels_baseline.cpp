@@ -1,0 +1,3 @@
+#define PILIB_LANES 4
+#define PILIB_KERNELS kRowKernelsBaseline
+#include "RowKernels.ipp"
