@@ -7,6 +7,11 @@
 // operation.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <type_traits>
+
 #include "BlurRowFilters.ipp"
 #include "RowDepths.ipp"
 #include "RowKernels.h"
@@ -29,14 +34,14 @@ PILIB_INLINE AxisRadii RadiiOf(Int share, float radius, std::int32_t maxFixed, s
     return {Min(whole, Splat(largest)), Min(whole + 1, Splat(largest)), fixed & 0xFFFF};
 }
 
-// c0 + fraction / 65536 of the way to c1, rounded. Halving first keeps the largest product in 32 bits.
-PILIB_INLINE Int Interpolated(Int c0, Int c1, Int fraction) {
-    return c0 + (((Times(fraction, c1 - c0) >> 1) + 16384) >> 15);
-}
-
-// The mean of the steps across and down from a channel's value at the whole radii.
+// The mean of the steps across and down from a channel's value at the whole radii. Wraps in lanes that are
+// not wanted.
+template <class Depth>
 PILIB_INLINE Int Mixed(Int whole, Int nextAcross, Int nextDown, Int fractionX, Int fractionY) {
-    return (Interpolated(whole, nextAcross, fractionX) + Interpolated(whole, nextDown, fractionY)) >> 1;
+    const auto interpolated = [whole](Int next, Int fraction) PILIB_INLINE_LAMBDA {
+        return Plus(whole, Depth::share(fraction, Minus(next, whole)));
+    };
+    return Plus(interpolated(nextAcross, fractionX), interpolated(nextDown, fractionY)) >> 1;
 }
 
 template <class Depth>
@@ -67,8 +72,7 @@ PILIB_INLINE Channels ReadGroup(const BlurRow<typename Blur::Entry>& row, std::p
     const typename Blur::Neighbours neighbours(group, row.stride);
     const auto channel = [&](const typename Blur::Entry* table) PILIB_INLINE_LAMBDA {
         const Means<Int> means = neighbours.read(table + centre, members);
-        return Mixed(means.whole & Depth::kMask, means.across & Depth::kMask, means.down & Depth::kMask,
-                     fractionX, fractionY);
+        return Mixed<Depth>(means.whole, means.across, means.down, fractionX, fractionY);
     };
     return {channel(row.alpha), channel(row.red), channel(row.green), channel(row.blue)};
 }
@@ -135,8 +139,7 @@ PILIB_INLINE Channels ReadPixels(const BlurRow<typename Blur::Entry>& row, std::
     SplitValues<4>(down, meansDown);
     pixels.toMeans(means, meansDown);
     const auto channel = [&](int c) PILIB_INLINE_LAMBDA {
-        return Mixed(means[2 * c] & Depth::kMask, means[2 * c + 1] & Depth::kMask,
-                     meansDown[c] & Depth::kMask, x.fraction, y.fraction);
+        return Mixed<Depth>(means[2 * c], means[2 * c + 1], meansDown[c], x.fraction, y.fraction);
     };
     return {channel(0), channel(1), channel(2), channel(3)};
 }
@@ -169,18 +172,29 @@ PILIB_INLINE void ReadBlock(const BlurRow<typename Blur::Entry>& row, int x, int
     Depth::store(output, input, count, blurred, result);
 }
 
+// The largest radius that the pixels of a row are read at, whole, with the next one.
+struct Reach {
+    std::ptrdiff_t x;
+    std::ptrdiff_t y;
+
+    template <class Entry>
+    explicit PILIB_INLINE Reach(const BlurRow<Entry>& row)
+        : x(along(row.radiusX, row.maxFixedRadiusX)), y(along(row.radiusY, row.maxFixedRadiusY)) {}
+
+    static PILIB_INLINE std::ptrdiff_t along(float radius, std::int32_t maxFixed) {
+        const auto whole = static_cast<std::int32_t>(radius);
+        return std::ptrdiff_t{whole < maxFixed >> 16 ? whole : maxFixed >> 16} + 1;
+    }
+};
+
 // Fetches the lowest table row that the largest radius reaches: the rows above have brought in all others.
 // Where radii differ from pixel to pixel its cells would be waited for one by one.
 template <class Entry>
 PILIB_INLINE void PrefetchLowestCells(const BlurRow<Entry>& row) {
     constexpr std::ptrdiff_t kCacheLine = 64 / sizeof(Entry);
-    const auto reach = [](float radius, std::int32_t maxFixed) PILIB_INLINE_LAMBDA {
-        const auto whole = static_cast<std::int32_t>(radius);
-        return std::ptrdiff_t{whole < maxFixed >> 16 ? whole : maxFixed >> 16} + 1;
-    };
-    const std::ptrdiff_t reachX = reach(row.radiusX, row.maxFixedRadiusX);
-    const std::ptrdiff_t below = row.centre + reach(row.radiusY, row.maxFixedRadiusY) * row.stride;
-    for (std::ptrdiff_t cell = below - reachX; cell <= below + row.count + reachX; cell += kCacheLine) {
+    const Reach reach(row);
+    const std::ptrdiff_t below = row.centre + reach.y * row.stride;
+    for (std::ptrdiff_t cell = below - reach.x; cell <= below + row.count + reach.x; cell += kCacheLine) {
         for (const Entry* table : {row.alpha, row.red, row.green, row.blue})
             __builtin_prefetch(table + cell);
     }
@@ -193,6 +207,21 @@ void ReadRow(const BlurRow<typename Blur::Entry>& row) {
     for (; x + kLanes <= row.count; x += kLanes)
         ReadBlock<Blur, Depth>(row, x, kLanes);
     if (x < row.count) ReadBlock<Blur, Depth>(row, x, row.count - x);
+}
+
+template <class Depth>
+void ReadBoxRow(const BlurRow<std::uint32_t>& row) {
+    if constexpr (std::is_same_v<Depth, Depth8>) {
+        const Reach reach(row);
+        if ((2 * reach.x + 1) * (2 * reach.y + 1) < SmallBoxArea::kEnd)
+            return ReadRow<Box<SmallBoxArea>, Depth>(row);
+    }
+    ReadRow<Box<BoxArea<Depth>>, Depth>(row);
+}
+
+template <class Depth>
+void ReadTentRow(const BlurRow<double>& row) {
+    ReadRow<Tent<Depth>, Depth>(row);
 }
 
 }  // namespace

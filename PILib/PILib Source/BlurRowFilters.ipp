@@ -4,6 +4,7 @@
 #pragma once
 
 #include "BlurRowCells.ipp"
+#include "RowDepths.ipp"
 #include "RowKernels.h"
 #include "RowLanes.ipp"
 
@@ -37,6 +38,7 @@ struct PixelValues {
 
 // Division of a box's sum by its area. The reciprocal is low by 2^-22, more than the singles' rounding, so
 // that the estimate is never too large, and for quotients of up to 16 bits too small by one at most.
+template <class Depth>
 struct BoxArea {
     Int area;
     Float reciprocal;
@@ -46,11 +48,25 @@ struct BoxArea {
 
     PILIB_INLINE Int mean(Int sum) const {
         const Int estimate = Truncated(AsFloat(sum) * reciprocal);
-        return Minus(estimate, Minus(sum, Times(estimate, area)) >= area);
+        return Minus(estimate, Minus(sum, Times(estimate, area)) >= area) & Depth::kMask;
     }
 };
 
+// The same for quotients of 8 bits and areas below 2^14. The reciprocal is the next single above, so that no
+// product is below its quotient; it is above by 1.5 * 2^-23 at most and the product's rounding adds 2^-24,
+// while from the largest remainder to the next quotient there are 2^-8 of an area's reciprocal, 2^-22.
+struct SmallBoxArea {
+    static constexpr std::int32_t kEnd = 1 << 14;
+    Float reciprocal;
+
+    explicit PILIB_INLINE SmallBoxArea(Int area)
+        : reciprocal(reinterpret_cast<Float>(reinterpret_cast<Int>(1.0F / AsFloat(area)) + 1)) {}
+
+    PILIB_INLINE Int mean(Int sum) const { return Truncated(AsFloat(sum) * reciprocal); }
+};
+
 // The mean of a box from the four corners around it.
+template <class Area>
 struct Box {
     using Entry = std::uint32_t;
     static constexpr std::int32_t kClampedBelowBorder = 1;  // radii reach borderX - 1
@@ -63,7 +79,7 @@ struct Box {
         std::ptrdiff_t bottomLeft;
         std::ptrdiff_t topRight;
         std::ptrdiff_t topLeft;
-        BoxArea area;
+        Area area;
 
         PILIB_INLINE Boxes(std::ptrdiff_t radiusX, std::ptrdiff_t radiusY, std::ptrdiff_t stride)
             : bottomRight(radiusY * stride + radiusX),
@@ -121,9 +137,9 @@ struct Box {
 
         // The values of all pixels: a vector for each that readPixel gives of one.
         PILIB_INLINE void toMeans(Int (&wholeAndAcross)[8], Int (&down)[4]) const {
-            const BoxArea wholeArea(width * height);
-            const BoxArea acrossArea((width + 2) * height);
-            const BoxArea downArea(width * (height + 2));
+            const Area wholeArea(width * height);
+            const Area acrossArea((width + 2) * height);
+            const Area downArea(width * (height + 2));
             for (int channel = 0; channel < 4; ++channel) {
                 wholeAndAcross[2 * channel] = wholeArea.mean(wholeAndAcross[2 * channel]);
                 wholeAndAcross[2 * channel + 1] = acrossArea.mean(wholeAndAcross[2 * channel + 1]);
@@ -134,6 +150,7 @@ struct Box {
 };
 
 // The tent from nine samples of the second-order sums.
+template <class Depth>
 struct Tent {
     using Entry = double;
     static constexpr std::int32_t kClampedBelowBorder = 2;  // half-widths, radii and one, reach borderX - 1
@@ -200,8 +217,9 @@ struct Tent {
             Means<HalfInt> high{};
             if ((members & kFirst) != 0) low = readHalf(table);
             if ((members & ~kFirst) != 0) high = readHalf(table + kLanes / 2);
-            return {Joined(low.whole, high.whole), Joined(low.across, high.across),
-                    Joined(low.down, high.down)};
+            return {Joined(low.whole, high.whole) & Depth::kMask,
+                    Joined(low.across, high.across) & Depth::kMask,
+                    Joined(low.down, high.down) & Depth::kMask};
         }
     };
 
@@ -263,7 +281,12 @@ struct Tent {
                     __builtin_convertvector(nextDown * down[lane] + 0.5, Pixel4)};
         }
 
-        PILIB_INLINE void toMeans(Int (&/*wholeAndAcross*/)[8], Int (&/*down*/)[4]) const {}
+        PILIB_INLINE void toMeans(Int (&wholeAndAcross)[8], Int (&down)[4]) const {
+            for (Int& mean : wholeAndAcross)
+                mean &= Depth::kMask;
+            for (Int& mean : down)
+                mean &= Depth::kMask;
+        }
     };
 };
 

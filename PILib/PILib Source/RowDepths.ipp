@@ -32,6 +32,11 @@ struct Depth8 {
         return (t + (t >> 8)) >> 8;
     }
 
+    // fraction / 65536 of a step, rounded.
+    static PILIB_INLINE Int share(Int fraction, Int step) {
+        return Plus(Times(fraction, step), Splat(32768)) >> 16;
+    }
+
     // 255 in 16.16 divided by alpha, truncated. The quotient of two exact singles is one step too large at
     // most.
     static PILIB_INLINE Int straightenFactor(Int alpha) {
@@ -62,6 +67,11 @@ struct Depth15 {
 
     static PILIB_INLINE Int product(Int a, Int b) {
         return reinterpret_cast<Int>(AsUnsigned(a) * AsUnsigned(b) >> 15);
+    }
+
+    // Halved first, as the largest product would not be within 32 bits.
+    static PILIB_INLINE Int share(Int fraction, Int step) {
+        return ((Times(fraction, step) >> 1) + 16384) >> 15;
     }
 
     // 32768 in 16.16 divided by alpha, truncated; saturated for alpha 1. The estimate is corrected by what is

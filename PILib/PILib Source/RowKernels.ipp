@@ -9,9 +9,9 @@ namespace PILib::detail {
 
 // Kernels that are not ahead of the code they stand beside are left out.
 extern const RowKernels PILIB_KERNELS = {
-    {ReadRow<Box, Depth8>, ReadRow<Tent, Depth8>, kLanes >= 8 ? SumRow<Depth8> : nullptr,
+    {ReadBoxRow<Depth8>, ReadTentRow<Depth8>, kLanes >= 8 ? SumRow<Depth8> : nullptr,
      kLanes >= 8 ? Blend<std::uint8_t> : nullptr},
-    {ReadRow<Box, Depth15>, ReadRow<Tent, Depth15>, kLanes >= 16 ? SumRow<Depth15> : nullptr,
+    {ReadBoxRow<Depth15>, ReadTentRow<Depth15>, kLanes >= 16 ? SumRow<Depth15> : nullptr,
      kLanes >= 8 ? Blend<std::uint16_t> : nullptr},
 };
 

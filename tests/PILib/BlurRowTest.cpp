@@ -247,7 +247,7 @@ TYPED_TEST(BlurRowTest, UniformOpaqueRowKeepsItsColour) {
         int step;  // in units: fewer colours where tables are large
     };
     for (const Size& size :
-         {Size{3, 3}, Size{7, 3}, Size{40, 3}, Size{101, 12}, Size{125, 12}, Size{200, 24}}) {
+         {Size{3, 3}, Size{7, 3}, Size{40, 3}, Size{101, 12}, Size{123, 12}, Size{125, 12}, Size{200, 24}}) {
         for (const float radiusX : {size.radius, size.radius / 3}) {
             Random random(5);
             Scene<C> scene(random, 48, 1, 0);
@@ -273,17 +273,26 @@ TYPED_TEST(BlurRowTest, OneDarkerPixelIsSeenAsPerPixel) {
     using C = TypeParam;
     using P = Pixel<C>;
     using Type = typename C::Type;
-    for (const float radius : {3.0F, 7.0F, 40.0F}) {
-        for (int k = 1; k <= C::kOne; k += C::kOne / 15) {
-            Random random(5);
-            Scene<C> scene(random, 48, 1);
-            scene.radiusX = scene.radiusY = radius;
-            const auto channel = static_cast<Type>(k);
-            const auto row = scene.picture.row(0);
-            std::fill(row.begin(), row.end(), P(static_cast<Type>(C::kOne), channel, channel, channel));
-            row[24].red = static_cast<Type>(k - 1);
-            for (const SimdLevel level : VectorLevels())
-                ExpectEqualRows<SATBoxBlur<P>>(scene, level, k);
+    constexpr int kLargest = 127;  // the widest boxes, read at half of it, lie within the picture
+    constexpr int kSize = 2 * kLargest;
+    constexpr auto kFull = static_cast<Type>(C::kOne);
+    for (const Type k : {kFull, static_cast<Type>(kFull / 2), Type{1}}) {
+        Random random(5);
+        Scene<C> scene(random, kSize, kSize);
+        for (int y = 0; y < kSize; ++y)
+            std::fill(scene.picture.row(y).begin(), scene.picture.row(y).end(), P(kFull, k, k, k));
+        scene.picture.row(kLargest)[kLargest].red = static_cast<Type>(k - 1);
+        std::fill(scene.map.row(kLargest).begin(), scene.map.row(kLargest).end(), kFull);
+        FakeContext context;
+        AnyLevelBlur<SATBoxBlur<P>> blur(context, scene.picture, kLargest, kLargest);
+        blur.initialize();
+        for (int radius = 0; radius <= kLargest / 2; ++radius) {
+            scene.radiusX = scene.radiusY = static_cast<float>(radius) + 0.25F;
+            const auto expected = RowAt(SimdLevel::Scalar, blur, scene, kLargest);
+            for (const SimdLevel level : VectorLevels()) {
+                ASSERT_EQ(expected, RowAt(level, blur, scene, kLargest))
+                    << "level " << static_cast<int>(level) << ", radius " << radius << ", channel " << k;
+            }
         }
     }
 }
