@@ -10,6 +10,7 @@
 #include "Cases.h"
 #include "Kestrel.h"
 #include "NaiveBlur.h"
+#include "Register.h"
 #include "Report.h"
 #include "SATBlur.h"
 #include "SATTentBlur.h"

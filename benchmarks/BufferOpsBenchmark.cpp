@@ -8,6 +8,7 @@
 #include "Cases.h"
 #include "FocusPipeline.h"
 #include "FrameBufferOps.h"
+#include "Register.h"
 #include "Report.h"
 #include "Scenes.h"
 #include "ThreadPoolContext.h"

@@ -8,6 +8,7 @@
 
 #include "Cases.h"
 #include "FocusPipeline.h"
+#include "Register.h"
 #include "Report.h"
 #include "SceneCache.h"
 #include "SimdLevel.h"

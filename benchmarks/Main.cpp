@@ -2,7 +2,7 @@
 
 #include <benchmark/benchmark.h>
 
-#include "Report.h"
+#include "Register.h"
 
 int main(int argc, char** argv) {
     bench::RegisterMemory();

@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 
+#include "Register.h"
 #include "Report.h"
 
 namespace bench {

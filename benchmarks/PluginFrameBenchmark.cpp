@@ -7,6 +7,7 @@
 
 #include "Cases.h"
 #include "PluginRender.h"
+#include "Register.h"
 #include "Report.h"
 #include "SceneCache.h"
 #include "ThreadPoolContext.h"

@@ -1,4 +1,4 @@
-// What the benchmarks have in common: how they are registered and counted.
+// What is counted beside a benchmark's time.
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -8,13 +8,6 @@
 #include "FrameBuffer.h"
 
 namespace bench {
-
-// Each registers the benchmarks of its source.
-void RegisterBlurs();
-void RegisterFrames();
-void RegisterMemory();
-void RegisterPasses();
-void RegisterPluginFrames();
 
 // Time per pixel and pixels per second of a benchmark whose iterations each cover the buffer.
 inline void ReportPixelRate(benchmark::State& state, const PILib::FrameBuffer& buffer) {
