@@ -10,7 +10,6 @@
 #include <string>
 
 #include "Register.h"
-#include "Report.h"
 
 namespace bench {
 
