@@ -1,6 +1,8 @@
-// A row moved toward another by vectors.
+// A row moved toward another by vectors of AVX2 or AVX-512.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
 
 #include "RowKernels.h"
@@ -10,7 +12,31 @@ namespace PILib::detail {
 
 namespace {
 
-// The two rows' weights, which sum up to 65536.
+// The first `count` lanes of `v`, which hold what an element can.
+PILIB_INLINE void StoreNarrowed(Int v, std::uint8_t* to, int count) {
+#if PILIB_LANES == 16
+    const __m128i narrow = _mm512_maskz_cvtepi32_epi8(0xFFFF, reinterpret_cast<__m512i>(v));
+#else
+    const auto whole = reinterpret_cast<__m256i>(v);
+    const __m128i shorts =
+        _mm_packus_epi32(_mm256_castsi256_si128(whole), _mm256_extracti128_si256(whole, 1));
+    const __m128i narrow = _mm_packus_epi16(shorts, shorts);
+#endif
+    std::memcpy(to, &narrow, static_cast<std::size_t>(count));
+}
+
+PILIB_INLINE void StoreNarrowed(Int v, std::uint16_t* to, int count) {
+#if PILIB_LANES == 16
+    const __m256i narrow = _mm512_maskz_cvtepi32_epi16(0xFFFF, reinterpret_cast<__m512i>(v));
+#else
+    const auto whole = reinterpret_cast<__m256i>(v);
+    const __m128i narrow =
+        _mm_packus_epi32(_mm256_castsi256_si128(whole), _mm256_extracti128_si256(whole, 1));
+#endif
+    std::memcpy(to, &narrow, 2 * static_cast<std::size_t>(count));
+}
+
+// The two rows' weights, which add up to 65536.
 struct BlendWeights {
     std::uint32_t kept;
     std::uint32_t other;
@@ -24,16 +50,17 @@ PILIB_INLINE void BlendValues(Type* values, const Type* other, BlendWeights weig
     StoreNarrowed(reinterpret_cast<Int>(sum >> 16), values, count);
 }
 
-template <class Type>
-void Blend(const BlendRow& row) {
-    Type* const values = static_cast<Type*>(row.values);
-    const Type* const other = static_cast<const Type*>(row.other);
-    const std::int32_t count = row.count;
+template <class Depth>
+void MoveRow(const BlendRow& row) {
+    // Copies, as stored bytes might be the row's own for all that the compiler knows.
+    auto* const values = static_cast<typename Depth::Type*>(row.values);
+    const auto* const other = static_cast<const typename Depth::Type*>(row.other);
+    const std::ptrdiff_t count = row.count;
     const BlendWeights weights = {0x10000U - row.weight, row.weight};
-    int x = 0;
-    for (; x + kLanes <= count; x += kLanes)
+    std::ptrdiff_t x = 0;
+    for (; count - x >= kLanes; x += kLanes)
         BlendValues(values + x, other + x, weights, kLanes);
-    if (x < count) BlendValues(values + x, other + x, weights, count - x);
+    if (x < count) BlendValues(values + x, other + x, weights, static_cast<int>(count - x));
 }
 
 }  // namespace

@@ -3,8 +3,7 @@
 // A block of pixels is read out by groups of equal whole radii: within a group the corners of the boxes lie
 // side by side in the tables. Neighbouring pixels of a depth matte mostly share their whole radius, so that
 // most blocks are one group. In blocks of many groups each pixel is read by itself, its channels and the
-// corners of neighbouring radii side by side. Each lane computes what getBlur computes, operation by
-// operation.
+// corners of neighbouring radii side by side. Each lane gives what getBlur gives.
 #pragma once
 
 #include <cstddef>
@@ -34,14 +33,18 @@ PILIB_INLINE AxisRadii RadiiOf(Int share, float radius, std::int32_t maxFixed, s
     return {Min(whole, Splat(largest)), Min(whole + 1, Splat(largest)), fixed & 0xFFFF};
 }
 
-// The mean of the steps across and down from a channel's value at the whole radii. Wraps in lanes that are
-// not wanted.
-template <class Depth>
+// c0 + fraction / 65536 of the way to c1, rounded, for values of up to 16 bits: a tent's mean that rounding
+// has made negative is one close to the largest.
+PILIB_INLINE Uint Interpolated(Int c0, Int c1, Int fraction) {
+    return (AsUnsigned(c0) * (65536U - AsUnsigned(fraction)) + AsUnsigned(c1) * AsUnsigned(fraction) +
+            32768U) >>
+           16;
+}
+
+// The mean of the steps across and down from a channel's value at the whole radii.
 PILIB_INLINE Int Mixed(Int whole, Int nextAcross, Int nextDown, Int fractionX, Int fractionY) {
-    const auto interpolated = [whole](Int next, Int fraction) PILIB_INLINE_LAMBDA {
-        return Plus(whole, Depth::share(fraction, Minus(next, whole)));
-    };
-    return Plus(interpolated(nextAcross, fractionX), interpolated(nextDown, fractionY)) >> 1;
+    return reinterpret_cast<Int>(
+        (Interpolated(whole, nextAcross, fractionX) + Interpolated(whole, nextDown, fractionY)) >> 1);
 }
 
 template <class Depth>
@@ -59,6 +62,7 @@ PILIB_INLINE void Straighten(Channels& c) {
     c.blue = scaled(c.blue);
 }
 
+// How many runs of equal whole radii a block has, of all its lanes, wanted or not.
 PILIB_INLINE int Runs(Int wholeX, Int wholeY) {
     const Int changes =
         (wholeX != Arranged<Previous>(wholeX, wholeX)) | (wholeY != Arranged<Previous>(wholeY, wholeY));
@@ -72,7 +76,7 @@ PILIB_INLINE Channels ReadGroup(const BlurRow<typename Blur::Entry>& row, std::p
     const typename Blur::Neighbours neighbours(group, row.stride);
     const auto channel = [&](const typename Blur::Entry* table) PILIB_INLINE_LAMBDA {
         const Means<Int> means = neighbours.read(table + centre, members);
-        return Mixed<Depth>(means.whole, means.across, means.down, fractionX, fractionY);
+        return Mixed(means.whole, means.across, means.down, fractionX, fractionY);
     };
     return {channel(row.alpha), channel(row.red), channel(row.green), channel(row.blue)};
 }
@@ -86,7 +90,7 @@ PILIB_INLINE Channels ReadGroups(const BlurRow<typename Blur::Entry>& row, std::
         const int lane = __builtin_ctz(wanted);
         const Group group = {x.whole[lane], x.next[lane], y.whole[lane], y.next[lane]};
         const Int isMember = (x.whole == x.whole[lane]) & (y.whole == y.whole[lane]);
-        const unsigned members = Bits(isMember);
+        const unsigned members = Bits(isMember) & wanted;
         result = Select(isMember, ReadGroup<Blur, Depth>(row, centre, group, x.fraction, y.fraction, members),
                         result);
         wanted &= ~members;
@@ -94,7 +98,8 @@ PILIB_INLINE Channels ReadGroups(const BlurRow<typename Blur::Entry>& row, std::
     return result;
 }
 
-// Pixels of kValues values each, one behind the other, to one vector per value.
+// Transposes pixels of kValues values each, one behind the other: values[i * step] gets value i of every
+// pixel. `step` grows as the halves are split again.
 template <unsigned kValues>
 PILIB_INLINE void SplitValues(const Int* pixels, Int* values, int step = 1) {
     if constexpr (kValues == 1) {
@@ -112,7 +117,7 @@ PILIB_INLINE void SplitValues(const Int* pixels, Int* values, int step = 1) {
     }
 }
 
-// The same with every pixel read by itself. Needs radii that are not clamped.
+// A block whose lanes `wanted` are blurred, each pixel read by itself. Needs radii that are not clamped.
 template <class Blur, class Depth>
 PILIB_INLINE Channels ReadPixels(const BlurRow<typename Blur::Entry>& row, std::ptrdiff_t centre,
                                  const AxisRadii& x, const AxisRadii& y, unsigned wanted) {
@@ -139,9 +144,19 @@ PILIB_INLINE Channels ReadPixels(const BlurRow<typename Blur::Entry>& row, std::
     SplitValues<4>(down, meansDown);
     pixels.toMeans(means, meansDown);
     const auto channel = [&](int c) PILIB_INLINE_LAMBDA {
-        return Mixed<Depth>(means[2 * c], means[2 * c + 1], meansDown[c], x.fraction, y.fraction);
+        return Mixed(means[2 * c], means[2 * c + 1], meansDown[c], x.fraction, y.fraction);
     };
     return {channel(0), channel(1), channel(2), channel(3)};
+}
+
+template <class Blur, class Depth>
+PILIB_INLINE Channels ReadLanes(const BlurRow<typename Blur::Entry>& row, std::ptrdiff_t centre,
+                                const AxisRadii& x, const AxisRadii& y, unsigned wanted, bool isClamped) {
+    if constexpr (Blur::kMostRuns < kLanes) {
+        if (!isClamped && Runs(x.whole, y.whole) > Blur::kMostRuns)
+            return ReadPixels<Blur, Depth>(row, centre, x, y, wanted);
+    }
+    return ReadGroups<Blur, Depth>(row, centre, x, y, wanted);
 }
 
 // Pixels x .. x + count - 1 of the row, of which `count` is at most the lanes.
@@ -165,14 +180,12 @@ PILIB_INLINE void ReadBlock(const BlurRow<typename Blur::Entry>& row, int x, int
     const std::ptrdiff_t centre = row.centre + x + Blur::kCentreShift * (row.stride + 1);
 
     const bool isClamped = row.maxFixedRadiusX >> 16 >= largestX || row.maxFixedRadiusY >> 16 >= largestY;
-    Channels result = isClamped || Runs(radiiX.whole, radiiY.whole) <= Blur::kMostRuns
-                          ? ReadGroups<Blur, Depth>(row, centre, radiiX, radiiY, wanted)
-                          : ReadPixels<Blur, Depth>(row, centre, radiiX, radiiY, wanted);
+    Channels result = ReadLanes<Blur, Depth>(row, centre, radiiX, radiiY, wanted, isClamped);
     Straighten<Depth>(result);
     Depth::store(output, input, count, blurred, result);
 }
 
-// The largest radius that the pixels of a row are read at, whole, with the next one.
+// One more than the largest whole radius that any pixel of the row is read at, for a map within full scale.
 struct Reach {
     std::ptrdiff_t x;
     std::ptrdiff_t y;
@@ -195,8 +208,10 @@ PILIB_INLINE void PrefetchLowestCells(const BlurRow<Entry>& row) {
     const Reach reach(row);
     const std::ptrdiff_t below = row.centre + reach.y * row.stride;
     for (std::ptrdiff_t cell = below - reach.x; cell <= below + row.count + reach.x; cell += kCacheLine) {
-        for (const Entry* table : {row.alpha, row.red, row.green, row.blue})
-            __builtin_prefetch(table + cell);
+        __builtin_prefetch(row.alpha + cell);
+        __builtin_prefetch(row.red + cell);
+        __builtin_prefetch(row.green + cell);
+        __builtin_prefetch(row.blue + cell);
     }
 }
 
@@ -213,10 +228,10 @@ template <class Depth>
 void ReadBoxRow(const BlurRow<std::uint32_t>& row) {
     if constexpr (std::is_same_v<Depth, Depth8>) {
         const Reach reach(row);
-        if ((2 * reach.x + 1) * (2 * reach.y + 1) < SmallBoxArea::kEnd)
-            return ReadRow<Box<SmallBoxArea>, Depth>(row);
+        if ((2 * reach.x + 1) * (2 * reach.y + 1) < SmallBoxDivision::kAreaEnd)
+            return ReadRow<Box<SmallBoxDivision>, Depth>(row);
     }
-    ReadRow<Box<BoxArea<Depth>>, Depth>(row);
+    ReadRow<Box<BoxDivision<Depth>>, Depth>(row);
 }
 
 template <class Depth>

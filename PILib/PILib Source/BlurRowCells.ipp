@@ -2,6 +2,9 @@
 // cell and its right neighbour, TwiceAt a cell into both of a pair, EntriesAt a cell alone.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+
 #include "RowKernels.h"
 #include "RowLanes.ipp"
 
@@ -9,9 +12,17 @@ namespace PILib::detail {
 
 namespace {
 
-typedef std::int32_t Pixel4 __attribute__((vector_size(16)));
-typedef std::int32_t Pixel4x2 __attribute__((vector_size(32)));
+typedef std::int32_t Pixel4 __attribute__((vector_size(16)));    // one value of each table
+typedef std::int32_t Pixel4x2 __attribute__((vector_size(32)));  // a pair of each
 typedef double Double4 __attribute__((vector_size(32)));
+
+PILIB_INLINE Pixel4x2 Swapped(Pixel4x2 pairs) {
+    return __builtin_shufflevector(pairs, pairs, 1, 0, 3, 2, 5, 4, 7, 6);
+}
+
+PILIB_INLINE Pixel4 FirstOfPairs(Pixel4x2 pairs) {
+    return __builtin_shufflevector(pairs, pairs, 0, 2, 4, 6);
+}
 
 #if defined(__AVX512VL__) && PILIB_LANES == 16
 
@@ -63,10 +74,6 @@ PILIB_INLINE Double4 FirstOfPairs(DoublePairs pairs) {
 
 PILIB_INLINE DoublePairs Repeated(double first, double second) {
     return DoublePairs{first, second, first, second, first, second, first, second};
-}
-
-PILIB_INLINE Pixel4x2 Truncated(DoublePairs pairs) {
-    return __builtin_convertvector(pairs, Pixel4x2);
 }
 
 #else

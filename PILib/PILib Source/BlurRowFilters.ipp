@@ -1,7 +1,13 @@
-// The two blurs of the row kernels: how many neighbouring pixels of one radius are read, and how one pixel
-// is. Premultiplied; each lane computes what getBlurInt computes, operation by operation. Blocks of more than
-// kMostRuns runs of equal radii are read pixel by pixel: so many groups would cost more.
+// The two blurs of the row kernels: how the pixels of a group are read, and how one pixel is. Premultiplied,
+// and in each lane what getBlurInt gives; a tent adds its terms in the same order.
+//
+// Blocks of more than kMostRuns runs of equal radii are read pixel by pixel, as so many groups were measured
+// to cost more; where it is kLanes, all blocks are read by groups.
 #pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
 
 #include "BlurRowCells.ipp"
 #include "RowDepths.ipp"
@@ -36,42 +42,45 @@ struct PixelValues {
     Pixel4 down;
 };
 
-// Division of a box's sum by its area. The reciprocal is low by 2^-22, more than the singles' rounding, so
-// that the estimate is never too large, and for quotients of up to 16 bits too small by one at most.
+// Division of box sums below 2^31 by the box's area. The relative errors of the four roundings add up to less
+// than 2^-22, by which the reciprocal is low: the estimate is never too large, and for quotients of up to 16
+// bits too small by one at most.
 template <class Depth>
-struct BoxArea {
+struct BoxDivision {
     Int area;
     Float reciprocal;
 
-    explicit PILIB_INLINE BoxArea(Int area)
+    explicit PILIB_INLINE BoxDivision(Int area)
         : area(area), reciprocal(1.0F / AsFloat(area) * (1.0F - 0x1p-22F)) {}
 
-    PILIB_INLINE Int mean(Int sum) const {
+    PILIB_INLINE Int quotient(Int sum) const {
         const Int estimate = Truncated(AsFloat(sum) * reciprocal);
         return Minus(estimate, Minus(sum, Times(estimate, area)) >= area) & Depth::kMask;
     }
 };
 
-// The same for quotients of 8 bits and areas below 2^14. The reciprocal is the next single above, so that no
-// product is below its quotient; it is above by 1.5 * 2^-23 at most and the product's rounding adds 2^-24,
-// while from the largest remainder to the next quotient there are 2^-8 of an area's reciprocal, 2^-22.
-struct SmallBoxArea {
-    static constexpr std::int32_t kEnd = 1 << 14;
+// The same for sums of up to 255 times an area below kAreaEnd, without a correction. The reciprocal is the
+// single after the rounded one, 0.5 to 1.5 * 2^-23 above the true one: no multiple of the area comes out
+// below its quotient. With the product's rounding a result is above the true one by less than 2^-22,
+// relatively, while a sum one below a multiple is below it by 1 / (255 * area) or more, which is more than
+// 2^-22.
+struct SmallBoxDivision {
+    static constexpr std::int32_t kAreaEnd = 1 << 14;
     Float reciprocal;
 
-    explicit PILIB_INLINE SmallBoxArea(Int area)
+    explicit PILIB_INLINE SmallBoxDivision(Int area)
         : reciprocal(reinterpret_cast<Float>(reinterpret_cast<Int>(1.0F / AsFloat(area)) + 1)) {}
 
-    PILIB_INLINE Int mean(Int sum) const { return Truncated(AsFloat(sum) * reciprocal); }
+    PILIB_INLINE Int quotient(Int sum) const { return Truncated(AsFloat(sum) * reciprocal); }
 };
 
 // The mean of a box from the four corners around it.
-template <class Area>
+template <class Division>
 struct Box {
     using Entry = std::uint32_t;
     static constexpr std::int32_t kClampedBelowBorder = 1;  // radii reach borderX - 1
     static constexpr std::ptrdiff_t kCentreShift = 0;
-    static constexpr int kMostRuns = kLanes == 4 ? 4 : kLanes / 4;
+    static constexpr int kMostRuns = kLanes == 4 ? kLanes : kLanes / 4;
 
     // One box around each of neighbouring pixels.
     struct Boxes {
@@ -79,7 +88,7 @@ struct Box {
         std::ptrdiff_t bottomLeft;
         std::ptrdiff_t topRight;
         std::ptrdiff_t topLeft;
-        Area area;
+        Division area;
 
         PILIB_INLINE Boxes(std::ptrdiff_t radiusX, std::ptrdiff_t radiusY, std::ptrdiff_t stride)
             : bottomRight(radiusY * stride + radiusX),
@@ -91,7 +100,7 @@ struct Box {
         PILIB_INLINE Int mean(const Entry* table) const {
             const Uint sum = Load<Uint>(table + bottomRight) - Load<Uint>(table + bottomLeft) -
                              Load<Uint>(table + topRight) + Load<Uint>(table + topLeft);
-            return area.mean(reinterpret_cast<Int>(sum));
+            return area.quotient(reinterpret_cast<Int>(sum));
         }
     };
 
@@ -123,7 +132,7 @@ struct Box {
                                                  std::ptrdiff_t bottom, std::ptrdiff_t radius) {
             const Pixel4x2 right = Minus(PairsAt(row, bottom + radius), PairsAt(row, top + radius));
             const Pixel4x2 left = Minus(PairsAt(row, bottom - radius - 2), PairsAt(row, top - radius - 2));
-            return Minus(right, __builtin_shufflevector(left, left, 1, 0, 3, 2, 5, 4, 7, 6));
+            return Minus(right, Swapped(left));
         }
 
         PILIB_INLINE PixelValues readPixel(const BlurRow<Entry>& row, std::ptrdiff_t centre, int /*lane*/,
@@ -131,19 +140,18 @@ struct Box {
             const std::ptrdiff_t top = centre - (radiusY + 1) * row.stride;
             const std::ptrdiff_t bottom = centre + radiusY * row.stride;
             const Pixel4x2 nextDown = sumsBetween(row, top - row.stride, bottom + row.stride, radiusX);
-            return {sumsBetween(row, top, bottom, radiusX),
-                    __builtin_shufflevector(nextDown, nextDown, 0, 2, 4, 6)};
+            return {sumsBetween(row, top, bottom, radiusX), FirstOfPairs(nextDown)};
         }
 
         // The values of all pixels: a vector for each that readPixel gives of one.
         PILIB_INLINE void toMeans(Int (&wholeAndAcross)[8], Int (&down)[4]) const {
-            const Area wholeArea(width * height);
-            const Area acrossArea((width + 2) * height);
-            const Area downArea(width * (height + 2));
+            const Division wholeArea(width * height);
+            const Division acrossArea((width + 2) * height);
+            const Division downArea(width * (height + 2));
             for (int channel = 0; channel < 4; ++channel) {
-                wholeAndAcross[2 * channel] = wholeArea.mean(wholeAndAcross[2 * channel]);
-                wholeAndAcross[2 * channel + 1] = acrossArea.mean(wholeAndAcross[2 * channel + 1]);
-                down[channel] = downArea.mean(down[channel]);
+                wholeAndAcross[2 * channel] = wholeArea.quotient(wholeAndAcross[2 * channel]);
+                wholeAndAcross[2 * channel + 1] = acrossArea.quotient(wholeAndAcross[2 * channel + 1]);
+                down[channel] = downArea.quotient(down[channel]);
             }
         }
     };
@@ -155,7 +163,7 @@ struct Tent {
     using Entry = double;
     static constexpr std::int32_t kClampedBelowBorder = 2;  // half-widths, radii and one, reach borderX - 1
     static constexpr std::ptrdiff_t kCentreShift = -1;
-    static constexpr int kMostRuns = kLanes == 4 ? 2 : kLanes / 4;
+    static constexpr int kMostRuns = kLanes == 4 ? kLanes / 2 : kLanes / 4;
 
     static PILIB_INLINE double reciprocalOf(std::ptrdiff_t halfX, std::ptrdiff_t halfY) {
         const auto weight = static_cast<std::uint32_t>(halfX * halfY);
@@ -198,9 +206,8 @@ struct Tent {
 
         // Half a vector of pixels.
         PILIB_INLINE Means<HalfInt> readHalf(const Entry* centre) const {
-            const auto mean = [](Double sum, double reciprocal) PILIB_INLINE_LAMBDA {
-                return __builtin_convertvector(sum * reciprocal + 0.5, HalfInt);
-            };
+            const auto mean = [](Double sum, double reciprocal)
+                                  PILIB_INLINE_LAMBDA { return Truncated(sum * reciprocal + 0.5); };
             const SampleRow top(centre - rowOffset, halfX, nextHalfX);
             const SampleRow middle(centre, halfX, nextHalfX);
             const SampleRow bottom(centre + rowOffset, halfX, nextHalfX);
@@ -212,11 +219,11 @@ struct Tent {
         }
 
         PILIB_INLINE Means<Int> read(const Entry* table, unsigned members) const {
-            constexpr unsigned kFirst = (1U << kLanes / 2) - 1U;
+            constexpr unsigned kFirstHalf = (1U << kLanes / 2) - 1U;
             Means<HalfInt> low{};
             Means<HalfInt> high{};
-            if ((members & kFirst) != 0) low = readHalf(table);
-            if ((members & ~kFirst) != 0) high = readHalf(table + kLanes / 2);
+            if ((members & kFirstHalf) != 0) low = readHalf(table);
+            if ((members & ~kFirstHalf) != 0) high = readHalf(table + kLanes / 2);
             return {Joined(low.whole, high.whole) & Depth::kMask,
                     Joined(low.across, high.across) & Depth::kMask,
                     Joined(low.down, high.down) & Depth::kMask};

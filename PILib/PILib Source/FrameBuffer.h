@@ -158,7 +158,8 @@ public:
     // (x, y) must lie in the buffer.
     virtual Pixel<Channel32f> getPixel32f(int x, int y) const = 0;
     // Moves every channel toward `other` by `fraction`: 0 keeps this buffer, 1 loads `other`. Between the two
-    // `other` must have the same class and, by assertion, the same size.
+    // `other` must have the same class and, by assertion, the same size; its pixels are this buffer's own or
+    // none of them.
     virtual void blend(PIContext& context, const PixelBuffer& other, float fraction) const = 0;
 };
 

@@ -2,7 +2,7 @@
 // They exist for the host's two depths; the pixel buffers of the others compile and fail an assertion here.
 
 #include <algorithm>
-#include <limits>
+#include <cstddef>
 
 #include "FrameBuffer.h"
 #include "RowDispatch.h"
@@ -41,6 +41,17 @@ template <class T>
 T Toward(T from, T to, std::int64_t weight) {
     const std::int64_t step = (weight * (std::int64_t{to} - from) + 32768) >> 16;
     return static_cast<T>(from + step);
+}
+
+// Every pixel of a row moved toward another row's by a 16.16 weight, which may be beyond 0 to 1.
+template <HostDepth C>
+void MoveRow(const Row<Pixel<C>>& row, const Row<Pixel<C>>& other, std::int32_t weight) {
+    for (int x = 0; x < row.size(); ++x) {
+        Pixel<C>& p = row[x];
+        const Pixel<C>& to = other[x];
+        p = Pixel<C>(Toward(p.alpha, to.alpha, weight), Toward(p.red, to.red, weight),
+                     Toward(p.green, to.green, weight), Toward(p.blue, to.blue, weight));
+    }
 }
 
 inline void FailUnsupportedDepth() {
@@ -115,25 +126,6 @@ void PixelBuf<P>::paint(int x, int y, const Colour& colour) const {
     if (x >= 0 && x < this->width && y >= 0 && y < this->height) this->row(y)[x] = colour;
 }
 
-namespace detail {
-
-// Moves `out` toward `in` by weight / 65536.
-template <HostDepth C>
-void BlendRows(const Row<Pixel<C>>& out, const Row<Pixel<C>>& in, std::int32_t weight) {
-    const auto kernel = KernelsFor<C>(BestSimdLevel()).blend;
-    constexpr int kLargestRow = std::numeric_limits<std::int32_t>::max() / 4;
-    if (kernel != nullptr && weight >= 0 && weight <= 65536 && out.size() <= kLargestRow) {
-        kernel({out.begin(), in.begin(), 4 * out.size(), static_cast<std::uint32_t>(weight)});
-        return;
-    }
-    for (int x = 0; x < out.size(); ++x) {
-        out[x] = Pixel<C>(Toward(out[x].alpha, in[x].alpha, weight), Toward(out[x].red, in[x].red, weight),
-                          Toward(out[x].green, in[x].green, weight), Toward(out[x].blue, in[x].blue, weight));
-    }
-}
-
-}  // namespace detail
-
 template <class P>
 void PixelBuf<P>::blend(PIContext& /*context*/, const PixelBuffer& other, float fraction) const {
     if (fraction == 0.0F) return;
@@ -145,8 +137,18 @@ void PixelBuf<P>::blend(PIContext& /*context*/, const PixelBuffer& other, float 
     _Assert(this->hasSizeOf(typed), site::kBlendSize, site::kFrameBufferFile);
     if constexpr (HostDepth<C>) {
         const std::int32_t weight = TruncToInt32(fraction * 65536.0F + 0.5F);
-        for (int y = 0; y < this->height; ++y)
-            detail::BlendRows(this->row(y), typed.row(y), weight);
+        const auto kernel = detail::KernelsFor<C>(BestSimdLevel()).blend;
+        const bool isBetween = weight >= 0 && weight <= 65536;
+        for (int y = 0; y < this->height; ++y) {
+            const auto row = this->row(y);
+            const auto to = typed.row(y);
+            if (kernel != nullptr && isBetween) {
+                kernel({row.begin(), to.begin(), 4 * std::ptrdiff_t{row.size()},
+                        static_cast<std::uint32_t>(weight)});
+            } else {
+                detail::MoveRow(row, to, weight);
+            }
+        }
     } else {
         detail::FailUnsupportedDepth();
     }

@@ -1,6 +1,10 @@
 // Running sums of a row's premultiplied channels by vectors.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
 #include "RowDepths.ipp"
 #include "RowKernels.h"
 #include "RowLanes.ipp"

@@ -1,5 +1,10 @@
-// Pixels of the host's two depths in vectors, a vector per channel.
+// Pixels of the host's two depths in vectors, a vector per channel. Lanes that are not wanted may hold
+// anything and become anything.
 #pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
 
 #include "RowLanes.ipp"
 
@@ -19,7 +24,11 @@ PILIB_INLINE Channels Select(Int mask, const Channels& a, const Channels& b) {
             Select(mask, a.blue, b.blue)};
 }
 
-// What differs between the two depths.
+// What differs between the two depths. Both give
+//   shareOf: a map value, 0 to kOne, in 16.16;
+//   product: a * b / kOne, rounded as the depth's channel type rounds it;
+//   straightenFactor: kOne / alpha in 16.16, truncated, for alpha of 1 to kOne;
+//   load, store: `count` pixels, at most the lanes; lanes that are not `blurred` are stored from `unblurred`.
 struct Depth8 {
     using Type = std::uint8_t;
     static constexpr std::int32_t kOne = 255;
@@ -30,11 +39,6 @@ struct Depth8 {
     static PILIB_INLINE Int product(Int a, Int b) {
         const Int t = a * b + 128;
         return (t + (t >> 8)) >> 8;
-    }
-
-    // fraction / 65536 of a step, rounded.
-    static PILIB_INLINE Int share(Int fraction, Int step) {
-        return Plus(Times(fraction, step), Splat(32768)) >> 16;
     }
 
     // 255 in 16.16 divided by alpha, truncated. The quotient of two exact singles is one step too large at
@@ -67,11 +71,6 @@ struct Depth15 {
 
     static PILIB_INLINE Int product(Int a, Int b) {
         return reinterpret_cast<Int>(AsUnsigned(a) * AsUnsigned(b) >> 15);
-    }
-
-    // Halved first, as the largest product would not be within 32 bits.
-    static PILIB_INLINE Int share(Int fraction, Int step) {
-        return ((Times(fraction, step) >> 1) + 16384) >> 15;
     }
 
     // 32768 in 16.16 divided by alpha, truncated; saturated for alpha 1. The estimate is corrected by what is

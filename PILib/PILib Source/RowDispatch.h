@@ -1,4 +1,4 @@
-// From a blur to its row kernel: the choice by level and depth, and the kernel's view of the blur.
+// The choice of row kernels by level and depth, and their view of a blur.
 #pragma once
 
 #include <type_traits>
@@ -17,6 +17,8 @@ const DepthKernels& KernelsFor<Channel8>(SimdLevel level);
 template <>
 const DepthKernels& KernelsFor<Channel15>(SimdLevel level);
 
+// `count` pixels of the blurred picture from x, y on. `map`, `input` and `output` point to the first of them;
+// radii are in pixels.
 template <class Blur, class P>
 auto RowOf(const Blur& blur, int x, int y, const typename P::Type* map, const P* input, P* output, int count,
            float radiusX, float radiusY) {

@@ -38,11 +38,12 @@ inline constexpr std::int32_t kLargestWholeRadius = 126;
 // are read out pixel by pixel.
 inline constexpr float kLargestRowRadius = 250.0F;
 
-// Cells past the end of a table that kernels may read, whatever they hold: the widest vector's, less one.
-inline constexpr std::size_t kTableSlack = 16;
+// Cells past the end of a table that kernels may read, whatever they hold: the lanes of the widest vector
+// beside the first.
+inline constexpr std::size_t kTableSlack = 15;
 
-// One row of a picture, and where the running sums of its premultiplied channels go, modulo 2^32 and from
-// `start` on: of red, green, blue and alpha.
+// One row of a picture, and where its running sums go: sums[i][x] = start[i] + the values of pixels 0 to x,
+// modulo 2^32, for i of premultiplied red, green and blue, and of alpha. `sums` and `pixels` do not overlap.
 struct PrefixRow {
     const void* pixels;
     std::int32_t count;  // pixels, 1 or more
@@ -51,11 +52,11 @@ struct PrefixRow {
 };
 
 // One row of channel values that moves toward another: each becomes
-// (value * (65536 - weight) + other * weight + 32768) >> 16.
+// (value * (65536 - weight) + other * weight + 32768) >> 16. The rows are the same or do not overlap.
 struct BlendRow {
-    void* values;
+    void* values;  // std::uint8_t or std::uint16_t, by the kernel's depth; any
     const void* other;
-    std::int32_t count;    // values, four to a pixel
+    std::ptrdiff_t count;  // values, 0 or more
     std::uint32_t weight;  // 0 to 65536
 };
 

@@ -9,6 +9,8 @@
 
 #if defined(__x86_64__)
 #include <immintrin.h>
+#elif defined(__ARM_NEON)
+#include <arm_neon.h>
 #endif
 
 namespace PILib::detail {
@@ -70,43 +72,6 @@ PILIB_INLINE Int LoadWidened(const std::uint16_t* from, int count) {
 #endif
 }
 
-// The first `count` lanes of `v`, which hold what an element can.
-PILIB_INLINE void StoreNarrowed(Int v, std::uint8_t* to, int count) {
-#if defined(__AVX512F__) && PILIB_LANES == 16
-    const __m128i narrow = _mm512_maskz_cvtepi32_epi8(0xFFFF, reinterpret_cast<__m512i>(v));
-#elif defined(__AVX2__) && PILIB_LANES == 8
-    const auto whole = reinterpret_cast<__m256i>(v);
-    const __m128i shorts =
-        _mm_packus_epi32(_mm256_castsi256_si128(whole), _mm256_extracti128_si256(whole, 1));
-    const __m128i narrow = _mm_packus_epi16(shorts, shorts);
-#elif defined(__SSE2__) && PILIB_LANES == 4
-    const __m128i shorts = _mm_packs_epi32(reinterpret_cast<__m128i>(v), reinterpret_cast<__m128i>(v));
-    const __m128i narrow = _mm_packus_epi16(shorts, shorts);
-#else
-    typedef std::uint8_t Bytes __attribute__((vector_size(PILIB_LANES)));
-    const Bytes narrow = __builtin_convertvector(v, Bytes);
-#endif
-    std::memcpy(to, &narrow, static_cast<std::size_t>(count));
-}
-
-PILIB_INLINE void StoreNarrowed(Int v, std::uint16_t* to, int count) {
-#if defined(__AVX512F__) && PILIB_LANES == 16
-    const __m256i narrow = _mm512_maskz_cvtepi32_epi16(0xFFFF, reinterpret_cast<__m512i>(v));
-#elif defined(__AVX2__) && PILIB_LANES == 8
-    const auto whole = reinterpret_cast<__m256i>(v);
-    const __m128i narrow =
-        _mm_packus_epi32(_mm256_castsi256_si128(whole), _mm256_extracti128_si256(whole, 1));
-#elif defined(__SSE2__) && PILIB_LANES == 4
-    // The pack saturates signed values: with the sign of their low halves they pass as they are.
-    const __m128i asSigned = reinterpret_cast<__m128i>(v << 16 >> 16);
-    const __m128i narrow = _mm_packs_epi32(asSigned, asSigned);
-#else
-    typedef std::uint16_t Shorts __attribute__((vector_size(2 * PILIB_LANES)));
-    const Shorts narrow = __builtin_convertvector(v, Shorts);
-#endif
-    std::memcpy(to, &narrow, 2 * static_cast<std::size_t>(count));
-}
-
 PILIB_INLINE Int Splat(std::int32_t value) {
     return Int{} + value;
 }
@@ -123,8 +88,36 @@ PILIB_INLINE Float AsFloat(Int v) {
     return __builtin_convertvector(v, Float);
 }
 
+// Lanes that are not wanted may hold anything. Numbers that no integer holds become some integer by the
+// processor's own instructions; the portable conversion, which leaves them undefined, is for other
+// processors.
 PILIB_INLINE Int Truncated(Float v) {
+#if defined(__AVX512F__) && PILIB_LANES == 16
+    return reinterpret_cast<Int>(_mm512_maskz_cvttps_epi32(0xFFFF, reinterpret_cast<__m512>(v)));
+#elif defined(__AVX__) && PILIB_LANES == 8
+    return reinterpret_cast<Int>(_mm256_cvttps_epi32(reinterpret_cast<__m256>(v)));
+#elif defined(__SSE2__) && PILIB_LANES == 4
+    return reinterpret_cast<Int>(_mm_cvttps_epi32(reinterpret_cast<__m128>(v)));
+#elif defined(__ARM_NEON) && PILIB_LANES == 4
+    return reinterpret_cast<Int>(vcvtq_s32_f32(reinterpret_cast<float32x4_t>(v)));
+#else
     return __builtin_convertvector(v, Int);
+#endif
+}
+
+PILIB_INLINE HalfInt Truncated(Double v) {
+#if defined(__AVX512F__) && PILIB_LANES == 16
+    return reinterpret_cast<HalfInt>(_mm512_maskz_cvttpd_epi32(0xFF, reinterpret_cast<__m512d>(v)));
+#elif defined(__AVX__) && PILIB_LANES == 8
+    return reinterpret_cast<HalfInt>(_mm256_cvttpd_epi32(reinterpret_cast<__m256d>(v)));
+#elif defined(__SSE2__) && PILIB_LANES == 4
+    const auto ints = reinterpret_cast<Int>(_mm_cvttpd_epi32(reinterpret_cast<__m128d>(v)));
+    return __builtin_shufflevector(ints, ints, 0, 1);
+#elif defined(__ARM_NEON) && PILIB_LANES == 4
+    return reinterpret_cast<HalfInt>(vmovn_s64(vcvtq_s64_f64(reinterpret_cast<float64x2_t>(v))));
+#else
+    return __builtin_convertvector(v, HalfInt);
+#endif
 }
 
 // Sums and products that may wrap, in lanes that are not wanted or by intention; for any vectors of 32-bit
@@ -184,7 +177,7 @@ struct Odds {
     static constexpr int at(int lane) { return 2 * lane + 1; }
 };
 template <int kDistance>
-struct ShiftedUp {  // b's lanes come in from below
+struct ShiftedUp {  // b's first lane comes in from below
     static constexpr int at(int lane) { return lane < kDistance ? kLanes : lane - kDistance; }
 };
 struct Last {

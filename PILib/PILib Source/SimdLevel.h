@@ -5,7 +5,7 @@
 namespace PILib {
 
 enum class SimdLevel {
-    Scalar,    // the per-pixel virtual read-out
+    Scalar,    // pixel by pixel: blurs by the virtual read-out
     Baseline,  // what every processor of the target has: SSE2 on x86-64, NEON on arm64
     Avx2,
     Avx512,

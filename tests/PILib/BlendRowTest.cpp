@@ -19,15 +19,11 @@ template <class C>
 struct BlendRowTest : testing::Test {
     using Type = typename C::Type;
 
-    Type value() {
-        return static_cast<Type>(
-            std::uniform_int_distribution<int>(0, std::numeric_limits<Type>::max())(generator));
-    }
-
     std::vector<Type> values(std::size_t count) {
+        std::uniform_int_distribution<int> any(0, std::numeric_limits<Type>::max());
         std::vector<Type> row(count);
-        for (Type& v : row)
-            v = value();
+        for (Type& value : row)
+            value = static_cast<Type>(any(generator));
         return row;
     }
 
@@ -38,23 +34,22 @@ TYPED_TEST_SUITE(BlendRowTest, Depths);
 
 TYPED_TEST(BlendRowTest, EveryLevelGivesTheFormulasValuesAndWritesNothingElse) {
     using Type = typename TypeParam::Type;
-    constexpr Type kUntouched = 77;
+    constexpr std::size_t kBefore = 3;  // elements of the row that are not the kernel's
+    constexpr std::size_t kAfter = 20;
     for (const SimdLevel level : SupportedLevels()) {
         const auto kernel = detail::KernelsFor<TypeParam>(level).blend;
         if (kernel == nullptr) continue;
         for (const std::uint32_t weight : {0U, 1U, 32767U, 32768U, 40000U, 65535U, 65536U}) {
-            for (std::int32_t count = 1; count <= 70; ++count) {
-                const auto size = static_cast<std::size_t>(count);
+            for (std::ptrdiff_t count = 0; count <= 70; ++count) {
+                const std::size_t size = kBefore + static_cast<std::size_t>(count) + kAfter;
                 const std::vector<Type> other = this->values(size);
                 std::vector<Type> row = this->values(size);
-                std::vector<Type> expected(size);
-                for (std::size_t i = 0; i < size; ++i) {
+                std::vector<Type> expected = row;
+                for (std::size_t i = kBefore; i < size - kAfter; ++i) {
                     const std::int64_t step = std::int64_t{weight} * (std::int64_t{other[i]} - row[i]);
                     expected[i] = static_cast<Type>(row[i] + ((step + 32768) >> 16));
                 }
-                row.push_back(kUntouched);
-                expected.push_back(kUntouched);
-                kernel({row.data(), other.data(), count, weight});
+                kernel({row.data() + kBefore, other.data() + kBefore, count, weight});
                 ASSERT_EQ(expected, row)
                     << "level " << static_cast<int>(level) << ", weight " << weight << ", values " << count;
             }
@@ -62,10 +57,20 @@ TYPED_TEST(BlendRowTest, EveryLevelGivesTheFormulasValuesAndWritesNothingElse) {
     }
 }
 
-TYPED_TEST(BlendRowTest, TheBestLevelOfThisProcessorHasAKernelUnlessItIsTheBaseline) {
-    const SimdLevel best = BestSimdLevel();
-    EXPECT_EQ(best > SimdLevel::Baseline, detail::KernelsFor<TypeParam>(best).blend != nullptr);
-    EXPECT_EQ(nullptr, detail::KernelsFor<TypeParam>(SimdLevel::Scalar).blend);
+// Which levels have a kernel: one that is missing would be a slow row and no wrong one.
+TEST(RowKernelsTest, KernelsStandWhereTheyAreFaster) {
+    for (const SimdLevel level : SupportedLevels()) {
+        const auto number = static_cast<int>(level);
+        const detail::DepthKernels& depth8 = detail::KernelsFor<Channel8>(level);
+        const detail::DepthKernels& depth15 = detail::KernelsFor<Channel15>(level);
+        for (const detail::DepthKernels* kernels : {&depth8, &depth15}) {
+            EXPECT_EQ(level != SimdLevel::Scalar, kernels->box != nullptr) << number;
+            EXPECT_EQ(level != SimdLevel::Scalar, kernels->tent != nullptr) << number;
+            EXPECT_EQ(level >= SimdLevel::Avx2, kernels->blend != nullptr) << number;
+        }
+        EXPECT_EQ(level >= SimdLevel::Avx2, depth8.prefix != nullptr) << number;
+        EXPECT_EQ(level >= SimdLevel::Avx512, depth15.prefix != nullptr) << number;
+    }
 }
 
 }  // namespace

@@ -205,6 +205,41 @@ TYPED_TEST(BlurRowTest, EveryAlphaIsStraightenedAsPerPixel) {
     }
 }
 
+template <class P, template <class> class Blur>
+void ExpectEqualTables(const Blur<P>& expected, const Blur<P>& actual, SimdLevel level) {
+    const auto cells = static_cast<std::ptrdiff_t>(expected.tableWidth) * expected.tableHeight;
+    const auto equal = [cells](const auto& one, const auto& other) {
+        return std::equal(one.get(), one.get() + cells, other.get());
+    };
+    EXPECT_TRUE(equal(expected.sumAlpha, actual.sumAlpha)) << static_cast<int>(level);
+    EXPECT_TRUE(equal(expected.sumRed, actual.sumRed)) << static_cast<int>(level);
+    EXPECT_TRUE(equal(expected.sumGreen, actual.sumGreen)) << static_cast<int>(level);
+    EXPECT_TRUE(equal(expected.sumBlue, actual.sumBlue)) << static_cast<int>(level);
+}
+
+template <class Blur, class C>
+void ExpectEqualTablesAtEveryLevel(const Scene<C>& scene, int radius) {
+    FakeContext context;
+    Blur reference(context, scene.picture, radius, radius, SimdLevel::Scalar);
+    reference.initialize();
+    for (const SimdLevel level : VectorLevels()) {
+        Blur blur(context, scene.picture, radius, radius, level);
+        blur.initialize();
+        ExpectEqualTables(reference, blur, level);
+    }
+}
+
+TYPED_TEST(BlurRowTest, EveryLevelBuildsTheSameTables) {
+    using P = Pixel<TypeParam>;
+    for (int width = 1; width <= 70; ++width) {
+        Random random(static_cast<unsigned>(width));
+        const Scene<TypeParam> scene(random, width, 3);
+        const int radius = random.upTo(20);
+        ExpectEqualTablesAtEveryLevel<SATBoxBlur<P>>(scene, radius);
+        ExpectEqualTablesAtEveryLevel<SATTentBlur<P>>(scene, radius);
+    }
+}
+
 // A blur whose one set of tables is read at any level.
 template <class Blur>
 struct AnyLevelBlur : Blur {
@@ -297,26 +332,54 @@ TYPED_TEST(BlurRowTest, OneDarkerPixelIsSeenAsPerPixel) {
     }
 }
 
-// The second-order sums of this picture are beyond 2^53, where doubles round and the order of terms tells.
-TEST(TentRowTest, EveryLevelAddsTheSamplesOfLargeSumsInTheirOrder) {
-    constexpr int kSize = 1250;
-    Random random(6);
-    Scene<Channel15> scene(random, kSize, kSize, 0);
-    scene.radiusX = scene.radiusY = 6.0F;
-    for (int y = 0; y < kSize; ++y) {
-        for (Pixel<Channel15>& pixel : scene.picture.row(y)) {
-            const auto channel = [&] { return static_cast<std::uint16_t>(Channel15::kOne - random.upTo(2)); };
-            pixel = Pixel<Channel15>(channel(), channel(), channel(), channel());
+// A picture whose second-order sums are beyond 2^53, where doubles round, and rows at its lower end.
+struct LargeSums {
+    static constexpr int kSize = 1250;
+    using P = Pixel<Channel15>;
+
+    void expectEqualRows(float radius) {
+        scene.radiusX = scene.radiusY = radius;
+        FakeContext context;
+        const int largest = static_cast<int>(radius);
+        AnyLevelBlur<SATTentBlur<P>> blur(context, scene.picture, largest, largest);
+        blur.initialize();
+        for (int y = 1200; y < kSize; ++y) {
+            const auto expected = RowAt(SimdLevel::Scalar, blur, scene, y);
+            for (const SimdLevel level : VectorLevels())
+                ASSERT_EQ(expected, RowAt(level, blur, scene, y)) << static_cast<int>(level) << ", row " << y;
         }
     }
-    FakeContext context;
-    AnyLevelBlur<SATTentBlur<Pixel<Channel15>>> blur(context, scene.picture, 6, 6);
-    blur.initialize();
-    for (int y = 1200; y < kSize; ++y) {
-        const auto expected = RowAt(SimdLevel::Scalar, blur, scene, y);
-        for (const SimdLevel level : VectorLevels())
-            ASSERT_EQ(expected, RowAt(level, blur, scene, y)) << static_cast<int>(level) << ", row " << y;
+
+    Random random{6};
+    Scene<Channel15> scene{random, kSize, kSize, 0};
+};
+
+TEST(TentRowTest, EveryLevelAddsTheSamplesOfLargeSumsInTheirOrder) {
+    LargeSums large;
+    for (int y = 0; y < LargeSums::kSize; ++y) {
+        for (LargeSums::P& pixel : large.scene.picture.row(y)) {
+            const auto channel = [&] {
+                return static_cast<std::uint16_t>(Channel15::kOne - large.random.upTo(2));
+            };
+            pixel = LargeSums::P(channel(), channel(), channel(), channel());
+        }
     }
+    large.expectEqualRows(6.0F);
+}
+
+// Rounding makes means next to 0 negative, which as 16 bits are close to the largest.
+TEST(TentRowTest, EveryLevelMixesMeansThatRoundingMadeNegative) {
+    LargeSums large;
+    for (int y = 0; y < LargeSums::kSize; ++y) {
+        for (int x = 0; x < LargeSums::kSize; ++x) {
+            const bool isWhite = (x / 64 + y / 64) % 2 == 0;
+            const auto alpha = isWhite ? Channel15::kOne : large.random.upTo(2);
+            large.scene.picture.row(y)[x] =
+                LargeSums::P(static_cast<std::uint16_t>(alpha), Channel15::kOne, Channel15::kOne, 0);
+        }
+    }
+    large.expectEqualRows(2.0F);
+    large.expectEqualRows(6.0F);
 }
 
 // The running sums of this row need more than 31 bits.

@@ -165,7 +165,7 @@ int Blended(int from, int to, float fraction) {
 
 TYPED_TEST(BlendTypedTest, EveryComponentMovesByTheFraction) {
     using Type = typename TypeParam::Type;
-    for (const float fraction : {1e-6F, 0.001F, 0.25F, 0.5F, 0.7F, 0.99999F}) {
+    for (const float fraction : {-0.5F, 1e-6F, 0.001F, 0.25F, 0.5F, 0.7F, 0.99999F, 1.5F}) {
         const Canvas<TypeParam> fresh;
         fresh.pixels.blend(this->context, this->other, fraction);
         const auto moved = [fraction](Type from, Type to) {
