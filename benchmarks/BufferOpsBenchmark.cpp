@@ -3,8 +3,10 @@
 #include <benchmark/benchmark.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 
+#include "BlendRows.h"
 #include "Cases.h"
 #include "FocusPipeline.h"
 #include "FrameBufferOps.h"
@@ -39,7 +41,8 @@ struct Buffers {
 
 // Repeats operation(buffers), which moves `pictures` pictures and `maps` maps to or from memory.
 template <class C, class Operation>
-void Register(const char* name, Size size, std::size_t pictures, std::size_t maps, Operation operation) {
+void Register(const char* name, Size size, std::size_t pictures, std::size_t maps, Operation operation,
+              const std::string& level = {}) {
     const auto run = [=](benchmark::State& state) {
         Buffers<C> buffers(size);
         for (auto _ : state) {
@@ -49,7 +52,8 @@ void Register(const char* name, Size size, std::size_t pictures, std::size_t map
         ReportPixelRate(state, buffers.input);
         ReportTraffic(state, pictures * BytesOf(buffers.input) + maps * BytesOf(buffers.map));
     };
-    const std::string path = std::string(name) + "/" + kDepthName<C> + "/" + NameOf(size);
+    const std::string path =
+        std::string(name) + "/" + kDepthName<C> + "/" + NameOf(size) + (level.empty() ? "" : "/" + level);
     benchmark::RegisterBenchmark(path.c_str(), run)->Unit(benchmark::kMillisecond);
 }
 
@@ -65,6 +69,12 @@ void RegisterSize(Size size) {
     Register<C>("PaintFocus", size, 2, 1, [](B& b) { PaintFocus(b.output, b.input, b.map); });
     Register<C>("load", size, 2, 0, [](B& b) { b.output.load(b.input, PILib::kAlignTopLeft); });
     Register<C>("blend", size, 3, 0, [](B& b) { b.output.blend(b.context, b.input, 0.3F); });
+    for (const PILib::SimdLevel level : SupportedLevels()) {
+        constexpr std::int32_t kWeight = 20000;
+        Register<C>(
+            "BlendRows", size, 3, 0,
+            [level](B& b) { PILib::detail::BlendRows<C>(b.output, b.input, kWeight, level); }, NameOf(level));
+    }
 }
 
 }  // namespace

@@ -184,6 +184,12 @@ class Report:
                     kernels.setdefault((path[0], path[1], *path[4:-1]), {})[path[-1]] = case
             for kernel, levels in kernels.items():
                 self.add_levels(table, " ".join((family, *kernel)), levels)
+        blends = {}
+        for (depth, size, level), case in below(self.cases, "BlendRows").items():
+            if size == "1920x1080":
+                blends.setdefault(depth, {})[level] = case
+        for depth, levels in blends.items():
+            self.add_levels(table, f"BlendRows {depth}", levels)
         table.print()
 
     def print_passes(self):

@@ -5,7 +5,7 @@ set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/Kestrel")
 
 install(TARGETS pilib focus-core kestrel-numerics EXPORT KestrelTargets ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}")
 install(DIRECTORY "PILib/PILib Source/" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/kestrel/PILib"
-  FILES_MATCHING PATTERN "*.h" PATTERN FirstOrderRow.h EXCLUDE
+  FILES_MATCHING PATTERN "*.h" PATTERN BlendRows.h EXCLUDE PATTERN FirstOrderRow.h EXCLUDE
   PATTERN RowDispatch.h EXCLUDE PATTERN RowKernels.h EXCLUDE)
 install(FILES focus-core/Kestrel.h DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/kestrel/focus-core")
 install(DIRECTORY "${CMAKE_BINARY_DIR}/Kestrel.plugin" DESTINATION "${CMAKE_INSTALL_LIBDIR}" USE_SOURCE_PERMISSIONS)

@@ -188,4 +188,13 @@ template class SimplePixelBuffer<Pixel<Channel16>>;
 template class SimplePixelBuffer<Pixel<Channel32>>;
 template class SimplePixelBuffer<Pixel<Channel32f>>;
 
+namespace detail {
+
+template void BlendRows(const PixelBuf<Pixel<Channel8>>&, const PixelBuf<Pixel<Channel8>>&, std::int32_t,
+                        SimdLevel);
+template void BlendRows(const PixelBuf<Pixel<Channel15>>&, const PixelBuf<Pixel<Channel15>>&, std::int32_t,
+                        SimdLevel);
+
+}  // namespace detail
+
 }  // namespace PILib

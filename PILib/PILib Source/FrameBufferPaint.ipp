@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "BlendRows.h"
 #include "FrameBuffer.h"
 #include "RowDispatch.h"
 
@@ -51,6 +52,22 @@ void MoveRow(const Row<Pixel<C>>& row, const Row<Pixel<C>>& other, std::int32_t 
         const Pixel<C>& to = other[x];
         p = Pixel<C>(Toward(p.alpha, to.alpha, weight), Toward(p.red, to.red, weight),
                      Toward(p.green, to.green, weight), Toward(p.blue, to.blue, weight));
+    }
+}
+
+template <HostDepth C>
+void BlendRows(const PixelBuf<Pixel<C>>& picture, const PixelBuf<Pixel<C>>& other, std::int32_t weight,
+               SimdLevel level) {
+    const auto kernel = weight >= 0 && weight <= 65536 ? KernelsFor<C>(level).blend : nullptr;
+    for (int y = 0; y < picture.height; ++y) {
+        const auto row = picture.row(y);
+        const auto to = other.row(y);
+        if (kernel == nullptr) {
+            MoveRow(row, to, weight);
+        } else {
+            kernel({row.begin(), to.begin(), 4 * std::ptrdiff_t{row.size()},
+                    static_cast<std::uint32_t>(weight)});
+        }
     }
 }
 
@@ -137,18 +154,7 @@ void PixelBuf<P>::blend(PIContext& /*context*/, const PixelBuffer& other, float 
     _Assert(this->hasSizeOf(typed), site::kBlendSize, site::kFrameBufferFile);
     if constexpr (HostDepth<C>) {
         const std::int32_t weight = TruncToInt32(fraction * 65536.0F + 0.5F);
-        const auto kernel = detail::KernelsFor<C>(BestSimdLevel()).blend;
-        const bool isBetween = weight >= 0 && weight <= 65536;
-        for (int y = 0; y < this->height; ++y) {
-            const auto row = this->row(y);
-            const auto to = typed.row(y);
-            if (kernel != nullptr && isBetween) {
-                kernel({row.begin(), to.begin(), 4 * std::ptrdiff_t{row.size()},
-                        static_cast<std::uint32_t>(weight)});
-            } else {
-                detail::MoveRow(row, to, weight);
-            }
-        }
+        detail::BlendRows(*this, typed, weight, BestSimdLevel());
     } else {
         detail::FailUnsupportedDepth();
     }

@@ -1,12 +1,15 @@
 // The vector kernels of the blend against the formula, value by value.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <random>
 #include <vector>
 
+#include "BlendRows.h"
 #include "RowDispatch.h"
 #include "SimdLevels.h"
 
@@ -52,6 +55,33 @@ TYPED_TEST(BlendRowTest, EveryLevelGivesTheFormulasValuesAndWritesNothingElse) {
                 kernel({row.data() + kBefore, other.data() + kBefore, count, weight});
                 ASSERT_EQ(expected, row)
                     << "level " << static_cast<int>(level) << ", weight " << weight << ", values " << count;
+            }
+        }
+    }
+}
+
+TYPED_TEST(BlendRowTest, PicturesEqualThoseOfTheScalarLevelAtEveryWeight) {
+    using P = Pixel<TypeParam>;
+    constexpr int kWidth = 21;
+    const SimplePixelBuffer<P> start(kWidth, 3);
+    const SimplePixelBuffer<P> other(kWidth, 3);
+    const SimplePixelBuffer<P> expected(kWidth, 3);
+    const SimplePixelBuffer<P> actual(kWidth, 3);
+    for (const auto* picture : {&start, &other}) {
+        for (int y = 0; y < 3; ++y) {
+            const auto row = this->values(4 * kWidth);
+            std::memcpy(picture->row(y).begin(), row.data(), kWidth * sizeof(P));
+        }
+    }
+    for (const std::int32_t weight : {-70000, -1, 0, 1, 30000, 65536, 65537, 200000}) {
+        expected.load(start, kAlignTopLeft);
+        detail::BlendRows<TypeParam>(expected, other, weight, SimdLevel::Scalar);
+        for (const SimdLevel level : VectorLevels()) {
+            actual.load(start, kAlignTopLeft);
+            detail::BlendRows<TypeParam>(actual, other, weight, level);
+            for (int y = 0; y < 3; ++y) {
+                EXPECT_TRUE(std::equal(expected.row(y).begin(), expected.row(y).end(), actual.row(y).begin()))
+                    << "level " << static_cast<int>(level) << ", weight " << weight << ", row " << y;
             }
         }
     }
