@@ -1,13 +1,14 @@
 # Thin wrapper around CMake: installs the Debian packages that are missing, builds, and runs.
 #   make demo   renders the sample picture and says where the results are
 #   make test   builds and runs every test, optimised and under the address and undefined-behaviour sanitizers
-#   make bench  runs the benchmarks; make bench-compare times other programs beside them, where installed
+#   make bench  runs the benchmarks; make bench-all every kind of frame as well; make bench-compare times other programs
+#               at the same job, where they are installed
 
 PRODUCT_PACKAGES := g++ cmake ninja-build pkg-config libopenimageio-dev libcli11-dev libfmt-dev nlohmann-json3-dev
 TEST_PACKAGES := $(PRODUCT_PACKAGES) libgtest-dev libgmock-dev libbenchmark-dev binutils \
     g++-12-multilib g++-powerpc64-linux-gnu qemu-user python3
 
-.PHONY: demo test bench bench-compare clean
+.PHONY: demo test bench bench-all bench-compare clean
 .DEFAULT_GOAL := demo
 
 demo: ; @cmake/demo.sh $(PRODUCT_PACKAGES)
@@ -20,7 +21,10 @@ bench:
 	@cmake/install-packages.sh $(TEST_PACKAGES)
 	cmake --preset release
 	cmake --build --preset release --target kestrel-benchmarks first-frame
-	benchmarks/bench.py build/release/bin build/release
+	benchmarks/bench.py $(BENCH_FLAGS) build/release/bin build/release
+
+bench-all: BENCH_FLAGS := --all-frames
+bench-all: bench
 
 bench-compare:
 	@cmake/install-packages.sh $(TEST_PACKAGES)

@@ -1,13 +1,15 @@
 #!/usr/bin/env -S python3 -B
 """Runs the benchmarks that show the speed within about ten minutes, and prints one table of them.
 
-    bench.py BIN_FOLDER OUTPUT_FOLDER
+    bench.py [--all-frames] BIN_FOLDER OUTPUT_FOLDER
 
 BIN_FOLDER holds kestrel-benchmarks and first-frame; OUTPUT_FOLDER receives benchmarks.json and
-first-frame.json, which report.py prints again. Everything registered beyond this selection runs with
-kestrel-benchmarks --benchmark_filter=REGEX.
+first-frame.json, which report.py prints again. --all-frames runs the plug-in at every size and radius with
+every type, depth, matte and number of threads, which takes as long again. Everything registered beyond that
+runs with kestrel-benchmarks --benchmark_filter=REGEX.
 """
 
+import argparse
 import json
 import subprocess
 import sys
@@ -33,14 +35,16 @@ SELECTION = (
     "[A-Za-z]+(:[a-z]+)?/(8|16)-bit/1920x1080(/[a-z0-9]+)?",
 )
 
+ALL_FRAMES = "PluginFrame/.*/(1280x720|1920x1080|3840x2160|7680x4320)/.*"
+
 # Google Benchmark adds how time is taken to the name of a case.
 TIMING = "(/process_time/real_time|/manual_time)?"
 
 
-def run_benchmarks(program, output):
+def run_benchmarks(program, selection, output):
     command = [
         program,
-        "--benchmark_filter=^(" + "|".join(SELECTION) + ")" + TIMING + "$",
+        "--benchmark_filter=^(" + "|".join(selection) + ")" + TIMING + "$",
         f"--benchmark_repetitions={REPETITIONS}",
         "--benchmark_min_time=0.05",
         f"--benchmark_out={output}",
@@ -65,12 +69,17 @@ def run_first_frames(program, output, *size):
 
 
 def main():
-    if len(sys.argv) != 3:
-        sys.exit("usage: bench.py BIN_FOLDER OUTPUT_FOLDER")
-    programs, output = Path(sys.argv[1]), Path(sys.argv[2])
+    layout = argparse.RawDescriptionHelpFormatter
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=layout)
+    parser.add_argument("programs", type=Path, metavar="BIN_FOLDER")
+    parser.add_argument("output", type=Path, metavar="OUTPUT_FOLDER")
+    parser.add_argument("--all-frames", action="store_true", help="every kind of frame at every size and radius")
+    arguments = parser.parse_args()
+    programs, output = arguments.programs, arguments.output
+    selection = SELECTION + ((ALL_FRAMES,) if arguments.all_frames else ())
     benchmarks, first_frames = output / "benchmarks.json", output / "first-frame.json"
-    print("bench: running; this takes up to ten minutes", file=sys.stderr)
-    run_benchmarks(programs / "kestrel-benchmarks", benchmarks)
+    print("bench: running; this takes minutes", file=sys.stderr)
+    run_benchmarks(programs / "kestrel-benchmarks", selection, benchmarks)
     run_first_frames(programs / "first-frame", first_frames)
     report.print_report(benchmarks, first_frames)
 

@@ -124,6 +124,7 @@ class Report:
         self.print_passes()
         self.print_first_frames()
         self.print_ratios()
+        self.print_all_frames()
 
     def print_memory(self):
         table = Table("Memory, one thread", "", "GB/s", "ms")
@@ -233,6 +234,22 @@ class Report:
             pipeline = (self.cases.get(f"Frame/{case % radius}/best") for radius in (200, 5))
             plugin = (self.cases.get(f"PluginFrame/{case % radius}") for radius in (200, 5))
             table.add(size, ratio(*pipeline), ratio(*plugin))
+        table.print()
+
+
+    def print_all_frames(self):
+        """Of runs with every kind of frame at more than one size."""
+        frames = {}
+        for (depth, blur, size, radius, matte, threads), case in below(self.cases, "PluginFrame").items():
+            frames.setdefault((depth, blur, size, radius), {})[matte, threads] = case
+        columns = [(matte, f"threads:{count}") for count in (1, 2) for matte in ("ramp", "objects", "noise")]
+        complete = {kind: cases for kind, cases in frames.items() if all(column in cases for column in columns)}
+        if len({size for _, _, size, _ in complete}) < 2:
+            return
+        heads = [f"{matte}, {threads.removeprefix('threads:')} thr." for matte, threads in columns]
+        table = Table("Every kind of frame through the plug-in", "depth, type, size, radius", *heads)
+        for kind, cases in complete.items():
+            table.add(" ".join(kind), *(milliseconds(cases[column]) for column in columns))
         table.print()
 
 

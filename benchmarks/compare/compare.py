@@ -22,8 +22,8 @@ sys.path.insert(0, str(Path(__file__).resolve().parent.parent))
 import report
 from tools import Job, TooSlow, all_tools
 
-SIZES = ("1280x720", "1920x1080", "3840x2160")
-RADII = (5, 20, 100, 200)
+SIZES = ("1280x720", "1920x1080", "3840x2160", "7680x4320")
+RADII = (5, 20, 50, 100, 200)
 
 OWN_NOTE = (
     "box (Coarse) or tent (Fine), whole radii mixed; radii above half of the largest are held there, at the same "
@@ -108,10 +108,12 @@ class Comparison:
 
     def print_verdict(self):
         timed = [row for row in self.rows if row["milliseconds"] is not None]
-        lost = [row for row in timed if row["milliseconds"] < row["coarse"]]
-        print(f"\nCoarse is faster in {len(timed) - len(lost)} of {len(timed)} timed cases.")
-        for row in lost:
-            print(f"  slower than {row['program']} at {row['size']}, radius {row['radius']}")
+        print()
+        for blur in ("Coarse", "Fine"):
+            lost = [row for row in timed if row["milliseconds"] < row[blur.lower()]]
+            print(f"{blur} is faster in {len(timed) - len(lost)} of {len(timed)} timed cases.")
+            for row in lost:
+                print(f"  slower than {row['program']} at {row['size']}, radius {row['radius']}")
 
 
 def cells(row):
