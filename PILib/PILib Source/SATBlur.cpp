@@ -78,8 +78,8 @@ std::size_t SATBlur<P>::tableCells() const {
 
 template <class P>
 bool SATBlur<P>::hasRowKernel(float radiusX, float radiusY) const {
-    // What is read out is capped by the row's radius and by the tables. Tables of one pixel's radius or less
-    // are clamped at both ends of the read-out; they are left to getBlur.
+    // What is read out is capped by the row's radius and by the tables. Tables of radius 0 are
+    // clamped at both ends of the read-out; they are left to getBlur.
     constexpr float kFixedLimit = static_cast<float>(detail::kLargestWholeRadius + 1) * 65536.0F;
     const auto fits = [](float radius, std::int32_t maxFixed) {
         return radius >= 0.0F && radius <= detail::kLargestRowRadius &&
