@@ -3,7 +3,6 @@
 
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
 #include <cstdint>
 #include <string>
 
@@ -16,6 +15,7 @@
 #include "SATTentBlur.h"
 #include "SceneCache.h"
 #include "ThreadPoolContext.h"
+#include "ThreadRows.h"
 #include "Traffic.h"
 
 namespace bench {
@@ -59,8 +59,7 @@ void Rows(benchmark::State& state, Size size, int radius, Matte matte, SimdLevel
     const auto largest = static_cast<float>(radius);
     KestrelThreadHandler<Pixel<C>> handler{output, scene.beauty, map, &blur, largest, largest};
     for (auto _ : state) {
-        for (int y = 0; y < output.height; y += handler.kBandRows)
-            handler.bandOp(context, y, std::min(handler.kBandRows, output.height - y));
+        PILib::ThreadRows(context, handler, output.height, -1);
         benchmark::ClobberMemory();
     }
     ReportPixelRate(state, output);

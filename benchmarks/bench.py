@@ -1,12 +1,12 @@
 #!/usr/bin/env -S python3 -B
-"""Runs the benchmarks that show the speed within about ten minutes, and prints one table of them.
+"""Runs the benchmarks that show the speed within a few minutes, and prints one table of them.
 
     bench.py [--all-frames] BIN_FOLDER OUTPUT_FOLDER
 
 BIN_FOLDER holds kestrel-benchmarks and first-frame; OUTPUT_FOLDER receives benchmarks.json and
 first-frame.json, which report.py prints again. --all-frames runs the plug-in at every size and radius with
-every type, depth, matte and number of threads, which takes as long again. Everything registered beyond that
-runs with kestrel-benchmarks --benchmark_filter=REGEX.
+every type, depth, matte and number of threads, in twenty minutes. Everything registered beyond that runs with
+kestrel-benchmarks --benchmark_filter=REGEX.
 """
 
 import argparse

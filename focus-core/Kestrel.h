@@ -52,7 +52,7 @@ struct KestrelThreadHandler {
 
     // The same for a band of rows, in strips of columns: the part of the tables that a strip reads stays in
     // the processor's cache from one row to the next.
-    static constexpr int kBandRows = 64;
+    static constexpr int kBandRows = 256;
     void bandOp(PILib::PIContext& context, int first, int count);
 
 private:
