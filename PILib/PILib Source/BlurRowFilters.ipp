@@ -144,14 +144,14 @@ struct Box {
         }
 
         // The values of all pixels: a vector for each that readPixel gives of one.
-        PILIB_INLINE void toMeans(Int (&wholeAndAcross)[8], Int (&down)[4]) const {
+        PILIB_INLINE void toMeans(Int (&wholeAndAcross)[8], Int (&nextDown)[4]) const {
             const Division wholeArea(width * height);
             const Division acrossArea((width + 2) * height);
             const Division downArea(width * (height + 2));
             for (int channel = 0; channel < 4; ++channel) {
                 wholeAndAcross[2 * channel] = wholeArea.quotient(wholeAndAcross[2 * channel]);
                 wholeAndAcross[2 * channel + 1] = acrossArea.quotient(wholeAndAcross[2 * channel + 1]);
-                down[channel] = downArea.quotient(down[channel]);
+                nextDown[channel] = downArea.quotient(nextDown[channel]);
             }
         }
     };
@@ -288,10 +288,10 @@ struct Tent {
                     __builtin_convertvector(nextDown * down[lane] + 0.5, Pixel4)};
         }
 
-        PILIB_INLINE void toMeans(Int (&wholeAndAcross)[8], Int (&down)[4]) const {
+        PILIB_INLINE void toMeans(Int (&wholeAndAcross)[8], Int (&nextDown)[4]) const {
             for (Int& mean : wholeAndAcross)
                 mean &= Depth::kMask;
-            for (Int& mean : down)
+            for (Int& mean : nextDown)
                 mean &= Depth::kMask;
         }
     };
