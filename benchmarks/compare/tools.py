@@ -93,8 +93,8 @@ class Gegl:
         "mixes Gaussian-blurred copies of the whole picture by the matte; 32-bit float in linear light, "
         "premultiplied; standard deviation of the box's spread (radius / 1.73)"
     )
-    # All memory, and no other processor.
-    ENVIRONMENT = {"GEGL_THREADS": "1", "GEGL_USE_OPENCL": "no", "GEGL_SWAP": "RAM", "GEGL_CACHE_SIZE": "8192"}
+    # No other processor, and memory for all tiles, so that none goes to the swap folder.
+    ENVIRONMENT = {"GEGL_THREADS": "1", "GEGL_USE_OPENCL": "no", "GEGL_CACHE_SIZE": "8192"}
 
     def is_installed(self):
         if shutil.which("gegl") is None:
@@ -115,7 +115,7 @@ class Gegl:
         return 1e3 * (self.seconds(job, *load, *blur, *save) - self.seconds(job, *load, *save))
 
     def seconds(self, job, *arguments):
-        return median_seconds(job, ["gegl", *arguments], **self.ENVIRONMENT)
+        return median_seconds(job, ["gegl", *arguments], GEGL_SWAP=str(job.scene), **self.ENVIRONMENT)
 
 
 class ImageMagick:
