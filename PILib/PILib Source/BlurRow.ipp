@@ -70,7 +70,7 @@ PILIB_INLINE int Runs(Int wholeX, Int wholeY) {
 }
 
 // One group's lanes, premultiplied; what others hold means nothing.
-template <class Blur, class Depth>
+template <class Blur>
 PILIB_INLINE Channels ReadGroup(const BlurRow<typename Blur::Entry>& row, std::ptrdiff_t centre,
                                 const Group& group, Int fractionX, Int fractionY, unsigned members) {
     const typename Blur::Neighbours neighbours(group, row.stride);
@@ -82,7 +82,7 @@ PILIB_INLINE Channels ReadGroup(const BlurRow<typename Blur::Entry>& row, std::p
 }
 
 // A block whose lanes `wanted` are blurred, group by group.
-template <class Blur, class Depth>
+template <class Blur>
 PILIB_INLINE Channels ReadGroups(const BlurRow<typename Blur::Entry>& row, std::ptrdiff_t centre,
                                  const AxisRadii& x, const AxisRadii& y, unsigned wanted) {
     Channels result{};
@@ -91,8 +91,8 @@ PILIB_INLINE Channels ReadGroups(const BlurRow<typename Blur::Entry>& row, std::
         const Group group = {x.whole[lane], x.next[lane], y.whole[lane], y.next[lane]};
         const Int isMember = (x.whole == x.whole[lane]) & (y.whole == y.whole[lane]);
         const unsigned members = Bits(isMember) & wanted;
-        result = Select(isMember, ReadGroup<Blur, Depth>(row, centre, group, x.fraction, y.fraction, members),
-                        result);
+        result =
+            Select(isMember, ReadGroup<Blur>(row, centre, group, x.fraction, y.fraction, members), result);
         wanted &= ~members;
     }
     return result;
@@ -118,7 +118,7 @@ PILIB_INLINE void SplitValues(const Int* pixels, Int* values, int step = 1) {
 }
 
 // A block whose lanes `wanted` are blurred, each pixel read by itself. Needs radii that are not clamped.
-template <class Blur, class Depth>
+template <class Blur>
 PILIB_INLINE Channels ReadPixels(const BlurRow<typename Blur::Entry>& row, std::ptrdiff_t centre,
                                  const AxisRadii& x, const AxisRadii& y, unsigned wanted) {
     std::int32_t wholeX[kLanes];
@@ -149,14 +149,14 @@ PILIB_INLINE Channels ReadPixels(const BlurRow<typename Blur::Entry>& row, std::
     return {channel(0), channel(1), channel(2), channel(3)};
 }
 
-template <class Blur, class Depth>
+template <class Blur>
 PILIB_INLINE Channels ReadLanes(const BlurRow<typename Blur::Entry>& row, std::ptrdiff_t centre,
                                 const AxisRadii& x, const AxisRadii& y, unsigned wanted, bool isClamped) {
     if constexpr (Blur::kMostRuns < kLanes) {
         if (!isClamped && Runs(x.whole, y.whole) > Blur::kMostRuns)
-            return ReadPixels<Blur, Depth>(row, centre, x, y, wanted);
+            return ReadPixels<Blur>(row, centre, x, y, wanted);
     }
-    return ReadGroups<Blur, Depth>(row, centre, x, y, wanted);
+    return ReadGroups<Blur>(row, centre, x, y, wanted);
 }
 
 // Pixels x .. x + count - 1 of the row, of which `count` is at most the lanes.
@@ -180,7 +180,7 @@ PILIB_INLINE void ReadBlock(const BlurRow<typename Blur::Entry>& row, int x, int
     const std::ptrdiff_t centre = row.centre + x + Blur::kCentreShift * (row.stride + 1);
 
     const bool isClamped = row.maxFixedRadiusX >> 16 >= largestX || row.maxFixedRadiusY >> 16 >= largestY;
-    Channels result = ReadLanes<Blur, Depth>(row, centre, radiiX, radiiY, wanted, isClamped);
+    Channels result = ReadLanes<Blur>(row, centre, radiiX, radiiY, wanted, isClamped);
     Straighten<Depth>(result);
     Depth::store(output, input, count, blurred, result);
 }
