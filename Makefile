@@ -11,14 +11,14 @@ TEST_PACKAGES := $(PRODUCT_PACKAGES) libgtest-dev libgmock-dev libbenchmark-dev 
 .PHONY: demo test bench bench-all bench-compare clean
 .DEFAULT_GOAL := demo
 
-demo: ; @cmake/demo.sh $(PRODUCT_PACKAGES)
+demo: ; @scripts/demo.sh $(PRODUCT_PACKAGES)
 
 test:
-	@cmake/install-packages.sh $(TEST_PACKAGES)
-	@cmake/test.sh release asan
+	@scripts/install-packages.sh $(TEST_PACKAGES)
+	@scripts/test.sh release asan
 
 bench:
-	@cmake/install-packages.sh $(TEST_PACKAGES)
+	@scripts/install-packages.sh $(TEST_PACKAGES)
 	cmake --preset release
 	cmake --build --preset release --target kestrel-benchmarks first-frame
 	benchmarks/bench.py $(BENCH_FLAGS) build/release/bin build/release
@@ -27,7 +27,7 @@ bench-all: BENCH_FLAGS := --all-frames
 bench-all: bench
 
 bench-compare:
-	@cmake/install-packages.sh $(TEST_PACKAGES)
+	@scripts/install-packages.sh $(TEST_PACKAGES)
 	cmake --preset release
 	cmake --build --preset release --target compare-tools
 	benchmarks/compare/compare.py build/release/bin build/release

@@ -3,7 +3,7 @@
 # packages that the build needs.
 set -eu
 
-cmake/install-packages.sh "$@"
+scripts/install-packages.sh "$@"
 cmake --preset release -DKESTREL_DEVELOPER=OFF
 cmake --build --preset release --target Kestrel perch
 
