@@ -1,5 +1,6 @@
 #!/bin/sh
-# Builds and tests each preset named as an argument, in order; stops at the first that fails.
+# Builds and tests each preset named as an argument, in order; stops at the first that fails. The tests that CTest counts are
+# programs and shards of them; the line after its count tells how many single tests they held.
 set -eu
 
 jobs=$(nproc)
@@ -7,4 +8,6 @@ for preset in "$@"; do
     cmake --preset "$preset"
     cmake --build --preset "$preset"
     ctest --preset "$preset" --parallel "$jobs"
+    awk '/^\[  PASSED  \]/ { passed += $4 } /^\[  SKIPPED \].*listed below/ { skipped += $4 }
+        END { printf "%d single tests passed, %d skipped\n", passed, skipped }' "build/$preset/Testing/Temporary/LastTest.log"
 done
