@@ -6,6 +6,7 @@
 
 #include "Effect.h"
 #include "FrameBuffer.h"
+#include "Sequence.h"
 
 namespace bench {
 

@@ -13,6 +13,12 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+// What the user asked for is not of the form that the program takes.
+class UsageError : public Error {
+public:
+    using Error::Error;
+};
+
 // The effect answered a command with an error code, or reported a failure in its return message.
 class EffectError : public Error {
 public:

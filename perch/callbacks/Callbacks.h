@@ -1,11 +1,15 @@
 // The tables that an effect is given. They are the same for every command.
 #pragma once
 
+#include "CallbackTables.h"
 #include "PF_Entry.h"
 #include "SP_Basic.h"
 
 namespace perch {
 
+CallbackTables callbackTables();
+
+// Its parts.
 const PF_InteractCallbacks& interactionCallbacks();
 PF_UtilCallbacks* utilityCallbacks();
 SPBasicSuite* basicSuite();

@@ -5,6 +5,7 @@
 
 #include "CallGuard.h"
 #include "Callbacks.h"
+#include "Error.h"
 
 namespace perch {
 namespace {

@@ -10,8 +10,11 @@
 #include <utility>
 
 #include "Effect.h"
+#include "Error.h"
+#include "Frame.h"
 #include "PF_Values.h"
 #include "PixelAccess.h"
+#include "Sequence.h"
 
 namespace perch {
 namespace {

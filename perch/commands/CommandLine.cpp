@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <string_view>
 
+#include "Error.h"
 #include "NearestName.h"
 
 namespace perch {

@@ -5,15 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "Error.h"
-
 namespace perch {
-
-// Wrong use of the command line.
-class UsageError : public Error {
-public:
-    using Error::Error;
-};
 
 enum class Extras {
     Ignored,

@@ -7,6 +7,7 @@
 #include "CommandLine.h"
 #include "Commands.h"
 #include "Description.h"
+#include "Effect.h"
 
 namespace perch {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "Effect.h"
+#include "EffectDescription.h"
 
 namespace perch {
 

@@ -9,6 +9,8 @@
 
 #include "Commands.h"
 #include "Description.h"
+#include "Effect.h"
+#include "Error.h"
 #include "RenderOptions.h"
 
 namespace perch {

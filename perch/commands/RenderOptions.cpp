@@ -10,6 +10,7 @@
 
 #include "CommandLine.h"
 #include "Description.h"
+#include "Error.h"
 #include "NearestName.h"
 #include "PF_Values.h"
 #include "ParameterText.h"

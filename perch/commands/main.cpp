@@ -9,9 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "CommandLine.h"
 #include "Commands.h"
-#include "Effect.h"
+#include "Error.h"
 #include "NearestName.h"
 
 namespace {

@@ -1,9 +1,8 @@
 #include "Effect.h"
 
-#include <algorithm>
-#include <limits>
-
 #include "Bundle.h"
+#include "Call.h"
+#include "Callbacks.h"
 #include "Host.h"
 #include "PF_Values.h"
 
@@ -30,17 +29,10 @@ std::unique_ptr<Host> loadHost(const std::filesystem::path& plugin, HostOptions 
     const Bundle bundle = openBundle(plugin);
     const LoadedLibrary loaded = loadLibrary(bundle);
     return std::make_unique<Host>(loaded.entryPoint, describeBundle(bundle, loaded.symbol),
-                                  std::move(options), loaded.library);
+                                  std::move(options), loaded.library, callbackTables());
 }
 
 }  // namespace
-
-std::int32_t fullExtent(std::int32_t given, std::int32_t extent, const PF_RationalScale& scale) {
-    if (given > 0) return given;
-    if (scale.num <= 0) return extent;
-    constexpr std::int64_t kLargest = std::numeric_limits<std::int32_t>::max();
-    return static_cast<std::int32_t>(std::min(std::int64_t{extent} * scale.den / scale.num, kLargest));
-}
 
 Effect::Effect(const std::filesystem::path& plugin, HostOptions options)
     : host(loadHost(plugin, std::move(options))) {
@@ -48,7 +40,8 @@ Effect::Effect(const std::filesystem::path& plugin, HostOptions options)
 }
 
 Effect::Effect(PF_EntryPoint entryPoint, EffectDescription description, HostOptions options)
-    : host(std::make_unique<Host>(entryPoint, std::move(description), std::move(options), nullptr)) {
+    : host(std::make_unique<Host>(entryPoint, std::move(description), std::move(options), nullptr,
+                                  callbackTables())) {
     host->setUp();
 }
 
@@ -59,7 +52,7 @@ const EffectDescription& Effect::description() const {
 }
 
 ParameterValues Effect::defaultValues(std::int32_t width, std::int32_t height) const {
-    return defaultParameterValues(host->description, width, height);
+    return defaultParameterValues(host->description.parameters, width, height);
 }
 
 bool Effect::supportsDeepColor() const {

@@ -1,10 +1,11 @@
-// One frame: set-up, render and set-down, and the pictures that the effect is given for it.
+#include "Frame.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <cstring>
 
-#include "Effect.h"
+#include "Error.h"
 #include "Host.h"
 #include "PF_Values.h"
 #include "PixelAccess.h"

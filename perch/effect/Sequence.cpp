@@ -1,9 +1,11 @@
-// Instances of an effect: set up, saved, restored and set down.
+#include "Sequence.h"
+
 #include <fmt/format.h>
 
 #include <cstring>
 
-#include "Effect.h"
+#include "Error.h"
+#include "Frame.h"
 #include "Host.h"
 #include "PF_Values.h"
 

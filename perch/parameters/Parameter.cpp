@@ -1,12 +1,12 @@
-// Reads parameter definitions: what an effect declared, in the terms that a user is shown.
+#include "Parameter.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <limits>
 
-#include "Host.h"
+#include "Error.h"
 #include "PF_Values.h"
 
 namespace perch {
@@ -104,59 +104,6 @@ void describeCheckBox(PF_CheckBoxDef& box, Parameter& parameter) {
     box.u.nameptr = nullptr;
 }
 
-// `percent` is 16.16 per cent of the extent; the result 16.16 pixels, held to what they reach.
-PF_Fixed placeInLayer(PF_Fixed percent, std::int32_t extent) {
-    using Limits = std::numeric_limits<PF_Fixed>;
-    return static_cast<PF_Fixed>(
-        std::clamp<std::int64_t>(std::int64_t{percent} * extent / 100, Limits::min(), Limits::max()));
-}
-
-void setToDefault(const Parameter& parameter, std::int32_t width, std::int32_t height, PF_ParamDef& value) {
-    PF_ParamDefUnion& u = value.u;
-    switch (value.param_type) {
-        case PF_Param_LAYER:
-            u.ld = {};
-            break;
-        case PF_Param_SLIDER:
-            u.sd.value = u.sd.dephault;
-            break;
-        case PF_Param_FIX_SLIDER:
-            u.fd.value = u.fd.dephault;
-            break;
-        case PF_Param_ANGLE:
-            u.ad.value = u.ad.dephault;
-            break;
-        case PF_Param_CHECKBOX:
-            u.bd.value = u.bd.dephault;
-            u.bd.u.nameptr = parameter.label.c_str();
-            break;
-        case PF_Param_COLOR:
-            u.cd.value = u.cd.dephault;
-            break;
-        case PF_Param_POINT:
-            u.td.x_value = placeInLayer(u.td.x_dephault, width);
-            u.td.y_value = placeInLayer(u.td.y_dephault, height);
-            break;
-        case PF_Param_POPUP:
-            u.pd.value = u.pd.dephault;
-            u.pd.u.namesptr = parameter.label.c_str();
-            break;
-        case PF_Param_FLOAT_SLIDER:
-            u.fs_d.value = static_cast<double>(u.fs_d.dephault);
-            break;
-        case PF_Param_BUTTON:
-            u.button_d.u.namesptr = parameter.label.c_str();
-            break;
-        case PF_Param_POINT_3D:
-            u.point3d_d.x_value = u.point3d_d.x_dephault * width / 100.0;
-            u.point3d_d.y_value = u.point3d_d.y_dephault * height / 100.0;
-            u.point3d_d.z_value = u.point3d_d.z_dephault;
-            break;
-        default:
-            break;
-    }
-}
-
 }  // namespace
 
 Parameter describeParameter(const PF_ParamDef& definition) {
@@ -196,17 +143,6 @@ Parameter describeParameter(const PF_ParamDef& definition) {
             break;
     }
     return parameter;
-}
-
-ParameterValues defaultParameterValues(const EffectDescription& description, std::int32_t width,
-                                       std::int32_t height) {
-    ParameterValues values(1);
-    values[0].param_type = PF_Param_LAYER;
-    for (const Parameter& parameter : description.parameters) {
-        values.push_back(parameter.definition);
-        setToDefault(parameter, width, height, values.back());
-    }
-    return values;
 }
 
 }  // namespace perch

@@ -6,6 +6,7 @@
 #include <array>
 #include <set>
 
+#include "Error.h"
 #include "NearestName.h"
 #include "PF_Values.h"
 #include "ParameterText.h"

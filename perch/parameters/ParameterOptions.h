@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "Effect.h"
+#include "Parameter.h"
 
 namespace perch {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "Effect.h"
+#include "Parameter.h"
 
 namespace perch {
 

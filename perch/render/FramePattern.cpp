@@ -7,7 +7,7 @@
 #include <string_view>
 #include <system_error>
 
-#include "CommandLine.h"
+#include "Error.h"
 
 namespace perch {
 namespace {

@@ -5,7 +5,7 @@
 #include <set>
 #include <system_error>
 
-#include "CommandLine.h"
+#include "Error.h"
 
 namespace perch {
 namespace {

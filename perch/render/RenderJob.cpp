@@ -8,8 +8,10 @@
 #include <type_traits>
 #include <utility>
 
+#include "Error.h"
 #include "OrderedTasks.h"
 #include "PF_Values.h"
+#include "Sequence.h"
 
 namespace perch {
 namespace {

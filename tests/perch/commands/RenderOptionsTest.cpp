@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "CommandLine.h"
+#include "Error.h"
 
 namespace perch::test {
 namespace {

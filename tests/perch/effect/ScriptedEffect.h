@@ -5,8 +5,12 @@
 #include <map>
 
 #include "Effect.h"
+#include "Error.h"
+#include "Frame.h"
 #include "PF_Entry.h"
 #include "PF_Values.h"
+#include "PiPL.h"
+#include "Sequence.h"
 
 namespace perch::test {
 

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <limits>
 
+#include "Error.h"
 #include "PF_Values.h"
 #include "ParameterText.h"
 

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "CommandLine.h"
+#include "Error.h"
 #include "PictureFiles.h"
 #include "TemporaryFolder.h"
 

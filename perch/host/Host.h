@@ -13,9 +13,12 @@
 #include <string_view>
 #include <thread>
 
+#include "Call.h"
+#include "CallbackTables.h"
 #include "Checkouts.h"
-#include "Effect.h"
+#include "EffectDescription.h"
 #include "Handles.h"
+#include "HostOptions.h"
 #include "Ledger.h"
 #include "Memory.h"
 #include "ProjectReferences.h"
@@ -25,24 +28,10 @@
 
 namespace perch {
 
-// One command under way: what the effect is given, and what it left.
-struct Call {
-    PF_Cmd command = 0;
-    const FrameRequest* frame = nullptr;  // null outside of frames
-    ParameterValues values{};             // params[]; the effect may write to them
-    PF_Handle* sequenceData = nullptr;    // carried over; null: the command has none
-    PF_Handle* frameData = nullptr;
-    PF_LayerDef* output = nullptr;  // null: an empty record
-    void* extra = nullptr;
-
-    PF_Err code = 0;
-    PF_OutData out{};
-};
-
 class Host {
 public:
     Host(PF_EntryPoint entryPoint, EffectDescription description, HostOptions options,
-         std::shared_ptr<void> library);
+         std::shared_ptr<void> library, const CallbackTables& tables);
     ~Host();
     Host(const Host&) = delete;
     Host& operator=(const Host&) = delete;
@@ -94,6 +83,7 @@ private:
     void comparePropertyList();
 
     const PF_EntryPoint entryPoint;
+    const CallbackTables tables;
     const std::shared_ptr<void> library;  // keeps the effect's code loaded
     const std::thread::id mainThread = std::this_thread::get_id();
     PF_Handle globalData = nullptr;
@@ -101,15 +91,5 @@ private:
     std::mutex callCountMutex;
     std::map<std::string, int, std::less<>> callCounts;
 };
-
-CommandResult resultOf(const Call& call);
-
-// "RENDER"; "command 99" for numbers without a name.
-std::string commandName(PF_Cmd command);
-
-ParameterValues defaultParameterValues(const EffectDescription& description, std::int32_t width,
-                                       std::int32_t height);
-// Throws Error when the definition is of a type that the interface does not have.
-Parameter describeParameter(const PF_ParamDef& definition);
 
 }  // namespace perch

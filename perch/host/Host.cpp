@@ -3,12 +3,13 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <cstring>
 
-#include "Callbacks.h"
+#include "CommandName.h"
+#include "Error.h"
 #include "PF_Values.h"
+#include "PiPL.h"
 
 namespace perch {
 namespace {
@@ -17,40 +18,6 @@ std::atomic<Host*> gCurrentHost{nullptr};
 
 // The host's identity, as four characters.
 constexpr A_AppID kApplication = static_cast<A_AppID>(PF_FOUR_CC('p', 'r', 'c', 'h'));
-
-struct CommandName {
-    PF_Cmd command;
-    const char* name;
-};
-
-constexpr std::array kCommandNames{
-    CommandName{PF_Cmd_ABOUT, "ABOUT"},
-    CommandName{PF_Cmd_GLOBAL_SETUP, "GLOBAL_SETUP"},
-    CommandName{PF_Cmd_GLOBAL_SETDOWN, "GLOBAL_SETDOWN"},
-    CommandName{PF_Cmd_PARAMS_SETUP, "PARAMS_SETUP"},
-    CommandName{PF_Cmd_SEQUENCE_SETUP, "SEQUENCE_SETUP"},
-    CommandName{PF_Cmd_SEQUENCE_RESETUP, "SEQUENCE_RESETUP"},
-    CommandName{PF_Cmd_SEQUENCE_FLATTEN, "SEQUENCE_FLATTEN"},
-    CommandName{PF_Cmd_SEQUENCE_SETDOWN, "SEQUENCE_SETDOWN"},
-    CommandName{PF_Cmd_DO_DIALOG, "DO_DIALOG"},
-    CommandName{PF_Cmd_FRAME_SETUP, "FRAME_SETUP"},
-    CommandName{PF_Cmd_RENDER, "RENDER"},
-    CommandName{PF_Cmd_FRAME_SETDOWN, "FRAME_SETDOWN"},
-    CommandName{PF_Cmd_USER_CHANGED_PARAM, "USER_CHANGED_PARAM"},
-    CommandName{PF_Cmd_UPDATE_PARAMS_UI, "UPDATE_PARAMS_UI"},
-    CommandName{PF_Cmd_EVENT, "EVENT"},
-    CommandName{PF_Cmd_GET_EXTERNAL_DEPENDENCIES, "GET_EXTERNAL_DEPENDENCIES"},
-    CommandName{PF_Cmd_COMPLETELY_GENERAL, "COMPLETELY_GENERAL"},
-    CommandName{PF_Cmd_QUERY_DYNAMIC_FLAGS, "QUERY_DYNAMIC_FLAGS"},
-    CommandName{PF_Cmd_AUDIO_RENDER, "AUDIO_RENDER"},
-    CommandName{PF_Cmd_AUDIO_SETUP, "AUDIO_SETUP"},
-    CommandName{PF_Cmd_AUDIO_SETDOWN, "AUDIO_SETDOWN"},
-    CommandName{PF_Cmd_ARBITRARY_CALLBACK, "ARBITRARY_CALLBACK"},
-    CommandName{PF_Cmd_SMART_PRE_RENDER, "SMART_PRE_RENDER"},
-    CommandName{PF_Cmd_SMART_RENDER, "SMART_RENDER"},
-    CommandName{PF_Cmd_GET_FLATTENED_SEQUENCE_DATA, "GET_FLATTENED_SEQUENCE_DATA"},
-    CommandName{PF_Cmd_SMART_RENDER_GPU, "SMART_RENDER_GPU"},
-};
 
 // Names the command under way for as long as the object lives.
 class UnderWay {
@@ -94,30 +61,18 @@ void describeFrame(const FrameRequest& frame, PF_InData& in) {
 
 }  // namespace
 
-std::string commandName(PF_Cmd command) {
-    const auto* found =
-        std::find_if(kCommandNames.begin(), kCommandNames.end(),
-                     [command](const CommandName& known) { return known.command == command; });
-    return found != kCommandNames.end() ? found->name : fmt::format("command {}", command);
-}
-
-CommandResult resultOf(const Call& call) {
-    const A_char* begin = call.out.return_msg;
-    const A_char* end = std::find(begin, begin + sizeof call.out.return_msg, '\0');
-    return {call.code, std::string(begin, end), call.out.out_flags, call.out.out_flags2};
-}
-
 Host* Host::current() {
     return gCurrentHost.load(std::memory_order_acquire);
 }
 
 Host::Host(PF_EntryPoint entryPoint, EffectDescription description, HostOptions options,
-           std::shared_ptr<void> library)
+           std::shared_ptr<void> library, const CallbackTables& tables)
     : options(std::move(options)),
       description(std::move(description)),
       ledger(this->options.strict),
       pool(this->options.threads),
       entryPoint(entryPoint),
+      tables(tables),
       library(std::move(library)) {
     Host* none = nullptr;
     if (!gCurrentHost.compare_exchange_strong(none, this))
@@ -183,8 +138,8 @@ void Host::comparePropertyList() {
 
 PF_InData Host::makeInData(const Call& made) {
     PF_InData in{};
-    in.inter = interactionCallbacks();
-    in.utils = utilityCallbacks();
+    in.inter = tables.interaction;
+    in.utils = tables.utilities;
     in.effect_ref = token();
     in.version = options.interfaceVersion;
     in.appl_id = kApplication;
@@ -193,7 +148,7 @@ PF_InData Host::makeInData(const Call& made) {
     in.time_scale = 1;
     in.time_step = in.local_time_step = 1;
     in.downsample_x = in.downsample_y = in.pixel_aspect_ratio = {1, 1};
-    in.pica_basicP = options.offersSuites ? basicSuite() : nullptr;
+    in.pica_basicP = options.offersSuites ? tables.suites : nullptr;
     if (made.frame != nullptr) describeFrame(*made.frame, in);
     in.global_data = globalData;
     in.sequence_data = valueOrNull(made.sequenceData);
@@ -206,7 +161,7 @@ void Host::send(Call& made) {
     const std::string name = commandName(made.command);
     if (options.onCommand) options.onCommand(name);
     ledger.enterCommand(name);
-    if (made.values.empty()) made.values = defaultParameterValues(description, 0, 0);
+    if (made.values.empty()) made.values = defaultParameterValues(description.parameters, 0, 0);
 
     const PF_InData given = makeInData(made);
     PF_InData in = given;

@@ -1,0 +1,47 @@
+// An instance of an effect that is applied to a layer. See Effect.h for threads and errors.
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "Effect.h"
+#include "FrameRequest.h"
+#include "RenderedFrame.h"
+
+namespace perch {
+
+struct Call;
+
+// One applied instance. Must end before its Effect is closed.
+class Sequence {
+public:
+    explicit Sequence(Effect& effect);  // SEQUENCE_SETUP
+    // SEQUENCE_RESETUP from what flatten() gave.
+    Sequence(Effect& effect, const std::vector<std::byte>& flattened);
+    ~Sequence();  // SEQUENCE_SETDOWN
+    Sequence(const Sequence&) = delete;
+    Sequence& operator=(const Sequence&) = delete;
+
+    // Saves: SEQUENCE_FLATTEN where the effect declares that it needs it, the bytes, SEQUENCE_RESETUP.
+    std::vector<std::byte> flatten();
+    // FRAME_SETUP, RENDER, FRAME_SETDOWN.
+    RenderedFrame render(const FrameRequest& request);
+    // The user has changed that value; the effect may change others and the look of controls in `values`.
+    void userChangedParam(PF_ParamIndex index, ParameterValues& values);
+    void updateParamsUi(ParameterValues& values);
+    // Any command with this instance's data; see Effect::send.
+    CommandResult send(PF_Cmd command, void* extra = nullptr);
+
+private:
+    friend class Frame;
+    void resetup();
+    void throwIfFailed(const Call& call);
+    void setDown() noexcept;
+    void sendWithValues(PF_Cmd command, ParameterValues& values, void* extra);
+
+    Effect& effect;
+    PF_Handle data = nullptr;  // the effect's, carried from command to command
+    bool isSetUp = false;
+};
+
+}  // namespace perch

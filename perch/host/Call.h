@@ -1,0 +1,27 @@
+// A command on its way to the effect and back.
+#pragma once
+
+#include "CommandResult.h"
+#include "FrameRequest.h"
+#include "PF_Entry.h"
+#include "ParameterValues.h"
+
+namespace perch {
+
+// One command under way: what the effect is given, and what it left.
+struct Call {
+    PF_Cmd command = 0;
+    const FrameRequest* frame = nullptr;  // null outside of frames
+    ParameterValues values{};             // params[]; the effect may write to them
+    PF_Handle* sequenceData = nullptr;    // carried over; null: the command has none
+    PF_Handle* frameData = nullptr;
+    PF_LayerDef* output = nullptr;  // null: an empty record
+    void* extra = nullptr;
+
+    PF_Err code = 0;
+    PF_OutData out{};
+};
+
+CommandResult resultOf(const Call& call);
+
+}  // namespace perch

@@ -1,0 +1,15 @@
+// What an effect finds in its PF_InData to call the host by.
+#pragma once
+
+#include "PF_Entry.h"
+#include "SP_Basic.h"
+
+namespace perch {
+
+struct CallbackTables {
+    PF_InteractCallbacks interaction{};
+    PF_UtilCallbacks* utilities = nullptr;
+    SPBasicSuite* suites = nullptr;
+};
+
+}  // namespace perch

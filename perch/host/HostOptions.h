@@ -1,0 +1,42 @@
+// How a host behaves towards the effect it loads.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "PF_Entry.h"
+#include "PF_Values.h"
+#include "PiPL.h"
+
+namespace perch {
+
+// Lets the n-th call of one callback fail, counted from 1 over the life of the effect.
+struct CallFailure {
+    std::string callback;  // "checkout_param", "AcquireSuite", "PF_NewWorld"; as named in its table
+    int call = 1;          // 0: every call
+    PF_Err code = PF_Err_OUT_OF_MEMORY;  // callbacks that return a pointer answer null instead
+};
+
+struct SuiteName {
+    std::string name;
+    std::int32_t version = 0;  // 0: every version
+};
+
+struct HostOptions {
+    int threads = 0;      // workers of the iterate calls, the calling thread included; 0: one per processor
+    bool strict = false;  // account for everything the effect does; see Effect::findings
+    PF_SpecVersion interfaceVersion{PF_INTERFACE_MAJOR, PF_INTERFACE_MINOR};
+    bool offersSuites = true;               // else pica_basicP is null
+    bool keepsFrameData = true;             // else frame_data is null at every command
+    std::vector<SuiteName> withheldSuites;  // answered as not found
+    std::vector<CallFailure> failures;
+    std::function<void(std::string_view command)> onCommand;    // before each command: "FRAME_SETUP"
+    std::function<void(std::string_view callback)> onCallback;  // at each callback, also from workers
+    // The effect's return_msg after a command that did not fail.
+    std::function<void(std::string_view command, std::string_view message)> onMessage;
+};
+
+}  // namespace perch
