@@ -5,6 +5,8 @@
 #include <string>
 #include <type_traits>
 
+#include "Error.h"
+#include "Frame.h"
 #include "ParameterText.h"
 #include "PixelAccess.h"
 
