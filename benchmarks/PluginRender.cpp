@@ -29,8 +29,9 @@ const perch::Parameter& Find(const perch::EffectDescription& effect, const std::
 void Set(const perch::EffectDescription& effect, perch::ParameterValues& values, const std::string& name,
          const std::string& text) {
     const perch::Parameter& parameter = Find(effect, name);
-    if (!perch::setValueFromText(parameter, text, values.at(static_cast<std::size_t>(parameter.index))))
-        throw perch::Error("\"" + name + "\" does not take \"" + text + "\"");
+    const std::optional<perch::ParameterSetting> setting = perch::parseSetting(parameter, text);
+    if (!setting) throw perch::Error("\"" + name + "\" does not take \"" + text + "\"");
+    perch::applySetting(*setting, values);
 }
 
 }  // namespace

@@ -67,10 +67,11 @@ void requireValid(const Parameter& parameter, const PF_ParamDefUnion& value) {
 }
 
 void tryValue(const perch::ParameterOption& option, const std::string& text) {
-    PF_ParamDef value = option.parameter.definition;
+    perch::ParameterValues values(static_cast<std::size_t>(option.parameter.index) + 1,
+                                  option.parameter.definition);
     try {
-        perch::setValue(option, text, value);
-        requireValid(option.parameter, value.u);
+        perch::applySetting(perch::parseSetting(option, text), values);
+        requireValid(option.parameter, values.back().u);
     } catch (const perch::Error&) {
     }
 }

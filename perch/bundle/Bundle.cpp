@@ -149,4 +149,8 @@ fs::path findBundleBeside(const fs::path& programFolder) {
     throw Error("there is no plug-in beside the program; name one with --plugin");
 }
 
+fs::path chooseBundle(const fs::path& given) {
+    return given.empty() ? findBundleBeside(fs::canonical("/proc/self/exe").parent_path()) : given;
+}
+
 }  // namespace perch

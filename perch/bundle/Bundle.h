@@ -37,4 +37,7 @@ LoadedLibrary loadLibrary(const Bundle& bundle);
 // there is none or, in the folder that has some, more than one.
 std::filesystem::path findBundleBeside(const std::filesystem::path& programFolder);
 
+// `given`, or where it is empty the bundle beside the running program. Throws as findBundleBeside does.
+std::filesystem::path chooseBundle(const std::filesystem::path& given);
+
 }  // namespace perch

@@ -12,13 +12,17 @@
 namespace perch {
 namespace {
 
-[[noreturn]] void refuse(const CLI::App& app, const std::string& extra) {
-    if (!extra.starts_with('-')) throw UsageError(fmt::format("unexpected argument \"{}\"", extra));
-    std::vector<std::string> options = longOptionNames(app);
-    for (std::string& option : options)
-        option.insert(0, "--");
-    const std::string option = extra.substr(0, extra.find('='));
-    throw UsageError(fmt::format("unknown option \"{}\"{}", option, suggestion(option, options)));
+// A flag is there or not; what follows its name after "=" would be taken for one of the library's words for
+// yes and no.
+void requireFlagsWithoutValue(const CLI::App& app, const std::vector<std::string>& arguments) {
+    for (const std::string& argument : arguments) {
+        const std::size_t end = argument.find('=');
+        if (!argument.starts_with("--") || end == std::string::npos) continue;
+        const std::string name = argument.substr(0, end);
+        const CLI::Option* const option = app.get_option_no_throw(name);
+        if (option != nullptr && option->get_expected_max() == 0)
+            throw UsageError(fmt::format("{} takes no value, not \"{}\"", name, argument.substr(end + 1)));
+    }
 }
 
 std::string firstLine(std::string_view text) {
@@ -32,24 +36,36 @@ void addHelpFlag(CLI::App& app, bool& wantsHelp) {
     app.add_flag("-h,--help", wantsHelp, "list the options");
 }
 
-void parseArguments(CLI::App& app, const std::vector<std::string>& arguments, Extras extras) {
+std::vector<std::string> parseArguments(CLI::App& app, const std::vector<std::string>& arguments) {
     for (CLI::Option* const option : app.get_options()) {
         option->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
     }
     app.allow_extras();
+    requireFlagsWithoutValue(app, arguments);
     try {
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
     } catch (const CLI::ArgumentMismatch& error) {
         const std::string_view text = error.what();
         throw UsageError(fmt::format("{} lacks its value", text.substr(0, text.find(':'))));
-    } catch (const CLI::ConversionError& error) {
-        const std::string_view text = error.what();
-        throw UsageError(fmt::format("a flag takes no such value: {}", text.substr(text.find("--"))));
     } catch (const CLI::ParseError& error) {
         throw UsageError(firstLine(error.what()));
     }
-    const std::vector<std::string> unknown = app.remaining();
-    if (extras == Extras::Refused && !unknown.empty()) refuse(app, unknown.front());
+    return app.remaining();
+}
+
+void refuseExtras(const std::vector<std::string>& extras, const std::vector<std::string>& optionNames) {
+    if (extras.empty()) return;
+    const std::string& extra = extras.front();
+    if (!extra.starts_with('-')) throw UsageError(fmt::format("unexpected argument \"{}\"", extra));
+    std::vector<std::string> options = optionNames;
+    for (std::string& option : options)
+        option.insert(0, "--");
+    const std::string option = extra.substr(0, extra.find('='));
+    throw UsageError(fmt::format("unknown option \"{}\"{}", option, suggestion(option, options)));
+}
+
+void parseAllArguments(CLI::App& app, const std::vector<std::string>& arguments) {
+    refuseExtras(parseArguments(app, arguments), longOptionNames(app));
 }
 
 std::vector<std::string> longOptionNames(const CLI::App& app) {

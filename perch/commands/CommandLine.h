@@ -7,16 +7,19 @@
 
 namespace perch {
 
-enum class Extras {
-    Ignored,
-    Refused,  // with the nearest option for a misspelt one
-};
-
 // Replaces the library's help flag, which ends the parsing, with one like all others.
 void addHelpFlag(CLI::App& app, bool& wantsHelp);
 
-// Throws UsageError with one sentence. The last of an option given several times counts.
-void parseArguments(CLI::App& app, const std::vector<std::string>& arguments, Extras extras);
+// Returns the arguments that belong to no option of `app`, in their order. Throws UsageError with one
+// sentence. The last of an option given several times counts.
+std::vector<std::string> parseArguments(CLI::App& app, const std::vector<std::string>& arguments);
+
+// Throws UsageError for the first of `extras` where there is one, with the nearest of the options, which are
+// named without their dashes, for a misspelt one.
+void refuseExtras(const std::vector<std::string>& extras, const std::vector<std::string>& optionNames);
+
+// Both in one.
+void parseAllArguments(CLI::App& app, const std::vector<std::string>& arguments);
 
 // Without their dashes.
 std::vector<std::string> longOptionNames(const CLI::App& app);

@@ -2,7 +2,6 @@
 // failures are exceptions.
 #pragma once
 
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -18,8 +17,5 @@ enum ExitStatus {
 int runRenderCommand(const std::vector<std::string>& arguments);
 int runDescribeCommand(const std::vector<std::string>& arguments);
 int runCheckCommand(const std::vector<std::string>& arguments);
-
-// `given`, or where it is empty the bundle beside the program.
-std::filesystem::path chooseBundle(const std::filesystem::path& given);
 
 }  // namespace perch

@@ -8,13 +8,9 @@
 #include "Commands.h"
 #include "Description.h"
 #include "Effect.h"
+#include "RenderOptions.h"
 
 namespace perch {
-
-std::filesystem::path chooseBundle(const std::filesystem::path& given) {
-    if (!given.empty()) return given;
-    return findBundleBeside(std::filesystem::canonical("/proc/self/exe").parent_path());
-}
 
 int runDescribeCommand(const std::vector<std::string>& arguments) {
     CLI::App app("Prints what an effect says of itself, and its parameters.", "perch describe");
@@ -25,14 +21,15 @@ int runDescribeCommand(const std::vector<std::string>& arguments) {
     app.add_option("PLUGIN", plugin, "the effect; without it, the only one beside the program")
         ->type_name("");
     app.add_flag("--json", wantsJson, "print JSON");
-    parseArguments(app, arguments, Extras::Refused);
+    parseAllArguments(app, arguments);
     if (wantsHelp) {
         fmt::print("{}", app.help());
         return kDone;
     }
     const Effect effect(chooseBundle(plugin), HostOptions{});
     const EffectDescription& description = effect.description();
-    fmt::print("{}", wantsJson ? describeAsJson(description) : describeAsText(description));
+    const std::vector<ParameterOption> options = optionsOf(description.parameters);
+    fmt::print("{}", wantsJson ? describeAsJson(description, options) : describeAsText(description, options));
     return kDone;
 }
 

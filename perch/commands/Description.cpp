@@ -9,7 +9,6 @@
 
 #include "PF_Values.h"
 #include "ParameterText.h"
-#include "RenderOptions.h"
 
 namespace perch {
 namespace {
@@ -86,21 +85,16 @@ std::string alignedTable(const std::vector<Row>& rows) {
     return table;
 }
 
-// Option names by parameter index.
-std::map<PF_ParamIndex, std::string> optionNames(const EffectDescription& description) {
-    std::map<PF_ParamIndex, std::string> names;
-    for (const ParameterOption& option : parameterOptions(description.parameters, renderOptionNames())) {
-        names[option.parameter.index] = "--" + option.name;
-    }
-    return names;
-}
-
-std::string parameterTable(const EffectDescription& description) {
-    auto options = optionNames(description);
+std::string parameterTable(const EffectDescription& description,
+                           const std::vector<ParameterOption>& options) {
+    std::map<PF_ParamIndex, std::string> optionNames;
+    for (const ParameterOption& option : options)
+        optionNames[option.parameter.index] = "--" + option.name;
     std::vector<Row> rows{{"index", "name", "option", "type", "range", "default", "items"}};
     for (const Parameter& parameter : description.parameters) {
-        rows.push_back({std::to_string(parameter.index), printable(parameter.name), options[parameter.index],
-                        parameter.typeName, rangeText(parameter), printable(defaultText(parameter)),
+        rows.push_back({std::to_string(parameter.index), printable(parameter.name),
+                        optionNames[parameter.index], parameter.typeName, rangeText(parameter),
+                        printable(defaultText(parameter)),
                         printable(fmt::format("{}", fmt::join(parameter.items, ", ")))});
     }
     return alignedTable(rows);
@@ -130,7 +124,8 @@ std::string displayName(const EffectDescription& description) {
     return description.name.empty() ? description.path.stem().string() : printable(description.name);
 }
 
-std::string describeAsText(const EffectDescription& description) {
+std::string describeAsText(const EffectDescription& description,
+                           const std::vector<ParameterOption>& options) {
     const auto orNone = [](const std::string& text) { return text.empty() ? "none" : text; };
     const auto joined = [&](const std::vector<std::string>& names) {
         return orNone(fmt::format("{}", fmt::join(names, ", ")));
@@ -142,7 +137,7 @@ std::string describeAsText(const EffectDescription& description) {
            fmt::format("entry point  {}\n", description.entryPoint) +
            fmt::format("flags        {}\n", joined(flagNames(description.flags))) +
            fmt::format("more flags   {}\n", joined(flagNames2(description.flags2))) + "\n" +
-           parameterTable(description);
+           parameterTable(description, options);
 }
 
 }  // namespace perch

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "EffectDescription.h"
+#include "ParameterOptions.h"
 
 namespace perch {
 
@@ -20,8 +21,8 @@ std::vector<std::string> flagNames2(PF_OutFlags2 flags);
 // The display name, that of the file where the effect has none.
 std::string displayName(const EffectDescription& description);
 
-// Both end with a line break.
-std::string describeAsText(const EffectDescription& description);
-std::string describeAsJson(const EffectDescription& description);
+// `options` are those by which the parameters are set. Both end with a line break.
+std::string describeAsText(const EffectDescription& description, const std::vector<ParameterOption>& options);
+std::string describeAsJson(const EffectDescription& description, const std::vector<ParameterOption>& options);
 
 }  // namespace perch

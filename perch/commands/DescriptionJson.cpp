@@ -2,7 +2,6 @@
 
 #include "Description.h"
 #include "ParameterText.h"
-#include "RenderOptions.h"
 
 namespace perch {
 namespace {
@@ -27,11 +26,11 @@ Json parameterToJson(const Parameter& parameter) {
     return json;
 }
 
-Json parametersToJson(const EffectDescription& description) {
+Json parametersToJson(const EffectDescription& description, const std::vector<ParameterOption>& options) {
     Json parameters = Json::array();
     for (const Parameter& parameter : description.parameters)
         parameters.push_back(parameterToJson(parameter));
-    for (const ParameterOption& option : parameterOptions(description.parameters, renderOptionNames())) {
+    for (const ParameterOption& option : options) {
         for (Json& json : parameters) {
             if (json["index"] == option.parameter.index) json["option"] = "--" + option.name;
         }
@@ -41,12 +40,13 @@ Json parametersToJson(const EffectDescription& description) {
 
 }  // namespace
 
-std::string describeAsJson(const EffectDescription& description) {
+std::string describeAsJson(const EffectDescription& description,
+                           const std::vector<ParameterOption>& options) {
     const Json json{
         {"name", displayName(description)},         {"category", description.category},
         {"matchName", description.matchName},       {"version", versionText(description.version)},
         {"entryPoint", description.entryPoint},     {"flags", flagNames(description.flags)},
-        {"flags2", flagNames2(description.flags2)}, {"parameters", parametersToJson(description)}};
+        {"flags2", flagNames2(description.flags2)}, {"parameters", parametersToJson(description, options)}};
     // Strings of effects have no certain encoding.
     constexpr int kIndent = 2;
     return json.dump(kIndent, ' ', false, Json::error_handler_t::replace) + '\n';

@@ -7,6 +7,7 @@
 #include <csignal>
 #include <cstdio>
 
+#include "Bundle.h"
 #include "Commands.h"
 #include "Description.h"
 #include "Effect.h"
@@ -67,7 +68,7 @@ bool isOfFrame(std::string_view command) {
 }
 
 // `display` outlives the effect.
-HostOptions hostOptions(const RenderOptions& options, Display& display) {
+HostOptions hostOptions(const LoadOptions& options, Display& display) {
     HostOptions host;
     host.threads = options.threads;
     host.strict = options.strict;
@@ -79,7 +80,7 @@ HostOptions hostOptions(const RenderOptions& options, Display& display) {
     return host;
 }
 
-int printHelp(const RenderOptions& options) {
+int printHelp(const LoadOptions& options) {
     std::filesystem::path bundle;
     try {
         bundle = chooseBundle(options.plugin);
@@ -159,11 +160,14 @@ bool render(Effect& effect, const RenderOptions& options, const FramePlan& plan,
 
 int runRenderCommand(const std::vector<std::string>& arguments) {
     const auto start = std::chrono::steady_clock::now();
-    const RenderOptions early = parseBeforeEffect(arguments);
-    if (early.wantsHelp) return printHelp(early);
+    RenderOptions options = parseRenderOptions(arguments);
+    if (options.wantsHelp) return printHelp(options.load);
     Display display;
-    Effect effect(chooseBundle(early.plugin), hostOptions(early, display));
-    const RenderOptions options = parseRenderOptions(arguments, effect.description());
+    Effect effect(chooseBundle(options.load.plugin), hostOptions(options.load, display));
+    ParameterArguments parameters =
+        parseParameterArguments(options.forParameters, effect.description().parameters);
+    options.names.layers = std::move(parameters.layers);
+    options.settings.parameters = std::move(parameters.settings);
     const FramePlan plan = planFrames(options.names);
     catchInterrupts();
     RenderReport report;

@@ -9,7 +9,6 @@
 #include <thread>
 
 #include "CommandLine.h"
-#include "Description.h"
 #include "Error.h"
 #include "NearestName.h"
 #include "PF_Values.h"
@@ -18,8 +17,12 @@
 namespace perch {
 namespace {
 
-// What the options are read into before they are understood.
+// The command's own options as they were given.
 struct Texts {
+    std::string plugin;
+    bool wantsHelp = false;
+    bool wantsTiming = false;
+    bool strict = false;
     std::string input;
     std::string output;
     std::string quality = "best";
@@ -28,7 +31,6 @@ struct Texts {
     std::string threads = "0";
     std::string compression = std::to_string(kFastCompression);
     std::string frames;
-    std::map<std::string, std::string> parameters;  // by option name
 };
 
 // "1/2". The numbers are read as unsigned ones, which takes digits alone: no sign and no space.
@@ -83,8 +85,8 @@ std::size_t framesAheadFor(int threads) {
     return std::clamp(wanted, 1U, kMostFramesAhead);
 }
 
-void addOwnOptions(CLI::App& app, RenderOptions& options, Texts& texts) {
-    addHelpFlag(app, options.wantsHelp);
+void addOwnOptions(CLI::App& app, Texts& texts) {
+    addHelpFlag(app, texts.wantsHelp);
     app.add_option("-i,--input", texts.input,
                    "the picture to be changed: PNG, TIFF or JPEG; a sequence by a name like in.####.png")
         ->type_name("PICTURE");
@@ -96,7 +98,7 @@ void addOwnOptions(CLI::App& app, RenderOptions& options, Texts& texts) {
     app.add_option("--frames", texts.frames,
                    "the frames of the sequence, like 1-24 or 1-24x2 (default: all that there are)")
         ->type_name("RANGE");
-    app.add_option("--plugin", options.plugin, "the effect; without it, the only one beside the program")
+    app.add_option("--plugin", texts.plugin, "the effect; without it, the only one beside the program")
         ->type_name("BUNDLE");
     app.add_option("--threads", texts.threads, "worker threads; 0 for one per processor (default 0)")
         ->type_name("N");
@@ -104,8 +106,8 @@ void addOwnOptions(CLI::App& app, RenderOptions& options, Texts& texts) {
                    fmt::format("of PNG and TIFF files, 0 for none to {} for the smallest (default {})",
                                kMostCompression, kFastCompression))
         ->type_name("LEVEL");
-    app.add_flag("--timing", options.wantsTiming, "tell how long reading, rendering and writing took");
-    app.add_flag("--strict", options.strict, "watch for breaches of the interface's rules; any is a failure");
+    app.add_flag("--timing", texts.wantsTiming, "tell how long reading, rendering and writing took");
+    app.add_flag("--strict", texts.strict, "watch for breaches of the interface's rules; any is a failure");
     app.add_option("--quality", texts.quality, "draft or best (default best)")->type_name("QUALITY");
     app.add_option("--downsample", texts.downsample, "the pictures' size to the full size (default 1/1)")
         ->type_name("N/D");
@@ -124,37 +126,24 @@ void addParameterOption(CLI::App& app, const ParameterOption& option, std::strin
     if (isCheckBox(parameter)) added->expected(0, 1)->type_name("[on|off]");
 }
 
-std::vector<ParameterOption> optionsOf(const EffectDescription& effect) {
-    return parameterOptions(effect.parameters, renderOptionNames());
-}
+using TextsByOption = std::map<std::string, std::string>;
 
-void addParameterOptions(CLI::App& app, const std::vector<ParameterOption>& options, Texts& texts) {
+void addParameterOptions(CLI::App& app, const std::vector<ParameterOption>& options, TextsByOption& texts) {
     for (const ParameterOption& option : options)
-        addParameterOption(app, option, texts.parameters[option.name]);
+        addParameterOption(app, option, texts[option.name]);
 }
 
 void requireOption(const std::string& text, std::string_view option) {
     if (text.empty()) throw UsageError(fmt::format("{} is missing; see perch render --help", option));
 }
 
-// Tries the value on a copy of the declaration, so that a wrong one is told of before any work.
-void requireValue(const ParameterOption& option, const std::string& text) {
-    PF_ParamDef scratch = option.parameter.definition;
-    try {
-        setValue(option, text, scratch);
-    } catch (const Error& error) {
-        throw UsageError(error.what());
-    }
-}
-
-void takeParameter(const ParameterOption& option, const std::string& text, RenderOptions& options) {
+void takeParameter(const ParameterOption& option, const std::string& text, ParameterArguments& arguments) {
     if (!isLayer(option.parameter)) {
         // A bare flag is on.
-        const std::string value = isCheckBox(option.parameter) && text.empty() ? "on" : text;
-        requireValue(option, value);
-        options.settings.assignments.push_back({option, value});
+        const bool isBare = isCheckBox(option.parameter) && text.empty();
+        arguments.settings.push_back(parseSetting(option, isBare ? "on" : text));
     } else if (text != "none") {
-        options.names.layers[option.parameter.index] = text;
+        arguments.layers[option.parameter.index] = text;
     }
 }
 
@@ -163,35 +152,32 @@ void takeParameter(const ParameterOption& option, const std::string& text, Rende
 const std::vector<std::string>& renderOptionNames() {
     static const std::vector<std::string> names = [] {
         CLI::App app;
-        RenderOptions options;
         Texts texts;
-        addOwnOptions(app, options, texts);
+        addOwnOptions(app, texts);
         return longOptionNames(app);
     }();
     return names;
 }
 
-RenderOptions parseBeforeEffect(const std::vector<std::string>& arguments) {
-    CLI::App app;
-    RenderOptions options;
-    Texts texts;
-    addOwnOptions(app, options, texts);
-    parseArguments(app, arguments, Extras::Ignored);
-    options.threads = parseThreads(texts.threads);
-    return options;
+std::vector<ParameterOption> optionsOf(const std::vector<Parameter>& parameters) {
+    return parameterOptions(parameters, renderOptionNames());
 }
 
-RenderOptions parseRenderOptions(const std::vector<std::string>& arguments, const EffectDescription& effect) {
+RenderOptions parseRenderOptions(const std::vector<std::string>& arguments) {
     CLI::App app;
-    RenderOptions options;
     Texts texts;
-    const std::vector<ParameterOption> parameters = optionsOf(effect);
-    addOwnOptions(app, options, texts);
-    addParameterOptions(app, parameters, texts);
-    parseArguments(app, arguments, Extras::Refused);
+    addOwnOptions(app, texts);
+    RenderOptions options;
+    options.forParameters = parseArguments(app, arguments);
+    options.wantsHelp = texts.wantsHelp;
+    options.load.plugin = texts.plugin;
+    if (options.wantsHelp) return options;
 
     requireOption(texts.input, "--input");
     requireOption(texts.output, "--output");
+    options.wantsTiming = texts.wantsTiming;
+    options.load.threads = parseThreads(texts.threads);
+    options.load.strict = texts.strict;
     options.names.input = texts.input;
     options.names.output = texts.output;
     if (!texts.frames.empty()) options.names.frames = parseFrameRange(texts.frames);
@@ -199,23 +185,36 @@ RenderOptions parseRenderOptions(const std::vector<std::string>& arguments, cons
     options.settings.downsample = parseDownsample(texts.downsample);
     options.settings.depth = parseDepth(texts.depth);
     options.settings.compression = parseNumber("--compression", texts.compression, kMostCompression);
-    options.threads = parseThreads(texts.threads);
-    options.settings.framesAhead = framesAheadFor(options.threads);
-    for (const ParameterOption& option : parameters) {
-        if (app.count("--" + option.name) > 0) takeParameter(option, texts.parameters[option.name], options);
-    }
+    options.settings.framesAhead = framesAheadFor(options.load.threads);
     return options;
+}
+
+ParameterArguments parseParameterArguments(const std::vector<std::string>& arguments,
+                                           const std::vector<Parameter>& parameters) {
+    CLI::App app;
+    const std::vector<ParameterOption> options = optionsOf(parameters);
+    TextsByOption texts;
+    addParameterOptions(app, options, texts);
+    std::vector<std::string> known = longOptionNames(app);
+    known.insert(known.end(), renderOptionNames().begin(), renderOptionNames().end());
+    refuseExtras(parseArguments(app, arguments), known);
+
+    ParameterArguments result;
+    for (const ParameterOption& option : options) {
+        if (app.count("--" + option.name) > 0) takeParameter(option, texts.at(option.name), result);
+    }
+    return result;
 }
 
 std::string renderHelp(const EffectDescription* effect) {
     CLI::App app("Applies an effect to a picture or a sequence of pictures.", "perch render");
-    RenderOptions options;
     Texts texts;
-    addOwnOptions(app, options, texts);
+    TextsByOption parameterTexts;
+    addOwnOptions(app, texts);
     if (effect == nullptr) {
         app.footer("The effect's parameters are options as well; name it with --plugin to list them.");
     } else {
-        addParameterOptions(app, optionsOf(*effect), texts);
+        addParameterOptions(app, optionsOf(effect->parameters), parameterTexts);
     }
     return app.help();
 }

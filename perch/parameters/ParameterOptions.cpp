@@ -73,10 +73,10 @@ bool isCheckBox(const Parameter& parameter) {
     return parameter.definition.param_type == PF_Param_CHECKBOX;
 }
 
-void setValue(const ParameterOption& option, std::string_view text, PF_ParamDef& value) {
-    if (setValueFromText(option.parameter, text, value)) return;
-    throw Error(fmt::format("--{} takes {}, not \"{}\"{}", option.name, expectedValue(option.parameter), text,
-                            suggestion(text, option.parameter.items)));
+ParameterSetting parseSetting(const ParameterOption& option, std::string_view text) {
+    if (const auto setting = parseSetting(option.parameter, text)) return *setting;
+    throw UsageError(fmt::format("--{} takes {}, not \"{}\"{}", option.name, expectedValue(option.parameter),
+                                 text, suggestion(text, option.parameter.items)));
 }
 
 }  // namespace perch

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "Parameter.h"
+#include "ParameterSetting.h"
 
 namespace perch {
 
@@ -29,7 +30,7 @@ std::vector<ParameterOption> parameterOptions(const std::vector<Parameter>& para
 bool isLayer(const Parameter& parameter);
 bool isCheckBox(const Parameter& parameter);
 
-// Sets the value that `text` stands for. Throws Error with what was expected. Not for layers.
-void setValue(const ParameterOption& option, std::string_view text, PF_ParamDef& value);
+// What `text` stands for. Throws UsageError with what was expected. Not for layers.
+ParameterSetting parseSetting(const ParameterOption& option, std::string_view text);
 
 }  // namespace perch

@@ -40,11 +40,10 @@ bool isWithin(const std::optional<Range>& range, double number) {
     return !range || (number >= range->minimum && number <= range->maximum);
 }
 
-// The number as 16.16, rounded to the nearest.
-std::optional<PF_Fixed> parseFixed(std::string_view text) {
+// A number that 16.16 values reach.
+std::optional<double> parseFixed(std::string_view text) {
     const std::optional<double> number = parseNumber(text);
-    if (!number || !isWithin(kFixedRange, *number)) return std::nullopt;
-    return static_cast<PF_Fixed>(std::lround(*number * kFixedOne));
+    return number && isWithin(kFixedRange, *number) ? number : std::nullopt;
 }
 
 // A declared range without room in it sets no limit.
@@ -74,107 +73,113 @@ bool isAnyOf(std::string_view text, std::initializer_list<std::string_view> word
     return std::ranges::any_of(words, [&](std::string_view word) { return equalsIgnoringCase(text, word); });
 }
 
-bool setSlider(const Parameter& parameter, std::string_view text, PF_SliderDef& slider) {
+using Numbers = std::array<double, 4>;
+
+std::optional<Numbers> oneNumber(std::optional<double> number) {
+    return number ? std::optional(Numbers{*number}) : std::nullopt;
+}
+
+std::optional<double> parseSlider(const Parameter& parameter, std::string_view text) {
     const auto number = parseWhole<PF_ParamValue>(text);
-    if (!number || !isWithin(limits(parameter), *number)) return false;
-    slider.value = *number;
-    return true;
+    return number && isWithin(limits(parameter), *number) ? std::optional<double>(*number) : std::nullopt;
 }
 
-bool setFixed(const Parameter& parameter, std::string_view text, PF_Fixed& value) {
-    const std::optional<PF_Fixed> number = parseFixed(text);
-    if (!number || !isWithin(limits(parameter), *number / kFixedOne)) return false;
-    value = *number;
-    return true;
+// The range holds for the 16.16 value.
+std::optional<double> parseFixedSlider(const Parameter& parameter, std::string_view text) {
+    const std::optional<double> number = parseFixed(text);
+    if (!number) return std::nullopt;
+    const double rounded = static_cast<double>(std::lround(*number * kFixedOne)) / kFixedOne;
+    return isWithin(limits(parameter), rounded) ? std::optional(rounded) : std::nullopt;
 }
 
-bool setFloat(const Parameter& parameter, std::string_view text, PF_FloatSliderDef& slider) {
-    std::optional<double> number = parseNumber(text);
-    if (!number) return false;
-    if (const std::optional<Range> range = limits(parameter)) {
-        // The range is kept in single precision: 0.1 is within one that begins at "0.1".
-        const auto rounded = static_cast<double>(static_cast<float>(*number));
-        if (!isWithin(range, rounded)) return false;
-        number = std::clamp(*number, range->minimum, range->maximum);
-    }
-    slider.value = *number;
-    return true;
+std::optional<double> parseFloatSlider(const Parameter& parameter, std::string_view text) {
+    const std::optional<double> number = parseNumber(text);
+    const std::optional<Range> range = limits(parameter);
+    if (!number || !range) return number;
+    // The range is kept in single precision: 0.1 is within one that begins at "0.1".
+    const auto rounded = static_cast<double>(static_cast<float>(*number));
+    if (!isWithin(range, rounded)) return std::nullopt;
+    return std::clamp(*number, range->minimum, range->maximum);
 }
 
-bool setCheckBox(std::string_view text, PF_CheckBoxDef& box) {
-    const bool isOn = isAnyOf(text, {"on", "true", "yes", "1"});
-    if (!isOn && !isAnyOf(text, {"off", "false", "no", "0"})) return false;
-    box.value = isOn ? 1 : 0;
-    return true;
+std::optional<double> parseCheckBox(std::string_view text) {
+    if (isAnyOf(text, {"on", "true", "yes", "1"})) return 1.0;
+    if (isAnyOf(text, {"off", "false", "no", "0"})) return 0.0;
+    return std::nullopt;
+}
+
+// An item's name, or its number from 1.
+std::optional<double> parsePopup(const Parameter& parameter, std::string_view text) {
+    const auto item = std::ranges::find_if(
+        parameter.items, [&](const std::string& name) { return equalsIgnoringCase(name, text); });
+    if (item != parameter.items.end()) return static_cast<double>(item - parameter.items.begin()) + 1;
+    const auto number = parseWhole<PF_ParamValue>(text);
+    if (!number || *number < 1 || static_cast<std::size_t>(*number) > parameter.items.size())
+        return std::nullopt;
+    return *number;
 }
 
 // "#rrggbb"
-std::optional<PF_Pixel> parseHexColor(std::string_view text) {
-    if (text.size() != 7 || text.front() != '#') return std::nullopt;
+std::optional<Numbers> parseHexColor(std::string_view text) {
+    if (text.size() != 7) return std::nullopt;
     std::uint32_t code = 0;
     const char* const end = text.data() + text.size();
     const auto parsed = std::from_chars(text.data() + 1, end, code, 16);
     if (parsed.ec != std::errc() || parsed.ptr != end) return std::nullopt;
-    const auto byteAt = [code](unsigned shift) { return static_cast<A_u_char>(code >> shift & 0xFFU); };
-    return PF_Pixel{255, byteAt(16), byteAt(8), byteAt(0)};
+    const auto byteAt = [code](unsigned shift) { return static_cast<double>(code >> shift & 0xFFU); };
+    return Numbers{byteAt(16), byteAt(8), byteAt(0), kByteRange.maximum};
 }
 
 // "r,g,b" or "r,g,b,a"
-std::optional<PF_Pixel> parseColorList(std::string_view text) {
+std::optional<Numbers> parseColorList(std::string_view text) {
     std::vector<std::string_view> parts = splitAtCommas(text, 3);
     if (parts.empty()) parts = splitAtCommas(text, 4);
     if (parts.empty()) return std::nullopt;
-    std::array<A_u_char, 4> bytes{0, 0, 0, 255};
+    Numbers channels{0, 0, 0, kByteRange.maximum};
     for (std::size_t i = 0; i < parts.size(); ++i) {
         const auto number = parseWhole<int>(parts[i]);
         if (!number || !isWithin(kByteRange, *number)) return std::nullopt;
-        bytes[i] = static_cast<A_u_char>(*number);
+        channels[i] = *number;
     }
-    return PF_Pixel{bytes[3], bytes[0], bytes[1], bytes[2]};
+    return channels;
 }
 
-bool setColor(std::string_view text, PF_ColorDef& color) {
-    const std::optional<PF_Pixel> pixel = text.starts_with('#') ? parseHexColor(text) : parseColorList(text);
-    if (pixel) color.value = *pixel;
-    return pixel.has_value();
-}
-
-bool setPoint(std::string_view text, PF_PointDef& point) {
-    const std::vector<std::string_view> parts = splitAtCommas(text, 2);
-    if (parts.empty()) return false;
-    const std::optional<PF_Fixed> x = parseFixed(parts[0]);
-    const std::optional<PF_Fixed> y = parseFixed(parts[1]);
-    if (!x || !y) return false;
-    point.x_value = *x;
-    point.y_value = *y;
-    return true;
-}
-
-bool setPoint3D(std::string_view text, PF_Point3DDef& point) {
-    const std::vector<std::string_view> parts = splitAtCommas(text, 3);
-    if (parts.empty()) return false;
-    const std::optional<double> x = parseNumber(parts[0]);
-    const std::optional<double> y = parseNumber(parts[1]);
-    const std::optional<double> z = parseNumber(parts[2]);
-    if (!x || !y || !z) return false;
-    point.x_value = *x;
-    point.y_value = *y;
-    point.z_value = *z;
-    return true;
-}
-
-// An item's name, or its number from 1.
-bool setPopup(const Parameter& parameter, std::string_view text, PF_PopupDef& popup) {
-    const auto item = std::ranges::find_if(
-        parameter.items, [&](const std::string& name) { return equalsIgnoringCase(name, text); });
-    if (item != parameter.items.end()) {
-        popup.value = static_cast<PF_ParamValue>(item - parameter.items.begin()) + 1;
-        return true;
+// "x,y" or "x,y,z"; each number by `parse`.
+template <typename Parse>
+std::optional<Numbers> parsePoint(std::string_view text, std::size_t dimensions, const Parse& parse) {
+    const std::vector<std::string_view> parts = splitAtCommas(text, dimensions);
+    if (parts.empty()) return std::nullopt;
+    Numbers point{};
+    for (std::size_t i = 0; i < dimensions; ++i) {
+        const std::optional<double> number = parse(parts[i]);
+        if (!number) return std::nullopt;
+        point[i] = *number;
     }
-    const auto number = parseWhole<PF_ParamValue>(text);
-    if (!number || *number < 1 || static_cast<std::size_t>(*number) > parameter.items.size()) return false;
-    popup.value = *number;
-    return true;
+    return point;
+}
+
+std::optional<Numbers> parseNumbers(const Parameter& parameter, std::string_view text) {
+    switch (parameter.definition.param_type) {
+        case PF_Param_SLIDER:
+            return oneNumber(parseSlider(parameter, text));
+        case PF_Param_FIX_SLIDER:
+        case PF_Param_ANGLE:
+            return oneNumber(parseFixedSlider(parameter, text));
+        case PF_Param_FLOAT_SLIDER:
+            return oneNumber(parseFloatSlider(parameter, text));
+        case PF_Param_CHECKBOX:
+            return oneNumber(parseCheckBox(text));
+        case PF_Param_POPUP:
+            return oneNumber(parsePopup(parameter, text));
+        case PF_Param_COLOR:
+            return text.starts_with('#') ? parseHexColor(text) : parseColorList(text);
+        case PF_Param_POINT:
+            return parsePoint(text, 2, parseFixed);
+        case PF_Param_POINT_3D:
+            return parsePoint(text, 3, parseNumber);
+        default:
+            return std::nullopt;
+    }
 }
 
 std::string withRange(std::string text, const Parameter& parameter) {
@@ -200,29 +205,10 @@ std::string point3DText(const PF_Point3DDef& point) {
 
 }  // namespace
 
-bool setValueFromText(const Parameter& parameter, std::string_view text, PF_ParamDef& value) {
-    switch (parameter.definition.param_type) {
-        case PF_Param_SLIDER:
-            return setSlider(parameter, text, value.u.sd);
-        case PF_Param_FIX_SLIDER:
-            return setFixed(parameter, text, value.u.fd.value);
-        case PF_Param_ANGLE:
-            return setFixed(parameter, text, value.u.ad.value);
-        case PF_Param_CHECKBOX:
-            return setCheckBox(text, value.u.bd);
-        case PF_Param_COLOR:
-            return setColor(text, value.u.cd);
-        case PF_Param_POINT:
-            return setPoint(text, value.u.td);
-        case PF_Param_POPUP:
-            return setPopup(parameter, text, value.u.pd);
-        case PF_Param_FLOAT_SLIDER:
-            return setFloat(parameter, text, value.u.fs_d);
-        case PF_Param_POINT_3D:
-            return setPoint3D(text, value.u.point3d_d);
-        default:
-            return false;
-    }
+std::optional<ParameterSetting> parseSetting(const Parameter& parameter, std::string_view text) {
+    const std::optional<Numbers> numbers = parseNumbers(parameter, text);
+    if (!numbers) return std::nullopt;
+    return ParameterSetting{parameter.index, *numbers};
 }
 
 std::string formatNumber(double number) {

@@ -1,15 +1,17 @@
 // The text form of parameter values.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "Parameter.h"
+#include "ParameterSetting.h"
 
 namespace perch {
 
-// False, and `value` as it was, when the text is no value of the parameter's type within its range.
-bool setValueFromText(const Parameter& parameter, std::string_view text, PF_ParamDef& value);
+// Absent when the text is not a value of the parameter's type within its range.
+std::optional<ParameterSetting> parseSetting(const Parameter& parameter, std::string_view text);
 
 // "a number from 0 to 100"
 std::string expectedValue(const Parameter& parameter);

@@ -155,8 +155,8 @@ private:
     ParameterValues valuesFor(const World& input) const {
         ParameterValues values = effect.defaultValues(fullExtent(0, input.width(), settings.downsample),
                                                       fullExtent(0, input.height(), settings.downsample));
-        for (const auto& [option, text] : settings.assignments)
-            setValue(option, text, values.at(static_cast<std::size_t>(option.parameter.index)));
+        for (const ParameterSetting& setting : settings.parameters)
+            applySetting(setting, values);
         return values;
     }
 

@@ -12,21 +12,15 @@
 
 #include "Effect.h"
 #include "FramePlan.h"
-#include "ParameterOptions.h"
+#include "ParameterSetting.h"
 #include "Pictures.h"
 
 namespace perch {
 
-// A value that the user gave, in the form of the command line.
-struct ParameterAssignment {
-    ParameterOption option;
-    std::string text;
-};
-
 // The same for all frames of a job.
 struct RenderSettings {
-    std::vector<ParameterAssignment> assignments;  // not of layers
-    std::optional<Depth> depth;                    // absent: that of the input
+    std::vector<ParameterSetting> parameters;
+    std::optional<Depth> depth;  // absent: that of the input
     PF_Quality quality = PF_Quality_HI;
     PF_RationalScale downsample{1, 1};  // the pictures are this much smaller than the layer
     int compression = kFastCompression;

@@ -48,9 +48,10 @@ TEST(DescriptionTest, NamesOfNoEncodingAndWithControlCharactersDoNoHarm) {
     parameter.name = "Bad\nName\xFE";
     parameter.definition.param_type = PF_Param_SLIDER;
     description.parameters.push_back(parameter);
-    const auto json = nlohmann::json::parse(describeAsJson(description));
+    const std::vector<ParameterOption> options = parameterOptions(description.parameters, {});
+    const auto json = nlohmann::json::parse(describeAsJson(description, options));
     EXPECT_EQ(json["parameters"][0]["option"], "--bad-name");
-    const std::string text = describeAsText(description);
+    const std::string text = describeAsText(description, options);
     EXPECT_EQ(text.find('\x1B'), std::string::npos) << text;
     EXPECT_NE(text.find("Bad?Name"), std::string::npos) << text;
 }

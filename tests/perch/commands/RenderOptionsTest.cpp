@@ -12,14 +12,13 @@ std::vector<std::string> withPictures(const std::string& option, const std::stri
 }
 
 RenderOptions parsed(const std::string& option, const std::string& text) {
-    return parseRenderOptions(withPictures(option, text), EffectDescription{});
+    return parseRenderOptions(withPictures(option, text));
 }
 
-TEST(RenderOptionsTest, ThreadsAreKnownBeforeTheEffectAndWithIt) {
+TEST(RenderOptionsTest, ThreadsGoToTheEffect) {
     for (const int threads : {0, 1, 3, 1024}) {
         const std::string text = std::to_string(threads);
-        EXPECT_EQ(parseBeforeEffect(withPictures("--threads", text)).threads, threads);
-        EXPECT_EQ(parsed("--threads", text).threads, threads);
+        EXPECT_EQ(parsed("--threads", text).load.threads, threads);
     }
 }
 

@@ -77,8 +77,7 @@ TEST(ParameterOptionsTest, EveryOptionHasANameOfItsOwn) {
 
 // Whether the text is accepted.
 bool accepts(const Parameter& parameter, const char* text) {
-    PF_ParamDef value{};
-    return setValueFromText(parameter, text, value);
+    return parseSetting(parameter, text).has_value();
 }
 
 TEST(ParameterTextTest, NumbersOutsideTheValidRangeAreRefused) {
@@ -136,9 +135,15 @@ TEST(ParameterTextTest, OtherTypesTakeTheirOwnForms) {
 }
 
 PF_ParamDef parsed(const Parameter& parameter, const char* text) {
-    PF_ParamDef value{};
-    EXPECT_TRUE(setValueFromText(parameter, text, value)) << text;
-    return value;
+    std::optional<ParameterSetting> setting = parseSetting(parameter, text);
+    if (!setting) {
+        ADD_FAILURE() << text;
+        return {};
+    }
+    setting->index = 1;
+    ParameterValues values{PF_ParamDef{}, parameter.definition};
+    applySetting(*setting, values);
+    return values[1];
 }
 
 TEST(ParameterTextTest, ValuesArriveInTheUnitsOfTheInterface) {
@@ -160,16 +165,30 @@ TEST(ParameterTextTest, ValuesArriveInTheUnitsOfTheInterface) {
               std::vector<int>({4, 1, 2, 3}));
 }
 
-TEST(ParameterTextTest, RefusedTextLeavesTheValueAsItWas) {
-    for (const char* text : {"1,2,x", "7", "#12345g", "900"}) {
-        for (const PF_ParamType type : {PF_Param_COLOR, PF_Param_POINT_3D, PF_Param_CHECKBOX}) {
-            PF_ParamDef value;
-            std::memset(&value, 0x55, sizeof value);
-            const PF_ParamDef before = value;
-            ASSERT_FALSE(setValueFromText(named("X", type), text, value)) << text;
-            EXPECT_EQ(std::memcmp(&value, &before, sizeof value), 0) << text << ", type " << type;
-        }
+TEST(ParameterSettingTest, TypesWithoutAValueStayAsTheyAre) {
+    for (const PF_ParamType type :
+         {PF_Param_LAYER, PF_Param_GROUP_START, PF_Param_BUTTON, PF_Param_NO_DATA}) {
+        ParameterValues values(2);
+        std::memset(&values[1], 0x55, sizeof values[1]);
+        values[1].param_type = type;
+        const PF_ParamDef before = values[1];
+        applySetting({.index = 1, .numbers = {1, 2, 3, 4}}, values);
+        EXPECT_EQ(std::memcmp(&values[1], &before, sizeof before), 0) << "type " << type;
     }
+}
+
+TEST(ParameterSettingTest, WholeValuesAreRoundedToTheNearest) {
+    const auto set = [](PF_ParamType type, ParameterSetting setting) {
+        ParameterValues values(2);
+        values[1].param_type = type;
+        setting.index = 1;
+        applySetting(setting, values);
+        return values[1].u;
+    };
+    EXPECT_EQ(set(PF_Param_SLIDER, {.numbers = {2.5}}).sd.value, 3);
+    EXPECT_EQ(set(PF_Param_SLIDER, {.numbers = {-2.4}}).sd.value, -2);
+    EXPECT_EQ(set(PF_Param_ANGLE, {.numbers = {0.6 / 65536}}).ad.value, 1);
+    EXPECT_EQ(set(PF_Param_COLOR, {.numbers = {0, 254.5, 0, 255}}).cd.value.green, 255);
 }
 
 TEST(ParameterTextTest, SmallestSingleOfTheRangeIsNotLeft) {
@@ -189,9 +208,8 @@ TEST(ParameterOptionsTest, RefusalTellsWhatWasExpected) {
          "--o takes one of Fast, Fine, or its number from 1 to 2, not \"fin\" (did you mean \"Fine\"?)"},
     };
     for (const auto& [parameter, sentence] : cases) {
-        PF_ParamDef value{};
         try {
-            setValue({"o", parameter}, "fin", value);
+            parseSetting(ParameterOption{"o", parameter}, "fin");
             ADD_FAILURE() << "nothing was thrown for " << sentence;
         } catch (const Error& error) {
             EXPECT_STREQ(error.what(), sentence);
