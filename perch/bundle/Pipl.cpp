@@ -8,9 +8,9 @@ namespace perch {
 namespace {
 
 constexpr char kBadHeader[] = "its property list is cut short";
-constexpr char kBadProperty[] = "a property runs out of its property list";
+constexpr char kBadProperty[] = "a property extends past the end of its property list";
 constexpr char kBadNumber[] = "a number in its property list is cut short";
-constexpr char kBadString[] = "a string runs out of its property";
+constexpr char kBadString[] = "a string extends past the end of its property";
 constexpr char kBadVersion[] = "its property list is of an unknown version";
 constexpr char kBadKind[] = "its property list is not that of an effect";
 constexpr std::uint64_t kListHeaderSize = 8;

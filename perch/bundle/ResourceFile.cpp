@@ -13,9 +13,9 @@ constexpr char kBadHeader[] = "its header is cut short";
 constexpr char kBadArea[] = "its header names bytes beyond the end of the file";
 constexpr char kBadOverlap[] = "its data and its map lie over each other or over the header";
 constexpr char kBadMap[] = "its resource map is cut short";
-constexpr char kBadTypes[] = "its list of types runs out of the resource map";
-constexpr char kBadReferences[] = "its list of references runs out of the resource map";
-constexpr char kBadResource[] = "a resource runs out of the data area";
+constexpr char kBadTypes[] = "its list of types extends past the end of the resource map";
+constexpr char kBadReferences[] = "its list of references extends past the end of the resource map";
+constexpr char kBadResource[] = "a resource extends past the end of the data area";
 
 struct Areas {
     ByteSpan data;

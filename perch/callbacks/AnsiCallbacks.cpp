@@ -9,7 +9,7 @@
 namespace perch {
 namespace {
 
-// The caller sees to the room, as with the C function.
+// The caller provides enough room, as with the C function.
 __attribute__((format(printf, 2, 3))) int printText(A_char* text, const A_char* format, ...) {
     std::va_list arguments;
     va_start(arguments, format);

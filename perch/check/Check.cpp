@@ -22,13 +22,13 @@ namespace {
 namespace fs = std::filesystem;
 
 // A point that did not hold, in a sentence's words.
-class NotWell : public Error {
+class Failure : public Error {
 public:
     using Error::Error;
 };
 
 void require(bool condition, const std::string& sentence) {
-    if (!condition) throw NotWell(sentence);
+    if (!condition) throw Failure(sentence);
 }
 
 struct Size {
@@ -68,7 +68,7 @@ public:
         return options;
     }
 
-    // A request for a made frame; the pictures live as long as the trial.
+    // A request for a generated frame; the pictures live as long as the trial.
     FrameRequest frame(Size size, bool deep, bool withLayers = true) {
         FrameRequest request;
         request.input = &keep(madePicture(size, deep, 0));
@@ -84,13 +84,13 @@ public:
 
     World render(const FrameRequest& request) { return Sequence(effect).render(request).picture; }
 
-    // Ends the effect; what strict mode found is not well, but for handles where `toleratesHandles`.
+    // Ends the effect; what strict mode found is a failure, except handles where `toleratesHandles`.
     void end(bool toleratesHandles = false) {
         effect.close();
         for (const Finding& finding : effect.findings()) {
             const bool isHandle = finding.callback == "host_new_handle";
             if (finding.severity == Finding::Severity::Fault && !(isHandle && toleratesHandles)) {
-                throw NotWell(describe(finding));
+                throw Failure(describe(finding));
             }
         }
     }
@@ -340,8 +340,8 @@ void checkFailures(const fs::path& plugin) {
                 }
                 require(trial.render(request).checksum() == expected, "the next frame is not right");
                 trial.end();
-            } catch (const NotWell& failure) {
-                throw NotWell(when + failure.what());
+            } catch (const Failure& failure) {
+                throw Failure(when + failure.what());
             } catch (const EffectError&) {
                 // Set-up failed, and said so.
             }
@@ -381,20 +381,20 @@ void checkSuites(const fs::path& plugin) {
             Trial trial(plugin, options);
             trial.render(trial.frame(kUsual, false));
             trial.end();
-        } catch (const NotWell& failure) {
-            throw NotWell(fmt::format("without {}: {}", name, failure.what()));
+        } catch (const Failure& failure) {
+            throw Failure(fmt::format("without {}: {}", name, failure.what()));
         } catch (const EffectError&) {
             // The effect needs it, and says so.
         }
     }
 }
 
-struct Point {
+struct Rule {
     const char* name;
     void (*check)(const fs::path& plugin);
 };
 
-constexpr Point kPoints[] = {
+constexpr Rule kRules[] = {
     {"set-up and tear-down, twice, with two instances", checkLife},
     {"frames of several sizes at each depth", checkSizes},
     {"frames without layers", checkNoLayers},
@@ -415,18 +415,18 @@ constexpr Point kPoints[] = {
 
 bool runCheck(const fs::path& plugin) {
     Effect(plugin, HostOptions{}).close();  // a file that is no effect is an error of its own
-    bool isWell = true;
-    for (const Point& point : kPoints) {
+    bool isPassed = true;
+    for (const Rule& rule : kRules) {
         std::string verdict = "ok";
         try {
-            point.check(plugin);
+            rule.check(plugin);
         } catch (const std::exception& failure) {
-            isWell = false;
+            isPassed = false;
             verdict = fmt::format("FAILED: {}", failure.what());
         }
-        fmt::print("{:<50} {}\n", point.name, verdict);
+        fmt::print("{:<50} {}\n", rule.name, verdict);
     }
-    return isWell;
+    return isPassed;
 }
 
 }  // namespace perch

@@ -1,4 +1,4 @@
-// `perch check`: an effect put through the protocol in strict mode, on made frames of both depths.
+// `perch check`: an effect put through the protocol in strict mode, on generated frames of both depths.
 #pragma once
 
 #include <filesystem>

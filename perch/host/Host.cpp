@@ -136,7 +136,7 @@ void Host::comparePropertyList() {
     compare("out_flags2", description.flags2, description.propertyListFlags2);
 }
 
-PF_InData Host::makeInData(const Call& made) {
+PF_InData Host::makeInData(const Call& sent) {
     PF_InData in{};
     in.inter = tables.interaction;
     in.utils = tables.utilities;
@@ -149,82 +149,82 @@ PF_InData Host::makeInData(const Call& made) {
     in.time_step = in.local_time_step = 1;
     in.downsample_x = in.downsample_y = in.pixel_aspect_ratio = {1, 1};
     in.pica_basicP = options.offersSuites ? tables.suites : nullptr;
-    if (made.frame != nullptr) describeFrame(*made.frame, in);
+    if (sent.frame != nullptr) describeFrame(*sent.frame, in);
     in.global_data = globalData;
-    in.sequence_data = valueOrNull(made.sequenceData);
-    in.frame_data = options.keepsFrameData ? valueOrNull(made.frameData) : nullptr;
+    in.sequence_data = valueOrNull(sent.sequenceData);
+    in.frame_data = options.keepsFrameData ? valueOrNull(sent.frameData) : nullptr;
     return in;
 }
 
-void Host::send(Call& made) {
+void Host::send(Call& sent) {
     if (!isMainThread()) throw Error("commands are sent on the thread that loaded the effect");
-    const std::string name = commandName(made.command);
+    const std::string name = commandName(sent.command);
     if (options.onCommand) options.onCommand(name);
     ledger.enterCommand(name);
-    if (made.values.empty()) made.values = defaultParameterValues(description.parameters, 0, 0);
+    if (sent.values.empty()) sent.values = defaultParameterValues(description.parameters, 0, 0);
 
-    const PF_InData given = makeInData(made);
+    const PF_InData given = makeInData(sent);
     PF_InData in = given;
-    made.out = {};
-    made.out.global_data = in.global_data;
-    made.out.sequence_data = in.sequence_data;
-    made.out.frame_data = in.frame_data;
+    sent.out = {};
+    sent.out.global_data = in.global_data;
+    sent.out.sequence_data = in.sequence_data;
+    sent.out.frame_data = in.frame_data;
     {
-        const UnderWay underWay(call, made);
-        enter(made, in);
+        const UnderWay underWay(call, sent);
+        enter(sent, in);
     }
-    carryOver(made, given, in);
-    if (made.out.return_msg[sizeof made.out.return_msg - 1] != '\0')
+    carryOver(sent, given, in);
+    if (sent.out.return_msg[sizeof sent.out.return_msg - 1] != '\0')
         ledger.fault("", "return_msg is not terminated within its 256 bytes");
     checkouts.reportOpen();
     worlds.reportOpen();
 }
 
-void Host::enter(Call& made, PF_InData& in) {
+void Host::enter(Call& sent, PF_InData& in) {
     std::vector<PF_ParamDef*> params;
-    for (PF_ParamDef& value : made.values)
+    for (PF_ParamDef& value : sent.values)
         params.push_back(&value);
     PF_LayerDef noOutput{};
-    PF_LayerDef* output = made.output != nullptr ? made.output : &noOutput;
+    PF_LayerDef* output = sent.output != nullptr ? sent.output : &noOutput;
     try {
-        made.code = entryPoint(made.command, &in, &made.out, params.data(), output, made.extra);
+        sent.code = entryPoint(sent.command, &in, &sent.out, params.data(), output, sent.extra);
     } catch (...) {
         ledger.fault("", "an exception left the entry point");
-        made.code = PF_Err_INTERNAL_STRUCT_DAMAGED;
+        sent.code = PF_Err_INTERNAL_STRUCT_DAMAGED;
     }
 }
 
-void Host::carryOver(Call& made, const PF_InData& given, const PF_InData& in) {
+void Host::carryOver(Call& sent, const PF_InData& given, const PF_InData& in) {
     const auto keep = [this](const char* field, PF_Handle handle, PF_Handle& kept) {
         kept = handle;
         if (handle != nullptr && !handles.isLive(handle))
             ledger.fault("", fmt::format("{} is not a handle of the host, or has been disposed", field));
     };
-    keep("global_data", keptHandle(given.global_data, in.global_data, made.out.global_data), globalData);
-    if (made.sequenceData != nullptr)
-        keep("sequence_data", keptHandle(given.sequence_data, in.sequence_data, made.out.sequence_data),
-             *made.sequenceData);
-    if (made.frameData != nullptr && options.keepsFrameData)
-        keep("frame_data", keptHandle(given.frame_data, in.frame_data, made.out.frame_data), *made.frameData);
+    keep("global_data", keptHandle(given.global_data, in.global_data, sent.out.global_data), globalData);
+    if (sent.sequenceData != nullptr)
+        keep("sequence_data", keptHandle(given.sequence_data, in.sequence_data, sent.out.sequence_data),
+             *sent.sequenceData);
+    if (sent.frameData != nullptr && options.keepsFrameData)
+        keep("frame_data", keptHandle(given.frame_data, in.frame_data, sent.out.frame_data), *sent.frameData);
 }
 
-void Host::throwIfFailed(const Call& made) const {
-    const std::string message = resultOf(made).message;
-    const std::string name = commandName(made.command);
+void Host::throwIfFailed(const Call& sent) const {
+    const std::string message = resultOf(sent).message;
+    const std::string name = commandName(sent.command);
     const std::optional<std::int32_t> frame =
-        made.frame != nullptr ? std::optional(made.frame->frame) : std::nullopt;
-    if (made.code == PF_Interrupt_CANCEL) throw Cancelled(name, made.code, message, frame);
-    if (made.code != PF_Err_NONE) throw EffectError(name, made.code, message, frame);
-    if (message.empty() || made.command == PF_Cmd_ABOUT) return;
-    if ((made.out.out_flags & PF_OutFlag_DISPLAY_ERROR_MESSAGE) != 0)
-        throw EffectError(name, made.code, message, frame);
+        sent.frame != nullptr ? std::optional(sent.frame->frame) : std::nullopt;
+    if (sent.code == PF_Interrupt_CANCEL) throw Cancelled(name, sent.code, message, frame);
+    if (sent.code != PF_Err_NONE) throw EffectError(name, sent.code, message, frame);
+    if (message.empty() || sent.command == PF_Cmd_ABOUT) return;
+    if ((sent.out.out_flags & PF_OutFlag_DISPLAY_ERROR_MESSAGE) != 0)
+        throw EffectError(name, sent.code, message, frame);
     if (options.onMessage) options.onMessage(name, message);
 }
 
-void Host::reportFailedTearDown(const Call& made) {
-    if (made.code != PF_Err_NONE)
+void Host::reportFailedTearDown(const Call& sent) {
+    if (sent.code != PF_Err_NONE)
         ledger.fault("", fmt::format("the effect answered {}; nothing can be done about a failed tear-down",
-                                     made.code));
+                                     sent.code));
 }
 
 bool Host::isDuringFrame() const {

@@ -45,7 +45,7 @@ public:
     // Throws what the effect answered, or passes its message on.
     void throwIfFailed(const Call& call) const;
 
-    // Notes a failed tear-down, which nobody is thrown at.
+    // Notes a failed tear-down, which throws nothing: the caller could do nothing about it.
     void reportFailedTearDown(const Call& call);
 
     // GLOBAL_SETUP and PARAMS_SETUP. Throws as throwIfFailed does.

@@ -62,8 +62,9 @@ void Checkouts::reportOpen() {
     const std::lock_guard lock(mutex);
     for (const Entry& entry : entries) {
         checkPixels(entry, "checkout_param");
-        ledger.fault("checkout_param", fmt::format("parameter {} was checked out{} and never checked in",
-                                                   entry.index, entry.hasFailed ? " in vain" : ""));
+        ledger.fault("checkout_param",
+                     fmt::format("parameter {} was checked out{} and never checked in", entry.index,
+                                 entry.hasFailed ? " (the checkout failed)" : ""));
     }
     entries.clear();
 }

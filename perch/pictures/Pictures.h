@@ -6,8 +6,8 @@
 // files written; files with premultiplied alpha are divided by it. Profiles, orientation and other metadata
 // are neither applied nor carried over.
 //
-// Failures are Error: one sentence that names the file and the mend. Files are read and written from any
-// number of threads.
+// Failures are Error: one sentence that names the file and how to mend it. Files are read and written from
+// any number of threads.
 #pragma once
 
 #include <filesystem>

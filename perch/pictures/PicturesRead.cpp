@@ -84,7 +84,7 @@ Samples readSamples(const fs::path& path) {
     const std::unique_ptr<OIIO::ImageInput> file = OIIO::ImageInput::open(path.string(), &keepAlpha);
     if (file == nullptr) {
         OIIO::geterror();  // an error not fetched is printed at exit
-        refuse(path, "it is no picture or a damaged one; name a PNG, TIFF or JPEG file");
+        refuse(path, "it is not a picture, or a damaged one; name a PNG, TIFF or JPEG file");
     }
     requireSupported(path, *file);
     const OIIO::ImageSpec& layout = file->spec();

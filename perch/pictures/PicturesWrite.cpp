@@ -145,8 +145,8 @@ bool writeBytes(const fs::path& path, const Bytes& bytes) {
 template <typename P>
 bool needsNoAlphaAs(const World& world) {
     for (std::int32_t y = 0; y < world.height(); ++y) {
-        const auto isGlass = [](const P& pixel) { return pixel.alpha < kWhite<P>; };
-        if (std::ranges::any_of(pixelRow<P>(world.record(), y), isGlass)) return false;
+        const auto isTransparent = [](const P& pixel) { return pixel.alpha < kWhite<P>; };
+        if (std::ranges::any_of(pixelRow<P>(world.record(), y), isTransparent)) return false;
     }
     return true;
 }

@@ -89,9 +89,9 @@ TEST(PiplTest, DamageIsRefusedWithItsReason) {
     const Case cases[] = {
         {"unknown version", bigEndian(1) + kind.substr(4), "its property list is of an unknown version"},
         {"count beyond the list", bigEndian(0) + bigEndian(0xFFFFFFFF) + kind.substr(8),
-         "a property runs out of its property list"},
+         "a property extends past the end of its property list"},
         {"length beyond the list", kind.substr(0, 20) + bigEndian(0xFFFFFFFF) + kind.substr(24),
-         "a property runs out of its property list"},
+         "a property extends past the end of its property list"},
         {"no kind", propertyList({}), "its property list is not that of an effect"},
         {"another kind", propertyList({{PiPL_KIND, "eFMT"}}), "its property list is not that of an effect"},
         {"string longer than its property",
@@ -99,11 +99,11 @@ TEST(PiplTest, DamageIsRefusedWithItsReason) {
                        {PiPL_NAME,
                         "\x05"
                         "abc"}}),
-         "a string runs out of its property"},
+         "a string extends past the end of its property"},
         {"string without a length", propertyList({kKind, {PiPL_NAME, ""}}),
-         "a string runs out of its property"},
+         "a string extends past the end of its property"},
         {"string without an end", propertyList({kKind, {PiPL_ENTRY_WINDOWS, "Main"}}),
-         "a string runs out of its property"},
+         "a string extends past the end of its property"},
         {"number cut short", propertyList({kKind, {PiPL_OUT_FLAGS, bigEndian(0, 2)}}),
          "a number in its property list is cut short"},
     };

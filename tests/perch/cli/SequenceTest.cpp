@@ -53,7 +53,8 @@ struct EarlyEnd {
 const EarlyEnd kEarlyEnds[] = {
     {"DamagedInput",
      "perch render --plugin {plugins}/Timeline.so -i torn.####.png -o out.####.png",
-     "frame 2: cannot read \"torn.0002.png\": it is no picture or a damaged one; name a PNG, TIFF or JPEG "
+     "frame 2: cannot read \"torn.0002.png\": it is not a picture, or a damaged one; name a PNG, TIFF or "
+     "JPEG "
      "file",
      {"out.0001.png"}},
     {"FailingEffect",

@@ -73,7 +73,7 @@ const Misdeed kMisdeeds[] = {
          return PF_Err{0};
      },
      {"RENDER, checkout_param: index 9 is not from 0 to 1",
-      "RENDER, checkout_param: parameter 9 was checked out in vain and never checked in"}},
+      "RENDER, checkout_param: parameter 9 was checked out (the checkout failed) and never checked in"}},
     {"CheckinWithoutCheckout",
      PF_Cmd_RENDER,
      [](const EffectCall& call) {

@@ -174,7 +174,7 @@ TEST_F(PicturesTest, FilesThatAreNoPicturesAreRefusedWithTheMend) {
     writeFile<std::uint32_t>(folder / "wide.tif", {}, {0, 0, 0, 1});
     writeFile<std::uint8_t>(folder / "five.tif", {1, 1, 5}, {1, 2, 3, 4, 5});
     writeFile<std::uint8_t>(folder / "other.bmp", {1, 1, 3}, {1, 2, 3});
-    const std::string notPicture = "it is no picture or a damaged one; name a PNG, TIFF or JPEG file";
+    const std::string notPicture = "it is not a picture, or a damaged one; name a PNG, TIFF or JPEG file";
     const std::pair<const char*, std::string> cases[] = {
         {"absent.png", "there is no such file; check the name"},
         {".", "it is a folder; name a picture file"},

@@ -1,4 +1,4 @@
-// Made pictures for the tests of pixel operations; P is the pixel type.
+// Generated pictures for the tests of pixel operations; P is the pixel type.
 #pragma once
 
 #include <algorithm>
