@@ -136,8 +136,8 @@ PF_LAYOUT(AEGP_EffectSuite1, 128, 8);
 PF_AT(AEGP_EffectSuite1, AEGP_DisposeEffect, 64);
 
 /*
- * Newer versions of the suites above. Only the calls known here are declared; the tables of a host go on
- * behind them, so their sizes are not asserted.
+ * Newer versions of the suites above. Only the calls known here are declared; the tables of a host continue
+ * after them, so their sizes are not asserted.
  */
 /* "AEGP Utility Suite" version 13 */
 typedef struct AEGP_UtilitySuite13 {

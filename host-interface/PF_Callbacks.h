@@ -22,14 +22,14 @@ typedef PF_Err (*PF_IteratePixel16Func)(void* refcon, A_long x, A_long y, PF_Pix
 struct PF_InData;
 typedef struct PF_InData PF_InData;
 
-/* What ties the effect to the user and to the composition. */
+/* Progress, cancelling, parameters and checkouts: what concerns the user and the composition. */
 typedef struct PF_InteractCallbacks {
     /* [main-thread] From frame set-up to frame set-down. Fills `param` with the value at `what_time`; a layer
      * set to none is all zeros. Every checkout, a failed one included, is balanced by checkin_param before
      * the command returns. */
     PF_Err (*checkout_param)(PF_ProgPtr effect_ref, PF_ParamIndex index, A_long what_time, A_long time_step,
                              A_u_long time_scale, PF_ParamDef* param);
-    /* [main-thread] Gives back what checkout_param filled; its pixels are then gone. */
+    /* [main-thread] Gives back what checkout_param filled; its pixels must not be used any more. */
     PF_Err (*checkin_param)(PF_ProgPtr effect_ref, PF_ParamDef* param);
     /* [main-thread] PARAMS_SETUP only. Copies `def`; index -1 appends. */
     PF_Err (*add_param)(PF_ProgPtr effect_ref, PF_ParamIndex index, PF_ParamDefPtr def);
@@ -80,7 +80,7 @@ typedef struct PF_ANSICallbacksBlock {
     A_FpLong (*sin)(A_FpLong);
     A_FpLong (*sqrt)(A_FpLong);
     A_FpLong (*tan)(A_FpLong);
-    /* [any-thread] The C function; the caller sees to the room. */
+    /* [any-thread] The C function; the caller provides enough room. */
     int (*sprintf)(A_char*, const A_char*, ...);
     A_char* (*strcpy)(A_char*, const A_char*);
     A_FpLong (*asin)(A_FpLong);

@@ -57,8 +57,8 @@ PF_AT(PF_iterate16Suite1, iterate_origin_non_clip_src, 16);
 
 /* "PF Param Utils Suite" version 1 */
 typedef struct PF_ParamUtilsSuite1 {
-    /* [main-thread] USER_CHANGED_PARAM and UPDATE_PARAMS_UI only. Takes the look of a control (name, flags,
-     * range) from *defP. */
+    /* [main-thread] USER_CHANGED_PARAM and UPDATE_PARAMS_UI only. Takes the appearance of a control (name,
+     * flags, range) from *defP. */
     PF_Err (*PF_UpdateParamUI)(PF_ProgPtr effect_ref, PF_ParamIndex param_index, const PF_ParamDef* defP);
     PF_Err (*PF_GetCurrentStateObsolete)(PF_ProgPtr effect_ref, PF_State* stateP);
     PF_Err (*PF_HasParamChangedObsolete)(PF_ProgPtr effect_ref, const PF_State* stateP,
@@ -92,8 +92,8 @@ PF_AT(PF_ParamUtilsSuite1, PF_KeyIndexToTime, 72);
 
 /* "PF Param Utils Suite" version 3 */
 typedef struct PF_ParamUtilsSuite3 {
-    /* [main-thread] USER_CHANGED_PARAM and UPDATE_PARAMS_UI only. Takes the look of a control (name, flags,
-     * range) from *defP. */
+    /* [main-thread] USER_CHANGED_PARAM and UPDATE_PARAMS_UI only. Takes the appearance of a control (name,
+     * flags, range) from *defP. */
     PF_Err (*PF_UpdateParamUI)(PF_ProgPtr effect_ref, PF_ParamIndex param_index, const PF_ParamDef* defP);
     PF_Err (*PF_GetCurrentState)(PF_ProgPtr effect_ref, PF_ParamIndex param_index, const A_Time* startPT0,
                                  const A_Time* durationPT0, PF_State* stateP);

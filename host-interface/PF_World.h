@@ -1,4 +1,4 @@
-/* Pictures and what is done with them. */
+/* Pictures, and the records that drawing operations take. */
 #pragma once
 
 #include "PF_Types.h"
@@ -9,7 +9,7 @@ extern "C" {
 
 /*
  * A picture: rows of ARGB pixels, top to bottom, straight colour. Deep worlds hold PF_Pixel16. The host owns
- * the pixels of every world but those that an effect made itself.
+ * the pixels of every world except those that an effect allocated itself.
  */
 typedef struct PF_LayerDef {
     void* reserved0;
@@ -49,7 +49,7 @@ PF_AT(PF_LayerDef, reserved_long3, 112);
 PF_AT(PF_LayerDef, dephault, 116);
 typedef PF_LayerDef PF_EffectWorld;
 
-/* How a source is put onto a destination. */
+/* How a source is combined with a destination. */
 typedef struct PF_CompositeMode {
     PF_TransferMode xfer;
     A_long rand_seed;

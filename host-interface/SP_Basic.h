@@ -1,4 +1,4 @@
-/* The basic suite: how an effect gets at the other function tables of the host. */
+/* The basic suite: how an effect obtains the other function tables of the host. */
 #pragma once
 
 #include <stddef.h>

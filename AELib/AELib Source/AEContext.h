@@ -2,9 +2,9 @@
 // the entry point and implements the image library's processing context over the host's callbacks.
 //
 // Lives for one call; copies (each frame instance keeps one) are good until that call returns. Parameters are
-// addressed by the effect's own identifiers. Host errors are thrown as int, but for those of multiThread,
-// which returns them; a missing suite is a long, the suite handler's. For the thread that entered the
-// plug-in, but for progress(), which iteration thread 0 of multiThread may call.
+// addressed by the effect's own identifiers. Host errors are thrown as int; only multiThread returns them. A
+// missing suite is thrown as long, see SuiteHandler.h. Use it on the thread that entered the plug-in; only
+// progress() may also be called by iteration thread 0 of multiThread.
 #pragma once
 
 #include <cstdint>
@@ -69,8 +69,8 @@ public:
     // A private copy to edit and send with updateParamUI; kept by the context.
     AEParam& copyParam(int id);
     void updateParamUI(int id);
-    // Needs a host later than 12.10 with suites; elsewhere nothing happens. A failure leaves the handles of
-    // the call.
+    // Needs a host later than 12.10 with suites; otherwise nothing happens. If a step fails, the references
+    // taken before it are not given back.
     void hideParam(int id, bool hide) const;
 
     // True for hosts with suites and an interface version later than 12.10.

@@ -152,7 +152,7 @@ PILib::PixelBuffer* MakeAEPixelBuffer(AEContext& context, PF_LayerDef& world, in
 
 void LayerCheckout::initialize(AEContext& context, int id, int time) {
     inData = context.inData;
-    checkedOut = true;  // before the call: a failed checkout is checked in as well
+    checkedOut = true;  // before the call: a failed checkout is checked in too
     ThrowIfErr(inData->inter.checkout_param(inData->effect_ref, context.getParamNumber(id), time,
                                             inData->time_step, inData->time_scale, &param));
 }

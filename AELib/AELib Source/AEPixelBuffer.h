@@ -9,8 +9,8 @@
 namespace AELib {
 
 // Views a world of the host in place, or owns one that the host allocated for it. A viewed world must outlive
-// its use; the host callbacks are those of the context's call, so that a buffer that owns a world must go
-// before the call returns.
+// its use. The host callbacks are those of the context's call, so a buffer that owns a world must be
+// destroyed before that call returns.
 template <class P>
 class AEPixelBuffer : public PILib::PixelBuf<P> {
 public:
@@ -21,10 +21,10 @@ public:
     AEPixelBuffer(AEContext& context, PF_LayerDef& world, int width, int height, PILib::Alignment alignment);
     ~AEPixelBuffer() override;
 
-    // Mixed by the host, alpha-weighted, where `other` is a host picture as well.
+    // Mixed by the host, weighted by alpha, if `other` is a host picture too.
     void blend(PILib::PIContext& context, const PILib::PixelBuffer& other, float fraction) const override;
     void allocate() override;
-    // Disposes an owned world; a viewed one is only let go.
+    // Disposes an owned world; a viewed one is only forgotten.
     void deallocate() override;
 
     // Takes size, rows and the base address, which is asked of the host, from `world`. A world whose rows do
@@ -51,8 +51,8 @@ PILib::PixelBuffer* MakeAEPixelBuffer(AEContext& context, PF_LayerDef& world);
 PILib::PixelBuffer* MakeAEPixelBuffer(AEContext& context, PF_LayerDef& world, int width, int height,
                                       PILib::Alignment alignment);
 
-// A layer parameter checked out of the host, and checked in again on destruction, whether or not the checkout
-// went well.
+// A layer parameter checked out of the host, and checked in again on destruction, even if the checkout
+// failed.
 class LayerCheckout {
 public:
     LayerCheckout() = default;

@@ -44,7 +44,7 @@ public:
         return taken;
     }
 
-    // Steps over the zeros behind a property's data; the last property may go without.
+    // Skips the zeros after a property's data; the last property may lack them.
     void skipPadding(std::uint32_t length) {
         take(std::min<std::uint32_t>(-length & 3U, std::uint32_t(rest.size())));
     }
@@ -53,7 +53,7 @@ private:
     std::span<const char> rest;
 };
 
-// A string property as stored, with a zero behind it.
+// A string property as stored, followed by a zero.
 void CopyString(std::array<char, 256>& field, std::span<const char> data) {
     Require(data.size() < field.size(), site::kPiPLWellFormed);
     std::copy(data.begin(), data.end(), field.begin());

@@ -47,10 +47,10 @@ public:
     int getParamNumber(int id);  // 0 for an identifier that was never set
 
     // Takes identity, version and flags from the plug-in's own resource. The resource stays locked and
-    // loaded. A list that is missing or malformed fails an assertion.
+    // loaded. A missing or malformed list fails an assertion.
     void readPiPL(AEContext& context);
 
-    // Field order is given. The strings are Pascal strings with a terminating zero behind them.
+    // Field order is given. The strings are Pascal strings, followed by a terminating zero.
     std::array<char, 256> matchName{};
     std::array<char, 256> pluginName{};
     std::array<char, 256> category{};

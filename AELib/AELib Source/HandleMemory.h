@@ -1,5 +1,5 @@
-// Relocatable memory of the platform: what stands in where a host offers no handle callbacks, and what holds
-// the plug-in's own resources. Handles of this allocator and of the host may be told apart. For any thread.
+// Relocatable memory of the platform: used if a host offers no handle callbacks, and for the plug-in's own
+// resources. IsPlatformHandle tells handles of this allocator from the host's. For any thread.
 #pragma once
 
 #include <cstddef>

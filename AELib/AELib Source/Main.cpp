@@ -28,7 +28,7 @@ auto FormatterOf(const PF_InData& inData) {
                                                                             : &std::sprintf;
 }
 
-// Room for any message: the strings in it are an assertion's file and a name of at most 255 characters.
+// Large enough for any message: its strings are an assertion's file and a name of at most 255 characters.
 using Message = std::array<char, 1024>;
 
 void SetMessage(PF_OutData& outData, const Message& message) {
@@ -44,7 +44,8 @@ PF_Err ReportError(const PF_InData& inData, PF_OutData& outData, int code) {
     return code;
 }
 
-// Any 999 is taken for an assertion, a host's own as well; the place is that of the last one that failed.
+// Any 999 is reported as an assertion, even a host's own code; the place is that of the last failed
+// assertion.
 PF_Err ReportAssertion(const PF_InData& inData, PF_OutData& outData) {
     Message message{};
     const char* const file = PILib::AssertFile != nullptr ? PILib::AssertFile : "";
@@ -59,8 +60,8 @@ GlobalManager* InstanceOf(const PF_InData& inData) {
     return InstanceIn<GlobalManager>(inData.global_data);
 }
 
-// The handle for the global instance. Without it there is no set-down to come, so that the suites are given
-// back here.
+// The handle for the global instance. Without a handle no set-down will follow, so the suites are given back
+// here.
 char** NewGlobalHandle(AEContext& context) {
     try {
         PILib::_Assert(context.inData->utils != nullptr, site::kUtils, site::kMainFile);

@@ -1,4 +1,4 @@
-// Resources on Linux: the resource file of the bundle that the running library stands in,
+// Resources on Linux: the resource file of the bundle that contains the running library,
 // NAME.plugin/Contents/Linux-x86-64/NAME.so beside NAME.plugin/Contents/Resources/NAME.rsrc. A library
 // outside a bundle has its resource file beside it.
 

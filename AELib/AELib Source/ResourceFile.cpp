@@ -25,7 +25,7 @@ std::optional<std::uint32_t> Number(Bytes bytes, std::size_t offset, std::size_t
     return value;
 }
 
-// A count stored less one in 16 bits, so that 65535 means none.
+// Counts are stored minus one in 16 bits: 65535 means none.
 std::optional<std::size_t> Count(Bytes bytes, std::size_t offset) {
     const auto stored = Number(bytes, offset, 2);
     if (!stored) return std::nullopt;

@@ -10,7 +10,7 @@
 namespace AELib {
 
 // The bytes of the resource within `file`, or nothing where the file does not hold it or is malformed.
-// Untrusted input: every offset is checked, and a map is walked once, so that loops end.
+// The input is not trusted: every offset is checked, and the map is walked once, so the search always ends.
 std::optional<std::span<const char>> FindResource(std::span<const char> file, std::uint32_t type, int id);
 
 }  // namespace AELib

@@ -94,7 +94,7 @@ protected:
     }
 };
 
-// A declaration of 13, "Name" as every record starts out.
+// A declaration of 13, "Name", before its type's fields are filled.
 PF_ParamDef Blank(PF_ParamType type) {
     PF_ParamDef def;
     std::memset(&def, 0, sizeof def);

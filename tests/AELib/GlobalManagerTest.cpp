@@ -101,7 +101,7 @@ TEST_F(GlobalManagerTest, ListCutAnywhereFails) {
     const std::size_t padding = (4 - (1 + std::strlen(kTestMatchName)) % 4) % 4;
     list.resize(list.size() - padding);
     script.resource = list;
-    readPiPL();  // the last property may go without padding
+    readPiPL();  // the last property may lack its padding
     for (std::size_t size = 1; size < list.size(); ++size) {
         expectMalformed(list.substr(0, size), std::to_string(size).c_str());
         if (HasFailure()) return;
@@ -245,7 +245,8 @@ TEST_F(GlobalManagerTest, TruncatedFlatDataFailTheLoad) {
     host.utils.host_dispose_handle(flat);
 }
 
-// A new handle is locked, and again after each growth; trimming does not unlock it, reading does neither.
+// A new handle is locked, and again after each growth. Trimming does not unlock it; reading neither locks nor
+// unlocks.
 TEST_F(GlobalManagerTest, ArchivesKeepTheirHandleLocked) {
     AELib::AEContext context = makeContext();
     PILib::Archiver writer(context);

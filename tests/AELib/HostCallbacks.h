@@ -8,7 +8,7 @@
 inline const auto kEffectRef = reinterpret_cast<PF_ProgPtr>(std::uintptr_t{0xE0});
 
 struct HostCallbacks {
-    static RecordingHost* theHost;  // that lives; null when none does
+    static RecordingHost* theHost;  // the one that is alive; null for none
 
     static void checkReference(PF_ProgPtr ref, const char* caller);
     static PF_Err checkoutParam(PF_ProgPtr ref, PF_ParamIndex index, A_long time, A_long step, A_u_long scale,

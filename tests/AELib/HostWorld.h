@@ -17,7 +17,7 @@ public:
     oracle::Colour at(int x, int y) const;
     void set(int x, int y, const oracle::Colour& colour);
     oracle::Image image() const;
-    // Whether all bytes but the pixels are as they were made.
+    // Whether all bytes outside the pixels still have their first value.
     bool guardsAreIntact() const;
 
     PF_EffectWorld def{};
@@ -29,7 +29,7 @@ private:
 oracle::Colour PixelAt(const PF_EffectWorld& world, int x, int y);
 void SetPixel(const PF_EffectWorld& world, int x, int y, const oracle::Colour& colour);
 
-// The host's own mix: the colours weighted by alpha as well. `ratio` is the share of `b` in 16.16.
+// The host's own mix: colours are weighted by alpha, too. `ratio` is the share of `b` in 16.16.
 oracle::Colour HostMix(const oracle::Colour& a, const oracle::Colour& b, PF_Fixed ratio);
 
 // The host's own resampling: the nearest pixel of a picture stretched to another size.

@@ -42,7 +42,7 @@ protected:
 };
 
 // What the command answers when the callback answers 87. Without the iteration suite a frame is rendered on
-// one thread; giving something back cannot fail a command, nor can callbacks that return no code.
+// one thread. A failure to give something back does not fail the command, and some callbacks return no code.
 PF_Err ReportedFor(Callback callback) {
     switch (callback) {
         case Callback::kNewHandle:

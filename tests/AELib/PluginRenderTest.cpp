@@ -289,7 +289,7 @@ TEST_F(PluginRenderTest, ControlLayerOfNoSizeIsNoControlLayer) {
     }
 }
 
-// The conformed control picture goes before its layer is checked in, also when the render fails.
+// The conformed control picture is disposed before its layer is checked in, also when the render fails.
 TEST_F(PluginRenderTest, TheControlPictureIsDisposedBeforeItsLayerIsCheckedIn) {
     const std::pair<Callback, int> ends[] = {{Callback::kBlend, 0},
                                              {Callback::kTransformWorld, 1},

@@ -1,4 +1,4 @@
-// The running program's own resource file, which stands beside it.
+// The running program's own resource file, which lies beside it.
 
 #include "PluginResource.h"
 

@@ -1,5 +1,5 @@
-// A host of the tests' own: it answers every callback that the framework uses, notes what it was told, keeps
-// books on what it lent, and fails on demand.
+// A host for the tests: it answers every callback that the framework uses, records the arguments, keeps track
+// of what it lent, and fails on demand.
 //
 //   RecordingHost host(PluginMain);
 //   host.call(PF_Cmd_GLOBAL_SETUP);          // handles travel from call to call as a host carries them
@@ -106,8 +106,8 @@ public:
     RecordingHost(const RecordingHost&) = delete;
     RecordingHost& operator=(const RecordingHost&) = delete;
 
-    // One command. The output record is cleared first, but for the handles; afterwards the host keeps the
-    // handles that it finds there.
+    // One command. All of the output record except the handles is cleared first; afterwards the host keeps
+    // the handles that it finds there.
     PF_Err call(PF_Cmd command, void* extra = nullptr);
     // Frame set-up, render and set-down; the set-down also after a failed render. The first error.
     PF_Err renderFrame();
@@ -121,7 +121,7 @@ public:
     // Takes the declarations over as parameters at their defaults.
     void adoptDeclaredParams();
 
-    // Misuse so far, one per line, and what is lent but not given back.
+    // Misuse so far, one per line, and what was lent and not given back.
     std::string faults() const;
     int liveHandles() const { return static_cast<int>(handles.size()); }
     int lockedHandles() const;

@@ -106,11 +106,11 @@ TEST(ResourceFileTest, ListsThatPointAtThemselvesEnd) {
     const std::string data = "data";
     std::string file = resource::File({{kOther, 16000, data}});
     const std::size_t map = MapOffset(data);
-    Overwrite(file, map + 28, BigEndian(0xFFFE, 2));  // as many types as can be
+    Overwrite(file, map + 28, BigEndian(0xFFFE, 2));  // the largest number of types
     Overwrite(file, map + 24, BigEndian(0, 2));       // the list of types is the map itself
     EXPECT_EQ(std::nullopt, Find(file));
     file = resource::File({{kType, 1, data}});
-    Overwrite(file, map + 28 + 6, BigEndian(0xFFFE, 2));  // as many references as can be
+    Overwrite(file, map + 28 + 6, BigEndian(0xFFFE, 2));  // the largest number of references
     Overwrite(file, map + 28 + 8, BigEndian(0, 2));       // the list of references is that of the types
     EXPECT_EQ(std::nullopt, Find(file));
     file = resource::File({{kType, 16000, data}});

@@ -1,4 +1,4 @@
-// An effect for the framework's tests: every hook notes its name and runs what the test put in its place.
+// An effect for the framework's tests: every hook records its name and runs the test's action for it.
 #pragma once
 
 #include <gtest/gtest.h>

@@ -14,7 +14,7 @@ std::atomic<bool> failed = false;
 std::atomic<std::size_t> allocated = 0;
 std::array<std::atomic<const void*>, 4> lastBlocks;  // the n-th ever at n modulo 4
 
-// Null for the allocation that is to fail. malloc and free, so that the sanitizers still see every block.
+// Null for the allocation that must fail. Uses malloc and free, so that the sanitizers still see every block.
 void* Allocated(std::size_t size) noexcept {
     if (untilFailure.load() > 0 && untilFailure.fetch_sub(1) == 1) {
         failed = true;

@@ -1,4 +1,4 @@
-// The effect's classes by themselves: what no render reaches.
+// The effect's classes without a render: what no render reaches.
 #include <gtest/gtest.h>
 
 #include <memory>

@@ -99,7 +99,7 @@ public:
 
     void run() { RenderFrame(context, inputs, {}, output, input, &control); }
 
-    // Whether a render with nothing in its way gives the right frame.
+    // Whether a render without failures gives the right frame.
     testing::AssertionResult isRightNow() {
         failingReport = 0;
         context.clearCancel();
@@ -144,8 +144,8 @@ class FailureInjectionTest : public testing::Test {};
 
 TYPED_TEST_SUITE(FailureInjectionTest, HostChannels, ChannelNames);
 
-// Fails report after report until a render ends before the report is reached. Which rows are reported depends
-// on the threads, so that only table rows are certain; the Focus view reports nothing.
+// Lets each progress report fail in turn, until a render has fewer reports. How many rows are reported
+// depends on the threads, so only the reports of table rows are counted; the Focus view reports nothing.
 template <class C>
 void FailAtEachReport(const Variant& variant, bool byCancel) {
     Render<C> render(variant);

@@ -63,7 +63,7 @@ struct Frame {
     SimplePixelBuffer<Pixel<C>> output{kWidth, kHeight};
 };
 
-// Says it holds 8-bit elements and does not.
+// Claims to hold 8-bit elements and does not.
 struct MislabelledChannel : ChannelBuf<Channel16> {
     using ChannelBuf<Channel16>::ChannelBuf;
     int elementKey() const override { return 0; }
@@ -223,7 +223,7 @@ TYPED_TEST(FocusPipelineTypedTest, WithoutAControlLayerTheOutputIsTheInput) {
     }
 }
 
-// What the renderer alone makes of the radii that the pipeline should come to.
+// What the renderer alone gives for the radii that the pipeline should compute.
 TYPED_TEST(FocusPipelineTypedTest, MaximumBlurIsScaledByTheSmallerFactorAndSplitByTheAspect) {
     struct Split {
         float maxBlur, aspect;
@@ -358,7 +358,7 @@ TYPED_TEST(FocusPipelineTypedTest, EveryProcessedFrameIsBlendedOnceHoweverSmallT
     }
 }
 
-// Counts the channel buffers that it has made and that still are.
+// Counts the channel buffers that it has made, and those that are still alive.
 template <class C>
 struct MapCounter : SimplePixelBuffer<Pixel<C>> {
     using SimplePixelBuffer<Pixel<C>>::SimplePixelBuffer;
