@@ -7,10 +7,12 @@
 #include "GlobalManager.h"
 #include "HandleMemory.h"
 #include "HostSites.h"
-#include "Main.h"
 #include "PF_Values.h"
+#include "SuiteHandler.h"
 
 namespace AELib {
+
+PF_UtilCallbacks* gPF_Utils = nullptr;
 
 using PILib::ThrowIfErr;
 

@@ -97,6 +97,9 @@ private:
     const PF_UtilCallbacks* utils() const { return inData->utils; }
 };
 
+// The utility callbacks of the current call. Read on the thread that entered the plug-in.
+extern PF_UtilCallbacks* gPF_Utils;
+
 // A host ratio as float; a denominator of 0 counts as 1.
 float RatioOf(const PF_RationalScale& scale);
 

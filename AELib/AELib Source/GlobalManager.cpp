@@ -11,13 +11,15 @@
 #include "HandleMemory.h"
 #include "HostSites.h"
 #include "InstanceHandle.h"
-#include "Main.h"
 #include "PF_Values.h"
 #include "PiPL.h"
 #include "PluginResource.h"
 #include "SequenceManager.h"
+#include "SuiteHandler.h"
 
 namespace AELib {
+
+char gPluginName[256] = "Unknown";
 
 namespace {
 

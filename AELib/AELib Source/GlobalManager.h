@@ -62,6 +62,9 @@ public:
     std::unordered_map<int, int> paramNumbers;
 };
 
+// The effect's display name for messages; "Unknown" until a PiPL has been read. Kept after global set-down.
+extern char gPluginName[256];
+
 // The effect's own instance, owned by the caller; the effect defines it.
 GlobalManager* NewGlobalManagerInstance();
 

@@ -13,12 +13,9 @@
 #include "HostSites.h"
 #include "InstanceHandle.h"
 #include "PF_Values.h"
+#include "SuiteHandler.h"
 
 namespace AELib {
-
-PF_UtilCallbacks* gPF_Utils = nullptr;
-SuiteHandler* gSuites = nullptr;
-char gPluginName[256] = "Unknown";
 
 namespace {
 

@@ -1,22 +1,7 @@
-// The plug-in's entry point and what it owns for the whole process. For the host's thread alone; worker
-// threads of a render touch none of it.
+// The plug-in's entry point.
 #pragma once
 
 #include "PF_Entry.h"
-#include "SuiteHandler.h"
-
-namespace AELib {
-
-// The utility callbacks of the current call.
-extern PF_UtilCallbacks* gPF_Utils;
-
-// The suite cache; null before the first call with a basic suite and after global set-down.
-extern SuiteHandler* gSuites;
-
-// The effect's display name for messages; "Unknown" until the PiPL has been read.
-extern char gPluginName[256];
-
-}  // namespace AELib
 
 #if defined(_WIN32)
 #define KESTREL_EXPORT __declspec(dllexport)
@@ -25,6 +10,6 @@ extern char gPluginName[256];
 #endif
 
 // Every command of the effect's life comes through here. The one place where exceptions become the returned
-// code and, but for 0 and a cancel, a message in return_msg.
+// code and a message in return_msg; 0 and a cancel leave no message.
 extern "C" KESTREL_EXPORT PF_Err PluginMain(PF_Cmd cmd, PF_InData* in_data, PF_OutData* out_data,
                                             PF_ParamDef* params[], PF_LayerDef* output, void* extra);

@@ -2,6 +2,8 @@
 
 namespace AELib {
 
+SuiteHandler* gSuites = nullptr;
+
 namespace {
 
 struct SuiteName {

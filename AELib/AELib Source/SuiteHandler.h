@@ -67,4 +67,7 @@ public:
     using AEGP_SuiteHandler::AEGP_SuiteHandler;
 };
 
+// The one handler of the process; null before the first call with a basic suite and after global set-down.
+extern SuiteHandler* gSuites;
+
 }  // namespace AELib

@@ -14,6 +14,7 @@
 #include "RecordingHost.h"
 #include "ResourceWriter.h"
 #include "SequenceManager.h"
+#include "SuiteHandler.h"
 
 struct Script {
     std::vector<std::string> hooks;  // that ran, in order
