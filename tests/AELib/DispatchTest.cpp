@@ -174,6 +174,18 @@ TEST_F(DispatchTest, GlobalSetupWithoutUtilsAnswersWithoutTheHostsFormatter) {
     host.in.utils = &host.utils;
 }
 
+// No set-down follows a set-up that got no handle.
+TEST_F(DispatchTest, GlobalSetupWithoutAHandleKeepsNoSuites) {
+    host.failures.at(Callback::kNewHandle, 1, 1);
+    EXPECT_EQ(4, host.call(PF_Cmd_GLOBAL_SETUP));
+    EXPECT_EQ(nullptr, AELib::gSuites) << "no memory";
+    host.failures.clear();
+    host.in.utils = nullptr;
+    EXPECT_EQ(512, host.call(PF_Cmd_GLOBAL_SETUP));
+    EXPECT_EQ(nullptr, AELib::gSuites) << "no utility callbacks";
+    host.in.utils = &host.utils;
+}
+
 TEST_F(DispatchTest, SequenceCommandsNeedSequenceData) {
     setUpGlobal();
     for (PF_Cmd command = PF_Cmd_SEQUENCE_RESETUP; command <= PF_Cmd_ARBITRARY_CALLBACK; ++command) {
