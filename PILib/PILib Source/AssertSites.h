@@ -51,4 +51,7 @@ inline constexpr char kSATBlurFile[] = "PILib/PILib Source/SATBlur";
 inline constexpr int kRadiusNotNegative = 1;
 inline constexpr int kSourceNotEmpty = 2;
 
+inline constexpr char kThreadRowsFile[] = "PILib/PILib Source/ThreadRows";
+inline constexpr int kIterationInRun = 1;
+
 }  // namespace PILib::site

@@ -9,6 +9,7 @@
 #include <concepts>
 #include <cstdint>
 
+#include "AssertSites.h"
 #include "Errors.h"
 #include "PIContext.h"
 
@@ -54,10 +55,12 @@ void RenderBands(const ThreadRowsWork<H>& work, int thread, int start, int count
 }
 
 // The callback that ThreadRows hands to multiThread; for the library's own use. Returns 0, the int that a row
-// threw, or kInternalDamage for any other exception: none may cross the host's threads.
+// threw, or kInternalDamage for any other exception: none may cross the host's threads. An iteration outside
+// 0 .. iterations - 1 fails an assertion.
 template <class H>
 int ThreadRowsHelper(void* refcon, int thread, int i, int iterations) {
     try {
+        _Assert(i >= 0 && i < iterations, site::kIterationInRun, site::kThreadRowsFile);
         const auto& work = *static_cast<const ThreadRowsWork<H>*>(refcon);
         if (work.rows <= i) return 0;
         if (work.rows <= iterations) {
