@@ -1,11 +1,13 @@
 #include "AEContext.h"
 
 #include <atomic>
+#include <cstdint>
 #include <type_traits>
 
 #include "Errors.h"
 #include "GlobalManager.h"
 #include "HandleMemory.h"
+#include "HostCallback.h"
 #include "HostSites.h"
 #include "PF_Values.h"
 #include "SuiteHandler.h"
@@ -33,6 +35,12 @@ float FromFixed(PF_Fixed value) {
 // The nearest integer of a 16.16 value.
 int Fix2Long(PF_Fixed value) {
     return static_cast<int>((std::int64_t{value} + 0x8000) >> 16);
+}
+
+// The item of a popup, counted from 0.
+int ItemOf(const PF_PopupDef& popup) {
+    Require(popup.value != INT32_MIN, site::kPopupItem);
+    return popup.value - 1;
 }
 
 PF_Err StoreIterations(void* refcon, A_long /*thread*/, A_long /*i*/, A_long iterations) {
@@ -63,7 +71,7 @@ bool AEContext::isDraftMode() const {
 }
 
 void AEContext::checkAbort() const {
-    ThrowIfErr(inData->inter.abort(inData->effect_ref));
+    ThrowIfErr(HostCallback(&inData->inter, &PF_InteractCallbacks::abort)(inData->effect_ref));
 }
 
 void AEContext::setProgress(float start, float end) {
@@ -76,7 +84,8 @@ void AEContext::progress(int i, int n, float base, float span) const {
     const std::int64_t step =
         PILib::TruncToInt32(static_cast<float>(n) * base + static_cast<float>(i) * span);
     const auto done = static_cast<A_long>(progressOffset + step * progressScale / n);
-    ThrowIfErr(inData->inter.progress(inData->effect_ref, done, 10000));
+    ThrowIfErr(
+        HostCallback(&inData->inter, &PF_InteractCallbacks::progress)(inData->effect_ref, done, 10000));
 }
 
 char** AEContext::newHandle(std::size_t size) const {
@@ -127,15 +136,15 @@ std::size_t AEContext::getHandleSize(char** handle) const {
 }
 
 void AEContext::resizeHandle(std::size_t size, char*** handle) const {
-    if (utils() == nullptr || utils()->host_resize_handle == nullptr) throw int{PF_Err_INVALID_CALLBACK};
-    ThrowIfErr(utils()->host_resize_handle(size, handle));
+    ThrowIfErr(HostCallback(utils(), &PF_UtilCallbacks::host_resize_handle)(size, handle));
 }
 
 int AEContext::numProcessors() const {
     static std::atomic<int> count = 0;
     if (count.load(std::memory_order_relaxed) == 0) {
         if (gSuites != nullptr) {
-            ThrowIfErr(gSuites->iterate8()->iterate_generic(-1, &count, StoreIterations));
+            ThrowIfErr(HostCallback(gSuites->iterate8(), &PF_Iterate8Suite1::iterate_generic)(
+                -1, &count, StoreIterations));
         } else {
             count.store(1, std::memory_order_relaxed);
         }
@@ -147,7 +156,7 @@ int AEContext::numProcessors() const {
 int AEContext::multiThread(int count, void* refcon, int (*fn)(void*, int, int, int)) const {
     const PF_Iterate8Suite1* const suite =
         gSuites != nullptr && count != 1 ? gSuites->iterate8OrNull() : nullptr;
-    if (suite != nullptr) return suite->iterate_generic(count, refcon, fn);
+    if (suite != nullptr) return HostCallback(suite, &PF_Iterate8Suite1::iterate_generic)(count, refcon, fn);
     return fn(refcon, 0, 0, 1);
 }
 
@@ -181,7 +190,7 @@ float AEContext::getParamFloat(int id) const {
         case PF_Param_CHECKBOX:
             return param.u.bd.value != 0 ? 1.0F : 0.0F;
         case PF_Param_POPUP:
-            return static_cast<float>(param.u.pd.value - 1);
+            return static_cast<float>(ItemOf(param.u.pd));
         case PF_Param_FLOAT_SLIDER:
             return static_cast<float>(param.u.fs_d.value);
         default:
@@ -202,7 +211,7 @@ int AEContext::getParamInt(int id) const {
         case PF_Param_CHECKBOX:
             return param.u.bd.value != 0 ? 1 : 0;
         case PF_Param_POPUP:
-            return param.u.pd.value - 1;
+            return ItemOf(param.u.pd);
         case PF_Param_FLOAT_SLIDER:
             return PILib::TruncToInt32(param.u.fs_d.value + 0.5);
         default:

@@ -54,7 +54,8 @@ public:
     int getChangedParamNumber() const;
 
     PF_ParamDef* getParam(int id) const;
-    // Popups read 0-based, checkboxes 0 or 1, angles in degrees; other types than numbers fail an assertion.
+    // Popups read 0-based, checkboxes 0 or 1, angles in degrees; other types than numbers, and popups without
+    // an item below theirs, fail an assertion.
     float getParamFloat(int id) const;
     int getParamInt(int id) const;        // rounded to the nearest
     float getParamPercent(int id) const;  // as a fraction

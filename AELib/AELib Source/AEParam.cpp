@@ -77,7 +77,9 @@ void AEParamCreator::begin(int id, const char* name, PF_ParamType type) {
 void AEParamCreator::addParam() {
     if (!pending) return;
     context->setParamNumber(def.uu.id, nextIndex);
-    const PF_Err err = context->inData->inter.add_param(context->inData->effect_ref, -1, &def);
+    const PF_InData& call = *context->inData;
+    const PF_Err err = call.inter.add_param == nullptr ? PF_Err_INVALID_CALLBACK
+                                                       : call.inter.add_param(call.effect_ref, -1, &def);
     hostRefused = err != PF_Err_NONE;
     PILib::ThrowIfErr(err);
     ++nextIndex;

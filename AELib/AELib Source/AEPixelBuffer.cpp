@@ -5,6 +5,7 @@
 #include <type_traits>
 
 #include "Errors.h"
+#include "HostCallback.h"
 #include "HostSites.h"
 #include "PF_Values.h"
 #include "Transform2D.h"
@@ -21,18 +22,47 @@ namespace {
 template <class P>
 constexpr bool kIsDeep = std::is_same_v<P, Pixel<Channel15>>;
 
+// Hosts give 30,000 at most. Beyond it even the rows of a world without columns take long to walk.
+constexpr A_long kLargestExtent = 1 << 20;
+
+void RequirePossibleSize(const PF_EffectWorld& world) {
+    const auto isPossible = [](A_long extent) { return extent >= 0 && extent <= kLargestExtent; };
+    PILib::_Assert(isPossible(world.width) && isPossible(world.height), site::kWorldSize,
+                   site::kAEPixelBufferFile);
+}
+
+bool HasPixels(const PF_EffectWorld& world) {
+    return world.width > 0 && world.height > 0;
+}
+
+template <class P>
+std::int64_t RowSize(const PF_EffectWorld& world) {
+    return std::int64_t{world.width} * static_cast<std::int64_t>(sizeof(P));
+}
+
+template <class P>
+void RequireRowsThatFit(const PF_EffectWorld& world) {
+    PILib::_Assert(!HasPixels(world) || std::abs(std::int64_t{world.rowbytes}) >= RowSize<P>(world),
+                   site::kWorldRowsFit, site::kAEPixelBufferFile);
+}
+
 // The world's first pixel, as the host gives it for the depth of P.
 template <class P>
 unsigned char* BaseAddress(const PF_InData& inData, PF_LayerDef& world) {
     if constexpr (kIsDeep<P>) {
         PF_Pixel16* first = nullptr;
-        ThrowIfErr(inData.utils->get_pixel_data16(&world, nullptr, &first));
+        ThrowIfErr(HostCallback(inData.utils, &PF_UtilCallbacks::get_pixel_data16)(&world, nullptr, &first));
         return reinterpret_cast<unsigned char*>(first);
     } else {
         PF_Pixel8* first = nullptr;
-        ThrowIfErr(inData.utils->get_pixel_data8(&world, nullptr, &first));
+        ThrowIfErr(HostCallback(inData.utils, &PF_UtilCallbacks::get_pixel_data8)(&world, nullptr, &first));
         return reinterpret_cast<unsigned char*>(first);
     }
+}
+
+void DisposeWorld(const PF_InData& inData, PF_EffectWorld& world) {
+    if (inData.utils != nullptr && inData.utils->dispose_world != nullptr)
+        inData.utils->dispose_world(inData.effect_ref, &world);
 }
 
 }  // namespace
@@ -50,10 +80,12 @@ template <class P>
 AEPixelBuffer<P>::AEPixelBuffer(AEContext& context, PF_LayerDef& world, int width, int height,
                                 PILib::Alignment /*alignment*/)
     : AEPixelBuffer(context) {
+    RequirePossibleSize(world);
     if (world.width == width && world.height == height) {
         initializeWithPFEW(world);
         return;
     }
+    RequireRowsThatFit<P>(world);
     this->width = width;
     this->height = height;
     AEPixelBuffer::allocate();
@@ -67,16 +99,14 @@ AEPixelBuffer<P>::~AEPixelBuffer() {
 
 template <class P>
 void AEPixelBuffer<P>::initializeWithPFEW(PF_LayerDef& source) {
-    const std::int64_t rowSize = std::int64_t{source.width} * static_cast<std::int64_t>(sizeof(P));
-    const bool hasPixels = source.width > 0 && source.height > 0;
+    RequirePossibleSize(source);
     unsigned char* const base = BaseAddress<P>(*inData, source);
-    PILib::_Assert(!hasPixels || base != nullptr, site::kWorldHasPixels, site::kAEPixelBufferFile);
-    PILib::_Assert(!hasPixels || std::abs(std::int64_t{source.rowbytes}) >= rowSize, site::kWorldRowsFit,
-                   site::kAEPixelBufferFile);
+    PILib::_Assert(!HasPixels(source) || base != nullptr, site::kWorldHasPixels, site::kAEPixelBufferFile);
+    RequireRowsThatFit<P>(source);
     this->width = source.width;
     this->height = source.height;
     this->rowBytes = source.rowbytes;
-    this->rowPadding = static_cast<std::int32_t>(source.rowbytes - rowSize);
+    this->rowPadding = static_cast<std::int32_t>(source.rowbytes - RowSize<P>(source));
     this->data = base;
     layer = &source;
 }
@@ -84,7 +114,8 @@ void AEPixelBuffer<P>::initializeWithPFEW(PF_LayerDef& source) {
 template <class P>
 void AEPixelBuffer<P>::allocate() {
     constexpr PF_NewWorldFlags kFlags = kIsDeep<P> ? PF_NewWorldFlag_DEEP_PIXELS : PF_NewWorldFlag_NONE;
-    ThrowIfErr(inData->utils->new_world(inData->effect_ref, this->width, this->height, kFlags, &world));
+    ThrowIfErr(HostCallback(inData->utils, &PF_UtilCallbacks::new_world)(inData->effect_ref, this->width,
+                                                                         this->height, kFlags, &world));
     ownsWorld = true;
     initializeWithPFEW(world);
 }
@@ -97,7 +128,7 @@ void AEPixelBuffer<P>::deallocate() {
 template <class P>
 void AEPixelBuffer<P>::release() {
     if (ownsWorld) {
-        inData->utils->dispose_world(inData->effect_ref, &world);
+        DisposeWorld(*inData, world);
         this->data = nullptr;
     }
     ownsWorld = false;
@@ -115,9 +146,9 @@ void AEPixelBuffer<P>::fillFrom(const PF_LayerDef& source) {
         .copyTo(matrix.mat);
     const PF_CompositeMode copy = {PF_Xfer_COPY, 0, 255, 0, 32768};
     constexpr PF_Boolean kSourceToDestination = 1;
-    ThrowIfErr(inData->utils->transform_world(inData->effect_ref, PF_Quality_HI, PF_MF_Alpha_STRAIGHT,
-                                              PF_Field_FRAME, &source, &copy, nullptr, &matrix, 1,
-                                              kSourceToDestination, nullptr, &world));
+    ThrowIfErr(HostCallback(inData->utils, &PF_UtilCallbacks::transform_world)(
+        inData->effect_ref, PF_Quality_HI, PF_MF_Alpha_STRAIGHT, PF_Field_FRAME, &source, &copy, nullptr,
+        &matrix, 1, kSourceToDestination, nullptr, &world));
 }
 
 template <class P>
@@ -130,7 +161,8 @@ void AEPixelBuffer<P>::blend(PILib::PIContext& context, const PILib::PixelBuffer
     }
     const PF_InData& call = *dynamic_cast<AEContext&>(context).inData;
     const PF_Fixed ratio = PILib::TruncToInt32(fraction * 65536.0F + 0.5F);
-    ThrowIfErr(call.utils->blend(call.effect_ref, layer, hostPicture->layer, ratio, layer));
+    ThrowIfErr(HostCallback(call.utils, &PF_UtilCallbacks::blend)(call.effect_ref, layer, hostPicture->layer,
+                                                                  ratio, layer));
 }
 
 template class AEPixelBuffer<Pixel<Channel8>>;
@@ -152,18 +184,19 @@ PILib::PixelBuffer* MakeAEPixelBuffer(AEContext& context, PF_LayerDef& world, in
 
 void LayerCheckout::initialize(AEContext& context, int id, int time) {
     inData = context.inData;
+    const auto checkOut = HostCallback(&inData->inter, &PF_InteractCallbacks::checkout_param);
     checkedOut = true;  // before the call: a failed checkout is checked in too
-    ThrowIfErr(inData->inter.checkout_param(inData->effect_ref, context.getParamNumber(id), time,
-                                            inData->time_step, inData->time_scale, &param));
+    ThrowIfErr(checkOut(inData->effect_ref, context.getParamNumber(id), time, inData->time_step,
+                        inData->time_scale, &param));
 }
 
 LayerCheckout::~LayerCheckout() {
-    if (checkedOut) inData->inter.checkin_param(inData->effect_ref, &param);
+    if (checkedOut && inData->inter.checkin_param != nullptr)
+        inData->inter.checkin_param(inData->effect_ref, &param);
 }
 
 PFEffectWorldHolder::~PFEffectWorldHolder() {
-    const PF_InData& call = *context->inData;
-    if (world.data != nullptr) call.utils->dispose_world(call.effect_ref, &world);
+    if (world.data != nullptr) DisposeWorld(*context->inData, world);
 }
 
 }  // namespace AELib

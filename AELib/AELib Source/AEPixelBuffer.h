@@ -27,8 +27,8 @@ public:
     // Disposes an owned world; a viewed one is only forgotten.
     void deallocate() override;
 
-    // Takes size, rows and the base address, which is asked of the host, from `world`. A world whose rows do
-    // not hold its pixels fails an assertion.
+    // Takes size, rows and the base address, which is asked of the host, from `world`. A world of an
+    // impossible size, or whose rows do not hold its pixels, fails an assertion.
     void initializeWithPFEW(PF_LayerDef& world);
 
     // Field order is given.

@@ -6,11 +6,17 @@
 
 #include "AEPixelBuffer.h"
 #include "Errors.h"
+#include "HostSites.h"
+#include "InstanceHandle.h"
 #include "PF_Values.h"
 
 namespace AELib {
 
 namespace {
+
+void Require(bool condition, int line) {
+    PILib::_Assert(condition, line, site::kFrameManagerFile);
+}
 
 int Magnitude(A_long step) {
     const std::int64_t magnitude = step < 0 ? -std::int64_t{step} : step;
@@ -18,6 +24,14 @@ int Magnitude(A_long step) {
 }
 
 }  // namespace
+
+FrameManager::FrameManager() {
+    ListInstance(this, typeid(FrameManager));
+}
+
+FrameManager::~FrameManager() {
+    UnlistInstance(this);
+}
 
 void FrameManager::handleCommand(AEContext& call) {
     switch (call.cmd) {
@@ -38,6 +52,8 @@ void FrameManager::handleCommand(AEContext& call) {
 }
 
 void FrameManager::cacheRenderParams(AEContext& call) {
+    Require(call.params != nullptr && call.params[0] != nullptr, site::kSourceLayer);
+    Require(call.cmd != PF_Cmd_RENDER || call.output != nullptr, site::kOutputWorld);
     output.reset();
     input.reset();
     context = call;

@@ -12,14 +12,15 @@ namespace AELib {
 
 class FrameManager {
 public:
-    FrameManager() = default;
+    FrameManager();
     FrameManager(const FrameManager&) = delete;
     FrameManager& operator=(const FrameManager&) = delete;
 
     // Slot order is given; append only.
-    virtual ~FrameManager() = default;
+    virtual ~FrameManager();
     virtual void handleCommand(AEContext& context);
-    // Run before frameSetup and before render: parameters and pictures are those of the current call.
+    // Run before frameSetup and before render: parameters and pictures are those of the current call. A call
+    // without a source layer, or a render without an output, fails an assertion.
     virtual void cacheRenderParams(AEContext& context);
     virtual void frameSetup(AEContext& /*context*/) {}
     virtual void render(AEContext& context) = 0;

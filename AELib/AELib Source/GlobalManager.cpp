@@ -9,6 +9,7 @@
 #include "Archiver.h"
 #include "Errors.h"
 #include "HandleMemory.h"
+#include "HostCallback.h"
 #include "HostSites.h"
 #include "InstanceHandle.h"
 #include "PF_Values.h"
@@ -64,13 +65,22 @@ void CopyString(std::array<char, 256>& field, std::span<const char> data) {
 
 }  // namespace
 
+GlobalManager::GlobalManager() {
+    ListInstance(this, typeid(GlobalManager));
+}
+
+GlobalManager::~GlobalManager() {
+    UnlistInstance(this);
+}
+
 int GlobalManager::init(AEContext& context) {
     readPiPL(context);
     context.outData->my_version = version;
     context.outData->out_flags = static_cast<PF_OutFlags>(outFlags);
     context.outData->out_flags2 = static_cast<PF_OutFlags2>(outFlags2);
     if (gSuites == nullptr) return PF_Err_NONE;
-    return gSuites->utility()->AEGP_RegisterWithAEGP(nullptr, matchName.data() + 1, &pluginID);
+    return HostCallback(gSuites->utility(), &AEGP_UtilitySuite3::AEGP_RegisterWithAEGP)(
+        nullptr, matchName.data() + 1, &pluginID);
 }
 
 void GlobalManager::handleCommand(AEContext& context) {
@@ -106,7 +116,9 @@ void GlobalManager::sequenceSetup(AEContext& context) {
 
 void GlobalManager::sequenceResetup(AEContext& context) {
     Require(context.inData->sequence_data != nullptr, site::kSequenceData);
+    ForgetInstanceHandle(context.inData->sequence_data);
     PILib::Archiver archiver(context, context.inData->sequence_data);
+    Require(archiver.size == 0 || *archiver.handle != nullptr, site::kSequenceData);
     makeSequenceOnOutData(context)->dearchive(context, archiver);
 }
 
@@ -131,7 +143,9 @@ void GlobalManager::sequenceSetdown(AEContext& context) {
 
 SequenceManager* GlobalManager::getSequenceInstance(AEContext& context) {
     Require(context.inData->sequence_data != nullptr, site::kSequenceData);
-    return InstanceIn<SequenceManager>(context.inData->sequence_data);
+    const auto sequence = InstanceIn<SequenceManager>(context, context.inData->sequence_data);
+    Require(sequence.value_or(nullptr) != nullptr, site::kSequenceData);
+    return *sequence;
 }
 
 SequenceManager* GlobalManager::makeSequenceOnOutData(AEContext& context) {
@@ -142,7 +156,7 @@ SequenceManager* GlobalManager::makeSequenceOnOutData(AEContext& context) {
 
 void GlobalManager::deleteSequenceInstance(AEContext& context, SequenceManager* sequence) {
     delete sequence;
-    context.disposeHandle(std::exchange(context.inData->sequence_data, nullptr));
+    DisposeInstanceHandle(context, std::exchange(context.inData->sequence_data, nullptr));
     context.outData->sequence_data = nullptr;
 }
 

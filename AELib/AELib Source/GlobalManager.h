@@ -15,12 +15,12 @@ class SequenceManager;
 
 class GlobalManager {
 public:
-    GlobalManager() = default;
+    GlobalManager();
     GlobalManager(const GlobalManager&) = delete;
     GlobalManager& operator=(const GlobalManager&) = delete;
 
     // Slot order is given; append only.
-    virtual ~GlobalManager() = default;
+    virtual ~GlobalManager();
     // Reads the PiPL, hands version and flags to the host and registers with it. Returns what the
     // registration gave.
     virtual int init(AEContext& context);
@@ -28,7 +28,8 @@ public:
     virtual void about(AEContext& context);
     virtual void paramsSetup(AEContext& context) = 0;
     virtual void sequenceSetup(AEContext& context);
-    // Rebuilds the instance from the flat stream in sequence_data, which stays the host's.
+    // Builds an instance from the flat stream in sequence_data, which stays the host's. The handle is read as
+    // a stream whatever it holds.
     virtual void sequenceResetup(AEContext& context);
     // Replaces the instance by its flat stream.
     virtual void sequenceFlatten(AEContext& context);
@@ -36,7 +37,7 @@ public:
     // A new instance of the effect's class, owned by the caller.
     virtual SequenceManager* newSequenceInstance(AEContext& context) = 0;
 
-    // The instance in sequence_data; null data fails an assertion.
+    // The instance in sequence_data; data without a living one fail an assertion.
     SequenceManager* getSequenceInstance(AEContext& context);
     // Creates an instance and hands it to the host in a handle.
     SequenceManager* makeSequenceOnOutData(AEContext& context);

@@ -11,6 +11,14 @@
 
 namespace AELib {
 
+SequenceManager::SequenceManager() {
+    ListInstance(this, typeid(SequenceManager));
+}
+
+SequenceManager::~SequenceManager() {
+    UnlistInstance(this);
+}
+
 void SequenceManager::handleCommand(AEContext& context) {
     switch (context.cmd) {
         case PF_Cmd_SEQUENCE_SETUP:
@@ -100,13 +108,14 @@ void SequenceManager::frameSetdown(AEContext& context) {
     FrameManager* const frame = getFrameInstance(context);
     frame->handleCommand(context);
     delete frame;
-    context.disposeHandle(context.inData->frame_data);
+    DisposeInstanceHandle(context, context.inData->frame_data);
     if (context.supportsFrameData()) {
         context.inData->frame_data = nullptr;
         context.outData->frame_data = nullptr;
     } else {
         // Deliberate: the handle itself is not disposed. Pinned by
         // SequenceManagerTest.PoppedFrameHandlesAreLeft.
+        ForgetInstanceHandle(frameHandles.back());
         frameHandles.pop_back();
     }
 }
@@ -119,7 +128,9 @@ FrameManager* SequenceManager::getFrameInstance(AEContext& context) {
         handle = frameHandles.back();
     }
     PILib::_Assert(handle != nullptr, site::kFrameData, site::kSequenceManagerFile);
-    return InstanceIn<FrameManager>(handle);
+    const auto frame = InstanceIn<FrameManager>(context, handle);
+    PILib::_Assert(frame.value_or(nullptr) != nullptr, site::kFrameData, site::kSequenceManagerFile);
+    return *frame;
 }
 
 }  // namespace AELib

@@ -13,12 +13,12 @@ class FrameManager;
 
 class SequenceManager {
 public:
-    SequenceManager() = default;
+    SequenceManager();
     SequenceManager(const SequenceManager&) = delete;
     SequenceManager& operator=(const SequenceManager&) = delete;
 
     // Slot order is given; append only.
-    virtual ~SequenceManager() = default;
+    virtual ~SequenceManager();
     // Reads the instance's data back, in the order that archive() wrote it.
     virtual void dearchive(AEContext& /*context*/, PILib::Archiver& /*archiver*/) {}
     virtual void handleCommand(AEContext& context);

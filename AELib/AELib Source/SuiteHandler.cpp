@@ -29,7 +29,8 @@ constexpr SuiteName kReleased[] = {
 }  // namespace
 
 AEGP_SuiteHandler::AEGP_SuiteHandler(const SPBasicSuite* basic) : basic(basic) {
-    if (basic == nullptr) MissingSuiteError();
+    if (basic == nullptr || basic->AcquireSuite == nullptr || basic->ReleaseSuite == nullptr)
+        MissingSuiteError();
 }
 
 AEGP_SuiteHandler::~AEGP_SuiteHandler() {

@@ -16,7 +16,8 @@ namespace AELib {
 
 class AEGP_SuiteHandler {
 public:
-    // `basic` is the host's and outlives the handler; null is a missing-suite error.
+    // `basic` is the host's and outlives the handler; null, or one without functions, is a missing-suite
+    // error.
     explicit AEGP_SuiteHandler(const SPBasicSuite* basic);
     ~AEGP_SuiteHandler();
     AEGP_SuiteHandler(const AEGP_SuiteHandler&) = delete;

@@ -185,11 +185,14 @@ PF_Err HostCallbacks::iterateGeneric(A_long iterations, void* refcon,
     host.iterations.push_back(iterations);
     if (const PF_Err error = host.enter(Callback::kIterateGeneric)) return error;
     const A_long count = iterations == -1 ? host.threads : iterations;
+    const auto run = [&](A_long i) {
+        return fn(refcon, i, host.toldIndex.value_or(i), host.toldIterations.value_or(count));
+    };
     std::vector<PF_Err> results(static_cast<std::size_t>(std::max(count, 1)));
     std::vector<std::thread> workers;
     for (A_long i = 1; i < count; ++i)
-        workers.emplace_back([&, i] { results[static_cast<std::size_t>(i)] = fn(refcon, i, i, count); });
-    if (count > 0) results[0] = fn(refcon, 0, 0, count);
+        workers.emplace_back([&, i] { results[static_cast<std::size_t>(i)] = run(i); });
+    if (count > 0) results[0] = run(0);
     for (std::thread& worker : workers)
         worker.join();
     const auto failed = std::find_if(results.begin(), results.end(), [](PF_Err e) { return e != 0; });

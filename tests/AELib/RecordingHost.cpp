@@ -158,6 +158,12 @@ int RecordingHost::lockedHandles() const {
                                           [](const auto& entry) { return entry.second->locks > 0; }));
 }
 
+std::string RecordingHost::takeFaults() {
+    std::string text = faults();
+    faultList.clear();
+    return text;
+}
+
 std::string RecordingHost::faults() const {
     std::string text;
     for (const std::string& fault : faultList)

@@ -14,6 +14,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <thread>
@@ -123,6 +124,8 @@ public:
 
     // Misuse so far, one per line, and what was lent and not given back.
     std::string faults() const;
+    // The misuse so far, which is then forgotten.
+    std::string takeFaults();
     int liveHandles() const { return static_cast<int>(handles.size()); }
     int lockedHandles() const;
     int liveWorlds() const { return static_cast<int>(worlds.size()); }
@@ -130,15 +133,18 @@ public:
     int liveSuites() const { return liveSuiteCount; }
 
     PF_Handle newHandle(A_u_longlong size);
+    bool isAlive(PF_Handle handle) const { return handles.contains(handle); }
 
     PF_EntryPoint entryPoint;
     PF_InData in{};
     PF_OutData out{};
     PF_UtilCallbacks utils{};
     SPBasicSuite basic{};
-    PF_LayerDef* output = nullptr;       // given with every command but FRAME_SETUP and FRAME_SETDOWN
-    const HostWorld* control = nullptr;  // what a checkout of any layer gives; null is none
-    int threads = 3;                     // what iterate_generic uses and reports for -1
+    PF_LayerDef* output = nullptr;         // given with every command but FRAME_SETUP and FRAME_SETDOWN
+    const HostWorld* control = nullptr;    // what a checkout of any layer gives; null is none
+    int threads = 3;                       // what iterate_generic uses and reports for -1
+    std::optional<A_long> toldIterations;  // what its functions hear in place of the true numbers
+    std::optional<A_long> toldIndex;
     std::set<std::string> missingSuites;
 
     Failures failures;
@@ -155,6 +161,9 @@ public:
     std::vector<std::string> streamLog;  // calls of the AEGP suites with their arguments
     static constexpr AEGP_PluginID kPluginID = 4711;
 
+protected:
+    std::vector<PF_ParamDef> params;
+
 private:
     friend struct HostCallbacks;
     struct Block {
@@ -170,7 +179,6 @@ private:
     std::map<PF_Handle, std::unique_ptr<Block>> handles;
     std::map<const void*, std::unique_ptr<HostWorld>> worlds;  // by first pixel
     std::multiset<const PF_ParamDef*> checkedOut;              // records of the checkouts that are open
-    std::vector<PF_ParamDef> params;
     std::vector<std::string> faultList;
     std::thread::id mainThread = std::this_thread::get_id();
     int liveSuiteCount = 0;
