@@ -14,16 +14,22 @@ namespace {
 // A request beyond this is a mistake in the effect.
 constexpr std::size_t kLargestSize = std::size_t{1} << 31;
 
+using Bytes = std::unique_ptr<std::byte[]>;
+
+// Zeroed; null when memory is short.
+Bytes newBytes(std::size_t size) {
+    if (size > kLargestSize) return nullptr;
+    return Bytes(new (std::nothrow) std::byte[std::max<std::size_t>(size, 1)]());
+}
+
 }  // namespace
 
 void* MemoryBlocks::allocate(std::size_t size) {
-    if (size > kLargestSize) return nullptr;
-    Block block{std::unique_ptr<std::byte[]>(new (std::nothrow) std::byte[std::max<std::size_t>(size, 1)]()),
-                size};
-    if (block.bytes == nullptr) return nullptr;
-    void* address = block.bytes.get();
+    Bytes bytes = newBytes(size);
+    if (bytes == nullptr) return nullptr;
+    void* address = bytes.get();
     const std::lock_guard lock(mutex);
-    blocks.emplace(address, std::move(block));
+    blocks.emplace(address, Block{std::move(bytes), size});
     return address;
 }
 
@@ -35,19 +41,19 @@ PF_Err MemoryBlocks::free(void* block) {
 }
 
 PF_Err MemoryBlocks::reallocate(void* block, std::size_t size, void** moved) {
-    std::unique_lock lock(mutex);
+    const std::lock_guard lock(mutex);
     const auto entry = blocks.find(block);
     if (entry == blocks.end()) {
         ledger.fault("ReallocateBlock", "the block is not one of the host's, or has been freed before");
         return PF_Err_BAD_CALLBACK_PARAM;
     }
-    lock.unlock();
-    void* fresh = allocate(size);
+    Bytes fresh = newBytes(size);
     if (fresh == nullptr) return PF_Err_OUT_OF_MEMORY;
-    lock.lock();
-    std::memcpy(fresh, block, std::min(size, entry->second.size));
+    void* const address = fresh.get();
+    std::memcpy(address, block, std::min(size, entry->second.size));
     blocks.erase(entry);
-    *moved = fresh;
+    blocks.emplace(address, Block{std::move(fresh), size});
+    *moved = address;
     return PF_Err_NONE;
 }
 

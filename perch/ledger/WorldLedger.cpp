@@ -28,7 +28,6 @@ PF_Err WorldLedger::allocate(std::int32_t width, std::int32_t height, bool isDee
     auto owned = std::make_unique<World>(width, height, isDeep, padding);
     world = owned->record();
     const std::lock_guard lock(mutex);
-    disposed.erase(world.data);
     worlds.emplace(world.data, Entry{std::move(owned)});
     return PF_Err_NONE;
 }
