@@ -76,8 +76,6 @@ int main(int argc, char** argv) {
         return run(std::span(argv, static_cast<std::size_t>(argc)).subspan(1));
     } catch (const perch::UsageError& error) {
         return fail(perch::kWrongUse, error.what());
-    } catch (const perch::Cancelled&) {
-        return fail(perch::kInterrupted, "interrupted; nothing was written");
     } catch (const std::bad_alloc&) {
         return fail(perch::kFailed, "there is not enough memory");
     } catch (const std::exception& error) {

@@ -213,7 +213,9 @@ void Host::throwIfFailed(const Call& sent) const {
     const std::string name = commandName(sent.command);
     const std::optional<std::int32_t> frame =
         sent.frame != nullptr ? std::optional(sent.frame->frame) : std::nullopt;
-    if (sent.code == PF_Interrupt_CANCEL) throw Cancelled(name, sent.code, message, frame);
+    const bool isAskedFor =
+        sent.frame != nullptr && sent.frame->cancelled != nullptr && sent.frame->cancelled->load();
+    if (sent.code == PF_Interrupt_CANCEL && isAskedFor) throw Cancelled(name, sent.code, message, frame);
     if (sent.code != PF_Err_NONE) throw EffectError(name, sent.code, message, frame);
     if (message.empty() || sent.command == PF_Cmd_ABOUT) return;
     if ((sent.out.out_flags & PF_OutFlag_DISPLAY_ERROR_MESSAGE) != 0)

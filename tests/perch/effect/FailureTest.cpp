@@ -176,6 +176,23 @@ TEST_F(FailureTest, CancelReachesAbortAndComesBackAsCancelled) {
     EXPECT_EQ(commands[5], "FRAME_SETDOWN");
 }
 
+TEST_F(FailureTest, CancelThatNobodyAskedForIsAFailure) {
+    const std::atomic<bool> cancelled{false};
+    request.cancelled = &cancelled;
+    failAt(PF_Cmd_RENDER, PF_Interrupt_CANCEL);
+    EXPECT_EQ(liveOnce(), "frame 12: plug-in returned 517 at RENDER");
+    script.on(PF_Cmd_RENDER, {[](const EffectCall&) { return PF_Err_NONE; }});
+    failAt(PF_Cmd_GLOBAL_SETUP, PF_Interrupt_CANCEL);
+    try {
+        Effect effect(ScriptedEffect::enter, {}, options());
+        FAIL() << "the set-up was taken for a good one";
+    } catch (const Cancelled&) {
+        FAIL() << "nobody cancelled";
+    } catch (const EffectError& error) {
+        EXPECT_STREQ(error.what(), "plug-in returned 517 at GLOBAL_SETUP");
+    }
+}
+
 TEST_F(FailureTest, ProgressIsPassedOnAsAShare) {
     std::vector<double> shares;
     request.progress = [&](double share) { shares.push_back(share); };
