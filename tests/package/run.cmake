@@ -22,6 +22,9 @@ foreach(file IN LISTS package_files)
   endforeach()
 endforeach()
 
+# The installed program finds the installed plug-in by itself.
+execute_process(COMMAND "${prefix}/bin/perch" check OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
+
 # Objects of a sanitized library only link and run in a program built with the same sanitizers.
 if(sanitize)
   string(APPEND flags " -fsanitize=${sanitize} -fno-sanitize-recover=all")

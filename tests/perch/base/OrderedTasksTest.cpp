@@ -11,6 +11,14 @@
 namespace perch::test {
 namespace {
 
+// Until `condition()` holds, or for so long that no test can take it for one that will.
+template <typename F>
+void waitUntil(const F& condition) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (!condition() && std::chrono::steady_clock::now() < end)
+        std::this_thread::yield();
+}
+
 TEST(OrderedTasksTest, ResultsComeInTheOrderOfTheStartsWhicheverEndsFirst) {
     OrderedTasks<int> tasks(8);
     for (int i = 0; i < 8; ++i) {
@@ -28,18 +36,19 @@ TEST(OrderedTasksTest, ResultsComeInTheOrderOfTheStartsWhicheverEndsFirst) {
 TEST(OrderedTasksTest, TasksRunBesideEachOtherUpToTheLimit) {
     constexpr int kLimit = 3;
     std::atomic<int> waiting{0};
+    std::atomic<int> together{0};
     OrderedTasks<void> tasks(kLimit);
-    // Each ends only when all run.
+    // Each waits until all run.
     while (!tasks.isFull()) {
         tasks.start([&] {
             ++waiting;
-            while (waiting < kLimit)
-                std::this_thread::yield();
+            waitUntil([&] { return waiting == kLimit; });
+            if (waiting == kLimit) ++together;
         });
     }
     while (!tasks.isEmpty())
         tasks.next();
-    EXPECT_EQ(waiting, kLimit);
+    EXPECT_EQ(together, kLimit);
 }
 
 TEST(OrderedTasksTest, ExceptionComesInTheTurnOfItsTaskAndTheNextGoOn) {
@@ -56,16 +65,13 @@ TEST(OrderedTasksTest, NextIsReadyOnceTheOldestHasEnded) {
     std::atomic<bool> mayEnd{false};
     OrderedTasks<void> tasks(2);
     EXPECT_FALSE(tasks.isNextReady());
-    tasks.start([&] {
-        while (!mayEnd)
-            std::this_thread::yield();
-    });
+    tasks.start([&] { waitUntil([&] { return mayEnd.load(); }); });
     tasks.start([] {});
     EXPECT_FALSE(tasks.isNextReady());
     mayEnd = true;
     tasks.next();
-    while (!tasks.isNextReady())
-        std::this_thread::yield();
+    waitUntil([&] { return tasks.isNextReady(); });
+    EXPECT_TRUE(tasks.isNextReady());
     tasks.next();
 }
 

@@ -72,6 +72,36 @@ TEST_P(WorkerPoolTest, NoIterationBeginsAfterEveryThreadHasThrown) {
     EXPECT_LE(runs, GetParam());
 }
 
+TEST_P(WorkerPoolTest, NoIterationBeginsAfterOneThreadOfManyHasThrown) {
+    WorkerPool pool(GetParam());
+    std::atomic<int> runs{0};
+    constexpr int kCount = 20000;
+    const auto failFirst = [&](std::int32_t, std::int32_t i) {
+        ++runs;
+        if (i == 0) throw std::runtime_error("one");
+        std::this_thread::sleep_for(std::chrono::microseconds(50));
+    };
+    EXPECT_THROW(pool.run(kCount, failFirst), std::runtime_error);
+    EXPECT_LT(runs, kCount / 2);
+}
+
+TEST_P(WorkerPoolTest, FirstExceptionIsTheOneThatComesBack) {
+    WorkerPool pool(GetParam());
+    std::atomic<bool> hasThrown{false};
+    // The others throw later than the first, and before the run ends.
+    const auto fail = [&](std::int32_t, std::int32_t) {
+        if (!hasThrown.exchange(true)) throw std::runtime_error("first");
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        throw std::runtime_error("later");
+    };
+    try {
+        pool.run(GetParam(), fail);
+        ADD_FAILURE() << "no exception came back";
+    } catch (const std::runtime_error& error) {
+        EXPECT_STREQ(error.what(), "first");
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(ThreadCounts, WorkerPoolTest, testing::Values(1, 2, 3, 8, 64),
                          [](const auto& test) { return "Threads" + std::to_string(test.param); });
 

@@ -90,6 +90,19 @@ TEST(RenderCommandTest, FailedRenderLeavesTheOutputAndTheFolderAsTheyWere) {
     EXPECT_EQ(commandLine.files(), files);
 }
 
+// What an effect keeps to its very end shows only after its last command.
+TEST(RenderCommandTest, StrictModeNamesWhatIsLeftAfterTheLastCommand) {
+    const CommandLine commandLine;
+    const ProgramResult result = commandLine.run(
+        "perch render --plugin {plugins}/Careless.so -i rgba8.png -o out.png --depth 8 --strict");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_NE(
+        result.err.find("perch: strict: GLOBAL_SETDOWN, host_new_handle: a handle of 16 bytes was never "
+                        "disposed\n"),
+        std::string::npos)
+        << result.err;
+}
+
 TEST(RenderCommandTest, InterruptReachesTheEffectAndLeavesNoFile) {
     const CommandLine commandLine;
     const std::vector<std::string> files = commandLine.files();

@@ -99,8 +99,9 @@ TEST(SequenceTest, TerminalShowsTheFramesInOrderAndIsLeftClear) {
     const ProgramResult result = program.finish();
     ASSERT_EQ(result.status, 0) << result.err;
     std::size_t place = 0;
-    for (const std::string line : {"\rframe 1 of 4:   0%", "\rframe 2 of 4:  25%", "\rframe 3 of 4:  50%",
-                                   "\rframe 4 of 4:  75%", "\r\x1B[K"}) {
+    for (const std::string line :
+         {"\rframe 1 of 4:   0%", "\rframe 1 of 4:  12%", "\rframe 2 of 4:  25%", "\rframe 2 of 4:  37%",
+          "\rframe 3 of 4:  50%", "\rframe 4 of 4:  75%", "\rframe 4 of 4:  87%", "\r\x1B[K"}) {
         const std::size_t found = result.err.find(line, place);
         ASSERT_NE(found, std::string::npos) << line << " is not in order in " << result.err;
         place = found + line.size();

@@ -131,6 +131,14 @@ const Misdeed kMisdeeds[] = {
          return PF_Err{0};
      },
      {"RENDER: the input's pixels were written; they are read-only without the flag I_WRITE_INPUT_BUFFER"}},
+    {"WriteToInputAtSetDown",
+     PF_Cmd_FRAME_SETDOWN,
+     [](const EffectCall& call) {
+         call.params[0]->u.ld.data[0].alpha ^= 1;
+         return PF_Err{0};
+     },
+     {"FRAME_SETDOWN: the input's pixels were written; they are read-only without the flag "
+      "I_WRITE_INPUT_BUFFER"}},
     {"OutputWrittenBehindItsRows",
      PF_Cmd_RENDER,
      [](const EffectCall& call) {
@@ -362,6 +370,28 @@ TEST_P(StrictModeTest, MisdeedIsPutUpWithOtherwise) {
 
 INSTANTIATE_TEST_SUITE_P(Misdeeds, StrictModeTest, testing::ValuesIn(kMisdeeds),
                          [](const auto& test) { return test.param.name; });
+
+// What the effect had in the record is its own as long as no picture was handed out.
+TEST(FailedCheckoutTest, CheckinAfterAFailedCheckoutLeavesTheRecordAsItIs) {
+    ScriptedEffect script;
+    PF_Pixel own{};
+    const PF_Pixel* left = nullptr;
+    script.on(PF_Cmd_RENDER, [&](const EffectCall& call) {
+        PF_ParamDef param = parameterOfType(PF_Param_LAYER, "Own");
+        param.u.ld.data = &own;
+        call.in->inter.checkout_param(call.in->effect_ref, 9, 0, 1, 24, &param);
+        const PF_Err code = call.in->inter.checkin_param(call.in->effect_ref, &param);
+        left = param.u.ld.data;
+        return code;
+    });
+    const World picture(8, 4, false);
+    FrameRequest request;
+    request.input = &picture;
+    Effect effect(ScriptedEffect::enter, {}, strictOptions());
+    Sequence(effect).render(request);
+    EXPECT_EQ(left, &own);
+    EXPECT_THAT(faults(effect), ElementsAre("RENDER, checkout_param: index 9 is not from 0 to 0"));
+}
 
 TEST(PropertyListTest, FieldsOfGlobalSetUpMustAgreeWithTheList) {
     ScriptedEffect script;

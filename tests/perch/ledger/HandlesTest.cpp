@@ -105,6 +105,17 @@ TEST_F(HandlesTest, WritingBesideABlockIsFound) {
                             "RENDER, host_dispose_handle: bytes behind a block of 5 bytes were written"));
 }
 
+TEST_F(HandlesTest, WritingBesideABlockIsFoundBeforeAResizeMovesIt) {
+    const PF_Handle handle = handles.allocate(5);
+    (*handle)[5] = 1;
+    (*handle)[-1] = 1;
+    handles.resize(6, handle);
+    handles.dispose(handle);
+    EXPECT_THAT(lines(ledger),
+                ElementsAre("RENDER, host_resize_handle: bytes before a block of 5 bytes were written",
+                            "RENDER, host_resize_handle: bytes behind a block of 5 bytes were written"));
+}
+
 TEST(LenientHandlesTest, MisuseIsPutUpWith) {
     Ledger ledger{false};
     HandleTable handles{ledger};

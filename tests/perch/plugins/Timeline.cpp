@@ -80,6 +80,7 @@ PF_Err render(const PF_InData& in, PF_OutData& out, PF_ParamDef* params[], const
     }
     int matte = 0;
     if (const PF_Err error = readMatte(in, matte); error != 0) return error;
+    if (const PF_Err error = in.inter.progress(in.effect_ref, 1, 2); error != 0) return error;
     copyPixels(params[kInput]->u.ld, output);
     std::snprintf(out.return_msg, sizeof out.return_msg, "time %d of %d by %d, set up %d.%d.%d, matte %d",
                   in.current_time, in.total_time, in.time_step, globalSetups, sequenceSetups, frameSetups,

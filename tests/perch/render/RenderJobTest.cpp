@@ -4,11 +4,14 @@
 #include <sys/inotify.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <string>
 #include <system_error>
+#include <thread>
 
 #include "PictureFiles.h"
 #include "RenderJob.h"
@@ -18,18 +21,20 @@
 namespace perch::test {
 namespace {
 
-// Tells when a file has been opened since.
-class OpenWatch {
+constexpr int kUntilAThreadRuns = 20000;  // milliseconds at most
+
+// Tells when one of the events (see inotify) has come to a file or folder since.
+class FileWatch {
 public:
-    explicit OpenWatch(const std::filesystem::path& path) {
-        if (inotify_add_watch(events, path.c_str(), IN_OPEN) < 0)
+    FileWatch(const std::filesystem::path& path, std::uint32_t mask) {
+        if (inotify_add_watch(events, path.c_str(), mask) < 0)
             throw std::system_error(errno, std::generic_category(), path);
     }
-    ~OpenWatch() { close(events); }
-    OpenWatch(const OpenWatch&) = delete;
-    OpenWatch& operator=(const OpenWatch&) = delete;
+    ~FileWatch() { close(events); }
+    FileWatch(const FileWatch&) = delete;
+    FileWatch& operator=(const FileWatch&) = delete;
 
-    bool wasOpenedWithin(int milliseconds) const {
+    bool hasSeenOneWithin(int milliseconds) const {
         pollfd waited{events, POLLIN, 0};
         return poll(&waited, 1, milliseconds) == 1;
     }
@@ -38,27 +43,77 @@ private:
     int events = inotify_init1(IN_CLOEXEC);
 };
 
-TEST(RenderJobTest, NextFrameIsReadWhileOneRenders) {
-    const TemporaryFolder folder;
+// in.1.png and so on, which are written, to out.1.png.
+FramePlan sequenceIn(const TemporaryFolder& folder, int frames) {
     FramePlan plan;
     plan.isSequence = true;
-    for (const int frame : {1, 2}) {
+    for (int frame = 1; frame <= frames; ++frame) {
         const std::string name = std::to_string(frame) + ".png";
         writeFile<std::uint8_t>(folder / ("in." + name), {}, {10, 20, 30, 255});
         plan.frames.push_back({frame, folder / ("in." + name), folder / ("out." + name), {}});
     }
-    const OpenWatch second(plan.frames[1].input);
+    return plan;
+}
+
+TEST(RenderJobTest, NextFrameIsReadWhileOneRenders) {
+    const TemporaryFolder folder;
+    const FramePlan plan = sequenceIn(folder, 2);
+    const FileWatch second(plan.frames[1].input, IN_OPEN);
     bool isReadBesideTheFirst = false;
     RenderWatch watch;
     watch.frameBegins = [&](std::size_t index) {
-        constexpr int kUntilAThreadRuns = 20000;  // milliseconds at most
-        if (index == 0) isReadBesideTheFirst = second.wasOpenedWithin(kUntilAThreadRuns);
+        if (index == 0) isReadBesideTheFirst = second.hasSeenOneWithin(kUntilAThreadRuns);
     };
     Effect effect(std::filesystem::path(PERCH_TEST_PLUGINS) / "Invert.so", strictOptions());
     RenderReport report;
     renderFrames(effect, {}, plan, watch, report);
     EXPECT_TRUE(isReadBesideTheFirst);
     EXPECT_EQ(report.framesWritten, 2U);
+}
+
+TEST(RenderJobTest, FrameThatACancelCameInIsNotWritten) {
+    const TemporaryFolder folder;
+    const FramePlan plan = sequenceIn(folder, 3);
+    std::atomic<bool> cancelled{false};
+    RenderWatch watch;
+    watch.cancelled = &cancelled;
+    ScriptedEffect script;  // never asks whether it is to stop
+    script.on(PF_Cmd_RENDER, [&](const EffectCall& call) {
+        cancelled = call.in->current_time == 2;
+        return PF_Err_NONE;
+    });
+    Effect effect(ScriptedEffect::enter, {}, strictOptions());
+    RenderReport report;
+    EXPECT_THROW(renderFrames(effect, {}, plan, watch, report), Cancelled);
+    EXPECT_EQ(report.framesWritten, 1U);
+    EXPECT_TRUE(std::filesystem::exists(plan.frames[0].output));
+    EXPECT_FALSE(std::filesystem::exists(plan.frames[1].output));
+}
+
+TEST(RenderJobTest, FailedWriteEndsTheJobAtTheNextFrame) {
+    const TemporaryFolder folder;
+    constexpr int kFrames = 8;
+    FramePlan plan = sequenceIn(folder, kFrames);
+    // Longer than a file's name may be, which shows when the written file is given its name.
+    plan.frames[0].output = folder / (std::string(300, 'x') + ".png");
+    const FileWatch failedFile(folder / "", IN_DELETE);
+    std::size_t begun = 0;
+    bool hasFailed = false;
+    RenderWatch watch;
+    watch.frameBegins = [&](std::size_t index) {
+        begun = index + 1;
+        if (index == 1) hasFailed = failedFile.hasSeenOneWithin(kUntilAThreadRuns);
+        // The task has yet to end when its file is gone.
+        if (index > 1) std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    };
+    RenderSettings settings;
+    settings.framesAhead = kFrames;  // room for all of them to wait
+    ScriptedEffect script;
+    Effect effect(ScriptedEffect::enter, {}, strictOptions());
+    RenderReport report;
+    EXPECT_THROW(renderFrames(effect, settings, plan, watch, report), Error);
+    EXPECT_TRUE(hasFailed);
+    EXPECT_LT(begun, static_cast<std::size_t>(kFrames) - 2);
 }
 
 }  // namespace
