@@ -3,10 +3,13 @@ include(CMakePackageConfigHelpers)
 
 set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/Kestrel")
 
-install(TARGETS pilib focus-core kestrel-numerics EXPORT KestrelTargets ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}")
-install(DIRECTORY "PILib/PILib Source/" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/kestrel/PILib"
-  FILES_MATCHING PATTERN "*.h" PATTERN rows EXCLUDE PATTERN memory EXCLUDE)
-install(FILES focus-core/Kestrel.h DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/kestrel/focus-core")
+# Libraries bring the headers of their HEADERS file set, and no others.
+install(TARGETS kestrel-numerics EXPORT KestrelTargets)
+foreach(library IN ITEMS pilib focus-core kestrel-pipeline)
+  install(TARGETS ${library} EXPORT KestrelTargets
+    ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+    FILE_SET HEADERS DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/kestrel/${library}")
+endforeach()
 install(DIRECTORY "${CMAKE_BINARY_DIR}/Kestrel.plugin" DESTINATION "${CMAKE_INSTALL_LIBDIR}" USE_SOURCE_PERMISSIONS)
 install(TARGETS perch RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
 install(EXPORT KestrelTargets NAMESPACE Kestrel:: DESTINATION "${package_dir}")
