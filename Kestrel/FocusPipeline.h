@@ -14,7 +14,7 @@
 // clamped; a channel that PILib::ChannelID does not have fails an assertion.
 struct RenderInputs {
     int viewMode = 0;           // 0 Normal, else Focus (shows the defocus map)
-    int blurType = 0;           // 0 Coarse (box), else Fine (tent)
+    int blurType = 0;           // 1 Fine (tent), else Coarse (box)
     int channel = 4;            // a PILib::ChannelID; 4 is Luma
     float focalPoint = 0.0F;    // control value in focus, 0 to 1
     float inFocusRange = 0.0F;  // control values this far from the focal point stay sharp, 0 to 1

@@ -295,6 +295,18 @@ TYPED_TEST(FocusPipelineTypedTest, EveryViewButTheFirstIsTheFocusView) {
     EXPECT_NE(focusView, frame.rendered(inputs));
 }
 
+TYPED_TEST(FocusPipelineTypedTest, EveryBlurTypeButTheSecondIsCoarse) {
+    Frame<TypeParam> frame(16);
+    RenderInputs inputs;
+    const std::vector<oracle::Colour> coarse = frame.rendered(inputs);
+    for (const int type : {-1, 2, 255}) {
+        inputs.blurType = type;
+        EXPECT_EQ(coarse, frame.rendered(inputs)) << type;
+    }
+    inputs.blurType = 1;
+    EXPECT_NE(coarse, frame.rendered(inputs));
+}
+
 TYPED_TEST(FocusPipelineTypedTest, FocusViewWithTheWholeRangeInFocusIsTheInputThenBlended) {
     Frame<TypeParam> frame(9);
     for (const float blend : {0.0F, 0.5F}) {
