@@ -144,6 +144,17 @@ TEST_F(ArchiverTest, GrowthDoublesAndTheHandleIsTrimmed) {
     EXPECT_EQ(7, bytes[10000]);
 }
 
+// The trimmed handle has no room left, so that the next value needs it to grow again.
+TEST_F(ArchiverTest, WritingGoesOnAfterTheHandleWasTaken) {
+    Archiver archive(context);
+    archive << short{0x0102};
+    archive.getHandle();
+    EXPECT_EQ(2, archive.size);
+    archive << short{0x0304};
+    EXPECT_EQ(static_cast<std::size_t>(archive.size), context.getHandleSize(archive.handle));
+    EXPECT_EQ((Bytes{1, 2, 3, 4}), written(archive));
+}
+
 TEST_F(ArchiverTest, SizesGrowByTheRule) {
     struct Case {
         int size;

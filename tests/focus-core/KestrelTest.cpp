@@ -258,10 +258,13 @@ TYPED_TEST(KestrelTypedTest, InputOrMapSmallerThanTheOutputIsRefused) {
 }
 
 TYPED_TEST(KestrelTypedTest, EmptyOutputNeedsNoInput) {
-    const SimplePixelBuffer<Pixel<TypeParam>> empty(0, 0);
-    const ChannelBuf<TypeParam> map(0, 0);
-    EXPECT_NO_THROW(Kestrel(this->context, empty, empty, map, true, 4.0F, 4.0F));
-    EXPECT_TRUE(this->context.progressCalls.empty());
+    for (const auto& [width, height] : {std::pair{0, 0}, {5, 0}, {0, 5}}) {
+        const SimplePixelBuffer<Pixel<TypeParam>> empty(width, height);
+        const ChannelBuf<TypeParam> map(width, height);
+        EXPECT_NO_THROW(Kestrel(this->context, empty, empty, map, true, 4.0F, 4.0F))
+            << width << " x " << height;
+        EXPECT_TRUE(this->context.progressCalls.empty()) << width << " x " << height;
+    }
 }
 
 TYPED_TEST(KestrelTypedTest, RadiiThatNoTableHoldsAreRefusedBeforeAnythingIsReported) {

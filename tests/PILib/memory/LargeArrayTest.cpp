@@ -4,11 +4,14 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <fstream>
 #include <limits>
 #include <new>
 #include <thread>
 #include <vector>
+
+#ifdef MAPS_LARGE_ARRAYS
+#include "Mappings.h"
+#endif
 
 namespace PILib::detail {
 namespace {
@@ -69,25 +72,34 @@ TEST(LargeArrayTest, SizesBeyondEveryMappingAreBadAlloc) {
         EXPECT_THROW(MakeLargeArray<double>(count), std::bad_alloc) << count;
 }
 
-// Pages of the process's address space.
-std::size_t MappedPages() {
-    std::size_t pages = 0;
-    std::ifstream("/proc/self/statm") >> pages;
-    return pages;
+// A frame's tables and two more than are kept.
+void MakeFrame(std::size_t size) {
+    LargeArray<std::uint8_t> tables[6];
+    for (auto& table : tables)
+        table = MakeLargeArray<std::uint8_t>(size);
 }
 
 TEST(LargeArrayTest, WhatIsGivenBackIsKeptForOneFrameAtMost) {
-    const auto makeFrame = [](std::size_t size) {
-        LargeArray<std::uint8_t> tables[6];  // more than are kept
-        for (auto& table : tables)
-            table = MakeLargeArray<std::uint8_t>(size);
-    };
-    makeFrame(5 * kMegabyte);
-    const std::size_t before = MappedPages();
+    MakeFrame(5 * kMegabyte);
+    const std::ptrdiff_t before = mappings::bytes;
     for (int frame = 0; frame < 500; ++frame)
-        makeFrame((5 - static_cast<std::size_t>(frame) % 4) * kMegabyte);
-    makeFrame(5 * kMegabyte);
-    EXPECT_EQ(before, MappedPages());
+        MakeFrame((5 - static_cast<std::size_t>(frame) % 4) * kMegabyte);
+    MakeFrame(5 * kMegabyte);
+    EXPECT_EQ(before, mappings::bytes);
+    EXPECT_EQ(static_cast<std::ptrdiff_t>(4 * 6 * kMegabyte), before);  // four blocks of three large pages
+}
+
+TEST(LargeArrayTest, ASecondFrameOfASizeMapsNothingNew) {
+    const auto makeFrame = [] {
+        LargeArray<std::uint8_t> tables[4];
+        for (auto& table : tables)
+            table = MakeLargeArray<std::uint8_t>(5 * kMegabyte);
+    };
+    makeFrame();
+    const int before = mappings::made;
+    for (int frame = 0; frame < 3; ++frame)
+        makeFrame();
+    EXPECT_EQ(before, mappings::made);
 }
 
 #endif
