@@ -7,6 +7,7 @@
 #include <memory>
 #include <ostream>
 #include <random>
+#include <string>
 
 #include "NaiveBlur.h"
 #include "OracleBuffers.h"
@@ -121,28 +122,31 @@ void CompareCase(Shape shape, unsigned seed) {
     }
 }
 
-template <class C>
-void CompareAllCases(Shape shape) {
+template <class C, Shape kShape>
+struct Variant {
+    using Channel = C;
+    static constexpr Shape shape = kShape;
+};
+
+struct VariantNames {
+    template <class V>
+    static std::string GetName(int /*index*/) {
+        const std::string depth = V::Channel::kOne == 255 ? "At8Bits" : "At15Bits";
+        return (V::shape == Shape::kBox ? "Box" : "Tent") + depth;
+    }
+};
+
+template <class V>
+class BlurOracleTest : public testing::Test {};
+using Variants = testing::Types<Variant<Channel8, Shape::kBox>, Variant<Channel15, Shape::kBox>,
+                                Variant<Channel8, Shape::kTent>, Variant<Channel15, Shape::kTent>>;
+TYPED_TEST_SUITE(BlurOracleTest, Variants, VariantNames);
+
+TYPED_TEST(BlurOracleTest, EqualsDirectSummation) {
     for (unsigned seed = 0; seed < kCasesPerVariant; ++seed) {
-        CompareCase<C>(shape, seed);
+        CompareCase<typename TypeParam::Channel>(TypeParam::shape, seed);
         if (testing::Test::HasFatalFailure()) return;
     }
-}
-
-TEST(BlurOracleTest, BoxBlurEqualsDirectSummationAt8Bits) {
-    CompareAllCases<Channel8>(Shape::kBox);
-}
-
-TEST(BlurOracleTest, BoxBlurEqualsDirectSummationAt15Bits) {
-    CompareAllCases<Channel15>(Shape::kBox);
-}
-
-TEST(BlurOracleTest, TentBlurEqualsDirectSummationAt8Bits) {
-    CompareAllCases<Channel8>(Shape::kTent);
-}
-
-TEST(BlurOracleTest, TentBlurEqualsDirectSummationAt15Bits) {
-    CompareAllCases<Channel15>(Shape::kTent);
 }
 
 }  // namespace
