@@ -46,3 +46,24 @@ if(KESTREL_SANITIZE)
   add_compile_options(-fsanitize=${KESTREL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${KESTREL_SANITIZE})
 endif()
+
+# What ships stops at a write past the end of an array instead of going on with damaged memory, keeps the addresses that
+# calls across libraries go through read-only, and marks where indirect jumps may land, for processors that check it.
+# docs/performance.md has the cost. Sanitizers see more by themselves.
+if(KESTREL_HARDENING AND NOT KESTREL_SANITIZE)
+  include(CheckCXXCompilerFlag)
+  include(CheckLinkerFlag)
+  foreach(flag IN ITEMS -fstack-protector-strong -fcf-protection -mbranch-protection=standard)
+    string(MAKE_C_IDENTIFIER "KESTREL_HAS${flag}" has)
+    check_cxx_compiler_flag(${flag} ${has})
+    if(${has})
+      add_compile_options(${flag})
+    endif()
+  endforeach()
+  # The C library's checks need the optimiser. Undefined first, as some distributions define it already.
+  add_compile_options("$<$<AND:$<CXX_COMPILER_ID:GNU,Clang,AppleClang>,$<NOT:$<CONFIG:Debug>>>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
+  check_linker_flag(CXX LINKER:-z,relro,-z,now KESTREL_HAS_Z_NOW)
+  if(KESTREL_HAS_Z_NOW)
+    add_link_options(LINKER:-z,relro,-z,now)
+  endif()
+endif()
