@@ -46,7 +46,7 @@ T Toward(T from, T to, std::int64_t weight) {
 
 // Every pixel of a row moved toward another row's by a 16.16 weight, which may be beyond 0 to 1.
 template <HostDepth C>
-void MoveRow(const Row<Pixel<C>>& row, const Row<Pixel<C>>& other, std::int32_t weight) {
+void BlendRow(const Row<Pixel<C>>& row, const Row<Pixel<C>>& other, std::int32_t weight) {
     for (int x = 0; x < row.size(); ++x) {
         Pixel<C>& p = row[x];
         const Pixel<C>& to = other[x];
@@ -63,7 +63,7 @@ void BlendRows(const PixelBuf<Pixel<C>>& picture, const PixelBuf<Pixel<C>>& othe
         const auto row = picture.row(y);
         const auto to = other.row(y);
         if (kernel == nullptr) {
-            MoveRow(row, to, weight);
+            BlendRow(row, to, weight);
         } else {
             kernel({row.begin(), to.begin(), 4 * std::ptrdiff_t{row.size()},
                     static_cast<std::uint32_t>(weight)});

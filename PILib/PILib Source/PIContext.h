@@ -1,7 +1,7 @@
 // The library's only view of its host: draft mode, abort and progress, relocatable memory, time and threads.
 //
 // A context is given to every operation that may take long. All operations are for the thread that entered
-// the library, but for progress(), which the iteration with thread index 0 may call inside multiThread.
+// the library, except progress(), which the iteration with thread index 0 may call inside multiThread.
 // Operations that fail, and progress and abort checks after the user has cancelled, throw an int: the host's
 // error code.
 #pragma once

@@ -2,7 +2,7 @@
 // request, and keeps account of its handles.
 //
 // Set the public fields before the call under test and read the notes after it. One thread uses a context at
-// a time, but for iterations on real threads; of those, only iteration 0 may report progress.
+// a time, except iterations on real threads; of those, only iteration 0 may report progress.
 #pragma once
 
 #include <cstddef>

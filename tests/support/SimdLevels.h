@@ -5,7 +5,7 @@
 
 #include "SimdLevel.h"
 
-// Those that this build holds and this processor runs, but for the per-pixel read-out.
+// Those that this build holds and this processor runs, except the per-pixel read-out.
 inline std::vector<PILib::SimdLevel> VectorLevels() {
     std::vector<PILib::SimdLevel> levels;
     for (const PILib::SimdLevel level :

@@ -38,13 +38,13 @@ void* Map(std::size_t mapped) {
     char* const block = first + (past == 0 ? 0 : kLargePage - past);
     Unmap(first, block);
     Unmap(block + mapped, first + mapped + kLargePage);
-    madvise(block, mapped, MADV_HUGEPAGE);  // a wish: without large pages the memory is as good
+    madvise(block, mapped, MADV_HUGEPAGE);  // a request that the system may refuse: small pages do too
     return block;
 }
 
 // Blocks that were given back last, for the next frame's tables of the same size: new pages would have to be
 // cleared by the system first. The system may take these pages whenever it is short of memory. For any
-// thread; renders of two sizes in turn find none.
+// thread; renders that change between two sizes never find one.
 class SpareBlocks {
 public:
     SpareBlocks() = default;
@@ -52,7 +52,7 @@ public:
     SpareBlocks& operator=(const SpareBlocks&) = delete;
     ~SpareBlocks() { clear(); }
 
-    // A block of exactly this size, or null. The others are let go of then: sizes have changed.
+    // A block of exactly this size; or null, and then the others are unmapped, as sizes have changed.
     void* take(std::size_t mapped) {
         const std::lock_guard lock(mutex);
         for (Block& block : blocks) {

@@ -51,8 +51,8 @@ PILIB_INLINE void BlendValues(Type* values, const Type* other, BlendWeights weig
 }
 
 template <class Depth>
-void MoveRow(const BlendRow& row) {
-    // Copies, as stored bytes might be the row's own for all that the compiler knows.
+void BlendRow(const RowToBlend& row) {
+    // Copies of the fields: the compiler cannot know that storing bytes leaves the fields alone.
     auto* const values = static_cast<typename Depth::Type*>(row.values);
     const auto* const other = static_cast<const typename Depth::Type*>(row.other);
     const std::ptrdiff_t count = row.count;

@@ -62,7 +62,7 @@ PILIB_INLINE void Straighten(Channels& c) {
     c.blue = scaled(c.blue);
 }
 
-// How many runs of equal whole radii a block has, of all its lanes, wanted or not.
+// How many runs of equal whole radii a block has; lanes that are not wanted count too.
 PILIB_INLINE int Runs(Int wholeX, Int wholeY) {
     const Int changes =
         (wholeX != Arranged<Previous>(wholeX, wholeX)) | (wholeY != Arranged<Previous>(wholeY, wholeY));
@@ -70,11 +70,11 @@ PILIB_INLINE int Runs(Int wholeX, Int wholeY) {
 }
 
 // One group's lanes, premultiplied; what others hold means nothing.
-template <class Blur>
-PILIB_INLINE Channels ReadGroup(const BlurRow<typename Blur::Entry>& row, std::ptrdiff_t centre,
+template <class Filter>
+PILIB_INLINE Channels ReadGroup(const RowToBlur<typename Filter::Entry>& row, std::ptrdiff_t centre,
                                 const Group& group, Int fractionX, Int fractionY, unsigned members) {
-    const typename Blur::Neighbours neighbours(group, row.stride);
-    const auto channel = [&](const typename Blur::Entry* table) PILIB_INLINE_LAMBDA {
+    const typename Filter::Neighbours neighbours(group, row.stride);
+    const auto channel = [&](const typename Filter::Entry* table) PILIB_INLINE_LAMBDA {
         const Means<Int> means = neighbours.read(table + centre, members);
         return Mixed(means.whole, means.across, means.down, fractionX, fractionY);
     };
@@ -82,8 +82,8 @@ PILIB_INLINE Channels ReadGroup(const BlurRow<typename Blur::Entry>& row, std::p
 }
 
 // A block whose lanes `wanted` are blurred, group by group.
-template <class Blur>
-PILIB_INLINE Channels ReadGroups(const BlurRow<typename Blur::Entry>& row, std::ptrdiff_t centre,
+template <class Filter>
+PILIB_INLINE Channels ReadGroups(const RowToBlur<typename Filter::Entry>& row, std::ptrdiff_t centre,
                                  const AxisRadii& x, const AxisRadii& y, unsigned wanted) {
     Channels result{};
     while (wanted != 0) {
@@ -92,7 +92,7 @@ PILIB_INLINE Channels ReadGroups(const BlurRow<typename Blur::Entry>& row, std::
         const Int isMember = (x.whole == x.whole[lane]) & (y.whole == y.whole[lane]);
         const unsigned members = Bits(isMember) & wanted;
         result =
-            Select(isMember, ReadGroup<Blur>(row, centre, group, x.fraction, y.fraction, members), result);
+            Select(isMember, ReadGroup<Filter>(row, centre, group, x.fraction, y.fraction, members), result);
         wanted &= ~members;
     }
     return result;
@@ -118,14 +118,14 @@ PILIB_INLINE void SplitValues(const Int* pixels, Int* values, int step = 1) {
 }
 
 // A block whose lanes `wanted` are blurred, each pixel read by itself. Needs radii that are not clamped.
-template <class Blur>
-PILIB_INLINE Channels ReadPixels(const BlurRow<typename Blur::Entry>& row, std::ptrdiff_t centre,
+template <class Filter>
+PILIB_INLINE Channels ReadPixels(const RowToBlur<typename Filter::Entry>& row, std::ptrdiff_t centre,
                                  const AxisRadii& x, const AxisRadii& y, unsigned wanted) {
     std::int32_t wholeX[kLanes];
     std::int32_t wholeY[kLanes];
     std::memcpy(wholeX, &x.whole, sizeof wholeX);
     std::memcpy(wholeY, &y.whole, sizeof wholeY);
-    const typename Blur::Pixels pixels(x.whole, y.whole);
+    const typename Filter::Pixels pixels(x.whole, y.whole);
     Int wholeAndAcross[8] = {};
     Int down[4] = {};
     for (; wanted != 0; wanted &= wanted - 1) {
@@ -149,19 +149,19 @@ PILIB_INLINE Channels ReadPixels(const BlurRow<typename Blur::Entry>& row, std::
     return {channel(0), channel(1), channel(2), channel(3)};
 }
 
-template <class Blur>
-PILIB_INLINE Channels ReadLanes(const BlurRow<typename Blur::Entry>& row, std::ptrdiff_t centre,
+template <class Filter>
+PILIB_INLINE Channels ReadLanes(const RowToBlur<typename Filter::Entry>& row, std::ptrdiff_t centre,
                                 const AxisRadii& x, const AxisRadii& y, unsigned wanted, bool isClamped) {
-    if constexpr (Blur::kMostRuns < kLanes) {
-        if (!isClamped && Runs(x.whole, y.whole) > Blur::kMostRuns)
-            return ReadPixels<Blur>(row, centre, x, y, wanted);
+    if constexpr (Filter::kMostRuns < kLanes) {
+        if (!isClamped && Runs(x.whole, y.whole) > Filter::kMostRuns)
+            return ReadPixels<Filter>(row, centre, x, y, wanted);
     }
-    return ReadGroups<Blur>(row, centre, x, y, wanted);
+    return ReadGroups<Filter>(row, centre, x, y, wanted);
 }
 
 // Pixels x .. x + count - 1 of the row, of which `count` is at most the lanes.
-template <class Blur, class Depth>
-PILIB_INLINE void ReadBlock(const BlurRow<typename Blur::Entry>& row, int x, int count) {
+template <class Filter, class Depth>
+PILIB_INLINE void ReadBlock(const RowToBlur<typename Filter::Entry>& row, int x, int count) {
     using Type = typename Depth::Type;
     const Type* const input = static_cast<const Type*>(row.input) + 4 * static_cast<std::ptrdiff_t>(x);
     Type* const output = static_cast<Type*>(row.output) + 4 * static_cast<std::ptrdiff_t>(x);
@@ -173,14 +173,14 @@ PILIB_INLINE void ReadBlock(const BlurRow<typename Blur::Entry>& row, int x, int
         return;
     }
     const Int share = Depth::shareOf(map);
-    const std::int32_t largestX = row.borderX - Blur::kClampedBelowBorder;
-    const std::int32_t largestY = row.borderY - Blur::kClampedBelowBorder;
+    const std::int32_t largestX = row.borderX - Filter::kClampedBelowBorder;
+    const std::int32_t largestY = row.borderY - Filter::kClampedBelowBorder;
     const AxisRadii radiiX = RadiiOf(share, row.radiusX, row.maxFixedRadiusX, largestX);
     const AxisRadii radiiY = RadiiOf(share, row.radiusY, row.maxFixedRadiusY, largestY);
-    const std::ptrdiff_t centre = row.centre + x + Blur::kCentreShift * (row.stride + 1);
+    const std::ptrdiff_t centre = row.centre + x + Filter::kCentreShift * (row.stride + 1);
 
     const bool isClamped = row.maxFixedRadiusX >> 16 >= largestX || row.maxFixedRadiusY >> 16 >= largestY;
-    Channels result = ReadLanes<Blur>(row, centre, radiiX, radiiY, wanted, isClamped);
+    Channels result = ReadLanes<Filter>(row, centre, radiiX, radiiY, wanted, isClamped);
     Straighten<Depth>(result);
     Depth::store(output, input, count, blurred, result);
 }
@@ -191,7 +191,7 @@ struct Reach {
     std::ptrdiff_t y;
 
     template <class Entry>
-    explicit PILIB_INLINE Reach(const BlurRow<Entry>& row)
+    explicit PILIB_INLINE Reach(const RowToBlur<Entry>& row)
         : x(along(row.radiusX, row.maxFixedRadiusX)), y(along(row.radiusY, row.maxFixedRadiusY)) {}
 
     static PILIB_INLINE std::ptrdiff_t along(float radius, std::int32_t maxFixed) {
@@ -203,7 +203,7 @@ struct Reach {
 // Fetches the lowest table row that the largest radius reaches: the rows above have brought in all others.
 // Where radii differ from pixel to pixel its cells would be waited for one by one.
 template <class Entry>
-PILIB_INLINE void PrefetchLowestCells(const BlurRow<Entry>& row) {
+PILIB_INLINE void PrefetchLowestCells(const RowToBlur<Entry>& row) {
     constexpr std::ptrdiff_t kCacheLine = 64 / sizeof(Entry);
     const Reach reach(row);
     const std::ptrdiff_t below = row.centre + reach.y * row.stride;
@@ -215,28 +215,28 @@ PILIB_INLINE void PrefetchLowestCells(const BlurRow<Entry>& row) {
     }
 }
 
-template <class Blur, class Depth>
-void ReadRow(const BlurRow<typename Blur::Entry>& row) {
+template <class Filter, class Depth>
+void BlurRow(const RowToBlur<typename Filter::Entry>& row) {
     PrefetchLowestCells(row);
     int x = 0;
     for (; x + kLanes <= row.count; x += kLanes)
-        ReadBlock<Blur, Depth>(row, x, kLanes);
-    if (x < row.count) ReadBlock<Blur, Depth>(row, x, row.count - x);
+        ReadBlock<Filter, Depth>(row, x, kLanes);
+    if (x < row.count) ReadBlock<Filter, Depth>(row, x, row.count - x);
 }
 
 template <class Depth>
-void ReadBoxRow(const BlurRow<std::uint32_t>& row) {
+void BlurRowByBoxes(const RowToBlur<std::uint32_t>& row) {
     if constexpr (std::is_same_v<Depth, Depth8>) {
         const Reach reach(row);
         if ((2 * reach.x + 1) * (2 * reach.y + 1) < SmallBoxDivision::kAreaEnd)
-            return ReadRow<Box<SmallBoxDivision>, Depth>(row);
+            return BlurRow<Box<SmallBoxDivision>, Depth>(row);
     }
-    ReadRow<Box<BoxDivision<Depth>>, Depth>(row);
+    BlurRow<Box<BoxDivision<Depth>>, Depth>(row);
 }
 
 template <class Depth>
-void ReadTentRow(const BlurRow<double>& row) {
-    ReadRow<Tent<Depth>, Depth>(row);
+void BlurRowByTents(const RowToBlur<double>& row) {
+    BlurRow<Tent<Depth>, Depth>(row);
 }
 
 }  // namespace

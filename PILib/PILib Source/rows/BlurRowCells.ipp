@@ -1,5 +1,11 @@
-// The cells that one pixel reads, from all four tables side by side: alpha, red, green, blue. PairsAt reads a
-// cell and its right neighbour, TwiceAt a cell into both of a pair, EntriesAt a cell alone.
+// The cells that one pixel reads, from all four tables side by side: alpha, red, green, blue.
+//
+//     EntriesAt(cell)    a0       r0       g0       b0          the cell
+//     PairsAt(cell)      a0 a1    r0 r1    g0 g1    b0 b1       the cell and its right neighbour
+//     Swapped of those   a1 a0    r1 r0    g1 g0    b1 b0
+//     TwiceAt(cell)      a0 a0    r0 r0    g0 g0    b0 b0
+//
+// The first of a pair goes to the sum at the whole radius, the second to the sum at the next one across.
 #pragma once
 
 #include <cstddef>
@@ -30,7 +36,7 @@ PILIB_INLINE Pixel4 FirstOfPairs(Pixel4x2 pairs) {
 
 typedef double DoublePairs __attribute__((vector_size(64)));
 
-PILIB_INLINE Pixel4x2 PairsAt(const BlurRow<std::uint32_t>& row, std::ptrdiff_t cell) {
+PILIB_INLINE Pixel4x2 PairsAt(const RowToBlur<std::uint32_t>& row, std::ptrdiff_t cell) {
     const auto pair = [cell](const std::uint32_t* table) PILIB_INLINE_LAMBDA {
         return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(table + cell));
     };
@@ -41,7 +47,7 @@ PILIB_INLINE Pixel4x2 PairsAt(const BlurRow<std::uint32_t>& row, std::ptrdiff_t 
     return reinterpret_cast<Pixel4x2>(pairs);
 }
 
-PILIB_INLINE DoublePairs PairsAt(const BlurRow<double>& row, std::ptrdiff_t cell) {
+PILIB_INLINE DoublePairs PairsAt(const RowToBlur<double>& row, std::ptrdiff_t cell) {
     __m512d pairs = _mm512_castpd128_pd512(_mm_loadu_pd(row.alpha + cell));
     pairs = _mm512_mask_broadcast_f64x2(pairs, 0x0C, _mm_loadu_pd(row.red + cell));
     pairs = _mm512_mask_broadcast_f64x2(pairs, 0x30, _mm_loadu_pd(row.green + cell));
@@ -49,7 +55,7 @@ PILIB_INLINE DoublePairs PairsAt(const BlurRow<double>& row, std::ptrdiff_t cell
         _mm512_mask_broadcast_f64x2(pairs, 0xC0, _mm_loadu_pd(row.blue + cell)));
 }
 
-PILIB_INLINE DoublePairs TwiceAt(const BlurRow<double>& row, std::ptrdiff_t cell) {
+PILIB_INLINE DoublePairs TwiceAt(const RowToBlur<double>& row, std::ptrdiff_t cell) {
     __m512d pairs = _mm512_set1_pd(row.alpha[cell]);
     pairs = _mm512_mask_broadcastsd_pd(pairs, 0x0C, _mm_load_sd(row.red + cell));
     pairs = _mm512_mask_broadcastsd_pd(pairs, 0x30, _mm_load_sd(row.green + cell));
@@ -57,7 +63,7 @@ PILIB_INLINE DoublePairs TwiceAt(const BlurRow<double>& row, std::ptrdiff_t cell
         _mm512_mask_broadcastsd_pd(pairs, 0xC0, _mm_load_sd(row.blue + cell)));
 }
 
-PILIB_INLINE Double4 EntriesAt(const BlurRow<double>& row, std::ptrdiff_t cell) {
+PILIB_INLINE Double4 EntriesAt(const RowToBlur<double>& row, std::ptrdiff_t cell) {
     __m256d entries = _mm256_set1_pd(row.alpha[cell]);
     entries = _mm256_mask_broadcastsd_pd(entries, 0x2, _mm_load_sd(row.red + cell));
     entries = _mm256_mask_broadcastsd_pd(entries, 0x4, _mm_load_sd(row.green + cell));
@@ -99,14 +105,14 @@ struct DoublePairs {
     }
 };
 
-PILIB_INLINE Pixel4x2 PairsAt(const BlurRow<std::uint32_t>& row, std::ptrdiff_t cell) {
+PILIB_INLINE Pixel4x2 PairsAt(const RowToBlur<std::uint32_t>& row, std::ptrdiff_t cell) {
     typedef std::uint64_t Words __attribute__((vector_size(32)));
     const auto pair = [cell](const std::uint32_t* table)
                           PILIB_INLINE_LAMBDA { return Load<std::uint64_t>(table + cell); };
     return reinterpret_cast<Pixel4x2>(Words{pair(row.alpha), pair(row.red), pair(row.green), pair(row.blue)});
 }
 
-PILIB_INLINE DoublePairs PairsAt(const BlurRow<double>& row, std::ptrdiff_t cell) {
+PILIB_INLINE DoublePairs PairsAt(const RowToBlur<double>& row, std::ptrdiff_t cell) {
     typedef double Double2 __attribute__((vector_size(16)));
     const auto both = [cell](const double* one, const double* two) PILIB_INLINE_LAMBDA {
         return __builtin_shufflevector(Load<Double2>(one + cell), Load<Double2>(two + cell), 0, 1, 2, 3);
@@ -114,7 +120,7 @@ PILIB_INLINE DoublePairs PairsAt(const BlurRow<double>& row, std::ptrdiff_t cell
     return {both(row.alpha, row.red), both(row.green, row.blue)};
 }
 
-PILIB_INLINE DoublePairs TwiceAt(const BlurRow<double>& row, std::ptrdiff_t cell) {
+PILIB_INLINE DoublePairs TwiceAt(const RowToBlur<double>& row, std::ptrdiff_t cell) {
     const double alpha = row.alpha[cell];
     const double red = row.red[cell];
     const double green = row.green[cell];
@@ -122,7 +128,7 @@ PILIB_INLINE DoublePairs TwiceAt(const BlurRow<double>& row, std::ptrdiff_t cell
     return {Double4{alpha, alpha, red, red}, Double4{green, green, blue, blue}};
 }
 
-PILIB_INLINE Double4 EntriesAt(const BlurRow<double>& row, std::ptrdiff_t cell) {
+PILIB_INLINE Double4 EntriesAt(const RowToBlur<double>& row, std::ptrdiff_t cell) {
     return Double4{row.alpha[cell], row.red[cell], row.green[cell], row.blue[cell]};
 }
 

@@ -74,7 +74,16 @@ struct SmallBoxDivision {
     PILIB_INLINE Int quotient(Int sum) const { return Truncated(AsFloat(sum) * reciprocal); }
 };
 
-// The mean of a box from the four corners around it.
+// The mean of a box from four cells of a table, each the sum of everything up and left of it:
+//
+//     ------ TL ----------- TR                     L = column x - radiusX - 1
+//             |  +  +  +  + |                      R = column x + radiusX
+//             |  +  c  +  + |  the pixel at c      T = row y - radiusY - 1
+//     ------ BL ----------- BR                     B = row y + radiusY
+//
+//     sum = BR - BL - TR + TL
+//
+// The next radius across takes columns L - 1 and R + 1, the next one down rows T - 1 and B + 1.
 template <class Division>
 struct Box {
     using Entry = std::uint32_t;
@@ -128,14 +137,22 @@ struct Box {
         PILIB_INLINE Pixels(Int radiusX, Int radiusY) : width(2 * radiusX + 1), height(2 * radiusY + 1) {}
 
         // The sums of the boxes between the table rows `top` and `bottom`, of the radius and the next one.
-        static PILIB_INLINE Pixel4x2 sumsBetween(const BlurRow<Entry>& row, std::ptrdiff_t top,
+        // One load takes a cell and its right neighbour, which serve both boxes:
+        //
+        //     cells           L - 1    L   ...   R    R + 1
+        //     radius                   L         R               right - left, first of the pairs
+        //     next radius     L - 1                   R + 1      second of the pairs
+        //
+        // On the right the radius comes first in memory, on the left the next one: the left pairs are
+        // swapped. `radius` to the right of the centre is R, and L - 1 is `radius` + 2 to its left.
+        static PILIB_INLINE Pixel4x2 sumsBetween(const RowToBlur<Entry>& row, std::ptrdiff_t top,
                                                  std::ptrdiff_t bottom, std::ptrdiff_t radius) {
             const Pixel4x2 right = Minus(PairsAt(row, bottom + radius), PairsAt(row, top + radius));
             const Pixel4x2 left = Minus(PairsAt(row, bottom - radius - 2), PairsAt(row, top - radius - 2));
             return Minus(right, Swapped(left));
         }
 
-        PILIB_INLINE PixelValues readPixel(const BlurRow<Entry>& row, std::ptrdiff_t centre, int /*lane*/,
+        PILIB_INLINE PixelValues readPixel(const RowToBlur<Entry>& row, std::ptrdiff_t centre, int /*lane*/,
                                            std::ptrdiff_t radiusX, std::ptrdiff_t radiusY) const {
             const std::ptrdiff_t top = centre - (radiusY + 1) * row.stride;
             const std::ptrdiff_t bottom = centre + radiusY * row.stride;
@@ -256,7 +273,7 @@ struct Tent {
         struct RowOfPairs {
             DoublePairs at[3];
 
-            PILIB_INLINE RowOfPairs(const BlurRow<Entry>& row, std::ptrdiff_t centre, std::ptrdiff_t halfX)
+            PILIB_INLINE RowOfPairs(const RowToBlur<Entry>& row, std::ptrdiff_t centre, std::ptrdiff_t halfX)
                 : at{Swapped(PairsAt(row, centre - halfX - 1)), TwiceAt(row, centre),
                      PairsAt(row, centre + halfX)} {}
         };
@@ -265,7 +282,8 @@ struct Tent {
         struct RowOfEntries {
             Double4 at[3];
 
-            PILIB_INLINE RowOfEntries(const BlurRow<Entry>& row, std::ptrdiff_t centre, std::ptrdiff_t halfX)
+            PILIB_INLINE RowOfEntries(const RowToBlur<Entry>& row, std::ptrdiff_t centre,
+                                      std::ptrdiff_t halfX)
                 : at{EntriesAt(row, centre - halfX), EntriesAt(row, centre), EntriesAt(row, centre + halfX)} {
             }
 
@@ -273,7 +291,7 @@ struct Tent {
                 : at{FirstOfPairs(pairs.at[0]), FirstOfPairs(pairs.at[1]), FirstOfPairs(pairs.at[2])} {}
         };
 
-        PILIB_INLINE PixelValues readPixel(const BlurRow<Entry>& row, std::ptrdiff_t centre, int lane,
+        PILIB_INLINE PixelValues readPixel(const RowToBlur<Entry>& row, std::ptrdiff_t centre, int lane,
                                            std::ptrdiff_t radiusX, std::ptrdiff_t radiusY) const {
             const std::ptrdiff_t halfX = radiusX + 1;
             const std::ptrdiff_t top = centre - (radiusY + 1) * row.stride;

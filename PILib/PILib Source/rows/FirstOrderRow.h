@@ -24,7 +24,7 @@ public:
         : border(border), width(static_cast<std::size_t>(tableWidth)), entries(4 * width) {
         // 32 bits hold the running sums of rows up to this width.
         constexpr std::int32_t kWidest = std::numeric_limits<std::int32_t>::max() / C::kOne;
-        if (tableWidth <= kWidest) kernel = KernelsFor<C>(level).prefix;
+        if (tableWidth <= kWidest) kernel = KernelsFor<C>(level).runningSums;
         if (kernel != nullptr) running.resize(4 * width);
     }
 
@@ -79,7 +79,7 @@ private:
         const auto repeats = static_cast<std::uint32_t>(border);
         const std::array<std::uint32_t, 4> first = premultiplied(source[0]);
         const std::array<std::uint32_t, 4> end = premultiplied(source[pixels - 1]);
-        PrefixRow row{source.begin(), pixels, {}, {}};
+        RowToSum row{.pixels = source.begin(), .count = pixels};
         for (std::size_t table = 0; table < 4; ++table) {
             std::uint32_t* sum = running.data() + table * width;
             for (std::uint32_t tx = 1; tx <= repeats; ++tx)
@@ -100,9 +100,9 @@ private:
         return {C::mul(p.red, p.alpha), C::mul(p.green, p.alpha), C::mul(p.blue, p.alpha), p.alpha};
     }
 
-    void (*kernel)(const PrefixRow& row) = nullptr;  // where vectors form the running sums
-    std::vector<T> entries;                          // of red, green, blue and alpha, one row each
-    std::vector<std::uint32_t> running;              // sums along the last source row, likewise
+    void (*kernel)(const RowToSum& row) = nullptr;  // where vectors form the running sums
+    std::vector<T> entries;                         // of red, green, blue and alpha, one row each
+    std::vector<std::uint32_t> running;             // sums along the last source row, likewise
     const Pixel<C>* last = nullptr;  // that row: it is asked for again for every row of the border
 };
 

@@ -23,22 +23,24 @@ template <class Blur, class P>
 auto RowOf(const Blur& blur, int x, int y, const typename P::Type* map, const P* input, P* output, int count,
            float radiusX, float radiusY) {
     using Entry = std::remove_reference_t<decltype(blur.sumAlpha[0])>;
-    return BlurRow<Entry>{blur.sumAlpha.get(),
-                          blur.sumRed.get(),
-                          blur.sumGreen.get(),
-                          blur.sumBlue.get(),
-                          blur.tableWidth,
-                          static_cast<std::ptrdiff_t>(y + blur.borderY) * blur.tableWidth + blur.borderX + x,
-                          blur.borderX,
-                          blur.borderY,
-                          blur.maxFixedRadiusX,
-                          blur.maxFixedRadiusY,
-                          radiusX,
-                          radiusY,
-                          count,
-                          map,
-                          input,
-                          output};
+    return RowToBlur<Entry>{
+        .alpha = blur.sumAlpha.get(),
+        .red = blur.sumRed.get(),
+        .green = blur.sumGreen.get(),
+        .blue = blur.sumBlue.get(),
+        .stride = blur.tableWidth,
+        .centre = static_cast<std::ptrdiff_t>(y + blur.borderY) * blur.tableWidth + blur.borderX + x,
+        .borderX = blur.borderX,
+        .borderY = blur.borderY,
+        .maxFixedRadiusX = blur.maxFixedRadiusX,
+        .maxFixedRadiusY = blur.maxFixedRadiusY,
+        .radiusX = radiusX,
+        .radiusY = radiusY,
+        .count = count,
+        .map = map,
+        .input = input,
+        .output = output,
+    };
 }
 
 }  // namespace PILib::detail

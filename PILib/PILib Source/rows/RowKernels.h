@@ -11,7 +11,7 @@ namespace PILib::detail {
 // What one row is read out from. `T` is a table entry, std::uint32_t (box) or double (tent). The tables hold
 // all cells up to the radii and one more around the row's pixels.
 template <class T>
-struct BlurRow {
+struct RowToBlur {
     const T* alpha;
     const T* red;
     const T* green;
@@ -44,28 +44,28 @@ inline constexpr std::size_t kTableSlack = 15;
 
 // One row of a picture, and where its running sums go: sums[i][x] = start[i] + the values of pixels 0 to x,
 // modulo 2^32, for i of premultiplied red, green and blue, and of alpha. `sums` and `pixels` do not overlap.
-struct PrefixRow {
+struct RowToSum {
     const void* pixels;
     std::int32_t count;  // pixels, 1 or more
-    std::uint32_t start[4];
-    std::uint32_t* sums[4];
+    std::uint32_t start[4]{};
+    std::uint32_t* sums[4]{};
 };
 
 // One row of channel values that moves toward another: each becomes
 // (value * (65536 - weight) + other * weight + 32768) >> 16. The rows are the same or do not overlap.
-struct BlendRow {
+struct RowToBlend {
     void* values;  // std::uint8_t or std::uint16_t, by the kernel's depth; any
     const void* other;
     std::ptrdiff_t count;  // values, 0 or more
     std::uint32_t weight;  // 0 to 65536
 };
 
-// The kernels of one depth and one level. `prefix` and `blend` are null where values one by one are as fast.
+// The kernels of one depth and one level. `runningSums` and `blend` are null where plain code is as fast.
 struct DepthKernels {
-    void (*box)(const BlurRow<std::uint32_t>& row);
-    void (*tent)(const BlurRow<double>& row);
-    void (*prefix)(const PrefixRow& row);
-    void (*blend)(const BlendRow& row);
+    void (*box)(const RowToBlur<std::uint32_t>& row) = nullptr;
+    void (*tent)(const RowToBlur<double>& row) = nullptr;
+    void (*runningSums)(const RowToSum& row) = nullptr;
+    void (*blend)(const RowToBlend& row) = nullptr;
 };
 
 struct RowKernels {

@@ -1,10 +1,23 @@
 // The vector kernels of rows, compiled once per instruction set with PILIB_LANES 32-bit lanes.
+//
+// To add a kernel:
+//   1. RowKernels.h: declare what a row is given as a struct of plain C types, and a pointer in DepthKernels.
+//   2. Write it in an .ipp file here, in an unnamed namespace, on the vectors of RowLanes.ipp and, where the
+//      depths differ, on a `Depth` of RowDepths.ipp. Set the pointer in KernelsAt below.
+//   3. Call it through KernelsFor(level) (RowDispatch.h), with plain code for levels where it is null.
+//   4. Hold it equal to the plain code at every level in tests/PILib/rows/.
+//
+// To add a level:
+//   1. Name it in SimdLevel.h. SimdLevel.cpp says when it can run, which kernels are its own, and its rank.
+//   2. Add RowKernels_<level>.cpp, three lines with its lanes, and its flags in PILib/CMakeLists.txt.
+//   3. RowLanes.ipp: add intrinsics where compilers make poor code of the portable vectors at that width.
+//   4. Add it to tests/support/SimdLevels.h: every row test then goes through it.
 
 #include <type_traits>
 
 #include "BlurRow.ipp"
-#include "PrefixRow.ipp"
 #include "RowKernels.h"
+#include "RunningSums.ipp"
 
 #if PILIB_LANES >= 8
 #include "BlendRow.ipp"
@@ -18,10 +31,10 @@ namespace {
 template <class Depth>
 constexpr DepthKernels KernelsAt() {
     constexpr int kFewestLanesForSums = std::is_same_v<Depth, Depth8> ? 8 : 16;
-    DepthKernels kernels{ReadBoxRow<Depth>, ReadTentRow<Depth>, nullptr, nullptr};
-    if constexpr (kLanes >= kFewestLanesForSums) kernels.prefix = SumRow<Depth>;
+    DepthKernels kernels{.box = BlurRowByBoxes<Depth>, .tent = BlurRowByTents<Depth>};
+    if constexpr (kLanes >= kFewestLanesForSums) kernels.runningSums = WriteRunningSums<Depth>;
 #if PILIB_LANES >= 8
-    kernels.blend = MoveRow<Depth>;
+    kernels.blend = BlendRow<Depth>;
 #endif
     return kernels;
 }

@@ -120,7 +120,7 @@ PILIB_INLINE HalfInt Truncated(Double v) {
 #endif
 }
 
-// Sums and products that may wrap, in lanes that are not wanted or by intention; for any vectors of 32-bit
+// Sums and products that may wrap, in lanes that are not wanted or on purpose; for any vectors of 32-bit
 // lanes.
 template <class V>
 struct UnsignedLanes {

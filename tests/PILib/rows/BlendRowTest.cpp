@@ -98,8 +98,8 @@ TEST(RowKernelsTest, KernelsStandWhereTheyAreFaster) {
             EXPECT_EQ(level != SimdLevel::Scalar, kernels->tent != nullptr) << number;
             EXPECT_EQ(level >= SimdLevel::Avx2, kernels->blend != nullptr) << number;
         }
-        EXPECT_EQ(level >= SimdLevel::Avx2, depth8.prefix != nullptr) << number;
-        EXPECT_EQ(level >= SimdLevel::Avx512, depth15.prefix != nullptr) << number;
+        EXPECT_EQ(level >= SimdLevel::Avx2, depth8.runningSums != nullptr) << number;
+        EXPECT_EQ(level >= SimdLevel::Avx512, depth15.runningSums != nullptr) << number;
     }
 }
 

@@ -23,10 +23,10 @@ PILIB_INLINE Int RunningSums(Int v) {
     }
 }
 
-// Pixels x .. x + count - 1, of which `count` is at most the lanes, to the running sums that end in `sums`,
-// of red, green, blue and alpha.
+// Carries on the running sums of red, green, blue and alpha, which have come to `sums`, over pixels
+// x .. x + count - 1. `count` is at most the lanes.
 template <class Depth>
-PILIB_INLINE void SumPixels(const PrefixRow& row, Int (&sums)[4], int x, int count) {
+PILIB_INLINE void WriteSumsOfPixels(const RowToSum& row, Int (&sums)[4], int x, int count) {
     const Channels c = Depth::load(
         static_cast<const typename Depth::Type*>(row.pixels) + 4 * static_cast<std::ptrdiff_t>(x), count);
     const Int premultiplied[4] = {Depth::product(c.red, c.alpha), Depth::product(c.green, c.alpha),
@@ -39,14 +39,14 @@ PILIB_INLINE void SumPixels(const PrefixRow& row, Int (&sums)[4], int x, int cou
 }
 
 template <class Depth>
-void SumRow(const PrefixRow& row) {
+void WriteRunningSums(const RowToSum& row) {
     Int sums[4];
     for (int table = 0; table < 4; ++table)
         sums[table] = Splat(static_cast<std::int32_t>(row.start[table]));
     int x = 0;
     for (; x + kLanes <= row.count; x += kLanes)
-        SumPixels<Depth>(row, sums, x, kLanes);
-    if (x < row.count) SumPixels<Depth>(row, sums, x, row.count - x);
+        WriteSumsOfPixels<Depth>(row, sums, x, kLanes);
+    if (x < row.count) WriteSumsOfPixels<Depth>(row, sums, x, row.count - x);
 }
 
 }  // namespace
