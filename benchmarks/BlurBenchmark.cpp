@@ -12,7 +12,7 @@
 #include "Register.h"
 #include "Report.h"
 #include "SATBlur.h"
-#include "SATTentBlur.h"
+#include "SATExactTentBlur.h"
 #include "SceneCache.h"
 #include "ThreadPoolContext.h"
 #include "ThreadRows.h"
@@ -27,7 +27,7 @@ using PILib::Channel8;
 using PILib::ChannelBuf;
 using PILib::Pixel;
 using PILib::SATBoxBlur;
-using PILib::SATTentBlur;
+using PILib::SATExactTentBlur;
 using PILib::SimdLevel;
 using PILib::SimplePixelBuffer;
 
@@ -118,7 +118,7 @@ void RegisterDepth() {
         for (const int radius : kRadii) {
             for (const SimdLevel level : SupportedLevels()) {
                 RegisterBlur<SATBoxBlur, C>(TypeName(false), size, radius, level);
-                RegisterBlur<SATTentBlur, C>(TypeName(true), size, radius, level);
+                RegisterBlur<SATExactTentBlur, C>(TypeName(true), size, radius, level);
             }
         }
     }

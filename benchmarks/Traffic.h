@@ -3,11 +3,12 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 #include "FrameBuffer.h"
 #include "PIContext.h"
 #include "SATBlur.h"
-#include "SATTentBlur.h"
+#include "SATExactTentBlur.h"
 
 namespace bench {
 
@@ -17,17 +18,26 @@ std::size_t BytesOf(const PILib::FrameBuf<T>& buffer) {
 }
 
 // Of the four tables that the blur has allocated.
-template <template <class> class Blur, class P>
-std::size_t TableBytes(const Blur<P>& blur) {
-    using Cell = typename Blur<P>::Table::element_type;
-    return 4 * sizeof(Cell) * static_cast<std::size_t>(blur.tableWidth) *
+template <class P>
+std::size_t TableBytes(const PILib::SATBlur<P>& blur, std::size_t cellBytes) {
+    return 4 * cellBytes * static_cast<std::size_t>(blur.tableWidth) *
            static_cast<std::size_t>(blur.tableHeight);
+}
+
+template <class P>
+std::size_t TableBytes(const PILib::SATBoxBlur<P>& blur) {
+    return TableBytes(blur, sizeof(std::uint32_t));
+}
+
+template <class P>
+std::size_t TableBytes(const PILib::SATExactTentBlur<P>& blur) {
+    return TableBytes(blur, blur.tables.index() == 0 ? sizeof(std::uint32_t) : sizeof(std::uint64_t));
 }
 
 // Of the tables of a blur with that largest radius.
 template <class P>
 std::size_t TableBytes(PILib::PIContext& context, const PILib::PixelBuf<P>& picture, bool fine, int radius) {
-    if (fine) return TableBytes(PILib::SATTentBlur<P>(context, picture, radius, radius));
+    if (fine) return TableBytes(PILib::SATExactTentBlur<P>(context, picture, radius, radius));
     return TableBytes(PILib::SATBoxBlur<P>(context, picture, radius, radius));
 }
 

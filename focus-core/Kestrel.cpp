@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "SATTentBlur.h"
+#include "SATExactTentBlur.h"
 #include "ThreadRows.h"
 
 namespace {
@@ -30,7 +30,7 @@ bool Covers(const FrameBuffer& source, const FrameBuffer& output) {
 template <class P>
 std::unique_ptr<PILib::SATBlur<P>> MakeBlur(PILib::PIContext& context, const PixelBuf<P>& input, bool fine,
                                             int radiusX, int radiusY, PILib::SimdLevel level) {
-    if (fine) return std::make_unique<PILib::SATTentBlur<P>>(context, input, radiusX, radiusY, level);
+    if (fine) return std::make_unique<PILib::SATExactTentBlur<P>>(context, input, radiusX, radiusY, level);
     return std::make_unique<PILib::SATBoxBlur<P>>(context, input, radiusX, radiusY, level);
 }
 

@@ -6,9 +6,9 @@
 // for bit.
 //
 // Cost per pixel does not depend on the radius. The blur's tables are the only large allocation: 16 bytes
-// (box) or 32 bytes (tent) per pixel of the input and its border, kept for the next frame of the size where
-// the system can take them back at need. Tables are built on the calling thread, the first quarter of the
-// progress bar; rows are rendered on the context's threads.
+// per pixel of the input and its border (a tent 32 where its sums need 64 bits), kept for the next frame of
+// the size where the system can take them back at need. Tables are built on the calling thread, the first
+// quarter of the progress bar; rows are rendered on the context's threads.
 #pragma once
 
 #include "FrameBuffer.h"

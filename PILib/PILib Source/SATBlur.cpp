@@ -140,8 +140,7 @@ SATBoxBlur<P>::SATBoxBlur(PIContext& context, const FrameBuf<P>& source, int rad
 
 template <class P>
 void SATBoxBlur<P>::initialize() {
-    detail::FirstOrderRow<typename P::ChannelType, std::uint32_t> row(this->level, this->borderX,
-                                                                      this->tableWidth);
+    detail::FirstOrderRow<typename P::ChannelType> row(this->level, this->borderX, this->tableWidth);
     for (int ty = 0; ty < this->tableHeight; ++ty) {
         this->context.progress(ty, this->tableHeight, 0.0F, 1.0F);
         row.advance(this->source.row(std::clamp(ty - this->borderY, 0, this->height - 1)));
@@ -186,7 +185,7 @@ void SATBoxBlur<P>::getBlurRow(int x, int y, const typename P::Type* map, const 
         return;
     }
     const auto& kernels = detail::KernelsFor<typename P::ChannelType>(this->level);
-    kernels.box(detail::RowOf(*this, x, y, map, input, output, count, radiusX, radiusY));
+    kernels.box(detail::RowOf(*this, *this, x, y, map, input, output, count, radiusX, radiusY));
 }
 
 template class SATBlur<Pixel<Channel8>>;

@@ -42,8 +42,8 @@ public:
     // `count` pixels of a row at once: output[i] is getBlur(x + i, y) at the radius that map[i] gives, full
     // scale meaning `radiusX` and `radiusY` pixels, or input[i] where map[i] is 0. Every level gives the
     // bytes of the per-pixel read-out. x .. x + count - 1 lies in the image; `output` may be `input`.
-    // Allocates nothing. SATBoxBlur and SATTentBlur do not call getBlur for it: a class that overrides theirs
-    // overrides this too.
+    // Allocates nothing. SATBoxBlur and SATExactTentBlur do not call getBlur for it: a class that overrides
+    // theirs overrides this too.
     using MapValue = typename P::Type;
     virtual void getBlurRow(int x, int y, const MapValue* map, const P* input, P* output, int count,
                             float radiusX, float radiusY);

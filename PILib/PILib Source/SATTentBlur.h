@@ -1,6 +1,7 @@
 // Tent blur read out at constant cost: a separable triangular filter of any radius, from the summed-area
 // table of a summed-area table. Used like SATBoxBlur and covers the same pixels: a tent of radius r weighs
-// them r + 1 - |d|.
+// them r + 1 - |d|. Its sums are doubles, which round on large pictures, and it is read pixel by pixel:
+// SATExactTentBlur renders.
 #pragma once
 
 #include "SATBlur.h"
@@ -12,8 +13,7 @@ namespace PILib {
 template <class P>
 class SATTentBlur : public SATBlur<P> {
 public:
-    SATTentBlur(PIContext& context, const FrameBuf<P>& source, int radiusX, int radiusY,
-                SimdLevel level = BestSimdLevel());
+    SATTentBlur(PIContext& context, const FrameBuf<P>& source, int radiusX, int radiusY);
 
     // The weights are normalised by a 32-bit product that wraps: exact while (radiusX + 1) * (radiusY + 1)
     // stays below 46341.
@@ -23,10 +23,8 @@ public:
     // Pinned by SATTentBlurTest.SecondPassReportsPastTheEndOfItsRange.
     void initialize() override;
 
-    void getBlurRow(int x, int y, const typename P::Type* map, const P* input, P* output, int count,
-                    float radiusX, float radiusY) override;
-
-    // tableWidth x tableHeight, row-major: the second-order sum at a cell. Colours are premultiplied.
+    // tableWidth x tableHeight, row-major: the second-order sum at a cell, each addition in the given
+    // order. Colours are premultiplied.
     using Table = detail::LargeArray<double>;
     Table sumRed;
     Table sumGreen;

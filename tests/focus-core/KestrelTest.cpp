@@ -22,7 +22,7 @@
 #include "NaivePipeline.h"
 #include "OracleBuffers.h"
 #include "RandomImage.h"
-#include "SATTentBlur.h"
+#include "SATExactTentBlur.h"
 #include "SimdLevels.h"
 #include "ThreadPoolContext.h"
 
@@ -169,7 +169,7 @@ void ExpectBandsLikeRows(const Scene<C>& scene, bool fine, PILib::SimdLevel leve
     using P = Pixel<C>;
     FakeContext context;
     const auto tableRadius = static_cast<int>(std::ceil(radius));
-    PILib::SATTentBlur<P> tent(context, scene.input, tableRadius, tableRadius, level);
+    PILib::SATExactTentBlur<P> tent(context, scene.input, tableRadius, tableRadius, level);
     PILib::SATBoxBlur<P> box(context, scene.input, tableRadius, tableRadius, level);
     PILib::SATBlur<P>& blur = fine ? static_cast<PILib::SATBlur<P>&>(tent) : box;
     blur.initialize();

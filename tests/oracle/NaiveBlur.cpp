@@ -28,11 +28,11 @@ Colour BoxMean(const Image& image, int x, int y, int radiusX, int radiusY) {
     return sum;
 }
 
-// The weighted sum is formed in integers. A blur from second-order tables forms it in doubles; with w x h
-// table cells those tables hold whole numbers of at most full * w (w + 1) / 2 * h (h + 1) / 2, and the nine
-// terms of a read-out add up to no more than sixteen times that. For images up to 64 x 48 and tables for
-// radii up to 80 this is below 2^49: every term is exact, in any order, and the sums are the same number bit
-// for bit. Only the normalisation rounds, and it is one product and one sum on both sides.
+// The weighted sum is formed in integers, and exact. A blur from second-order tables of doubles, SATTentBlur,
+// has the same sums only while its table entries are whole numbers below 2^53: with w x h cells they are at
+// most full * w (w + 1) / 2 * h (h + 1) / 2, and the nine terms of a read-out add up to no more than sixteen
+// times that. For images up to 64 x 48 and tables for radii up to 80 this is below 2^49. The normalisation
+// rounds, and it is one product and one sum on both sides.
 Colour TentMean(const Image& image, int x, int y, int halfX, int halfY) {
     std::array<std::uint64_t, 4> sum{};
     for (int dy = 1 - halfY; dy < halfY; ++dy) {
@@ -43,7 +43,7 @@ Colour TentMean(const Image& image, int x, int y, int halfX, int halfY) {
                 sum[channel] += weight * pixel[channel];
         }
     }
-    const double reciprocal = 1.0 / static_cast<double>(halfX * halfY * halfX * halfY);
+    const double reciprocal = 1.0 / static_cast<double>(std::int64_t{halfX} * halfY * halfX * halfY);
     Colour result{};
     for (std::size_t channel = 0; channel < sum.size(); ++channel)
         result[channel] = static_cast<std::uint32_t>(static_cast<double>(sum[channel]) * reciprocal + 0.5);

@@ -11,10 +11,12 @@
 #include <cstring>
 #include <type_traits>
 
-#include "BlurRowFilters.ipp"
+#include "BlurRowFilter.ipp"
+#include "BoxFilter.ipp"
 #include "RowDepths.ipp"
 #include "RowKernels.h"
 #include "RowLanes.ipp"
+#include "TentFilter.ipp"
 
 namespace PILib::detail {
 
@@ -33,8 +35,7 @@ PILIB_INLINE AxisRadii RadiiOf(Int share, float radius, std::int32_t maxFixed, s
     return {Min(whole, Splat(largest)), Min(whole + 1, Splat(largest)), fixed & 0xFFFF};
 }
 
-// c0 + fraction / 65536 of the way to c1, rounded, for values of up to 16 bits: a tent's mean that rounding
-// has made negative is one close to the largest.
+// c0 + fraction / 65536 of the way to c1, rounded, for values of up to 16 bits.
 PILIB_INLINE Uint Interpolated(Int c0, Int c1, Int fraction) {
     return (AsUnsigned(c0) * (65536U - AsUnsigned(fraction)) + AsUnsigned(c1) * AsUnsigned(fraction) +
             32768U) >>
@@ -234,9 +235,9 @@ void BlurRowByBoxes(const RowToBlur<std::uint32_t>& row) {
     BlurRow<Box<BoxDivision<Depth>>, Depth>(row);
 }
 
-template <class Depth>
-void BlurRowByTents(const RowToBlur<double>& row) {
-    BlurRow<Tent<Depth>, Depth>(row);
+template <class Depth, class Cell>
+void BlurRowByTents(const RowToBlur<Cell>& row) {
+    BlurRow<Tent<Depth, Cell>, Depth>(row);
 }
 
 }  // namespace

@@ -1,11 +1,10 @@
-// Rows of first-order sums, one after another, as the tables of both blurs are built from.
+// Rows of first-order sums, one after another, as the box's tables are built from.
 #pragma once
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <vector>
 
 #include "FrameBuffer.h"
@@ -15,16 +14,14 @@
 namespace PILib::detail {
 
 // A row of first-order sums, from the top of the tables downwards: entry = value + left + up - up-left, which
-// is the running sum of the row's premultiplied values plus the entry above. Exact in any order: the integers
-// wrap alike, and the doubles hold whole numbers far below 2^53.
-template <class C, class T>
+// is the running sum of the row's premultiplied values plus the entry above: integers that wrap may be
+// grouped at will.
+template <class C>
 class FirstOrderRow {
 public:
     FirstOrderRow(SimdLevel level, std::int32_t border, std::int32_t tableWidth)
         : border(border), width(static_cast<std::size_t>(tableWidth)), entries(4 * width) {
-        // 32 bits hold the running sums of rows up to this width.
-        constexpr std::int32_t kWidest = std::numeric_limits<std::int32_t>::max() / C::kOne;
-        if (tableWidth <= kWidest) kernel = KernelsFor<C>(level).runningSums;
+        kernel = KernelsFor<C>(level).runningSums;
         if (kernel != nullptr) running.resize(4 * width);
     }
 
@@ -39,27 +36,27 @@ public:
     }
 
     // Of `width` entries.
-    const T* red() const { return entries.data(); }
-    const T* green() const { return red() + width; }
-    const T* blue() const { return green() + width; }
-    const T* alpha() const { return blue() + width; }
+    const std::uint32_t* red() const { return entries.data(); }
+    const std::uint32_t* green() const { return red() + width; }
+    const std::uint32_t* blue() const { return green() + width; }
+    const std::uint32_t* alpha() const { return blue() + width; }
 
     const std::int32_t border;
     const std::size_t width;
 
 private:
     void addOneByOne(const Row<Pixel<C>>& source) {
-        T red{};
-        T green{};
-        T blue{};
-        T alpha{};
-        T* entry = entries.data();
+        std::uint32_t red = 0;
+        std::uint32_t green = 0;
+        std::uint32_t blue = 0;
+        std::uint32_t alpha = 0;
+        std::uint32_t* entry = entries.data();
         for (int tx = 0; tx < static_cast<int>(width); ++tx, ++entry) {
             const Pixel<C>& p = source[std::clamp(tx - border, 0, source.size() - 1)];
-            red += static_cast<T>(C::mul(p.red, p.alpha));
-            green += static_cast<T>(C::mul(p.green, p.alpha));
-            blue += static_cast<T>(C::mul(p.blue, p.alpha));
-            alpha += static_cast<T>(p.alpha);
+            red += C::mul(p.red, p.alpha);
+            green += C::mul(p.green, p.alpha);
+            blue += C::mul(p.blue, p.alpha);
+            alpha += p.alpha;
             entry[0] += red;
             entry[width] += green;
             entry[2 * width] += blue;
@@ -67,10 +64,9 @@ private:
         }
     }
 
-    // Signed, as processors convert those to doubles at once.
-    void add(const std::uint32_t* __restrict row, T* __restrict to) const {
+    void add(const std::uint32_t* __restrict row, std::uint32_t* __restrict to) const {
         for (std::size_t i = 0; i < 4 * width; ++i)
-            to[i] += static_cast<T>(static_cast<std::int32_t>(row[i]));
+            to[i] += row[i];
     }
 
     // The ends of the source are repeated for every column of the border.
@@ -101,7 +97,7 @@ private:
     }
 
     void (*kernel)(const RowToSum& row) = nullptr;  // where vectors form the running sums
-    std::vector<T> entries;                         // of red, green, blue and alpha, one row each
+    std::vector<std::uint32_t> entries;             // of red, green, blue and alpha, one row each
     std::vector<std::uint32_t> running;             // sums along the last source row, likewise
     const Pixel<C>* last = nullptr;  // that row: it is asked for again for every row of the border
 };

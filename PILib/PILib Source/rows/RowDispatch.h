@@ -5,6 +5,7 @@
 
 #include "Pixel.h"
 #include "RowKernels.h"
+#include "SATBlur.h"
 #include "SimdLevel.h"
 
 namespace PILib::detail {
@@ -17,17 +18,17 @@ const DepthKernels& KernelsFor<Channel8>(SimdLevel level);
 template <>
 const DepthKernels& KernelsFor<Channel15>(SimdLevel level);
 
-// `count` pixels of the blurred picture from x, y on. `map`, `input` and `output` point to the first of them;
-// radii are in pixels.
-template <class Blur, class P>
-auto RowOf(const Blur& blur, int x, int y, const typename P::Type* map, const P* input, P* output, int count,
-           float radiusX, float radiusY) {
-    using Entry = std::remove_reference_t<decltype(blur.sumAlpha[0])>;
+// `count` pixels of the blurred picture from x, y on, out of `tables`. `map`, `input` and `output` point to
+// the first of them; radii are in pixels.
+template <class P, class Tables>
+auto RowOf(const SATBlur<P>& blur, const Tables& tables, int x, int y, const typename P::Type* map,
+           const P* input, P* output, int count, float radiusX, float radiusY) {
+    using Entry = std::remove_reference_t<decltype(tables.sumAlpha[0])>;
     return RowToBlur<Entry>{
-        .alpha = blur.sumAlpha.get(),
-        .red = blur.sumRed.get(),
-        .green = blur.sumGreen.get(),
-        .blue = blur.sumBlue.get(),
+        .alpha = tables.sumAlpha.get(),
+        .red = tables.sumRed.get(),
+        .green = tables.sumGreen.get(),
+        .blue = tables.sumBlue.get(),
         .stride = blur.tableWidth,
         .centre = static_cast<std::ptrdiff_t>(y + blur.borderY) * blur.tableWidth + blur.borderX + x,
         .borderX = blur.borderX,

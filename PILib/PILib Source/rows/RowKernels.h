@@ -8,8 +8,8 @@
 
 namespace PILib::detail {
 
-// What one row is read out from. `T` is a table entry, std::uint32_t (box) or double (tent). The tables hold
-// all cells up to the radii and one more around the row's pixels.
+// What one row is read out from. `T` is a table entry, 32 bits for a box, 32 or 64 for a tent. The tables
+// hold all cells up to the radii and one more around the row's pixels.
 template <class T>
 struct RowToBlur {
     const T* alpha;
@@ -51,6 +51,28 @@ struct RowToSum {
     std::uint32_t* sums[4]{};
 };
 
+// The same summed twice: sums[i][x] = startTwice[i] + the running sums, from start[i] on, of pixels 0 to x.
+// `T` is 32 or 64 bits, in which the results wrap; the running sums themselves stay below 2^31 where `T`
+// has 64.
+template <class T>
+struct RowToSumTwice {
+    const void* pixels;
+    std::int32_t count;  // pixels, 1 or more
+    std::uint32_t start[4]{};
+    T startTwice[4]{};
+    T* sums[4]{};
+};
+
+// One row of sums down the columns: column[i] += addend[i], and out[i] = above[i] + column[i]. None overlap.
+template <class T>
+struct RowToAddDown {
+    const T* addend;
+    T* column;
+    const T* above;
+    T* out;
+    std::size_t count;
+};
+
 // One row of channel values that moves toward another: each becomes
 // (value * (65536 - weight) + other * weight + 32768) >> 16. The rows are the same or do not overlap.
 struct RowToBlend {
@@ -60,11 +82,17 @@ struct RowToBlend {
     std::uint32_t weight;  // 0 to 65536
 };
 
-// The kernels of one depth and one level. `runningSums` and `blend` are null where plain code is as fast.
+// The kernels of one depth and one level; narrow cells have 32 bits, wide ones 64. Those that plain code
+// equals in speed are null.
 struct DepthKernels {
     void (*box)(const RowToBlur<std::uint32_t>& row) = nullptr;
-    void (*tent)(const RowToBlur<double>& row) = nullptr;
+    void (*narrowTent)(const RowToBlur<std::uint32_t>& row) = nullptr;
+    void (*wideTent)(const RowToBlur<std::uint64_t>& row) = nullptr;
     void (*runningSums)(const RowToSum& row) = nullptr;
+    void (*narrowSumsTwice)(const RowToSumTwice<std::uint32_t>& row) = nullptr;
+    void (*wideSumsTwice)(const RowToSumTwice<std::uint64_t>& row) = nullptr;
+    void (*narrowAddDown)(const RowToAddDown<std::uint32_t>& row) = nullptr;
+    void (*wideAddDown)(const RowToAddDown<std::uint64_t>& row) = nullptr;
     void (*blend)(const RowToBlend& row) = nullptr;
 };
 

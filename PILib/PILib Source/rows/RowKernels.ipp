@@ -31,7 +31,15 @@ namespace {
 template <class Depth>
 constexpr DepthKernels KernelsAt() {
     constexpr int kFewestLanesForSums = std::is_same_v<Depth, Depth8> ? 8 : 16;
-    DepthKernels kernels{.box = BlurRowByBoxes<Depth>, .tent = BlurRowByTents<Depth>};
+    DepthKernels kernels{
+        .box = BlurRowByBoxes<Depth>,
+        .narrowTent = BlurRowByTents<Depth, std::uint32_t>,
+        .wideTent = BlurRowByTents<Depth, std::uint64_t>,
+        .narrowSumsTwice = WriteRunningSumsTwice<Depth, NarrowSums, std::uint32_t>,
+        .wideSumsTwice = WriteRunningSumsTwice<Depth, WideSums, std::uint64_t>,
+        .narrowAddDown = AddDown<std::uint32_t>,
+        .wideAddDown = AddDown<std::uint64_t>,
+    };
     if constexpr (kLanes >= kFewestLanesForSums) kernels.runningSums = WriteRunningSums<Depth>;
 #if PILIB_LANES >= 8
     kernels.blend = BlendRow<Depth>;

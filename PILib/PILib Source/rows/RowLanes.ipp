@@ -22,7 +22,8 @@ constexpr int kLanes = PILIB_LANES;
 typedef std::int32_t Int __attribute__((vector_size(4 * PILIB_LANES)));
 typedef std::uint32_t Uint __attribute__((vector_size(4 * PILIB_LANES)));
 typedef float Float __attribute__((vector_size(4 * PILIB_LANES)));
-typedef double Double __attribute__((vector_size(4 * PILIB_LANES)));  // half as many lanes
+typedef std::uint64_t Ulong __attribute__((vector_size(4 * PILIB_LANES)));  // half as many lanes
+typedef double Double __attribute__((vector_size(4 * PILIB_LANES)));        // likewise
 typedef std::int32_t HalfInt __attribute__((vector_size(2 * PILIB_LANES)));
 
 #define PILIB_INLINE __attribute__((always_inline)) inline
@@ -183,6 +184,9 @@ struct ShiftedUp {  // b's first lane comes in from below
 struct Last {
     static constexpr int at(int /*lane*/) { return kLanes - 1; }
 };
+struct LastPair {
+    static constexpr int at(int lane) { return kLanes - 2 + lane % 2; }
+};
 struct Previous {
     static constexpr int at(int lane) { return lane == 0 ? 0 : lane - 1; }
 };
@@ -217,6 +221,26 @@ PILIB_INLINE HalfInt SecondHalf(Int v) {
 
 PILIB_INLINE Int Joined(HalfInt low, HalfInt high) {
     return JoinedLanes(low, high, std::make_integer_sequence<int, kLanes>{});
+}
+
+// Whole numbers below 2^52 as doubles: they are the last digits of 2^52 and more, whose bits stand in front.
+template <class V>
+PILIB_INLINE auto AsDoubles(V v) {
+    typedef double Doubles __attribute__((vector_size(sizeof(V))));
+#if defined(__AVX512DQ__)
+    return __builtin_convertvector(v, Doubles);
+#else
+    return reinterpret_cast<Doubles>(v | 0x4330000000000000U) - 0x1p52;
+#endif
+}
+
+// Half of the lanes as doubles, likewise.
+PILIB_INLINE Double FirstHalfAsDoubles(Uint v) {
+    return reinterpret_cast<Double>(Arranged<ZipFirstHalves>(v, Uint{} + 0x43300000U)) - 0x1p52;
+}
+
+PILIB_INLINE Double SecondHalfAsDoubles(Uint v) {
+    return reinterpret_cast<Double>(Arranged<ZipSecondHalves>(v, Uint{} + 0x43300000U)) - 0x1p52;
 }
 
 }  // namespace

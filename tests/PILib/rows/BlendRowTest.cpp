@@ -95,7 +95,8 @@ TEST(RowKernelsTest, KernelsStandWhereTheyAreFaster) {
         const detail::DepthKernels& depth15 = detail::KernelsFor<Channel15>(level);
         for (const detail::DepthKernels* kernels : {&depth8, &depth15}) {
             EXPECT_EQ(level != SimdLevel::Scalar, kernels->box != nullptr) << number;
-            EXPECT_EQ(level != SimdLevel::Scalar, kernels->tent != nullptr) << number;
+            EXPECT_EQ(level != SimdLevel::Scalar, kernels->narrowTent != nullptr) << number;
+            EXPECT_EQ(level != SimdLevel::Scalar, kernels->wideTent != nullptr) << number;
             EXPECT_EQ(level >= SimdLevel::Avx2, kernels->blend != nullptr) << number;
         }
         EXPECT_EQ(level >= SimdLevel::Avx2, depth8.runningSums != nullptr) << number;

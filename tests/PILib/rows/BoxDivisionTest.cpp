@@ -4,7 +4,8 @@
 #include <cstdint>
 
 #define PILIB_LANES 4
-#include "BlurRowFilters.ipp"
+#include "BoxFilter.ipp"
+#include "RowDepths.ipp"
 
 namespace PILib::detail {
 namespace {
