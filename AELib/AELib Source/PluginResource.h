@@ -1,4 +1,4 @@
-// The plug-in's own resources. What differs between platforms is in one source file each.
+// The plug-in's own resources.
 #pragma once
 
 #include <cstdint>
