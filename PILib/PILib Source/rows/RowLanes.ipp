@@ -122,7 +122,7 @@ PILIB_INLINE HalfInt Truncated(Double v) {
 }
 
 // Sums and products that may wrap, in lanes that are not wanted or on purpose; for any vectors of 32-bit
-// lanes.
+// lanes. The second may be a comparison's result: for clang on Windows its lanes are of another type, long.
 template <class V>
 struct UnsignedLanes {
     typedef std::uint32_t Type __attribute__((vector_size(sizeof(V))));
@@ -133,18 +133,18 @@ PILIB_INLINE auto AsUnsigned(V v) {
     return reinterpret_cast<typename UnsignedLanes<V>::Type>(v);
 }
 
-template <class V>
-PILIB_INLINE V Plus(V a, V b) {
+template <class V, class W>
+PILIB_INLINE V Plus(V a, W b) {
     return reinterpret_cast<V>(AsUnsigned(a) + AsUnsigned(b));
 }
 
-template <class V>
-PILIB_INLINE V Minus(V a, V b) {
+template <class V, class W>
+PILIB_INLINE V Minus(V a, W b) {
     return reinterpret_cast<V>(AsUnsigned(a) - AsUnsigned(b));
 }
 
-template <class V>
-PILIB_INLINE V Times(V a, V b) {
+template <class V, class W>
+PILIB_INLINE V Times(V a, W b) {
     return reinterpret_cast<V>(AsUnsigned(a) * AsUnsigned(b));
 }
 

@@ -439,5 +439,14 @@ TEST(SimdLevelTest, TheBestLevelIsSupported) {
     EXPECT_TRUE(IsSupported(SimdLevel::Scalar));
 }
 
+#if defined(__x86_64__)
+TEST(SimdLevelTest, TheCompilersLibrarySeesTheSameProcessor) {
+    EXPECT_EQ(__builtin_cpu_supports("avx2") != 0, IsSupported(SimdLevel::Avx2));
+    EXPECT_EQ(__builtin_cpu_supports("avx512f") != 0 && __builtin_cpu_supports("avx512bw") != 0 &&
+                  __builtin_cpu_supports("avx512dq") != 0 && __builtin_cpu_supports("avx512vl") != 0,
+              IsSupported(SimdLevel::Avx512));
+}
+#endif
+
 }  // namespace
 }  // namespace PILib
