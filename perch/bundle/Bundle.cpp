@@ -1,6 +1,5 @@
 #include "Bundle.h"
 
-#include <dlfcn.h>
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -9,6 +8,7 @@
 #include <system_error>
 #include <vector>
 
+#include "Library.h"
 #include "PiPL.h"
 #include "ResourceFile.h"
 
@@ -100,7 +100,7 @@ fs::path nameOf(const fs::path& path) {
 Bundle openBundle(const fs::path& path) {
     std::error_code error;
     const fs::file_status status = fs::status(path, error);
-    if (fs::is_regular_file(status)) return {path, path, std::nullopt};
+    if (fs::is_regular_file(status)) return {path, path, propertyListWithin(path)};
     if (!fs::is_directory(status)) {
         throw Error(
             fmt::format("there is no plug-in \"{}\"; name a .plugin folder or a .so file", path.string()));
@@ -113,22 +113,14 @@ Bundle openBundle(const fs::path& path) {
 }
 
 LoadedLibrary loadLibrary(const Bundle& bundle) {
-    // With a folder in its name, or the system's library folders are searched.
-    const std::string path = fs::absolute(bundle.library).string();
-    void* const handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (handle == nullptr) {
-        const std::string reason = dlerror();  // begins with the path
-        throw Error(fmt::format("cannot load \"{}\": {}", bundle.library.string(),
-                                reason.substr(reason.starts_with(path) ? path.size() + 2 : 0)));
-    }
     LoadedLibrary loaded;
-    loaded.library = std::shared_ptr<void>(handle, [](void* library) { dlclose(library); });
+    loaded.library = openLibrary(bundle.library);
     std::vector<std::string> candidates{"PluginMain", "EffectMain"};
     if (bundle.propertyList && !bundle.propertyList->entryPoint.empty()) {
         candidates = {bundle.propertyList->entryPoint};
     }
     for (const std::string& symbol : candidates) {
-        loaded.entryPoint = reinterpret_cast<PF_EntryPoint>(dlsym(handle, symbol.c_str()));
+        loaded.entryPoint = reinterpret_cast<PF_EntryPoint>(findSymbol(loaded.library, symbol));
         loaded.symbol = symbol;
         if (loaded.entryPoint != nullptr) return loaded;
     }

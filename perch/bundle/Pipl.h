@@ -20,8 +20,11 @@ struct PropertyList {
     PF_OutFlags2 flags2 = 0;
 };
 
-// Reads resource 'PiPL' in its big-endian form. Throws Error when the bytes are damaged or of another kind
+// How the system keeps the list. On Windows it follows the bytes 01 00, and its numbers are little-endian.
+enum class ListForm { kMac, kWindows };
+
+// Reads resource 'PiPL'. Throws Error when the bytes are damaged or of another kind
 // than an effect. Properties that are not known are passed over; of two of one key the first counts.
-PropertyList readPropertyList(ByteSpan bytes);
+PropertyList readPropertyList(ByteSpan bytes, ListForm form = ListForm::kMac);
 
 }  // namespace perch

@@ -22,7 +22,7 @@ constexpr A_AppID kApplication = static_cast<A_AppID>(PF_FOUR_CC('p', 'r', 'c', 
 // Names the command under way for as long as the object lives.
 class UnderWay {
 public:
-    UnderWay(Call*& place, Call& call) : place(place) { place = &call; }
+    UnderWay(Call*& place, Call& call) : place(place) { this->place = &call; }
     ~UnderWay() { place = nullptr; }
     UnderWay(const UnderWay&) = delete;
     UnderWay& operator=(const UnderWay&) = delete;

@@ -53,6 +53,21 @@ TEST(PiplTest, EveryPropertyIsRead) {
 #endif
 }
 
+TEST(PiplTest, WindowsHasTheNumbersOfTheListTurnedRound) {
+    const std::string list(
+        "\1\0"              // before every list
+        "\0\0\0\0\3\0\0\0"  // version, count
+        "MIB8dnik\0\0\0\0\4\0\0\0TKFe"
+        "MIB8eman\0\0\0\0\x8\0\0\0\7Sparkle"
+        "MIB8OLGe\0\0\0\0\4\0\0\0\x10\0\0\x82",
+        10 + 20 + 24 + 20);
+    const PropertyList read = readPropertyList(spanOf(list), ListForm::kWindows);
+    EXPECT_EQ(read.name, "Sparkle");
+    EXPECT_EQ(read.flags, static_cast<PF_OutFlags>(0x82000010));
+    EXPECT_THROW(readPropertyList(spanOf(list.substr(2)), ListForm::kWindows), Error) << "without 01 00";
+    EXPECT_THROW(readPropertyList(spanOf(list), ListForm::kMac), Error) << "for the other systems";
+}
+
 TEST(PiplTest, AbsentPropertiesAreEmpty) {
     const PropertyList list = read({kKind});
     EXPECT_EQ(list.name, "");
