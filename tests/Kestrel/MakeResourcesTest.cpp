@@ -43,7 +43,7 @@ class MakeResourcesTest : public testing::Test {
 protected:
     MakeResourcesTest() { fs::remove_all(folder); }
     ~MakeResourcesTest() override { fs::remove_all(folder); }
-    Outcome run() const { return MakeResources(contents.string() + " Kestrel"); }
+    Outcome run() const { return MakeResources("bundle " + contents.string() + " Kestrel"); }
 
     const fs::path folder =
         fs::path(testing::TempDir()) / testing::UnitTest::GetInstance()->current_test_info()->name();
@@ -86,11 +86,28 @@ TEST_F(MakeResourcesTest, AFolderThatCannotBeMadeIsNamed) {
     EXPECT_NE(std::string::npos, refused.text.find(contents.string())) << refused.text;
 }
 
-TEST_F(MakeResourcesTest, OtherArgumentsThanTwoAreRefused) {
-    for (const char* arguments : {"", "one", "one two three"}) {
+TEST_F(MakeResourcesTest, WritesWhatTheResourceCompilerOfWindowsTakes) {
+    const Outcome made = MakeResources("windows " + folder.string() + " Kestrel");
+    EXPECT_EQ(0, made.exitCode);
+    EXPECT_EQ("", made.text);
+    const std::string little = Contents(folder / "Kestrel.pipl");
+    const std::string big = Contents(folder / "Kestrel.be-pipl");
+    EXPECT_EQ(std::string("\1\0\0\0\0\0\16\0\0\0MIB8dnik", 18), little.substr(0, 18));
+    EXPECT_EQ(std::string("\0\0\0\0\0\0\0\16", 8) + "8BIMkind", big.substr(0, 16));
+    const std::string file = Contents(fs::path(PLUGIN_CONTENTS) / "Resources/Kestrel.rsrc");
+    EXPECT_NE(std::string::npos, file.find(big)) << "one list for all";
+    const std::string script = Contents(folder / "Kestrel.rc");
+    for (const char* line : {"16000 PiPL \"Kestrel.pipl\"\n", "16000 BE_PiPL \"Kestrel.be-pipl\"\n",
+                             "VALUE \"OriginalFilename\", \"Kestrel.aex\"\n"})
+        EXPECT_NE(std::string::npos, script.find(line)) << line;
+}
+
+TEST_F(MakeResourcesTest, OtherArgumentsThanAFormAndTwoAreRefused) {
+    for (const char* arguments : {"", "bundle", "bundle two", "mac two three", "bundle two three four"}) {
         const Outcome refused = MakeResources(arguments);
         EXPECT_EQ(1, refused.exitCode) << arguments;
-        EXPECT_EQ("make-resources: usage: make-resources CONTENTS-FOLDER NAME\n", refused.text) << arguments;
+        EXPECT_EQ("make-resources: usage: make-resources bundle|windows FOLDER NAME\n", refused.text)
+            << arguments;
     }
 }
 
