@@ -1,6 +1,7 @@
 # Thin wrapper around CMake: installs the Debian packages that are missing, builds, and runs.
 #   make demo   renders the sample picture and says where the results are
 #   make test   builds and runs every test, optimised and under the address and undefined-behaviour sanitizers
+#   make bundles builds the plug-in for Windows, macOS and Linux and packs what ships into dist/
 #   make bench  runs the benchmarks; make bench-all every kind of frame as well; make bench-compare times other programs
 #               at the same job, where they are installed
 
@@ -8,7 +9,10 @@ PRODUCT_PACKAGES := g++ cmake ninja-build pkg-config libopenimageio-dev libcli11
 TEST_PACKAGES := $(PRODUCT_PACKAGES) libgtest-dev libgmock-dev libbenchmark-dev binutils \
     g++-12-multilib g++-powerpc64-linux-gnu qemu-user python3
 
-.PHONY: demo test bench bench-all bench-compare clean
+BUNDLE_PACKAGES := $(PRODUCT_PACKAGES) clang lld llvm-14 g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 \
+    dpkg-dev binutils python3
+
+.PHONY: demo test bundles bench bench-all bench-compare clean
 .DEFAULT_GOAL := demo
 
 demo: ; @scripts/demo.sh $(PRODUCT_PACKAGES)
@@ -16,6 +20,11 @@ demo: ; @scripts/demo.sh $(PRODUCT_PACKAGES)
 test:
 	@scripts/install-packages.sh $(TEST_PACKAGES)
 	@scripts/test.sh release asan
+
+bundles:
+	@scripts/install-packages.sh $(BUNDLE_PACKAGES)
+	@command -v npm >/dev/null || scripts/install-packages.sh npm
+	@scripts/bundles.sh
 
 bench:
 	@scripts/install-packages.sh $(TEST_PACKAGES)
@@ -32,4 +41,4 @@ bench-compare:
 	cmake --build --preset release --target compare-tools
 	benchmarks/compare/compare.py build/release/bin build/release
 
-clean: ; rm -rf build
+clean: ; rm -rf build dist

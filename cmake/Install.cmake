@@ -1,5 +1,25 @@
-# `cmake --install` and the package that lets another project say find_package(Kestrel).
+# `cmake --install`, its undoing, and the package that lets another project say find_package(Kestrel).
 include(CMakePackageConfigHelpers)
+
+# What users run, which the Debian package holds as well.
+install(DIRECTORY "${CMAKE_BINARY_DIR}/Kestrel.plugin" DESTINATION "${CMAKE_INSTALL_LIBDIR}" USE_SOURCE_PERMISSIONS
+  COMPONENT runtime)
+if(KESTREL_PERCH)
+  install(TARGETS perch RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT runtime)
+  execute_process(COMMAND "${PROJECT_SOURCE_DIR}/scripts/source-date.sh" OUTPUT_VARIABLE seconds COMMAND_ERROR_IS_FATAL ANY)
+  string(STRIP "${seconds}" seconds)
+  set(ENV{SOURCE_DATE_EPOCH} ${seconds})
+  string(TIMESTAMP KESTREL_DATE "%Y-%m-%d" UTC)
+  configure_file(packaging/perch.1.in perch.1 @ONLY)
+  install(FILES "${CMAKE_BINARY_DIR}/perch.1" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT runtime)
+endif()
+
+# `cmake --build FOLDER --target uninstall` removes what the last `cmake --install FOLDER` put in place.
+add_custom_target(uninstall COMMAND "${CMAKE_COMMAND}" "-DMANIFEST=${CMAKE_BINARY_DIR}/install_manifest.txt"
+  -P "${PROJECT_SOURCE_DIR}/cmake/Uninstall.cmake" VERBATIM)
+
+# What developers use.
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME development)
 
 set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/Kestrel")
 
@@ -10,8 +30,6 @@ foreach(library IN ITEMS pilib focus-core kestrel-pipeline)
     ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}"
     FILE_SET HEADERS DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/kestrel/${library}")
 endforeach()
-install(DIRECTORY "${CMAKE_BINARY_DIR}/Kestrel.plugin" DESTINATION "${CMAKE_INSTALL_LIBDIR}" USE_SOURCE_PERMISSIONS)
-install(TARGETS perch RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
 install(EXPORT KestrelTargets NAMESPACE Kestrel:: DESTINATION "${package_dir}")
 
 configure_package_config_file(cmake/KestrelConfig.cmake.in "${CMAKE_BINARY_DIR}/KestrelConfig.cmake"

@@ -1,0 +1,16 @@
+# The Debian package: the program, the bundle and the manual, without what developers install.
+# CPack and the manual are dated by SOURCE_DATE_EPOCH, as scripts/source-date.sh says.
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME kestrel)
+set(CPACK_PACKAGE_VENDOR Quillon)
+set(CPACK_PACKAGE_CONTACT "Quillon <kestrel@quillon.invalid>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "depth-of-field effect and a headless host for it")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_COMPONENTS_ALL runtime)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME kestrel)
+set(CPACK_DEBIAN_RUNTIME_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SECTION graphics)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+include(CPack)

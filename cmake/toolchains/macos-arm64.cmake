@@ -1,0 +1,3 @@
+set(CMAKE_SYSTEM_PROCESSOR arm64)
+set(KESTREL_ZIG_PROCESSOR aarch64)
+include("${CMAKE_CURRENT_LIST_DIR}/macos.cmake")

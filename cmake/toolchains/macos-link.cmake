@@ -1,0 +1,8 @@
+# How macos.cmake links a bundle; read after CMake has set its own rule.
+set(runtime "${KESTREL_ZIG_ROOT}/runtime/${KESTREL_ZIG_PROCESSOR}-macos")
+string(JOIN " " CMAKE_CXX_CREATE_SHARED_MODULE
+  "ld64.lld-14 -bundle -arch ${CMAKE_SYSTEM_PROCESSOR}"
+  "-platform_version macos ${KESTREL_MACOS_MINIMUM} ${KESTREL_MACOS_MINIMUM} -dead_strip -S"
+  "<LINK_FLAGS> -o <TARGET> <OBJECTS> <LINK_LIBRARIES>"
+  "\"${runtime}/libc++.a\" \"${runtime}/libc++abi.a\" \"${runtime}/libcompiler_rt.a\""
+  "\"${KESTREL_ZIG_PACKAGE}/lib/libc/darwin/libSystem.11.tbd\"")
