@@ -6,7 +6,9 @@
 
 namespace {
 
-RenderInputs ReadInputs(const AELib::AEContext& context) {
+using AELib::AEContext;
+
+RenderInputs ReadInputs(const AEContext& context) {
     RenderInputs inputs;
     inputs.viewMode = context.getParamInt(kViewMode);
     inputs.blurType = context.getParamInt(kBlurType);
@@ -23,7 +25,7 @@ RenderInputs ReadInputs(const AELib::AEContext& context) {
 
 }  // namespace
 
-void EffectGlobal::paramsSetup(AELib::AEContext& context) {
+void EffectGlobal::paramsSetup(AEContext& context) {
     AELib::AEParamCreator create(context);
     create.popup(kViewMode, "View Mode", 0, "Normal|Focus");
     create.popup(kBlurType, "Blur Type", 0, "Coarse|Fine");
@@ -38,22 +40,22 @@ void EffectGlobal::paramsSetup(AELib::AEContext& context) {
     create.percent(kBlendWithOriginal, "Blend With Original", 0, 1);
 }
 
-AELib::SequenceManager* EffectGlobal::newSequenceInstance(AELib::AEContext& /*context*/) {
+AELib::SequenceManager* EffectGlobal::newSequenceInstance(AEContext& /*context*/) {
     return new EffectSequence;
 }
 
-void EffectSequence::sequenceSetup(AELib::AEContext& context) {
+void EffectSequence::sequenceSetup(AEContext& context) {
     SequenceManager::sequenceSetup(context);
 }
 
-AELib::FrameManager* EffectSequence::newFrameInstance(AELib::AEContext& context) {
+AELib::FrameManager* EffectSequence::newFrameInstance(AEContext& context) {
     return new EffectFrame(context);
 }
 
-EffectFrame::EffectFrame(AELib::AEContext& context)
+EffectFrame::EffectFrame(AEContext& context)
     : sequence(dynamic_cast<EffectSequence*>(context.sequenceManager)) {}
 
-void EffectFrame::render(AELib::AEContext& context) {
+void EffectFrame::render(AEContext& context) {
     const RenderInputs inputs = ReadInputs(context);
     const Downsample downsample{downsampleX, downsampleY};
     if (ShowsOriginal(inputs)) {

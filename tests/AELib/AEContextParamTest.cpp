@@ -9,6 +9,8 @@
 
 namespace {
 
+using AELib::AEContext;
+
 constexpr char kFile[] = "AELib/AELib Source/AEContext";
 constexpr int kId = 40;
 
@@ -60,7 +62,7 @@ TEST_F(AEContextParamTest, EveryNumberReadsAsFloatAndInt) {
     };
     for (const Value& value : values) {
         value.set(param());
-        const AELib::AEContext context = makeContext();
+        const AEContext context = makeContext();
         EXPECT_EQ(value.asFloat, context.getParamFloat(kId)) << value.what;
         EXPECT_EQ(value.asInt, context.getParamInt(kId)) << value.what;
         EXPECT_EQ(value.asInt > 0, context.getParamBool(kId)) << value.what;
@@ -74,7 +76,7 @@ TEST_F(AEContextParamTest, OtherTypesFail) {
              PF_Param_BUTTON, PF_Param_POINT_3D, 99, -1}) {
         SCOPED_TRACE(type);
         param().param_type = type;
-        const AELib::AEContext context = makeContext();
+        const AEContext context = makeContext();
         ExpectAssertion(kFile, 309, [&] { context.getParamFloat(kId); });
         ExpectAssertion(kFile, 361, [&] { context.getParamInt(kId); });
         ExpectAssertion(kFile, 309, [&] { context.getParamPercent(kId); });
@@ -83,13 +85,13 @@ TEST_F(AEContextParamTest, OtherTypesFail) {
 }
 
 TEST_F(AEContextParamTest, UnknownIdentifierReadsTheSourceLayer) {
-    const AELib::AEContext context = makeContext();
+    const AEContext context = makeContext();
     EXPECT_EQ(&host.param(0), context.getParam(1234));
     ExpectAssertion(kFile, 309, [&] { context.getParamFloat(1234); });
 }
 
 TEST_F(AEContextParamTest, NumbersOfParametersAreTheGlobalManagers) {
-    const AELib::AEContext context = makeContext();
+    const AEContext context = makeContext();
     context.setParamNumber(8, 3);
     EXPECT_EQ(3, manager.getParamNumber(8));
     EXPECT_EQ(3, context.getParamNumber(8));
@@ -156,7 +158,7 @@ TEST_F(AEContextParamTest, ChangedParameterComesFromTheExtraRecord) {
 
 TEST_F(AEContextParamTest, AParameterThatWasNotCopiedIsSentAsZeros) {
     useSuites();
-    AELib::AEContext context = makeContext(PF_Cmd_UPDATE_PARAMS_UI);
+    AEContext context = makeContext(PF_Cmd_UPDATE_PARAMS_UI);
     context.updateParamUI(kId);
     ASSERT_EQ(1U, host.uiUpdates.size());
     PF_ParamDef zeros;
@@ -167,7 +169,7 @@ TEST_F(AEContextParamTest, AParameterThatWasNotCopiedIsSentAsZeros) {
 TEST_F(AEContextParamTest, CopiesAreWholePrivateAndSentToTheHost) {
     useSuites();
     std::memset(&param(), 0x3C, sizeof(PF_ParamDef));
-    AELib::AEContext context = makeContext(PF_Cmd_UPDATE_PARAMS_UI);
+    AEContext context = makeContext(PF_Cmd_UPDATE_PARAMS_UI);
     AELib::AEParam& copy = context.copyParam(kId);
     EXPECT_EQ(&copy, &context.paramCopies.at(kId));
     EXPECT_EQ(0, std::memcmp(&copy, &param(), sizeof(PF_ParamDef)));
@@ -182,7 +184,7 @@ TEST_F(AEContextParamTest, CopiesAreWholePrivateAndSentToTheHost) {
 }
 
 TEST_F(AEContextParamTest, UpdateWithoutSuitesDoesNothing) {
-    AELib::AEContext context = makeContext(PF_Cmd_UPDATE_PARAMS_UI);
+    AEContext context = makeContext(PF_Cmd_UPDATE_PARAMS_UI);
     context.copyParam(kId);
     context.updateParamUI(kId);
     EXPECT_TRUE(host.log.empty());
@@ -231,7 +233,7 @@ TEST_F(AEContextParamTest, FailedHidingStopsAndLeavesItsReferences) {
 }
 
 TEST_F(AEContextParamTest, NullParameterFails) {
-    AELib::AEContext context = makeContext();
+    AEContext context = makeContext();
     context.params = nullptr;
     ExpectAssertion(kFile, 1, [&] { context.getParam(kId); });
 }

@@ -11,6 +11,8 @@
 
 namespace {
 
+using AELib::AEContext;
+
 constexpr char kFile[] = "AELib/AELib Source/AEContext";
 
 class AEContextTest : public HostedEffectTest {};
@@ -19,7 +21,7 @@ TEST_F(AEContextTest, RatiosAreThoseOfTheHost) {
     host.in.downsample_x = {1, 2};
     host.in.downsample_y = {1, 4};
     host.in.pixel_aspect_ratio = {3, 2};
-    const AELib::AEContext context = makeContext();
+    const AEContext context = makeContext();
     EXPECT_EQ(0.5F, context.downsampleX);
     EXPECT_EQ(0.25F, context.downsampleY);
     EXPECT_EQ(0.75F, context.pixelAspectRatio);
@@ -28,14 +30,14 @@ TEST_F(AEContextTest, RatiosAreThoseOfTheHost) {
 
 TEST_F(AEContextTest, RatiosWithADenominatorOfZeroAreOne) {
     host.in.downsample_x = host.in.downsample_y = host.in.pixel_aspect_ratio = {5, 0};
-    const AELib::AEContext context = makeContext();
+    const AEContext context = makeContext();
     EXPECT_EQ(1.0F, context.downsampleX);
     EXPECT_EQ(1.0F, context.downsampleY);
     EXPECT_EQ(1.0F, context.getPixelAspectRatio());
 }
 
 TEST_F(AEContextTest, DefaultHasNoCall) {
-    const AELib::AEContext context;
+    const AEContext context;
     EXPECT_EQ(nullptr, context.inData);
     EXPECT_EQ(nullptr, context.outData);
     EXPECT_EQ(nullptr, context.params);
@@ -51,13 +53,13 @@ TEST_F(AEContextTest, AssignmentCopiesTheWholeCall) {
     TestSequence sequence;
     HostWorld picture(1, 1, false);
     host.output = &picture.def;
-    AELib::AEContext context = makeContext(PF_Cmd_UPDATE_PARAMS_UI, &sequence);
+    AEContext context = makeContext(PF_Cmd_UPDATE_PARAMS_UI, &sequence);
     context.sequenceManager = &sequence;
     context.setProgress(0.25F, 0.75F);
     host.param(0).uu.id = 77;
     context.copyParam(0);
 
-    AELib::AEContext copy;
+    AEContext copy;
     copy = context;
     ASSERT_EQ(1U, copy.paramCopies.size());
     EXPECT_EQ(0, std::memcmp(&context.paramCopies[0], &copy.paramCopies[0], sizeof(PF_ParamDef)));
@@ -90,7 +92,7 @@ TEST_F(AEContextTest, CurrentTimeIsTheHosts) {
 }
 
 TEST_F(AEContextTest, AbortThrowsTheHostsCode) {
-    const AELib::AEContext context = makeContext();
+    const AEContext context = makeContext();
     EXPECT_EQ(0, CodeOf([&] { context.checkAbort(); }));
     host.failures.at(Callback::kAbort, 1, 517);
     EXPECT_EQ(517, CodeOf([&] { context.checkAbort(); }));
@@ -124,7 +126,7 @@ TEST_F(AEContextTest, ProgressReportsEverySixteenthStepOfItsRange) {
     };
     for (const ProgressCase& c : cases) {
         host.progress.clear();
-        AELib::AEContext context = makeContext();
+        AEContext context = makeContext();
         context.setProgress(c.start, c.end);
         context.progress(c.i, c.n, c.base, c.span);
         const auto text = testing::Message() << c.start << " to " << c.end << ", " << c.i << " of " << c.n;
@@ -143,7 +145,7 @@ TEST_F(AEContextTest, ProgressStartsWithTheWholeRange) {
 }
 
 TEST_F(AEContextTest, ProgressRangeIsTruncatedToTenThousandths) {
-    AELib::AEContext context = makeContext();
+    AEContext context = makeContext();
     context.setProgress(0.12345F, 0.99999F);
     EXPECT_EQ(1234, context.progressOffset);
     EXPECT_EQ(8765, context.progressScale);
@@ -185,7 +187,7 @@ TEST_F(ProcessorCountDeathTest, IsAskedOfTheHostOnce) {
         {
             useSuites();
             host.threads = 5;
-            const AELib::AEContext context = makeContext();
+            const AEContext context = makeContext();
             const int first = context.numProcessors();
             host.threads = 2;
             const bool once =
@@ -307,7 +309,7 @@ TEST_F(AEContextTest, TwoThreadRunsAcquireTheSuiteOnce) {
 }
 
 TEST_F(AEContextTest, HandlesAreTheHosts) {
-    const AELib::AEContext context = makeContext();
+    const AEContext context = makeContext();
     char** handle = context.newLockedHandle(10);
     EXPECT_EQ(1, host.lockedHandles());
     EXPECT_EQ(10U, context.getHandleSize(handle));
@@ -350,7 +352,7 @@ TEST_F(AEContextTest, HandlesAreThePlatformsWhereTheHostHasNone) {
     host.utils.host_dispose_handle = nullptr;
     host.utils.host_get_handle_size = nullptr;
     host.utils.host_resize_handle = nullptr;
-    const AELib::AEContext context = makeContext();
+    const AEContext context = makeContext();
     char** handle = context.newLockedHandle(12);
     EXPECT_TRUE(AELib::IsPlatformHandle(handle));
     EXPECT_EQ(12U, context.getHandleSize(handle));
@@ -364,7 +366,7 @@ TEST_F(AEContextTest, HandlesAreThePlatformsWhereTheHostHasNone) {
 
 TEST_F(AEContextTest, HandlesWorkWithoutUtilityCallbacks) {
     host.in.utils = nullptr;
-    const AELib::AEContext context = makeContext();
+    const AEContext context = makeContext();
     char** const handle = context.newLockedHandle(3);
     EXPECT_EQ(3U, context.getHandleSize(handle));
     context.unlockHandle(handle);
@@ -373,7 +375,7 @@ TEST_F(AEContextTest, HandlesWorkWithoutUtilityCallbacks) {
 }
 
 TEST_F(AEContextTest, NullHandlesFail) {
-    const AELib::AEContext context = makeContext();
+    const AEContext context = makeContext();
     ExpectAssertion(kFile, 2, [&] { context.lockHandle(nullptr); });
     ExpectAssertion(kFile, 2, [&] { context.unlockHandle(nullptr); });
     ExpectAssertion(kFile, 2, [&] { context.getHandleSize(nullptr); });

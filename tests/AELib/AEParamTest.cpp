@@ -9,6 +9,7 @@
 
 namespace {
 
+using AELib::AEContext;
 using AELib::AEParam;
 using AELib::AEParamCreator;
 
@@ -86,7 +87,7 @@ protected:
     // Declares on a creator and returns what reached the host.
     const std::vector<PF_ParamDef>& declare(const std::function<void(AEParamCreator&)>& declarations) {
         host.declared.clear();
-        AELib::AEContext context = makeContext(PF_Cmd_PARAMS_SETUP);
+        AEContext context = makeContext(PF_Cmd_PARAMS_SETUP);
         AEParamCreator create(context);
         declarations(create);
         create.addParam();
@@ -280,7 +281,7 @@ TEST_F(AEParamCreatorTest, ModifiersKeepTheOtherFlags) {
 }
 
 TEST_F(AEParamCreatorTest, EachDeclarationHandsOverTheOneBefore) {
-    AELib::AEContext context = makeContext(PF_Cmd_PARAMS_SETUP);
+    AEContext context = makeContext(PF_Cmd_PARAMS_SETUP);
     AEParamCreator create(context);
     create.layer(7, "First", 0);
     EXPECT_TRUE(host.declared.empty());
@@ -300,7 +301,7 @@ TEST_F(AEParamCreatorTest, EachDeclarationHandsOverTheOneBefore) {
 }
 
 TEST_F(AEParamCreatorTest, DestructionHandsOverTheLastAndPublishesTheCount) {
-    AELib::AEContext context = makeContext(PF_Cmd_PARAMS_SETUP);
+    AEContext context = makeContext(PF_Cmd_PARAMS_SETUP);
     {
         AEParamCreator create(context);
         create.layer(7, "First", 0);
@@ -312,7 +313,7 @@ TEST_F(AEParamCreatorTest, DestructionHandsOverTheLastAndPublishesTheCount) {
 
 TEST_F(AEParamCreatorTest, CreatorWithoutDeclarationsCountsTheSourceLayer) {
     manager.setParamNumber(0, 5);
-    AELib::AEContext context = makeContext(PF_Cmd_PARAMS_SETUP);
+    AEContext context = makeContext(PF_Cmd_PARAMS_SETUP);
     { const AEParamCreator create(context); }
     EXPECT_EQ(1, host.out.num_params);
     EXPECT_EQ(0, manager.getParamNumber(0));
@@ -334,7 +335,7 @@ TEST_F(AEParamCreatorTest, HostErrorEndsTheSetupAndTheCountIsNotPublished) {
         host.out.num_params = -1;
         host.declared.clear();
         host.failures.at(Callback::kAddParam, failing, 60 + failing);
-        AELib::AEContext context = makeContext(PF_Cmd_PARAMS_SETUP);
+        AEContext context = makeContext(PF_Cmd_PARAMS_SETUP);
         const int code = CodeOf([&] {
             AEParamCreator create(context);
             for (int id = 1; id <= 3; ++id)
@@ -348,7 +349,7 @@ TEST_F(AEParamCreatorTest, HostErrorEndsTheSetupAndTheCountIsNotPublished) {
 }
 
 TEST_F(AEParamCreatorTest, ARefusedDeclarationIsHandedOverAgainAtItsIndex) {
-    AELib::AEContext context = makeContext(PF_Cmd_PARAMS_SETUP);
+    AEContext context = makeContext(PF_Cmd_PARAMS_SETUP);
     {
         AEParamCreator create(context);
         create.layer(7, "First", 0);
@@ -371,7 +372,7 @@ TEST_F(AEParamCreatorTest, ExceptionOfTheEffectStillDeclaresWhatIsPending) {
         host.declared.clear();
         host.out.num_params = -1;
         host.failures.at(Callback::kAddParam, refused ? 1 : 0, 5);
-        AELib::AEContext context = makeContext(PF_Cmd_PARAMS_SETUP);
+        AEContext context = makeContext(PF_Cmd_PARAMS_SETUP);
         EXPECT_THROW(
             {
                 AEParamCreator create(context);
@@ -385,13 +386,13 @@ TEST_F(AEParamCreatorTest, ExceptionOfTheEffectStillDeclaresWhatIsPending) {
 
 TEST_F(AEParamCreatorTest, CreatorWorksWhileAnotherExceptionIsOnItsWay) {
     struct DeclaresOnDestruction {
-        AELib::AEContext& context;
+        AEContext& context;
         ~DeclaresOnDestruction() {
             AEParamCreator create(context);
             create.layer(1, "Layer", 0);
         }
     };
-    AELib::AEContext context = makeContext(PF_Cmd_PARAMS_SETUP);
+    AEContext context = makeContext(PF_Cmd_PARAMS_SETUP);
     try {
         const DeclaresOnDestruction declares{context};
         throw 1;
@@ -403,7 +404,7 @@ TEST_F(AEParamCreatorTest, CreatorWorksWhileAnotherExceptionIsOnItsWay) {
 
 TEST_F(AEParamCreatorTest, FailedSetupReachesTheHostAsItsCode) {
     setUpGlobal();
-    script.actions["paramsSetup"] = [](AELib::AEContext& context) {
+    script.actions["paramsSetup"] = [](AEContext& context) {
         AEParamCreator create(context);
         create.layer(1, "Layer", 0);
     };

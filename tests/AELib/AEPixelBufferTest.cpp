@@ -12,10 +12,13 @@
 
 namespace {
 
+using AELib::AEContext;
 using AELib::AEPixelBuffer;
+using AELib::LayerCheckout;
 using AELib::MakeAEPixelBuffer;
 using PILib::Channel15;
 using PILib::Channel8;
+using PILib::kAlignCenter;
 using PILib::Pixel;
 using PILib::PixelBuffer;
 
@@ -30,7 +33,7 @@ protected:
         std::mt19937 random(seed);
         return oracle::RandomImage(random, width, height, oracle::kFull<C>);
     }
-    AELib::AEContext context = makeContext();
+    AEContext context = makeContext();
 };
 using Depths = testing::Types<Channel8, Channel15>;
 TYPED_TEST_SUITE(AEPixelBufferTest, Depths);
@@ -72,8 +75,7 @@ TYPED_TEST(AEPixelBufferTest, RowsMayRunBottomUp) {
 
 TYPED_TEST(AEPixelBufferTest, SizedViewOfTheSameSizeAllocatesNothing) {
     HostWorld world(6, 2, kDeep<TypeParam>);
-    const std::unique_ptr<PixelBuffer> made(
-        MakeAEPixelBuffer(this->context, world.def, 6, 2, PILib::kAlignCenter));
+    const std::unique_ptr<PixelBuffer> made(MakeAEPixelBuffer(this->context, world.def, 6, 2, kAlignCenter));
     const auto& buffer = dynamic_cast<typename TestFixture::Buffer&>(*made);
     EXPECT_EQ(&world.def, buffer.layer);
     EXPECT_FALSE(buffer.ownsWorld);
@@ -85,7 +87,7 @@ TYPED_TEST(AEPixelBufferTest, SizedBufferOfAnotherSizeIsResampledByTheHost) {
     HostWorld world(this->noise(4, 6, 4));
     {
         const std::unique_ptr<PixelBuffer> made(
-            MakeAEPixelBuffer(this->context, world.def, 9, 2, PILib::kAlignCenter));
+            MakeAEPixelBuffer(this->context, world.def, 9, 2, kAlignCenter));
         auto& buffer = dynamic_cast<typename TestFixture::Buffer&>(*made);
         EXPECT_TRUE(buffer.ownsWorld);
         EXPECT_EQ(&buffer.world, buffer.layer);
@@ -119,8 +121,7 @@ TYPED_TEST(AEPixelBufferTest, SizedBufferOfAnotherSizeIsResampledByTheHost) {
 
 TYPED_TEST(AEPixelBufferTest, ScaleIsASinglePrecisionRatio) {
     HostWorld world(7, 3, kDeep<TypeParam>);
-    const std::unique_ptr<PixelBuffer> made(
-        MakeAEPixelBuffer(this->context, world.def, 5, 10, PILib::kAlignCenter));
+    const std::unique_ptr<PixelBuffer> made(MakeAEPixelBuffer(this->context, world.def, 5, 10, kAlignCenter));
     EXPECT_EQ(double{5.0F / 7.0F}, this->host.transforms.at(0).matrix.mat[0][0]);
     EXPECT_EQ(double{10.0F / 3.0F}, this->host.transforms.at(0).matrix.mat[1][1]);
 }
@@ -130,9 +131,7 @@ TYPED_TEST(AEPixelBufferTest, FailedResamplingGivesTheWorldBack) {
     const Callback pixels = kDeep<TypeParam> ? Callback::kGetPixelData16 : Callback::kGetPixelData8;
     for (const Callback callback : {Callback::kNewWorld, pixels, Callback::kTransformWorld}) {
         this->host.failures.at(callback, 1, 91);
-        EXPECT_EQ(91, CodeOf([&] {
-                      delete MakeAEPixelBuffer(this->context, world.def, 3, 3, PILib::kAlignCenter);
-                  }))
+        EXPECT_EQ(91, CodeOf([&] { delete MakeAEPixelBuffer(this->context, world.def, 3, 3, kAlignCenter); }))
             << NameOf(callback);
         EXPECT_EQ(0, this->host.liveWorlds()) << NameOf(callback);
     }
@@ -153,7 +152,7 @@ TYPED_TEST(AEPixelBufferTest, DeallocateOfAViewOnlyLetsItGo) {
 
 TYPED_TEST(AEPixelBufferTest, DeallocateOfAnOwnedWorldDisposesItOnce) {
     HostWorld world(2, 2, kDeep<TypeParam>);
-    typename TestFixture::Buffer buffer(this->context, world.def, 3, 3, PILib::kAlignCenter);
+    typename TestFixture::Buffer buffer(this->context, world.def, 3, 3, kAlignCenter);
     buffer.deallocate();
     EXPECT_EQ(nullptr, buffer.layer);
     EXPECT_FALSE(buffer.ownsWorld);
@@ -165,7 +164,7 @@ TYPED_TEST(AEPixelBufferTest, DeallocateOfAnOwnedWorldDisposesItOnce) {
 TYPED_TEST(AEPixelBufferTest, SizingAgainReplacesAnOwnedWorldAndLetsAViewedOneGo) {
     HostWorld world(2, 2, kDeep<TypeParam>);
     {
-        typename TestFixture::Buffer owner(this->context, world.def, 3, 3, PILib::kAlignCenter);
+        typename TestFixture::Buffer owner(this->context, world.def, 3, 3, kAlignCenter);
         typename TestFixture::Buffer view(this->context, world.def);
         owner.initialize(5, 4);
         EXPECT_EQ(1, this->host.failures.calls(Callback::kDisposeWorld));
@@ -275,9 +274,9 @@ TEST_F(LayerCheckoutTest, IsCheckedInOnDestruction) {
     host.control = &layer;
     host.in.time_step = -2002;
     host.in.time_scale = 30;
-    AELib::AEContext context = makeContext();
+    AEContext context = makeContext();
     {
-        const AELib::LayerCheckout checkout(context, 2);
+        const LayerCheckout checkout(context, 2);
         EXPECT_TRUE(checkout.checkedOut);
         EXPECT_TRUE(checkout.hasPixels());
         EXPECT_EQ(3, checkout.param.u.ld.width);
@@ -292,24 +291,24 @@ TEST_F(LayerCheckoutTest, IsCheckedInOnDestruction) {
 }
 
 TEST_F(LayerCheckoutTest, TimeMayBeAnother) {
-    AELib::AEContext context = makeContext();
-    const AELib::LayerCheckout checkout(context, 2, 777);
+    AEContext context = makeContext();
+    const LayerCheckout checkout(context, 2, 777);
     EXPECT_EQ(777, host.checkouts.at(0).time);
     EXPECT_FALSE(checkout.hasPixels());
 }
 
 TEST_F(LayerCheckoutTest, DefaultIsNotCheckedOut) {
-    { const AELib::LayerCheckout checkout; }
+    { const LayerCheckout checkout; }
     EXPECT_TRUE(host.log.empty());
 }
 
 TEST_F(LayerCheckoutTest, FailedCheckoutIsCheckedInToo) {
-    AELib::AEContext context = makeContext();
+    AEContext context = makeContext();
     const std::function<void()> checkouts[] = {
-        [&] { const AELib::LayerCheckout checkout(context, 2); },
-        [&] { const AELib::LayerCheckout checkout(context, 2, 5); },
+        [&] { const LayerCheckout checkout(context, 2); },
+        [&] { const LayerCheckout checkout(context, 2, 5); },
         [&] {
-            AELib::LayerCheckout checkout;
+            LayerCheckout checkout;
             checkout.initialize(context, 2, 5);
         },
     };
@@ -324,7 +323,7 @@ TEST_F(LayerCheckoutTest, FailedCheckoutIsCheckedInToo) {
 class PFEffectWorldHolderTest : public HostedEffectTest {};
 
 TEST_F(PFEffectWorldHolderTest, DisposesAWorldThatHoldsPixels) {
-    AELib::AEContext context = makeContext();
+    AEContext context = makeContext();
     { const AELib::PFEffectWorldHolder empty(context); }
     EXPECT_EQ(0, host.failures.calls(Callback::kDisposeWorld));
     {

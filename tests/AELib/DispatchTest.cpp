@@ -9,6 +9,9 @@
 
 namespace {
 
+using AELib::AEContext;
+using AELib::gSuites;
+
 using Hooks = std::vector<std::string>;
 
 class DispatchTest : public HostedEffectTest {};
@@ -95,7 +98,7 @@ TEST_F(DispatchTest, WhateverAHookThrowsBecomesCodeAndMessage) {
     };
     setUpSequence();
     for (const Failure& failure : failures) {
-        script.actions["doDialog"] = [&](AELib::AEContext&) { failure.raise(); };
+        script.actions["doDialog"] = [&](AEContext&) { failure.raise(); };
         EXPECT_EQ(failure.result, host.call(PF_Cmd_DO_DIALOG)) << failure.what;
         EXPECT_EQ(failure.message, host.message()) << failure.what;
     }
@@ -105,7 +108,7 @@ TEST_F(DispatchTest, AHostsCodeThatEqualsAnAssertionsNamesTheLastPlace) {
     setUpSequence();
     PILib::AssertFile = nullptr;
     PILib::AssertLine = 0;
-    script.actions["doDialog"] = [](AELib::AEContext&) { PILib::ThrowIfErr(999); };
+    script.actions["doDialog"] = [](AEContext&) { PILib::ThrowIfErr(999); };
     EXPECT_EQ(512, host.call(PF_Cmd_DO_DIALOG));
     EXPECT_EQ("Assert Failure - file: , line: 0 in Test Effect", host.message());
     EXPECT_THROW(PILib::_Assert(false, 142, "before"), int);
@@ -129,7 +132,7 @@ TEST_F(DispatchTest, InstancesStayAfterAFailedGlobalSetup) {
 TEST_F(DispatchTest, SilentResultsLeaveTheMessageAsItIs) {
     setUpSequence();
     for (const int code : {0, 517}) {
-        script.actions["doDialog"] = [code](AELib::AEContext& context) {
+        script.actions["doDialog"] = [code](AEContext& context) {
             std::snprintf(context.outData->return_msg, sizeof context.outData->return_msg, "mine");
             throw int{code};
         };
@@ -145,7 +148,7 @@ int HostFormat(A_char* text, const A_char* format, ...) {
 TEST_F(DispatchTest, MessagesAreFormattedByTheHost) {
     setUpSequence();
     host.utils.ansi.sprintf = HostFormat;
-    script.actions["doDialog"] = [](AELib::AEContext&) { throw 9; };
+    script.actions["doDialog"] = [](AEContext&) { throw 9; };
     EXPECT_EQ(9, host.call(PF_Cmd_DO_DIALOG));
     EXPECT_EQ("host: Error %d in %s", host.message());
 }
@@ -154,7 +157,7 @@ TEST_F(DispatchTest, LongMessagesAreCutToTheHostsField) {
     script.resource =
         resource::PropertyList({{PiPL_VENDOR, PiPL_NAME, resource::Pascal(std::string(254, 'n'))}});
     setUpSequence();
-    script.actions["doDialog"] = [](AELib::AEContext&) { throw 9; };
+    script.actions["doDialog"] = [](AEContext&) { throw 9; };
     EXPECT_EQ(9, host.call(PF_Cmd_DO_DIALOG));
     EXPECT_EQ("Error 9 in " + std::string(244, 'n'), host.message());
 }
@@ -178,11 +181,11 @@ TEST_F(DispatchTest, GlobalSetupWithoutUtilsAnswersWithoutTheHostsFormatter) {
 TEST_F(DispatchTest, GlobalSetupWithoutAHandleKeepsNoSuites) {
     host.failures.at(Callback::kNewHandle, 1, 1);
     EXPECT_EQ(4, host.call(PF_Cmd_GLOBAL_SETUP));
-    EXPECT_EQ(nullptr, AELib::gSuites) << "no memory";
+    EXPECT_EQ(nullptr, gSuites) << "no memory";
     host.failures.clear();
     host.in.utils = nullptr;
     EXPECT_EQ(512, host.call(PF_Cmd_GLOBAL_SETUP));
-    EXPECT_EQ(nullptr, AELib::gSuites) << "no utility callbacks";
+    EXPECT_EQ(nullptr, gSuites) << "no utility callbacks";
     host.in.utils = &host.utils;
 }
 
@@ -238,25 +241,25 @@ TEST_F(DispatchTest, GlobalInstanceLivesFromSetupToSetdown) {
     EXPECT_EQ(PF_Err_NONE, host.call(PF_Cmd_GLOBAL_SETDOWN));
     EXPECT_EQ(before, script.liveGlobals);
     EXPECT_EQ(0, host.liveHandles());
-    EXPECT_EQ(nullptr, AELib::gSuites);
+    EXPECT_EQ(nullptr, gSuites);
     EXPECT_EQ(0, host.liveSuites());
 }
 
 TEST_F(DispatchTest, SuiteCacheComesWithTheFirstBasicSuite) {
     host.in.pica_basicP = nullptr;
     setUpGlobal();
-    EXPECT_EQ(nullptr, AELib::gSuites);
+    EXPECT_EQ(nullptr, gSuites);
     host.in.pica_basicP = &host.basic;
     EXPECT_EQ(PF_Err_NONE, host.call(PF_Cmd_ABOUT));
-    const AELib::SuiteHandler* const cache = AELib::gSuites;
+    const AELib::SuiteHandler* const cache = gSuites;
     EXPECT_NE(nullptr, cache);
     EXPECT_EQ(PF_Err_NONE, host.call(PF_Cmd_ABOUT));
-    EXPECT_EQ(cache, AELib::gSuites);
+    EXPECT_EQ(cache, gSuites);
 }
 
 TEST_F(DispatchTest, FailedHookLeavesItsInstances) {
     setUpSequence();
-    script.actions["frame.frameSetup"] = [](AELib::AEContext&) { throw 5; };
+    script.actions["frame.frameSetup"] = [](AEContext&) { throw 5; };
     EXPECT_EQ(5, host.call(PF_Cmd_FRAME_SETUP));
     EXPECT_EQ(1, script.liveFrames);
     EXPECT_NE(nullptr, host.in.frame_data);

@@ -9,6 +9,8 @@
 
 namespace {
 
+using AELib::AEContext;
+using PILib::Archiver;
 using resource::BigEndian;
 using resource::Pascal;
 using resource::Property;
@@ -16,7 +18,7 @@ using resource::Property;
 class GlobalManagerTest : public HostedEffectTest {
 protected:
     void readPiPL() {
-        AELib::AEContext context = makeContext(PF_Cmd_GLOBAL_SETUP);
+        AEContext context = makeContext(PF_Cmd_GLOBAL_SETUP);
         manager.readPiPL(context);
     }
     void expectMalformed(const std::string& list, const char* what) {
@@ -37,7 +39,7 @@ TEST_F(GlobalManagerTest, SetupHandsTheHostVersionAndFlagsOfThePropertyList) {
 
 TEST_F(GlobalManagerTest, InitReturnsWhatTheRegistrationGave) {
     useSuites();
-    AELib::AEContext context = makeContext(PF_Cmd_GLOBAL_SETUP);
+    AEContext context = makeContext(PF_Cmd_GLOBAL_SETUP);
     EXPECT_EQ(0, manager.init(context));
     EXPECT_EQ(RecordingHost::kPluginID, manager.pluginID);
     host.failures.at(Callback::kRegister, 1, 33);
@@ -145,7 +147,7 @@ TEST_F(GlobalManagerTest, ParamCountFollowsTheGreatestIndex) {
 
 TEST_F(GlobalManagerTest, CommandsThatAreNotItsOwnReachNothing) {
     for (const PF_Cmd command : {-1, 1, 2, 3, 23, 24, 1000}) {
-        AELib::AEContext context = makeContext(command);
+        AEContext context = makeContext(command);
         manager.handleCommand(context);
         EXPECT_EQ(nullptr, context.sequenceManager) << command;
         EXPECT_TRUE(script.hooks.empty()) << command;
@@ -165,7 +167,7 @@ TEST_F(GlobalManagerTest, SequenceLivesFromSetupToSetdown) {
 
 TEST_F(GlobalManagerTest, FlatDataAreTheArchivedBytesAndComeBack) {
     setUpSequence();
-    script.archive = [](PILib::Archiver& a) { a << true << short{-2} << 1.0F; };
+    script.archive = [](Archiver& a) { a << true << short{-2} << 1.0F; };
     EXPECT_EQ(PF_Err_NONE, host.call(PF_Cmd_SEQUENCE_FLATTEN)) << host.message();
     EXPECT_EQ(0, script.liveSequences);
     const PF_Handle flat = host.in.sequence_data;
@@ -175,7 +177,7 @@ TEST_F(GlobalManagerTest, FlatDataAreTheArchivedBytesAndComeBack) {
     EXPECT_EQ(0, std::memcmp("\x01\xFF\xFE\x3F\x80\x00\x00", *flat, 7));
 
     short value = 0;
-    script.dearchive = [&](PILib::Archiver& a) {
+    script.dearchive = [&](Archiver& a) {
         bool flag = false;
         a >> flag >> value;
     };
@@ -189,7 +191,7 @@ TEST_F(GlobalManagerTest, FlatDataAreTheArchivedBytesAndComeBack) {
 
 TEST_F(GlobalManagerTest, LargeFlatDataGrowTheHandle) {
     setUpSequence();
-    script.archive = [](PILib::Archiver& a) {
+    script.archive = [](Archiver& a) {
         for (int i = 0; i < 30000; ++i)
             a << i;
     };
@@ -197,7 +199,7 @@ TEST_F(GlobalManagerTest, LargeFlatDataGrowTheHandle) {
     const PF_Handle flat = host.in.sequence_data;
     EXPECT_EQ(120000U, host.utils.host_get_handle_size(flat));
     int last = 0;
-    script.dearchive = [&](PILib::Archiver& a) {
+    script.dearchive = [&](Archiver& a) {
         for (int i = 0; i < 30000; ++i)
             a >> last;
     };
@@ -209,7 +211,7 @@ TEST_F(GlobalManagerTest, LargeFlatDataGrowTheHandle) {
 TEST_F(GlobalManagerTest, FailedArchivingKeepsTheSequenceAndLosesNoHandle) {
     setUpSequence();
     const PF_Handle sequence = host.in.sequence_data;
-    script.archive = [](PILib::Archiver& a) {
+    script.archive = [](Archiver& a) {
         a << 1;
         throw 44;
     };
@@ -230,10 +232,10 @@ TEST_F(GlobalManagerTest, FailedResizeAtFlattenIsReported) {
 
 TEST_F(GlobalManagerTest, TruncatedFlatDataFailTheLoad) {
     setUpSequence();
-    script.archive = [](PILib::Archiver& a) { a << short{1}; };
+    script.archive = [](Archiver& a) { a << short{1}; };
     ASSERT_EQ(PF_Err_NONE, host.call(PF_Cmd_SEQUENCE_FLATTEN));
     const PF_Handle flat = host.in.sequence_data;
-    script.dearchive = [](PILib::Archiver& a) {
+    script.dearchive = [](Archiver& a) {
         int value = 0;
         a >> value;
     };
@@ -248,8 +250,8 @@ TEST_F(GlobalManagerTest, TruncatedFlatDataFailTheLoad) {
 // A new handle is locked, and again after each growth. Trimming does not unlock it; reading neither locks nor
 // unlocks.
 TEST_F(GlobalManagerTest, ArchivesKeepTheirHandleLocked) {
-    AELib::AEContext context = makeContext();
-    PILib::Archiver writer(context);
+    AEContext context = makeContext();
+    Archiver writer(context);
     const std::vector<char> bytes(10001);
     writer.writeBuffer(bytes.data(), 10000);
     EXPECT_EQ((std::vector<std::string>{"host_new_handle", "host_lock_handle"}), host.log);
@@ -262,15 +264,15 @@ TEST_F(GlobalManagerTest, ArchivesKeepTheirHandleLocked) {
     EXPECT_EQ((std::vector<std::string>{"host_resize_handle"}), host.log);
     EXPECT_EQ(1, host.lockedHandles());
     host.log.clear();
-    PILib::Archiver reader(context, handle);
+    Archiver reader(context, handle);
     EXPECT_EQ((std::vector<std::string>{"host_get_handle_size"}), host.log);
     context.unlockHandle(handle);
     context.disposeHandle(handle);
 }
 
 TEST_F(GlobalManagerTest, AFullArchiveIsNotTrimmed) {
-    AELib::AEContext context = makeContext();
-    PILib::Archiver writer(context);
+    AEContext context = makeContext();
+    Archiver writer(context);
     const std::vector<char> bytes(10000);
     writer.writeBuffer(bytes.data(), 10000);
     host.log.clear();

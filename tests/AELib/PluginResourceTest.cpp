@@ -13,6 +13,8 @@
 
 namespace {
 
+using AELib::Get1Resource;
+
 namespace fs = std::filesystem;
 
 constexpr std::uint32_t kType = 0x54657374;
@@ -28,29 +30,29 @@ protected:
 
 TEST_F(PluginResourceTest, IsLoadedOnceFromTheFileBesideTheProgram) {
     const std::uint16_t id = 1;
-    EXPECT_EQ(nullptr, AELib::Get1Resource(kType, id)) << "no file";
+    EXPECT_EQ(nullptr, Get1Resource(kType, id)) << "no file";
     const std::string file = resource::File({{kType, id, "content"}, {kType + 1, id, "other"}});
     write(file.substr(0, file.size() - 1));
-    EXPECT_EQ(nullptr, AELib::Get1Resource(kType, id)) << "a truncated file";
+    EXPECT_EQ(nullptr, Get1Resource(kType, id)) << "a truncated file";
     write("");
-    EXPECT_EQ(nullptr, AELib::Get1Resource(kType, id)) << "an empty file";
+    EXPECT_EQ(nullptr, Get1Resource(kType, id)) << "an empty file";
 
     write(file);
-    char** const handle = AELib::Get1Resource(kType, id);
+    char** const handle = Get1Resource(kType, id);
     ASSERT_NE(nullptr, handle);
     EXPECT_EQ(0, AELib::MemError());
     EXPECT_TRUE(AELib::IsPlatformHandle(handle));
     ASSERT_EQ(7U, AELib::GetHandleSize(handle));
     EXPECT_EQ(0, std::memcmp("content", *handle, 7));
-    EXPECT_EQ(nullptr, AELib::Get1Resource(kType, 9)) << "another identifier";
+    EXPECT_EQ(nullptr, Get1Resource(kType, 9)) << "another identifier";
 
     fs::remove(path);
-    EXPECT_EQ(handle, AELib::Get1Resource(kType, id)) << "kept";
+    EXPECT_EQ(handle, Get1Resource(kType, id)) << "kept";
 }
 
 TEST_F(PluginResourceTest, EmptyResourceIsAHandleOfNoBytes) {
     write(resource::File({{kType, 2, ""}}));
-    char** const handle = AELib::Get1Resource(kType, 2);
+    char** const handle = Get1Resource(kType, 2);
     ASSERT_NE(nullptr, handle);
     EXPECT_EQ(0U, AELib::GetHandleSize(handle));
 }
@@ -58,12 +60,12 @@ TEST_F(PluginResourceTest, EmptyResourceIsAHandleOfNoBytes) {
 TEST_F(PluginResourceTest, OversizedFileIsNotRead) {
     write(resource::File({{kType, 3, "content"}}));
     fs::resize_file(path, (16U << 20U) + 1);
-    EXPECT_EQ(nullptr, AELib::Get1Resource(kType, 3));
+    EXPECT_EQ(nullptr, Get1Resource(kType, 3));
 }
 
 TEST_F(PluginResourceTest, FolderInPlaceOfTheFileIsNotRead) {
     fs::create_directory(path);
-    EXPECT_EQ(nullptr, AELib::Get1Resource(kType, 4));
+    EXPECT_EQ(nullptr, Get1Resource(kType, 4));
 }
 
 }  // namespace

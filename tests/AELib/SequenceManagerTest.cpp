@@ -6,6 +6,8 @@
 
 namespace {
 
+using AELib::AEContext;
+
 class SequenceManagerTest : public HostedEffectTest {
 protected:
     SequenceManagerTest() {
@@ -31,7 +33,7 @@ TEST_F(SequenceManagerTest, HandleEventSwitchesOnTheStoredCommand) {
     TestSequence sequence;
     for (int event = 0; event < static_cast<int>(std::size(hooks)); ++event) {
         script.hooks.clear();
-        AELib::AEContext context = makeContext(event);
+        AEContext context = makeContext(event);
         sequence.handleEvent(context);
         const std::string ran = script.hooks.empty() ? "" : script.hooks.front();
         EXPECT_EQ(hooks[event], ran) << event;
@@ -41,7 +43,7 @@ TEST_F(SequenceManagerTest, HandleEventSwitchesOnTheStoredCommand) {
 TEST_F(SequenceManagerTest, CommandsThatAreNotItsOwnReachNoHook) {
     TestSequence sequence;
     for (const PF_Cmd command : {-1, 0, 1, 2, 3, 4, 6, 7, 23, 24, 25, 28, 31, 1000}) {
-        AELib::AEContext context = makeContext(command);
+        AEContext context = makeContext(command);
         sequence.handleCommand(context);
         EXPECT_TRUE(script.hooks.empty()) << command;
     }
@@ -134,8 +136,8 @@ TEST_F(SequenceManagerTest, RenderWithoutAFrameFails) {
 
 TEST_F(SequenceManagerTest, ContextOfAFrameKnowsItsManagers) {
     setUpSequence();
-    AELib::AEContext seen;
-    script.actions["frame.frameSetup"] = [&](AELib::AEContext& context) { seen = context; };
+    AEContext seen;
+    script.actions["frame.frameSetup"] = [&](AEContext& context) { seen = context; };
     EXPECT_EQ(PF_Err_NONE, host.call(PF_Cmd_FRAME_SETUP));
     EXPECT_NE(nullptr, dynamic_cast<TestGlobal*>(seen.globalManager));
     EXPECT_NE(nullptr, dynamic_cast<TestSequence*>(seen.sequenceManager));
@@ -144,11 +146,11 @@ TEST_F(SequenceManagerTest, ContextOfAFrameKnowsItsManagers) {
 
 TEST_F(SequenceManagerTest, FailedHooksKeepTheirInstances) {
     setUpGlobal();
-    script.actions["sequenceSetup"] = [](AELib::AEContext&) { throw 21; };
+    script.actions["sequenceSetup"] = [](AEContext&) { throw 21; };
     EXPECT_EQ(21, host.call(PF_Cmd_SEQUENCE_SETUP));
     EXPECT_NE(nullptr, host.in.sequence_data);
     EXPECT_EQ(1, script.liveSequences);
-    script.actions["sequenceSetdown"] = [](AELib::AEContext&) { throw 22; };
+    script.actions["sequenceSetdown"] = [](AEContext&) { throw 22; };
     EXPECT_EQ(22, host.call(PF_Cmd_SEQUENCE_SETDOWN));
     EXPECT_EQ(1, script.liveSequences);
     script.actions.clear();
@@ -161,7 +163,7 @@ TEST_F(SequenceManagerTest, FailedRenderKeepsTheFrameForItsSetdown) {
     HostWorld source(2, 2, false), output(2, 2, false);
     host.param(0).u.ld = source.def;
     host.output = &output.def;
-    script.actions["frame.render"] = [](AELib::AEContext&) { throw 23; };
+    script.actions["frame.render"] = [](AEContext&) { throw 23; };
     ASSERT_EQ(PF_Err_NONE, host.call(PF_Cmd_FRAME_SETUP));
     EXPECT_EQ(23, host.call(PF_Cmd_RENDER));
     EXPECT_EQ(1, script.liveFrames);
@@ -172,7 +174,7 @@ TEST_F(SequenceManagerTest, FailedRenderKeepsTheFrameForItsSetdown) {
 TEST_F(SequenceManagerTest, FailedSetdownKeepsTheFrame) {
     setUpSequence();
     EXPECT_EQ(PF_Err_NONE, host.call(PF_Cmd_FRAME_SETUP));
-    script.actions["frame.frameSetdown"] = [](AELib::AEContext&) { throw 6; };
+    script.actions["frame.frameSetdown"] = [](AEContext&) { throw 6; };
     EXPECT_EQ(6, host.call(PF_Cmd_FRAME_SETDOWN));
     EXPECT_EQ(1, script.liveFrames);
     script.actions.clear();

@@ -4,22 +4,24 @@
 
 namespace {
 
+using AELib::SuiteHandler;
+
 class SuiteHandlerTest : public HostedEffectTest {};
 
 struct Suite {
     const char* name;
     int version;
-    const void* (*get)(AELib::SuiteHandler&);
+    const void* (*get)(SuiteHandler&);
 };
 
 constexpr Suite kSuites[] = {
-    {"PF Iterate8 Suite", 1, [](AELib::SuiteHandler& h) -> const void* { return h.iterate8(); }},
-    {"PF Param Utils Suite", 1, [](AELib::SuiteHandler& h) -> const void* { return h.paramUtils(); }},
-    {"AEGP Utility Suite", 7, [](AELib::SuiteHandler& h) -> const void* { return h.utility(); }},
-    {"AEGP PF Interface Suite", 1, [](AELib::SuiteHandler& h) -> const void* { return h.pfInterface(); }},
-    {"AEGP Stream Suite", 4, [](AELib::SuiteHandler& h) -> const void* { return h.stream(); }},
-    {"AEGP Dynamic Stream Suite", 1, [](AELib::SuiteHandler& h) -> const void* { return h.dynamicStream(); }},
-    {"AEGP Effect Suite", 1, [](AELib::SuiteHandler& h) -> const void* { return h.effect(); }},
+    {"PF Iterate8 Suite", 1, [](SuiteHandler& h) -> const void* { return h.iterate8(); }},
+    {"PF Param Utils Suite", 1, [](SuiteHandler& h) -> const void* { return h.paramUtils(); }},
+    {"AEGP Utility Suite", 7, [](SuiteHandler& h) -> const void* { return h.utility(); }},
+    {"AEGP PF Interface Suite", 1, [](SuiteHandler& h) -> const void* { return h.pfInterface(); }},
+    {"AEGP Stream Suite", 4, [](SuiteHandler& h) -> const void* { return h.stream(); }},
+    {"AEGP Dynamic Stream Suite", 1, [](SuiteHandler& h) -> const void* { return h.dynamicStream(); }},
+    {"AEGP Effect Suite", 1, [](SuiteHandler& h) -> const void* { return h.effect(); }},
 };
 
 template <class Operation>
@@ -33,7 +35,7 @@ long MissingSuiteCode(Operation operation) {
 }
 
 TEST_F(SuiteHandlerTest, EachSuiteIsAcquiredOnceOnFirstUse) {
-    AELib::SuiteHandler handler(&host.basic);
+    SuiteHandler handler(&host.basic);
     EXPECT_TRUE(host.suiteLog.empty());
     for (const Suite& suite : kSuites) {
         host.suiteLog.clear();
@@ -48,7 +50,7 @@ TEST_F(SuiteHandlerTest, EachSuiteIsAcquiredOnceOnFirstUse) {
 
 TEST_F(SuiteHandlerTest, ParamUtilsIsReleasedAsPathData) {
     {
-        AELib::SuiteHandler handler(&host.basic);
+        SuiteHandler handler(&host.basic);
         for (const Suite& suite : kSuites)
             suite.get(handler);
         host.suiteLog.clear();
@@ -61,7 +63,7 @@ TEST_F(SuiteHandlerTest, ParamUtilsIsReleasedAsPathData) {
 }
 
 TEST_F(SuiteHandlerTest, OnlyAcquiredSuitesAreReleasedAndOnlyOnce) {
-    AELib::SuiteHandler handler(&host.basic);
+    SuiteHandler handler(&host.basic);
     handler.utility();
     handler.ReleaseAllSuites();
     handler.ReleaseAllSuites();
@@ -71,7 +73,7 @@ TEST_F(SuiteHandlerTest, OnlyAcquiredSuitesAreReleasedAndOnlyOnce) {
 
 TEST_F(SuiteHandlerTest, MissingSuiteIsAnErrorAndAskedForAgain) {
     for (const Suite& suite : kSuites) {
-        AELib::SuiteHandler handler(&host.basic);
+        SuiteHandler handler(&host.basic);
         host.missingSuites = {suite.name};
         EXPECT_EQ(512, MissingSuiteCode([&] { suite.get(handler); })) << suite.name;
         host.missingSuites.clear();
@@ -81,7 +83,7 @@ TEST_F(SuiteHandlerTest, MissingSuiteIsAnErrorAndAskedForAgain) {
 
 TEST_F(SuiteHandlerTest, ASuiteLoadedDirectlyIsItsCallersToKeepAndRelease) {
     {
-        AELib::SuiteHandler handler(&host.basic);
+        SuiteHandler handler(&host.basic);
         const void* const first = handler.LoadSuite("AEGP Stream Suite", 4);
         EXPECT_NE(nullptr, first);
         EXPECT_EQ(first, handler.LoadSuite("AEGP Stream Suite", 4));
@@ -94,7 +96,7 @@ TEST_F(SuiteHandlerTest, ASuiteLoadedDirectlyIsItsCallersToKeepAndRelease) {
 }
 
 TEST_F(SuiteHandlerTest, ErrorFromAcquiringIsAMissingSuite) {
-    AELib::SuiteHandler handler(&host.basic);
+    SuiteHandler handler(&host.basic);
     host.failures.at(Callback::kAcquireSuite, 1, 3);
     EXPECT_EQ(512, MissingSuiteCode([&] { handler.LoadSuite("PF Iterate8 Suite", 1); }));
 }
@@ -105,18 +107,18 @@ TEST_F(SuiteHandlerTest, NullTableIsAMissingSuite) {
         *suite = nullptr;
         return 0;
     };
-    AELib::SuiteHandler handler(&basic);
+    SuiteHandler handler(&basic);
     EXPECT_EQ(512, MissingSuiteCode([&] { handler.iterate8(); }));
     EXPECT_EQ(nullptr, handler.iterate8OrNull());
 }
 
 TEST_F(SuiteHandlerTest, NullBasicSuiteIsAMissingSuite) {
-    EXPECT_EQ(512, MissingSuiteCode([] { AELib::SuiteHandler handler(nullptr); }));
+    EXPECT_EQ(512, MissingSuiteCode([] { SuiteHandler handler(nullptr); }));
 }
 
 TEST_F(SuiteHandlerTest, IterateMayBeAbsent) {
     host.missingSuites = {"PF Iterate8 Suite"};
-    AELib::SuiteHandler handler(&host.basic);
+    SuiteHandler handler(&host.basic);
     EXPECT_EQ(nullptr, handler.iterate8OrNull());
 }
 

@@ -10,6 +10,7 @@
 
 namespace {
 
+using AELib::AEContext;
 using PILib::Channel8;
 using PILib::ChannelBuf;
 using PILib::Pixel;
@@ -17,15 +18,15 @@ using PILib::SimplePixelBuffer;
 
 class OtherSequence : public AELib::SequenceManager {
 public:
-    AELib::FrameManager* newFrameInstance(AELib::AEContext& /*context*/) override { return nullptr; }
+    AELib::FrameManager* newFrameInstance(AEContext& /*context*/) override { return nullptr; }
 };
 
 class EffectClassesTest : public testing::Test {
 protected:
     ~EffectClassesTest() override { EXPECT_EQ("", host.faults()); }
-    AELib::AEContext makeContext(PF_Cmd command) {
+    AEContext makeContext(PF_Cmd command) {
         params = host.paramPointers();
-        AELib::AEContext context(command, &host.in, &host.out, params.data(), host.output, nullptr);
+        AEContext context(command, &host.in, &host.out, params.data(), host.output, nullptr);
         context.globalManager = &global;
         return context;
     }
@@ -36,7 +37,7 @@ protected:
 };
 
 TEST_F(EffectClassesTest, IdentifiersLieInTheOrderOfThePanel) {
-    AELib::AEContext context = makeContext(PF_Cmd_PARAMS_SETUP);
+    AEContext context = makeContext(PF_Cmd_PARAMS_SETUP);
     global.paramsSetup(context);
     std::vector<int> numbers;
     for (int id = 0; id <= kInFocusRange; ++id)
@@ -52,7 +53,7 @@ TEST_F(EffectClassesTest, IdentifiersLieInTheOrderOfThePanel) {
 }
 
 TEST_F(EffectClassesTest, AFrameKnowsItsSequenceOnlyWhereItIsTheEffects) {
-    AELib::AEContext context = makeContext(PF_Cmd_RENDER);
+    AEContext context = makeContext(PF_Cmd_RENDER);
     EXPECT_EQ(nullptr, EffectFrame(context).sequence);
     OtherSequence other;
     context.sequenceManager = &other;
@@ -63,7 +64,7 @@ TEST_F(EffectClassesTest, AFrameKnowsItsSequenceOnlyWhereItIsTheEffects) {
 }
 
 TEST_F(EffectClassesTest, AFramesMapAndPaintAreThePipelines) {
-    AELib::AEContext context = makeContext(PF_Cmd_RENDER);
+    AEContext context = makeContext(PF_Cmd_RENDER);
     EffectFrame frame(context);
     const ChannelBuf<Channel8> map(2, 1);
     map.row(0)[0] = 200;
@@ -84,7 +85,7 @@ TEST_F(EffectClassesTest, AFramesMapAndPaintAreThePipelines) {
 }
 
 TEST_F(EffectClassesTest, SetupAndChangedParametersNeedNothingOfTheHost) {
-    AELib::AEContext context = makeContext(PF_Cmd_SEQUENCE_SETUP);
+    AEContext context = makeContext(PF_Cmd_SEQUENCE_SETUP);
     EffectSequence sequence;
     sequence.sequenceSetup(context);
     sequence.userChangedParam(context);
