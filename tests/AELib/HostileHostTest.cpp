@@ -6,6 +6,7 @@
 
 #include <cstring>
 
+#include "HostCallbacks.h"
 #include "TestEffect.h"
 
 namespace {
@@ -60,10 +61,10 @@ TEST_F(HostileHostTest, FlatBytesAreNoInstance) {
 
 TEST_F(HostileHostTest, ResetupOfALiveInstanceReadsItAsAStreamAndLeavesIt) {
     setUpSequence();
-    const PF_Handle live = host.in.sequence_data;
+    PF_Handle live = host.in.sequence_data;
     EXPECT_EQ(PF_Err_NONE, host.call(PF_Cmd_SEQUENCE_RESETUP)) << host.message();
     EXPECT_EQ(2, script.liveSequences);
-    std::swap(host.in.sequence_data, const_cast<PF_Handle&>(live));
+    std::swap(host.in.sequence_data, live);
     EXPECT_EQ(PF_Err_NONE, host.call(PF_Cmd_DO_DIALOG)) << host.message();
     EXPECT_EQ(PF_Err_NONE, host.call(PF_Cmd_SEQUENCE_SETDOWN)) << host.message();
     EXPECT_EQ(1, script.liveSequences);
@@ -178,6 +179,35 @@ TEST_F(HostileHostTest, FindingAnInstanceAsksTheHostNothing) {
     host.log.clear();
     EXPECT_EQ(PF_Err_NONE, host.call(PF_Cmd_DO_DIALOG));
     EXPECT_TRUE(host.log.empty());
+}
+
+// They may be those of a host that is gone.
+TEST_F(HostileHostTest, HandlesFromBeforeAGlobalSetupAreAskedFor) {
+    setUpSequence();
+    PF_Handle earlier = host.in.global_data;
+    host.in.global_data = nullptr;
+    ASSERT_EQ(PF_Err_NONE, host.call(PF_Cmd_GLOBAL_SETUP));
+    host.log.clear();
+    EXPECT_EQ(PF_Err_NONE, host.call(PF_Cmd_DO_DIALOG));
+    EXPECT_EQ(std::vector<std::string>{"host_get_handle_size"}, host.log);
+    std::swap(host.in.global_data, earlier);
+    EXPECT_EQ(PF_Err_NONE, host.call(PF_Cmd_GLOBAL_SETDOWN)) << host.message();
+    host.in.global_data = earlier;
+}
+
+// A popped frame's handle is left to the host, which may free it.
+TEST_F(HostileHostTest, PoppedFrameHandlesAreAskedFor) {
+    static PF_Handle made;
+    host.in.version = {12, 10};
+    setUpSequence();
+    host.utils.host_new_handle = [](A_u_longlong size) { return made = HostCallbacks::newHandle(size); };
+    ASSERT_EQ(PF_Err_NONE, host.renderFrame()) << host.message();
+    host.in.version = {13, 29};
+    host.in.frame_data = made;
+    host.log.clear();
+    expectRefused(PF_Cmd_RENDER, kNoFrame);
+    EXPECT_EQ(std::vector<std::string>{"host_get_handle_size"}, host.log);
+    host.in.frame_data = nullptr;
 }
 
 TEST_F(HostileHostTest, BlocksWithoutMemoryAreShortMemory) {

@@ -97,6 +97,18 @@ TEST(PluginBundleTest, InformationFilesNameTheBundle) {
         EXPECT_NE(std::string::npos, plist.find(entry)) << entry;
 }
 
+TEST(PluginBundleTest, InformationFilesAndPropertyListGiveOneVersion) {
+    const std::uint32_t packed = Number(Properties().at(PiPL_EFFECT_VERSION), 0, 4);
+    const std::string version = std::to_string((packed >> 26 & 15) * 8 + (packed >> 19 & 7)) + "." +
+                                std::to_string(packed >> 15 & 15) + "." + std::to_string(packed >> 11 & 15);
+    const std::string plist = Contents(PluginContents() / "Info.plist");
+    for (const char* key : {"CFBundleVersion", "CFBundleShortVersionString"}) {
+        std::string entry = "<key>";
+        entry.append(key).append("</key>\n    <string>").append(version).append("</string>");
+        EXPECT_NE(std::string::npos, plist.find(entry)) << entry;
+    }
+}
+
 // A record as it must reach the host, before its type's fields are filled.
 PF_ParamDef Record(int id, const char* name, PF_ParamType type) {
     PF_ParamDef def;

@@ -5,6 +5,7 @@
 #include <climits>
 #include <optional>
 
+#include "HostCallbacks.h"
 #include "HostileHost.h"
 #include "PluginHost.h"
 #include "RandomImage.h"
@@ -117,6 +118,29 @@ TEST_F(PluginHostileTest, MissingCallbacksAreRefused) {
     host.set(PanelValues());
     host.control = &control;
     expectRightFrame();
+}
+
+// What cannot be given back stays lent; the frame is right.
+TEST_F(PluginHostileTest, CallbacksThatGiveBackMayBeMissing) {
+    host.in.inter.checkin_param = nullptr;
+    expectRightFrame();
+    EXPECT_EQ("1 checkouts are open\n", host.faults());
+    host.endLoans();
+    host.in.inter.checkin_param = HostCallbacks::checkinParam;
+
+    const HostWorld smaller(oracle::RandomImage(random, 5, 4, oracle::kFull8));
+    host.control = &smaller;
+    host.utils.dispose_world = nullptr;
+    EXPECT_EQ(PF_Err_NONE, host.renderFrame()) << host.message();
+    EXPECT_EQ("1 worlds are lent\n", host.faults());
+    host.endLoans();
+}
+
+TEST_F(PluginHostileTest, DeclaringNeedsItsCallback) {
+    host.in.inter.add_param = nullptr;
+    EXPECT_EQ(PF_Err_INVALID_CALLBACK, host.call(PF_Cmd_PARAMS_SETUP));
+    EXPECT_EQ("Error 515 in Kestrel", host.message());
+    EXPECT_EQ(0, host.out.num_params);
 }
 
 TEST(PluginHostileHostsTest, AnyOrderOfCommandsEndsWithThePluginsOwnErrors) {

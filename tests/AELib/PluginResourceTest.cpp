@@ -61,6 +61,8 @@ TEST_F(PluginResourceTest, OversizedFileIsNotRead) {
     write(resource::File({{kType, 3, "content"}}));
     fs::resize_file(path, (16U << 20U) + 1);
     EXPECT_EQ(nullptr, Get1Resource(kType, 3));
+    fs::resize_file(path, 16U << 20U);
+    EXPECT_NE(nullptr, Get1Resource(kType, 3)) << "the largest";
 }
 
 TEST_F(PluginResourceTest, FolderInPlaceOfTheFileIsNotRead) {

@@ -164,6 +164,11 @@ std::string RecordingHost::takeFaults() {
     return text;
 }
 
+void RecordingHost::endLoans() {
+    checkedOut.clear();
+    worlds.clear();
+}
+
 std::string RecordingHost::faults() const {
     std::string text;
     for (const std::string& fault : faultList)

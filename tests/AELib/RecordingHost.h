@@ -126,6 +126,8 @@ public:
     std::string faults() const;
     // The misuse so far, which is then forgotten.
     std::string takeFaults();
+    // Takes back the checkouts and worlds that are lent.
+    void endLoans();
     int liveHandles() const { return static_cast<int>(handles.size()); }
     int lockedHandles() const;
     int liveWorlds() const { return static_cast<int>(worlds.size()); }

@@ -116,6 +116,15 @@ TEST_F(SuiteHandlerTest, NullBasicSuiteIsAMissingSuite) {
     EXPECT_EQ(512, MissingSuiteCode([] { SuiteHandler handler(nullptr); }));
 }
 
+TEST_F(SuiteHandlerTest, BasicSuiteWithoutItsFunctionsIsAMissingSuite) {
+    SPBasicSuite basic = host.basic;
+    basic.AcquireSuite = nullptr;
+    EXPECT_EQ(512, MissingSuiteCode([&] { SuiteHandler handler(&basic); }));
+    basic = host.basic;
+    basic.ReleaseSuite = nullptr;
+    EXPECT_EQ(512, MissingSuiteCode([&] { SuiteHandler handler(&basic); }));
+}
+
 TEST_F(SuiteHandlerTest, IterateMayBeAbsent) {
     host.missingSuites = {"PF Iterate8 Suite"};
     SuiteHandler handler(&host.basic);
