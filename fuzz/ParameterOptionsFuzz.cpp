@@ -70,7 +70,7 @@ void tryValue(const perch::ParameterOption& option, const std::string& text) {
     perch::ParameterValues values(static_cast<std::size_t>(option.parameter.index) + 1,
                                   option.parameter.definition);
     try {
-        perch::applySetting(perch::parseSetting(option, text), values);
+        perch::applySetting(perch::requireSetting(option, text), values);
         requireValid(option.parameter, values.back().u);
     } catch (const perch::Error&) {
     }

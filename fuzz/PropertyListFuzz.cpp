@@ -2,7 +2,7 @@
 #include <cstdlib>
 
 #include "PiPL.h"
-#include "Pipl.h"
+#include "PropertyList.h"
 #include "ResourceFile.h"
 
 namespace {

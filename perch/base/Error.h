@@ -13,7 +13,7 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-// What the user asked for is not of the form that the program takes.
+// Wrong use of the command line, or text that an option does not take.
 class UsageError : public Error {
 public:
     using Error::Error;

@@ -124,7 +124,7 @@ LoadedLibrary loadLibrary(const Bundle& bundle) {
         loaded.symbol = symbol;
         if (loaded.entryPoint != nullptr) return loaded;
     }
-    throw Error(fmt::format("\"{}\" is no effect: it exports no {}", bundle.library.string(),
+    throw Error(fmt::format("\"{}\" is not an effect: it does not export {}", bundle.library.string(),
                             fmt::join(candidates, " or ")));
 }
 
@@ -134,11 +134,11 @@ fs::path findBundleBeside(const fs::path& programFolder) {
         const std::vector<fs::path> bundles = filesWithExtension(folder, ".plugin");
         if (bundles.size() == 1) return bundles.front();
         if (bundles.size() > 1) {
-            throw Error(fmt::format("\"{}\" has several plug-ins: {}; choose one with --plugin",
+            throw Error(fmt::format("\"{}\" has several plug-ins: {}; name one of them on the command line",
                                     folder.string(), namesOf(bundles)));
         }
     }
-    throw Error("there is no plug-in beside the program; name one with --plugin");
+    throw Error("there is no plug-in beside the program; name one on the command line");
 }
 
 fs::path chooseBundle(const fs::path& given) {

@@ -10,7 +10,7 @@
 #include <string>
 
 #include "PF_Entry.h"
-#include "Pipl.h"
+#include "PropertyList.h"
 
 namespace perch {
 

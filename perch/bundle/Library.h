@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "Pipl.h"
+#include "PropertyList.h"
 
 namespace perch {
 

@@ -11,7 +11,7 @@ constexpr std::uint64_t kReferenceSize = 12;
 
 constexpr char kBadHeader[] = "its header is cut short";
 constexpr char kBadArea[] = "its header names bytes beyond the end of the file";
-constexpr char kBadOverlap[] = "its data and its map lie over each other or over the header";
+constexpr char kBadOverlap[] = "its data and its map overlap, or overlap the header";
 constexpr char kBadMap[] = "its resource map is cut short";
 constexpr char kBadTypes[] = "its list of types extends past the end of the resource map";
 constexpr char kBadReferences[] = "its list of references extends past the end of the resource map";

@@ -1,8 +1,6 @@
 // The callbacks that tie an effect to the user and to the composition.
 #include <fmt/format.h>
 
-#include <algorithm>
-
 #include "CallGuard.h"
 #include "Callbacks.h"
 #include "Error.h"

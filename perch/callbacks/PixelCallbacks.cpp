@@ -7,6 +7,7 @@
 #include "Callbacks.h"
 #include "PixelAccess.h"
 #include "PixelOps.h"
+#include "Transform.h"
 
 namespace perch {
 namespace {

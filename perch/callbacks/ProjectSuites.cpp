@@ -141,10 +141,6 @@ Extended<Suite> extend(const Suite& declared) {
 
 }  // namespace
 
-PF_Err refuseSuiteCall() {
-    return refuse("a suite function that is not offered");
-}
-
 const void* findProjectSuite(const char* name, A_long version) {
     static const auto utility7 = utilitySuite<AEGP_UtilitySuite3>();
     static const auto utility13 = extend(utilitySuite<AEGP_UtilitySuite13>());

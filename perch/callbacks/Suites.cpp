@@ -68,6 +68,10 @@ SPErr undefined() {
 
 }  // namespace
 
+PF_Err refuseSuiteCall() {
+    return refuse("a suite function that is not offered");
+}
+
 SPBasicSuite* basicSuite() {
     static SPBasicSuite suite{acquireSuite, releaseSuite,    isEqual,  allocateBlock,
                               freeBlock,    reallocateBlock, undefined};

@@ -4,133 +4,20 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cmath>
 #include <map>
-#include <memory>
 #include <utility>
 
-#include "Effect.h"
-#include "Error.h"
 #include "Frame.h"
 #include "PF_Values.h"
+#include "ParameterSetting.h"
 #include "PixelAccess.h"
 #include "Sequence.h"
+#include "Trial.h"
 
 namespace perch {
 namespace {
 
 namespace fs = std::filesystem;
-
-// A point that did not hold, in a sentence's words.
-class Failure : public Error {
-public:
-    using Error::Error;
-};
-
-void require(bool condition, const std::string& sentence) {
-    if (!condition) throw Failure(sentence);
-}
-
-struct Size {
-    std::int32_t width;
-    std::int32_t height;
-};
-
-constexpr Size kUsual{64, 48};
-
-// A picture with soft alpha and detail in every channel; `seed` tells pictures apart.
-World madePicture(Size size, bool deep, std::uint32_t seed) {
-    World picture(size.width, size.height, deep);
-    forDepth(picture.record(), [&]<class P>() {
-        for (std::int32_t y = 0; y < size.height; ++y) {
-            P* const row = rowOf<P>(picture.record(), y);
-            for (std::int32_t x = 0; x < size.width; ++x) {
-                const auto wave = [&](std::uint32_t step) {
-                    const std::uint32_t part =
-                        (static_cast<std::uint32_t>(x) * step + static_cast<std::uint32_t>(y) * 5 + seed) %
-                        64;
-                    return static_cast<ChannelOf<P>>(kWhite<P> * part / 63);
-                };
-                row[x] = {wave(3), wave(7), wave(11), wave(13)};
-            }
-        }
-    });
-    return picture;
-}
-
-// One effect under one set of options, with pictures for its layers.
-class Trial {
-public:
-    Trial(const fs::path& plugin, HostOptions options) : effect(plugin, strict(std::move(options))) {}
-
-    static HostOptions strict(HostOptions options) {
-        options.strict = true;
-        return options;
-    }
-
-    // A request for a generated frame; the pictures live as long as the trial.
-    FrameRequest frame(Size size, bool deep, bool withLayers = true) {
-        FrameRequest request;
-        request.input = &keep(madePicture(size, deep, 0));
-        request.values = effect.defaultValues(size.width, size.height);
-        if (!withLayers) return request;
-        for (const Parameter& parameter : effect.description().parameters) {
-            if (parameter.definition.param_type == PF_Param_LAYER) {
-                request.layers[parameter.index] = &keep(madePicture(size, deep, 17));
-            }
-        }
-        return request;
-    }
-
-    World render(const FrameRequest& request) { return Sequence(effect).render(request).picture; }
-
-    // Ends the effect; what strict mode found is a failure, except handles where `toleratesHandles`.
-    void end(bool toleratesHandles = false) {
-        effect.close();
-        for (const Finding& finding : effect.findings()) {
-            const bool isHandle = finding.callback == "host_new_handle";
-            if (finding.severity == Finding::Severity::Fault && !(isHandle && toleratesHandles)) {
-                throw Failure(describe(finding));
-            }
-        }
-    }
-
-    std::vector<bool> depths() const {
-        return effect.supportsDeepColor() ? std::vector<bool>{false, true} : std::vector<bool>{false};
-    }
-
-    Effect effect;
-
-private:
-    const World& keep(World picture) {
-        pictures.push_back(std::make_unique<World>(std::move(picture)));
-        return *pictures.back();
-    }
-
-    std::vector<std::unique_ptr<World>> pictures;
-};
-
-void setNumber(PF_ParamDef& value, double number) {
-    switch (value.param_type) {
-        case PF_Param_SLIDER:
-            value.u.sd.value = static_cast<PF_ParamValue>(number);
-            break;
-        case PF_Param_FIX_SLIDER:
-            value.u.fd.value = static_cast<PF_Fixed>(std::lround(number * 65536));
-            break;
-        case PF_Param_FLOAT_SLIDER:
-            value.u.fs_d.value = number;
-            break;
-        case PF_Param_CHECKBOX:
-            value.u.bd.value = static_cast<PF_ParamValue>(number);
-            break;
-        case PF_Param_POPUP:
-            value.u.pd.value = static_cast<PF_ParamValue>(number);
-            break;
-        default:
-            break;
-    }
-}
 
 // The ends of what the user can set; nothing for types without numbers.
 std::vector<double> extremesOf(const Parameter& parameter) {
@@ -145,7 +32,7 @@ std::vector<double> extremesOf(const Parameter& parameter) {
     return {parameter.validRange->minimum, parameter.validRange->maximum};
 }
 
-// The points. Each throws where something is not well.
+// The rules. Each throws when it does not hold.
 
 void checkLife(const fs::path& plugin) {
     for (int life = 0; life < 2; ++life) {
@@ -210,7 +97,7 @@ void checkExtremes(const fs::path& plugin) {
         for (const Parameter& parameter : trial.effect.description().parameters) {
             for (const double number : extremesOf(parameter)) {
                 FrameRequest request = trial.frame(kUsual, deep);
-                setNumber(request.values[static_cast<std::size_t>(parameter.index)], number);
+                applySetting({.index = parameter.index, .numbers = {number}}, request.values);
                 trial.render(request);
             }
         }
@@ -368,7 +255,7 @@ void checkHosts(const fs::path& plugin) {
     trial.end(true);
 }
 
-// Each suite that the effect asks for, withheld: an error or a frame, and nothing left behind.
+// Each suite that this host offers, withheld, withheld: an error or a frame, and nothing left behind.
 void checkSuites(const fs::path& plugin) {
     for (const char* const name :
          {"PF Iterate8 Suite", "PF iterate16 Suite", "PF Param Utils Suite", "AEGP Utility Suite",
@@ -414,7 +301,7 @@ constexpr Rule kRules[] = {
 }  // namespace
 
 bool runCheck(const fs::path& plugin) {
-    Effect(plugin, HostOptions{}).close();  // a file that is no effect is an error of its own
+    Effect(plugin, HostOptions{}).close();  // a file that is not an effect ends here
     bool isPassed = true;
     for (const Rule& rule : kRules) {
         std::string verdict = "ok";

@@ -5,7 +5,7 @@
 
 namespace perch {
 
-// Prints a verdict per point to stdout and returns whether all are well. Throws Error when the effect cannot
+// Prints a verdict per rule to stdout and returns whether all hold. Throws Error when the effect cannot
 // be loaded.
 bool runCheck(const std::filesystem::path& plugin);
 

@@ -18,7 +18,7 @@ std::vector<std::string> parseArguments(CLI::App& app, const std::vector<std::st
 // named without their dashes, for a misspelt one.
 void refuseExtras(const std::vector<std::string>& extras, const std::vector<std::string>& optionNames);
 
-// Both in one.
+// Parses and refuses what is left over.
 void parseAllArguments(CLI::App& app, const std::vector<std::string>& arguments);
 
 // Without their dashes.

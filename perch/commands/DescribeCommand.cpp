@@ -1,7 +1,6 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
-#include <cstdio>
 
 #include "Bundle.h"
 #include "CommandLine.h"

@@ -5,11 +5,15 @@
 #include <atomic>
 #include <chrono>
 #include <csignal>
+#include <cstdint>
 #include <cstdio>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "Bundle.h"
 #include "Commands.h"
-#include "Description.h"
 #include "Effect.h"
 #include "Error.h"
 #include "RenderOptions.h"
@@ -17,18 +21,18 @@
 namespace perch {
 namespace {
 
-std::atomic<bool> wasInterrupted = false;
+std::atomic<bool> gWasInterrupted = false;
 static_assert(std::atomic<bool>::is_always_lock_free, "set from a signal handler");
 
 // From here on an interrupt asks the effect to stop.
 void catchInterrupts() {
     struct sigaction action {};
-    action.sa_handler = [](int) { wasInterrupted = true; };
+    action.sa_handler = [](int) { gWasInterrupted = true; };
     action.sa_flags = SA_RESTART;
     sigaction(SIGINT, &action, nullptr);
 }
 
-// One line on the terminal that is written over until the job is done; nothing when nobody looks.
+// One line on the terminal that is written over until the job is done; nothing when stderr is not a terminal.
 class ProgressLine {
 public:
     ~ProgressLine() { clear(); }
@@ -99,7 +103,7 @@ bool reportFindings(const Effect& effect) {
     bool hasFault = false;
     for (const Finding& finding : effect.findings()) {
         const bool isFault = finding.severity == Finding::Severity::Fault;
-        fmt::print(stderr, "perch: strict: {}{}\n", isFault ? "" : "note: ", describe(finding));
+        fmt::print(stderr, "perch: strict: {}\n", describe(finding));
         hasFault = hasFault || isFault;
     }
     return hasFault;
@@ -133,11 +137,11 @@ int reportInterrupt(const RenderReport& report, std::size_t count) {
 }
 
 // Renders, and returns whether the job came to its end.
-bool render(Effect& effect, const RenderOptions& options, const FramePlan& plan, Display& display,
-            RenderReport& report) {
+bool render(Effect& effect, const RenderSettings& settings, const std::vector<ParameterSetting>& parameters,
+            const FramePlan& plan, Display& display, RenderReport& report) {
     std::size_t current = 0;
     RenderWatch watch;
-    watch.cancelled = &wasInterrupted;
+    watch.cancelled = &gWasInterrupted;
     watch.frameBegins = [&](std::size_t index) {
         current = index;
         display.frame = plan.frames[index].frame;
@@ -147,7 +151,7 @@ bool render(Effect& effect, const RenderOptions& options, const FramePlan& plan,
         display.line.show(current + 1, plan.frames.size(), fraction);
     };
     try {
-        renderFrames(effect, options.settings, plan, watch, report);
+        renderFrames(effect, settings, parameters, plan, watch, report);
     } catch (const Cancelled&) {
         display.line.clear();
         return false;
@@ -160,18 +164,16 @@ bool render(Effect& effect, const RenderOptions& options, const FramePlan& plan,
 
 int runRenderCommand(const std::vector<std::string>& arguments) {
     const auto start = std::chrono::steady_clock::now();
-    RenderOptions options = parseRenderOptions(arguments);
+    const RenderOptions options = parseRenderOptions(arguments);
     if (options.wantsHelp) return printHelp(options.load);
     Display display;
     Effect effect(chooseBundle(options.load.plugin), hostOptions(options.load, display));
-    ParameterArguments parameters =
-        parseParameterArguments(options.forParameters, effect.description().parameters);
-    options.names.layers = std::move(parameters.layers);
-    options.settings.parameters = std::move(parameters.settings);
-    const FramePlan plan = planFrames(options.names);
+    const ParameterArguments parameters = parseParameterArguments(arguments, effect.description().parameters);
+    const FramePlan plan = planFrames(options.names, parameters.layers);
     catchInterrupts();
     RenderReport report;
-    if (!render(effect, options, plan, display, report)) return reportInterrupt(report, plan.frames.size());
+    if (!render(effect, options.settings, parameters.settings, plan, display, report))
+        return reportInterrupt(report, plan.frames.size());
     effect.close();
     if (options.wantsTiming) reportTiming(report, std::chrono::steady_clock::now() - start);
     return reportFindings(effect) ? kFailed : kDone;

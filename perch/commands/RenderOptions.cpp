@@ -96,7 +96,7 @@ void addOwnOptions(CLI::App& app, Texts& texts) {
            "sequence")
         ->type_name("PICTURE");
     app.add_option("--frames", texts.frames,
-                   "the frames of the sequence, like 1-24 or 1-24x2 (default: all that there are)")
+                   "the frames of the sequence, like 1-24 or 1-24x2 (default: all that exist)")
         ->type_name("RANGE");
     app.add_option("--plugin", texts.plugin, "the effect; without it, the only one beside the program")
         ->type_name("BUNDLE");
@@ -109,7 +109,8 @@ void addOwnOptions(CLI::App& app, Texts& texts) {
     app.add_flag("--timing", texts.wantsTiming, "tell how long reading, rendering and writing took");
     app.add_flag("--strict", texts.strict, "watch for breaches of the interface's rules; any is a failure");
     app.add_option("--quality", texts.quality, "draft or best (default best)")->type_name("QUALITY");
-    app.add_option("--downsample", texts.downsample, "the pictures' size to the full size (default 1/1)")
+    app.add_option("--downsample", texts.downsample,
+                   "the pictures' size as a fraction of the layer's full size (default 1/1)")
         ->type_name("N/D");
     app.add_option("--depth", texts.depth, "bits per channel, 8 or 16 (default: those of the input)")
         ->type_name("BITS");
@@ -133,15 +134,23 @@ void addParameterOptions(CLI::App& app, const std::vector<ParameterOption>& opti
         addParameterOption(app, option, texts[option.name]);
 }
 
-void requireOption(const std::string& text, std::string_view option) {
-    if (text.empty()) throw UsageError(fmt::format("{} is missing; see perch render --help", option));
+// `others` are the arguments that are not of the command's own options; one of them may be the option
+// misspelt.
+void requireOption(const std::string& text, const std::string& option,
+                   const std::vector<std::string>& others) {
+    if (!text.empty()) return;
+    for (const std::string& other : others) {
+        if (other.starts_with("--") && nearestName(other.substr(2), std::span(&option, 1)))
+            refuseExtras({other}, {option});
+    }
+    throw UsageError(fmt::format("--{} is missing; see perch render --help", option));
 }
 
 void takeParameter(const ParameterOption& option, const std::string& text, ParameterArguments& arguments) {
     if (!isLayer(option.parameter)) {
         // A bare flag is on.
         const bool isBare = isCheckBox(option.parameter) && text.empty();
-        arguments.settings.push_back(parseSetting(option, isBare ? "on" : text));
+        arguments.settings.push_back(requireSetting(option, isBare ? "on" : text));
     } else if (text != "none") {
         arguments.layers[option.parameter.index] = text;
     }
@@ -168,13 +177,13 @@ RenderOptions parseRenderOptions(const std::vector<std::string>& arguments) {
     Texts texts;
     addOwnOptions(app, texts);
     RenderOptions options;
-    options.forParameters = parseArguments(app, arguments);
+    const std::vector<std::string> others = parseArguments(app, arguments);
     options.wantsHelp = texts.wantsHelp;
     options.load.plugin = texts.plugin;
     if (options.wantsHelp) return options;
 
-    requireOption(texts.input, "--input");
-    requireOption(texts.output, "--output");
+    requireOption(texts.input, "input", others);
+    requireOption(texts.output, "output", others);
     options.wantsTiming = texts.wantsTiming;
     options.load.threads = parseThreads(texts.threads);
     options.load.strict = texts.strict;
@@ -193,11 +202,11 @@ ParameterArguments parseParameterArguments(const std::vector<std::string>& argum
                                            const std::vector<Parameter>& parameters) {
     CLI::App app;
     const std::vector<ParameterOption> options = optionsOf(parameters);
+    Texts ownTexts;  // understood before
     TextsByOption texts;
+    addOwnOptions(app, ownTexts);
     addParameterOptions(app, options, texts);
-    std::vector<std::string> known = longOptionNames(app);
-    known.insert(known.end(), renderOptionNames().begin(), renderOptionNames().end());
-    refuseExtras(parseArguments(app, arguments), known);
+    parseAllArguments(app, arguments);
 
     ParameterArguments result;
     for (const ParameterOption& option : options) {

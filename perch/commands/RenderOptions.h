@@ -1,10 +1,8 @@
 // The command line of `perch render`: its own options, and one for each parameter of the effect. Its own are
-// understood before the effect is loaded, as they say which it is; what is left is for the parameters.
+// understood before the effect is loaded, as they say which it is.
 #pragma once
 
 #include <filesystem>
-#include <map>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,27 +19,27 @@ struct LoadOptions {
 };
 
 struct RenderOptions {
-    bool wantsHelp = false;  // then nothing else is looked at
+    bool wantsHelp = false;  // then only load.plugin is set
     bool wantsTiming = false;
     LoadOptions load;
-    PictureNames names;       // but those of layers
-    RenderSettings settings;  // but the parameters
-    std::vector<std::string> forParameters;
+    PictureNames names;
+    RenderSettings settings;
 };
 
 // The values and pictures that the command line gives an effect's parameters.
 struct ParameterArguments {
     std::vector<ParameterSetting> settings;
-    std::map<PF_ParamIndex, std::string> layers;
+    LayerNames layers;
 };
 
 // The names of the command's own options, which no parameter's option takes.
 const std::vector<std::string>& renderOptionNames();
 
-// The options of an effect's parameters.
+// The options of an effect's parameters, named around the command's own.
 std::vector<ParameterOption> optionsOf(const std::vector<Parameter>& parameters);
 
-// Both throw UsageError, with the range or the items that were expected, or the nearest name.
+// Each reads its own part of the whole command line. Both throw UsageError, with the range or the items that
+// were expected, or the nearest name; what belongs to neither part is refused by the second.
 RenderOptions parseRenderOptions(const std::vector<std::string>& arguments);
 ParameterArguments parseParameterArguments(const std::vector<std::string>& arguments,
                                            const std::vector<Parameter>& parameters);

@@ -13,19 +13,14 @@
 namespace perch {
 namespace {
 
-// Of the output rows in strict mode, in pixels: an effect that ignores rowbytes is found out.
-constexpr std::int32_t kStrictRowPadding = 3;
 // What the output holds before an effect that may not answer RENDER is asked to.
 constexpr unsigned char kUntouched = 0x5A;
-
-std::int32_t pixelSize(const World& world) {
-    return static_cast<std::int32_t>(world.isDeep() ? sizeof(PF_Pixel16) : sizeof(PF_Pixel));
-}
 
 // Calls visit(begin, bytes) for the pixels of each row.
 template <typename F>
 void forEachRow(const World& world, const F& visit) {
-    const auto size = static_cast<std::size_t>(world.width()) * static_cast<std::size_t>(pixelSize(world));
+    const auto size =
+        static_cast<std::size_t>(world.width()) * static_cast<std::size_t>(pixelSize(world.isDeep()));
     for (A_long y = 0; y < world.height(); ++y)
         visit(rowOf<unsigned char>(world.record(), y), size);
 }
@@ -118,7 +113,7 @@ void Frame::takeOutputSize(const PF_OutData& out) {
 void Frame::render() {
     Host& host = *sequence.effect.host;
     const std::int32_t strictPadding =
-        host.ledger.isStrict() ? kStrictRowPadding * pixelSize(*request.input) : 0;
+        host.ledger.isStrict() ? kStrictRowPadding * pixelSize(request.input->isDeep()) : 0;
     output = std::make_unique<World>(request.outputWidth, request.outputHeight, request.input->isDeep(),
                                      request.outputRowPadding > 0 ? request.outputRowPadding : strictPadding);
     const bool isSmart = (host.description.flags2 & PF_OutFlag2_SUPPORTS_SMART_RENDER) != 0;

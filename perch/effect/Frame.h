@@ -17,10 +17,11 @@ public:
     Frame(const Frame&) = delete;
     Frame& operator=(const Frame&) = delete;
 
-    void render();  // RENDER
-    void finish();  // FRAME_SETDOWN
-    const World& picture() const;
-    RenderedFrame take();
+    // In this order, each once. The first two throw EffectError or Cancelled.
+    void render();                 // RENDER
+    void finish();                 // FRAME_SETDOWN
+    const World& picture() const;  // after render()
+    RenderedFrame take();          // after finish(); leaves no picture
 
 private:
     void checkRequest();

@@ -22,12 +22,15 @@ public:
     Sequence(const Sequence&) = delete;
     Sequence& operator=(const Sequence&) = delete;
 
-    // Saves: SEQUENCE_FLATTEN where the effect declares that it needs it, the bytes, SEQUENCE_RESETUP.
+    // Saves: sends SEQUENCE_FLATTEN where the effect declares that it needs it, copies the bytes, and goes on
+    // with SEQUENCE_RESETUP.
     std::vector<std::byte> flatten();
     // FRAME_SETUP, RENDER, FRAME_SETDOWN.
     RenderedFrame render(const FrameRequest& request);
     // The user has changed that value; the effect may change others and the look of controls in `values`.
+    // Throws Error when there is no parameter of that index.
     void userChangedParam(PF_ParamIndex index, ParameterValues& values);
+    // The controls are about to be shown.
     void updateParamsUi(ParameterValues& values);
     // Any command with this instance's data; see Effect::send.
     CommandResult send(PF_Cmd command, void* extra = nullptr);

@@ -1,4 +1,4 @@
-// A command on its way to the effect and back.
+// One command under way: what the effect is given, and what it left.
 #pragma once
 
 #include "CommandResult.h"
@@ -8,7 +8,6 @@
 
 namespace perch {
 
-// One command under way: what the effect is given, and what it left.
 struct Call {
     PF_Cmd command = 0;
     const FrameRequest* frame = nullptr;  // null outside of frames

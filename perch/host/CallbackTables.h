@@ -6,6 +6,7 @@
 
 namespace perch {
 
+// Borrowed; the tables live as long as the process.
 struct CallbackTables {
     PF_InteractCallbacks interaction{};
     PF_UtilCallbacks* utilities = nullptr;

@@ -8,7 +8,7 @@
 
 namespace perch {
 
-// Nothing of it is thrown.
+// Failures are codes here, not exceptions.
 struct CommandResult {
     PF_Err code = 0;
     std::string message;

@@ -30,6 +30,8 @@ namespace perch {
 
 class Host {
 public:
+    // `library` keeps the effect's code loaded; null for an effect of this process. Throws Error while
+    // another host exists.
     Host(PF_EntryPoint entryPoint, EffectDescription description, HostOptions options,
          std::shared_ptr<void> library, const CallbackTables& tables);
     ~Host();

@@ -33,10 +33,12 @@ struct HostOptions {
     bool keepsFrameData = true;             // else frame_data is null at every command
     std::vector<SuiteName> withheldSuites;  // answered as not found
     std::vector<CallFailure> failures;
-    std::function<void(std::string_view command)> onCommand;    // before each command: "FRAME_SETUP"
-    std::function<void(std::string_view callback)> onCallback;  // at each callback, also from workers
+    // On the thread of the command; may throw, which ends the command.
+    std::function<void(std::string_view command)> onCommand;  // before each: "FRAME_SETUP"
     // The effect's return_msg after a command that did not fail.
     std::function<void(std::string_view command, std::string_view message)> onMessage;
+    // At each callback, from several threads at once.
+    std::function<void(std::string_view callback)> onCallback;
 };
 
 }  // namespace perch

@@ -143,7 +143,7 @@ void HandleTable::checkFences(const Block& block, std::string_view callback) {
     if (!isFenceWhole(block.data - kFenceSize))
         ledger.fault(callback, fmt::format("bytes before a block of {} bytes were written", block.size));
     if (!isFenceWhole(block.data + block.size))
-        ledger.fault(callback, fmt::format("bytes behind a block of {} bytes were written", block.size));
+        ledger.fault(callback, fmt::format("bytes after a block of {} bytes were written", block.size));
 }
 
 }  // namespace perch

@@ -4,10 +4,8 @@
 // every resize, and fences each block with guard bytes. Safe to call from any thread.
 #pragma once
 
-#include <cstddef>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <string_view>
 #include <unordered_map>
 

@@ -4,13 +4,6 @@
 
 namespace perch {
 
-std::string describe(const Finding& finding) {
-    std::string place = finding.command.empty() ? "between commands" : finding.command;
-    if (!finding.callback.empty()) place += ", " + finding.callback;
-    const char* prefix = finding.severity == Finding::Severity::Note ? "note: " : "";
-    return prefix + place + ": " + finding.sentence;
-}
-
 void Ledger::enterCommand(std::string_view name) {
     const std::lock_guard lock(mutex);
     command = name;

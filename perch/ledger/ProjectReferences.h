@@ -4,7 +4,6 @@
 #include <map>
 #include <mutex>
 #include <optional>
-#include <string_view>
 
 #include "Ledger.h"
 #include "PF_Types.h"

@@ -5,16 +5,6 @@
 #include "PF_Values.h"
 
 namespace perch {
-namespace {
-
-// In strict mode, in pixels: rows are then longer than their pixels.
-constexpr std::int32_t kRowPadding = 3;
-
-std::int32_t pixelSize(bool isDeep) {
-    return static_cast<std::int32_t>(isDeep ? sizeof(PF_Pixel16) : sizeof(PF_Pixel));
-}
-
-}  // namespace
 
 PF_Err WorldLedger::allocate(std::int32_t width, std::int32_t height, bool isDeep, PF_EffectWorld& world,
                              const char* callback) {
@@ -24,7 +14,7 @@ PF_Err WorldLedger::allocate(std::int32_t width, std::int32_t height, bool isDee
                                            kLargestExtent));
         return PF_Err_BAD_CALLBACK_PARAM;
     }
-    const std::int32_t padding = ledger.isStrict() ? kRowPadding * pixelSize(isDeep) : 0;
+    const std::int32_t padding = ledger.isStrict() ? kStrictRowPadding * pixelSize(isDeep) : 0;
     auto owned = std::make_unique<World>(width, height, isDeep, padding);
     world = owned->record();
     const std::lock_guard lock(mutex);

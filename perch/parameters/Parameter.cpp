@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdint>
 
 #include "Error.h"
 #include "PF_Values.h"
@@ -105,6 +104,14 @@ void describeCheckBox(PF_CheckBoxDef& box, Parameter& parameter) {
 }
 
 }  // namespace
+
+bool isLayer(const Parameter& parameter) {
+    return parameter.definition.param_type == PF_Param_LAYER;
+}
+
+bool isCheckBox(const Parameter& parameter) {
+    return parameter.definition.param_type == PF_Param_CHECKBOX;
+}
 
 Parameter describeParameter(const PF_ParamDef& definition) {
     Parameter parameter;

@@ -31,6 +31,9 @@ struct Parameter {
     bool isPercent = false;
 };
 
+bool isLayer(const Parameter& parameter);
+bool isCheckBox(const Parameter& parameter);
+
 // Throws Error when the definition is of a type that the interface does not have.
 Parameter describeParameter(const PF_ParamDef& definition);
 

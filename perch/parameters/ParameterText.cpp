@@ -9,7 +9,6 @@
 #include <cmath>
 #include <limits>
 #include <optional>
-#include <span>
 
 #include "PF_Values.h"
 

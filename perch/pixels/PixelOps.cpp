@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "PixelAccess.h"
+#include "Transform.h"
 
 namespace perch {
 namespace {

@@ -1,5 +1,4 @@
-// What a host does with pictures for an effect: mixing, copying, filling, premultiplying, compositing,
-// transforming.
+// What a host does with pictures for an effect: mixing, copying, filling, premultiplying, compositing.
 //
 // All work on worlds of one depth, 8 or 16 bits, with straight colour. Worlds of different depths are
 // PF_Err_BAD_CALLBACK_PARAM and nothing is written. A world has pixels, or no size; into or from one without
@@ -12,6 +11,7 @@
 
 namespace perch {
 
+struct Placement;
 class WorkerPool;
 
 // Mixes two worlds of the size of `to`, which may be either, weighted by alpha: ratio 0 is `a` and 65536 is
@@ -35,23 +35,8 @@ PF_Err premultiplyWorld(const PF_EffectWorld& from, const PF_Pixel& color, bool 
 PF_Err premultiplyWorld(const PF_EffectWorld& from, const PF_Pixel16& color, bool forward,
                         PF_EffectWorld& to);
 
-// Puts a part of `from` with its corner at (x, y) of `to`: a copy (PF_Xfer_COPY), mixed by an opacity of 0
-// to 1. Other transfer modes are PF_Err_BAD_CALLBACK_PARAM.
-struct Placement {
-    PF_TransferMode mode;
-    double opacity;
-    bool rgbOnly;  // keeps the alpha of `to`
-};
+// Puts a part of `from` with its corner at (x, y) of `to`.
 PF_Err compositeWorld(const PF_EffectWorld& from, const PF_Rect* fromArea, const Placement& placement,
                       A_long x, A_long y, PF_EffectWorld& to, WorkerPool* workers = nullptr);
-
-// Draws `from` through a matrix: (x, y, 1) * matrix maps source to destination where `sourceToDestination`,
-// else the other way. Pixel centres are at halves. A scale is filtered exactly: by area where it shrinks,
-// linearly where it grows; other matrices linearly, over several samples where they shrink. Outside the
-// source is transparent, but that a scale keeps the edge pixels' colour up to the edge. A matrix without an
-// inverse is PF_Err_BAD_CALLBACK_PARAM. A world may be drawn onto itself.
-PF_Err transformWorld(const PF_EffectWorld& from, const PF_FloatMatrix& matrix, bool sourceToDestination,
-                      const Placement& placement, const PF_Rect* toArea, PF_EffectWorld& to,
-                      WorkerPool* workers = nullptr);
 
 }  // namespace perch

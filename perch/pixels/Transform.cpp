@@ -1,4 +1,6 @@
 // Drawing a world through a matrix: separable and exact for scales, sampled for everything else.
+#include "Transform.h"
+
 #include <cmath>
 #include <optional>
 #include <span>

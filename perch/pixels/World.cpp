@@ -60,12 +60,12 @@ void World::pointAtPixels() {
 std::string World::damage() const {
     if (!isWhole(memory.data(), kGuardSize)) return "bytes before the first row were written";
     if (!isWhole(memory.data() + memory.size() - kGuardSize, kGuardSize)) {
-        return "bytes behind the last row were written";
+        return "bytes after the last row were written";
     }
     const std::size_t gap = static_cast<std::size_t>(world.rowbytes) - rowSize();
     for (std::int32_t y = 0; y < world.height; ++y) {
         if (!isWhole(row(y) + rowSize(), gap))
-            return fmt::format("bytes in the gap behind row {} were written", y);
+            return fmt::format("bytes in the gap after row {} were written", y);
     }
     return {};
 }

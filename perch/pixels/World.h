@@ -15,6 +15,14 @@ namespace perch {
 // memory.
 constexpr std::int32_t kLargestExtent = 30000;
 
+// Of rows in strict mode, in pixels: an effect that ignores rowbytes is found out.
+constexpr std::int32_t kStrictRowPadding = 3;
+
+// In bytes.
+constexpr std::int32_t pixelSize(bool isDeep) {
+    return static_cast<std::int32_t>(isDeep ? sizeof(PF_Pixel16) : sizeof(PF_Pixel));
+}
+
 class World {
 public:
     // `rowPadding` is bytes at the end of each row, a multiple of the pixel size. Sizes of 0 are legal: such

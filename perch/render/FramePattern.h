@@ -22,7 +22,7 @@ public:
     static std::optional<FramePattern> parse(const std::string& name);
 
     std::filesystem::path pathOf(std::int32_t frame) const;
-    // The numbers of the files that there are, in ascending order; folders are no files. Where the folder
+    // The numbers of the files that there are, in ascending order; folders are left out. Where the folder
     // cannot be read, or not to its end, those found before.
     std::vector<std::int32_t> framesOnDisk() const;
     std::size_t digits() const { return digitCount; }

@@ -69,10 +69,10 @@ FramePattern outputPattern(const PictureNames& names, const FramePattern& input)
     return *output;
 }
 
-FramePlan planSequence(const PictureNames& names, const FramePattern& input) {
+FramePlan planSequence(const PictureNames& names, const LayerNames& layers, const FramePattern& input) {
     FramePlan plan{.isSequence = true, .frames = {}, .stillLayers = {}};
     Patterns patterns{input, outputPattern(names, input), {}};
-    for (const auto& [index, name] : names.layers) {
+    for (const auto& [index, name] : layers) {
         if (const std::optional<FramePattern> layer = FramePattern::parse(name)) {
             patterns.layers.emplace(index, *layer);
         } else {
@@ -90,13 +90,13 @@ void requireOneFile(const std::string& name) {
         name));
 }
 
-FramePlan planStill(const PictureNames& names) {
+FramePlan planStill(const PictureNames& names, const LayerNames& layers) {
     if (names.frames)
         throw UsageError(
             "--frames is for sequences; give --input a place for the frame number, like in.####.png");
     requireOneFile(names.output);
     FramePlan plan{.isSequence = false, .frames = {{0, names.input, names.output, {}}}, .stillLayers = {}};
-    for (const auto& [index, name] : names.layers) {
+    for (const auto& [index, name] : layers) {
         requireOneFile(name);
         plan.stillLayers[index] = name;
     }
@@ -143,9 +143,9 @@ void refuseToOverwriteInputs(const FramePlan& plan) {
 
 }  // namespace
 
-FramePlan planFrames(const PictureNames& names) {
+FramePlan planFrames(const PictureNames& names, const LayerNames& layers) {
     const std::optional<FramePattern> input = FramePattern::parse(names.input);
-    FramePlan plan = input ? planSequence(names, *input) : planStill(names);
+    FramePlan plan = input ? planSequence(names, layers, *input) : planStill(names, layers);
     refuseToOverwriteInputs(plan);
     return plan;
 }

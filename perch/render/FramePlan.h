@@ -17,9 +17,10 @@ namespace perch {
 struct PictureNames {
     std::string input;
     std::string output;
-    std::map<PF_ParamIndex, std::string> layers;
     std::optional<FrameRange> frames;  // absent: all that the input's pattern finds
 };
+
+using LayerNames = std::map<PF_ParamIndex, std::string>;
 
 struct FrameFiles {
     std::int32_t frame = 0;  // number
@@ -36,6 +37,6 @@ struct FramePlan {
 
 // Throws UsageError where the names do not go together; Error where a frame's file is missing, the first one
 // by name, and where a picture would be written over one that is read.
-FramePlan planFrames(const PictureNames& names);
+FramePlan planFrames(const PictureNames& names, const LayerNames& layers);
 
 }  // namespace perch

@@ -80,9 +80,14 @@ void requireDepth(const Effect& effect, const World& input) {
 // One run through a plan. Reading and writing tasks share only what is const or guarded.
 class Job {
 public:
-    Job(Effect& effect, const RenderSettings& settings, const FramePlan& plan, const RenderWatch& watch,
-        RenderReport& report)
-        : effect(effect), settings(settings), plan(plan), watch(watch), report(report) {}
+    Job(Effect& effect, const RenderSettings& settings, const std::vector<ParameterSetting>& parameters,
+        const FramePlan& plan, const RenderWatch& watch, RenderReport& report)
+        : effect(effect),
+          settings(settings),
+          parameters(parameters),
+          plan(plan),
+          watch(watch),
+          report(report) {}
 
     void run() {
         for (std::size_t index = 0; index < plan.frames.size(); ++index) {
@@ -155,7 +160,7 @@ private:
     ParameterValues valuesFor(const World& input) const {
         ParameterValues values = effect.defaultValues(fullExtent(0, input.width(), settings.downsample),
                                                       fullExtent(0, input.height(), settings.downsample));
-        for (const ParameterSetting& setting : settings.parameters)
+        for (const ParameterSetting& setting : parameters)
             applySetting(setting, values);
         return values;
     }
@@ -183,6 +188,7 @@ private:
 
     Effect& effect;
     const RenderSettings& settings;
+    const std::vector<ParameterSetting>& parameters;
     const FramePlan& plan;
     const RenderWatch& watch;
     RenderReport& report;
@@ -196,9 +202,10 @@ private:
 
 }  // namespace
 
-void renderFrames(Effect& effect, const RenderSettings& settings, const FramePlan& plan,
+void renderFrames(Effect& effect, const RenderSettings& settings,
+                  const std::vector<ParameterSetting>& parameters, const FramePlan& plan,
                   const RenderWatch& watch, RenderReport& report) {
-    Job(effect, settings, plan, watch, report).run();
+    Job(effect, settings, parameters, plan, watch, report).run();
 }
 
 }  // namespace perch

@@ -7,7 +7,6 @@
 #include <cstddef>
 #include <functional>
 #include <optional>
-#include <string>
 #include <vector>
 
 #include "Effect.h"
@@ -19,7 +18,6 @@ namespace perch {
 
 // The same for all frames of a job.
 struct RenderSettings {
-    std::vector<ParameterSetting> parameters;
     std::optional<Depth> depth;  // absent: that of the input
     PF_Quality quality = PF_Quality_HI;
     PF_RationalScale downsample{1, 1};  // the pictures are this much smaller than the layer
@@ -51,7 +49,8 @@ struct RenderReport {
 // Renders the frames in order. Throws Error for the first failure, which ends the job, and names the frame
 // where the plan is a sequence; Cancelled when the flag of `watch` was seen, also between the effect's
 // commands. Each output is written whole or not at all; frames before the failure stay.
-void renderFrames(Effect& effect, const RenderSettings& settings, const FramePlan& plan,
+void renderFrames(Effect& effect, const RenderSettings& settings,
+                  const std::vector<ParameterSetting>& parameters, const FramePlan& plan,
                   const RenderWatch& watch, RenderReport& report);
 
 }  // namespace perch

@@ -79,7 +79,7 @@ TEST_F(BundleTest, BundleWithoutResourcesIsLoadedLikeABareLibrary) {
     EXPECT_EQ(failure(makeBundle("Made.plugin", kReport)), "nothing was thrown");
 }
 
-TEST_F(BundleTest, EffectsThatCannotBeLoadedAreRefusedWithTheMend) {
+TEST_F(BundleTest, EffectsThatCannotBeLoadedAreRefusedAndTheSentenceSaysHowToMendIt) {
     const fs::path bundle = makeBundle("Wrong.plugin", kReport);
     write(bundle / "Contents/Resources/Wrong.rsrc", resources("OtherMain"));
     const fs::path damaged = makeBundle("Damaged.plugin", kReport);
@@ -96,7 +96,7 @@ TEST_F(BundleTest, EffectsThatCannotBeLoadedAreRefusedWithTheMend) {
 
     const std::pair<fs::path, std::string> cases[] = {
         {folder / "none.plugin", "there is no plug-in \"none.plugin\"; name a .plugin folder or a .so file"},
-        {bundle, "\"Wrong.plugin/" + code + "/Wrong.so\" is no effect: it exports no OtherMain"},
+        {bundle, "\"Wrong.plugin/" + code + "/Wrong.so\" is not an effect: it does not export OtherMain"},
         {damaged,
          "\"Damaged.plugin/Contents/Resources/Damaged.rsrc\" is damaged: its header names bytes beyond the "
          "end of the file; install the plug-in again"},
@@ -128,9 +128,10 @@ TEST_F(BundleTest, BundleBesideTheProgramIsFoundInItsFolderThenAboveThenInLib) {
         findBundleBeside(program);
         FAIL() << "nothing was thrown";
     } catch (const Error& error) {
-        EXPECT_EQ(error.what(),
-                  "\"" + program.string() +
-                      "\" has several plug-ins: One.plugin, Two.plugin; choose one with --plugin");
+        EXPECT_EQ(
+            error.what(),
+            "\"" + program.string() +
+                "\" has several plug-ins: One.plugin, Two.plugin; name one of them on the command line");
     }
 }
 

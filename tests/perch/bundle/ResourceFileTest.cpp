@@ -75,7 +75,7 @@ TEST_P(ResourceFileDamageTest, IsRefusedWithItsReason) {
 }
 
 const char kBeyond[] = "its header names bytes beyond the end of the file";
-const char kOverlap[] = "its data and its map lie over each other or over the header";
+const char kOverlap[] = "its data and its map overlap, or overlap the header";
 
 INSTANTIATE_TEST_SUITE_P(
     Damage, ResourceFileDamageTest,

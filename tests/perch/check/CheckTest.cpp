@@ -11,17 +11,17 @@ namespace {
 
 TEST(CheckTest, TheEffectIsWell) {
     testing::internal::CaptureStdout();
-    const bool isWell = runCheck(PERCH_EFFECT);
+    const bool passes = runCheck(PERCH_EFFECT);
     const std::string verdicts = testing::internal::GetCapturedStdout();
-    EXPECT_TRUE(isWell) << verdicts;
+    EXPECT_TRUE(passes) << verdicts;
     EXPECT_EQ(verdicts.find("FAILED"), std::string::npos) << verdicts;
 }
 
 TEST(CheckTest, AFaultyEffectIsNot) {
     testing::internal::CaptureStdout();
-    const bool isWell = runCheck(std::filesystem::path(PERCH_TEST_PLUGINS) / "Careless.so");
+    const bool passes = runCheck(std::filesystem::path(PERCH_TEST_PLUGINS) / "Careless.so");
     const std::string verdicts = testing::internal::GetCapturedStdout();
-    EXPECT_FALSE(isWell) << verdicts;
+    EXPECT_FALSE(passes) << verdicts;
     EXPECT_NE(verdicts.find("FAILED: RENDER, "), std::string::npos) << verdicts;
 }
 

@@ -145,7 +145,7 @@ const Misdeed kMisdeeds[] = {
          call.output->data[call.output->width].blue ^= 1;
          return PF_Err{0};
      },
-     {"RENDER: the output: bytes in the gap behind row 0 were written"}},
+     {"RENDER: the output: bytes in the gap after row 0 were written"}},
     {"OutputWrittenBeforeItsFirstRow",
      PF_Cmd_RENDER,
      [](const EffectCall& call) {
@@ -160,7 +160,7 @@ const Misdeed kMisdeeds[] = {
          *(reinterpret_cast<char*>(world.data) + 2 * world.rowbytes) ^= 1;
          return call.utilities().dispose_world(call.in->effect_ref, &world);
      },
-     {"RENDER, dispose_world: bytes behind the last row were written"}},
+     {"RENDER, dispose_world: bytes after the last row were written"}},
     {"LayerWrittenBeforeItsFirstRow",
      PF_Cmd_RENDER,
      [](const EffectCall& call) {
@@ -237,7 +237,7 @@ const Misdeed kMisdeeds[] = {
          call.utilities().host_dispose_handle(handle);
          return PF_Err{0};
      },
-     {"RENDER, host_dispose_handle: bytes behind a block of 40 bytes were written"}},
+     {"RENDER, host_dispose_handle: bytes after a block of 40 bytes were written"}},
     {"DisposedHandleKept",
      PF_Cmd_SEQUENCE_SETUP,
      [](const EffectCall& call) {

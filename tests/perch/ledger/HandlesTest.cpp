@@ -102,7 +102,7 @@ TEST_F(HandlesTest, WritingBesideABlockIsFound) {
     handles.dispose(handle);
     EXPECT_THAT(lines(ledger),
                 ElementsAre("RENDER, host_dispose_handle: bytes before a block of 5 bytes were written",
-                            "RENDER, host_dispose_handle: bytes behind a block of 5 bytes were written"));
+                            "RENDER, host_dispose_handle: bytes after a block of 5 bytes were written"));
 }
 
 TEST_F(HandlesTest, WritingBesideABlockIsFoundBeforeAResizeMovesIt) {
@@ -113,7 +113,7 @@ TEST_F(HandlesTest, WritingBesideABlockIsFoundBeforeAResizeMovesIt) {
     handles.dispose(handle);
     EXPECT_THAT(lines(ledger),
                 ElementsAre("RENDER, host_resize_handle: bytes before a block of 5 bytes were written",
-                            "RENDER, host_resize_handle: bytes behind a block of 5 bytes were written"));
+                            "RENDER, host_resize_handle: bytes after a block of 5 bytes were written"));
 }
 
 TEST(LenientHandlesTest, MisuseIsPutUpWith) {

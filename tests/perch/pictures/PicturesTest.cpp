@@ -166,7 +166,7 @@ TEST_F(PicturesTest, DepthIsConvertedWhenAskedFor) {
     EXPECT_EQ(onePixel(readPicture(folder / "8.png", Depth::Bits8)), (Codes{255, 1, 128, 254}));
 }
 
-TEST_F(PicturesTest, FilesThatAreNoPicturesAreRefusedWithTheMend) {
+TEST_F(PicturesTest, FilesThatAreNoPicturesAreRefusedAndTheSentenceSaysHowToMendIt) {
     writeBytes(folder / "text.png", "not a picture");
     writeBytes(folder / "empty.png", "");
     writeFile<float>(folder / "float.tif", {}, {0, 0, 0, 1});
@@ -208,7 +208,7 @@ TEST_F(PicturesTest, CutFilesAreRefused) {
     }
 }
 
-TEST_F(PicturesTest, OutputsThatCannotBeAreRefusedWithTheMend) {
+TEST_F(PicturesTest, OutputsThatCannotBeAreRefusedAndTheSentenceSaysHowToMendIt) {
     std::filesystem::create_directory(folder / "folder.png");
     const World eight(1, 1, false);
     const World deep(1, 1, true);

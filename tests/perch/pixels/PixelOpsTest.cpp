@@ -1,4 +1,5 @@
 #include "PixelOps.h"
+#include "Transform.h"
 
 #include <gtest/gtest.h>
 

@@ -6,6 +6,7 @@
 
 #include "PF_Values.h"
 #include "PixelOps.h"
+#include "Transform.h"
 #include "WorkerPool.h"
 #include "WorldPictures.h"
 

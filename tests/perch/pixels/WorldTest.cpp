@@ -56,9 +56,9 @@ TEST(WorldDamageTest, WritesOutsideThePixelsAreNamed) {
     };
     constexpr std::int32_t kRowBytes = 3 * 4 + 8;
     for (const Case& c : {Case{-1, "bytes before the first row were written"},
-                          Case{3 * 4, "bytes in the gap behind row 0 were written"},
-                          Case{kRowBytes + 3 * 4 + 7, "bytes in the gap behind row 1 were written"},
-                          Case{2 * kRowBytes, "bytes behind the last row were written"}}) {
+                          Case{3 * 4, "bytes in the gap after row 0 were written"},
+                          Case{kRowBytes + 3 * 4 + 7, "bytes in the gap after row 1 were written"},
+                          Case{2 * kRowBytes, "bytes after the last row were written"}}) {
         World world(3, 2, false, 8);
         bytesOf(world)[c.offset] ^= 0xFFU;
         EXPECT_EQ(world.damage(), c.damage) << c.offset;

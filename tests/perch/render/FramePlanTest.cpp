@@ -18,6 +18,7 @@ constexpr PF_ParamIndex kMatte = 1;
 struct FramePlanTest : testing::Test {
     TemporaryFolder folder;
     PictureNames names;
+    LayerNames layers;
 
     FramePlanTest() {
         for (const char* const name :
@@ -32,7 +33,7 @@ struct FramePlanTest : testing::Test {
     template <typename E>
     std::string refusal() const {
         try {
-            planFrames(names);
+            planFrames(names, layers);
         } catch (const E& error) {
             return error.what();
         }
@@ -48,7 +49,7 @@ std::vector<std::int32_t> numbersOf(const FramePlan& plan) {
 }
 
 TEST_F(FramePlanTest, SequenceHasTheFramesThatThereAre) {
-    const FramePlan plan = planFrames(names);
+    const FramePlan plan = planFrames(names, layers);
     EXPECT_TRUE(plan.isSequence);
     EXPECT_THAT(numbersOf(plan), ElementsAre(1, 2, 4));
     EXPECT_EQ(plan.frames[2].input, folder / "in.04.png");
@@ -57,17 +58,17 @@ TEST_F(FramePlanTest, SequenceHasTheFramesThatThereAre) {
 
 TEST_F(FramePlanTest, RangeAndStepChooseFrames) {
     names.frames = FrameRange{1, 2, 1};
-    EXPECT_THAT(numbersOf(planFrames(names)), ElementsAre(1, 2));
+    EXPECT_THAT(numbersOf(planFrames(names, layers)), ElementsAre(1, 2));
     names.frames = FrameRange{2, 5, 2};
-    EXPECT_THAT(numbersOf(planFrames(names)), ElementsAre(2, 4));
+    EXPECT_THAT(numbersOf(planFrames(names, layers)), ElementsAre(2, 4));
     names.frames = FrameRange{1, kLastFrame, kLastFrame};
-    EXPECT_THAT(numbersOf(planFrames(names)), ElementsAre(1));
+    EXPECT_THAT(numbersOf(planFrames(names, layers)), ElementsAre(1));
 }
 
 TEST_F(FramePlanTest, LayersGoWithTheFrameOrStayTheSame) {
     names.frames = FrameRange{1, 2, 1};
-    names.layers = {{kMatte, in("depth.####.png")}, {kMatte + 1, in("still.png")}};
-    const FramePlan plan = planFrames(names);
+    layers = {{kMatte, in("depth.####.png")}, {kMatte + 1, in("still.png")}};
+    const FramePlan plan = planFrames(names, layers);
     EXPECT_EQ(plan.frames[1].layers.at(kMatte), folder / "depth.0002.png");
     EXPECT_EQ(plan.frames[1].layers.size(), 1U);
     EXPECT_EQ(plan.stillLayers.at(kMatte + 1), folder / "still.png");
@@ -77,7 +78,7 @@ TEST_F(FramePlanTest, FirstMissingFileIsNamed) {
     names.frames = FrameRange{1, kLastFrame, 1};
     EXPECT_THAT(refusal<Error>(), HasSubstr("frame 3 is missing: there is no file \"" + in("in.03.png")));
     names.frames.reset();
-    names.layers[kMatte] = in("depth.####.png");
+    layers[kMatte] = in("depth.####.png");
     EXPECT_THAT(refusal<Error>(),
                 HasSubstr("frame 4 is missing: there is no file \"" + in("depth.0004.png")));
     names.input = in("none.##.png");
@@ -87,8 +88,8 @@ TEST_F(FramePlanTest, FirstMissingFileIsNamed) {
 TEST_F(FramePlanTest, StillIsOneFrameWithAllItsLayers) {
     names.input = in("still.png");
     names.output = in("out.png");
-    names.layers[kMatte] = in("in.01.png");
-    const FramePlan plan = planFrames(names);
+    layers[kMatte] = in("in.01.png");
+    const FramePlan plan = planFrames(names, layers);
     EXPECT_FALSE(plan.isSequence);
     EXPECT_THAT(numbersOf(plan), ElementsAre(0));
     EXPECT_EQ(plan.stillLayers.at(kMatte), folder / "in.01.png");
@@ -102,9 +103,9 @@ TEST_F(FramePlanTest, NamesThatDoNotGoTogetherAreRefused) {
     names.input = in("still.png");
     EXPECT_THAT(refusal<UsageError>(), HasSubstr("stands for many files and --input for one"));
     names.output = in("out.png");
-    names.layers[kMatte] = in("depth.####.png");
+    layers[kMatte] = in("depth.####.png");
     EXPECT_THAT(refusal<UsageError>(), HasSubstr("stands for many files and --input for one"));
-    names.layers.clear();
+    layers.clear();
     names.frames = FrameRange{1, 2, 1};
     EXPECT_THAT(refusal<UsageError>(), HasSubstr("--frames is for sequences"));
 }
@@ -118,10 +119,10 @@ TEST_F(FramePlanTest, PicturesThatAreReadAreNotOverwritten) {
     EXPECT_THAT(refusal<Error>(), HasSubstr(reason));
     names.input = in("depth.####.png");
     names.output = in("still.####.png");
-    names.layers[kMatte] = in("still.0001.png");
+    layers[kMatte] = in("still.0001.png");
     writeBytes(folder / "still.0001.png", "");
     EXPECT_THAT(refusal<Error>(), HasSubstr(reason));
-    names = {in("still.png"), in("./still.png"), {}, {}};
+    names = {in("still.png"), in("./still.png"), {}};
     EXPECT_THAT(refusal<Error>(), HasSubstr(reason));
 }
 

@@ -66,7 +66,7 @@ TEST(RenderJobTest, NextFrameIsReadWhileOneRenders) {
     };
     Effect effect(std::filesystem::path(PERCH_TEST_PLUGINS) / "Invert.so", strictOptions());
     RenderReport report;
-    renderFrames(effect, {}, plan, watch, report);
+    renderFrames(effect, {}, {}, plan, watch, report);
     EXPECT_TRUE(isReadBesideTheFirst);
     EXPECT_EQ(report.framesWritten, 2U);
 }
@@ -84,7 +84,7 @@ TEST(RenderJobTest, FrameThatACancelCameInIsNotWritten) {
     });
     Effect effect(ScriptedEffect::enter, {}, strictOptions());
     RenderReport report;
-    EXPECT_THROW(renderFrames(effect, {}, plan, watch, report), Cancelled);
+    EXPECT_THROW(renderFrames(effect, {}, {}, plan, watch, report), Cancelled);
     EXPECT_EQ(report.framesWritten, 1U);
     EXPECT_TRUE(std::filesystem::exists(plan.frames[0].output));
     EXPECT_FALSE(std::filesystem::exists(plan.frames[1].output));
@@ -111,7 +111,7 @@ TEST(RenderJobTest, FailedWriteEndsTheJobAtTheNextFrame) {
     ScriptedEffect script;
     Effect effect(ScriptedEffect::enter, {}, strictOptions());
     RenderReport report;
-    EXPECT_THROW(renderFrames(effect, settings, plan, watch, report), Error);
+    EXPECT_THROW(renderFrames(effect, settings, {}, plan, watch, report), Error);
     EXPECT_TRUE(hasFailed);
     EXPECT_LT(begun, static_cast<std::size_t>(kFrames) - 2);
 }

@@ -209,7 +209,7 @@ TEST(ParameterOptionsTest, RefusalTellsWhatWasExpected) {
     };
     for (const auto& [parameter, sentence] : cases) {
         try {
-            parseSetting(ParameterOption{"o", parameter}, "fin");
+            requireSetting({"o", parameter}, "fin");
             ADD_FAILURE() << "nothing was thrown for " << sentence;
         } catch (const Error& error) {
             EXPECT_STREQ(error.what(), sentence);

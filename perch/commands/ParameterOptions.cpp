@@ -65,15 +65,7 @@ std::vector<ParameterOption> parameterOptions(const std::vector<Parameter>& para
     return options;
 }
 
-bool isLayer(const Parameter& parameter) {
-    return parameter.definition.param_type == PF_Param_LAYER;
-}
-
-bool isCheckBox(const Parameter& parameter) {
-    return parameter.definition.param_type == PF_Param_CHECKBOX;
-}
-
-ParameterSetting parseSetting(const ParameterOption& option, std::string_view text) {
+ParameterSetting requireSetting(const ParameterOption& option, std::string_view text) {
     if (const auto setting = parseSetting(option.parameter, text)) return *setting;
     throw UsageError(fmt::format("--{} takes {}, not \"{}\"{}", option.name, expectedValue(option.parameter),
                                  text, suggestion(text, option.parameter.items)));

@@ -27,10 +27,7 @@ std::string optionName(std::string_view parameterName);
 std::vector<ParameterOption> parameterOptions(const std::vector<Parameter>& parameters,
                                               std::span<const std::string> reserved);
 
-bool isLayer(const Parameter& parameter);
-bool isCheckBox(const Parameter& parameter);
-
 // What `text` stands for. Throws UsageError with what was expected. Not for layers.
-ParameterSetting parseSetting(const ParameterOption& option, std::string_view text);
+ParameterSetting requireSetting(const ParameterOption& option, std::string_view text);
 
 }  // namespace perch

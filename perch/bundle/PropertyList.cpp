@@ -1,4 +1,4 @@
-#include "Pipl.h"
+#include "PropertyList.h"
 
 #include <bit>
 #include <map>

@@ -1,4 +1,4 @@
-#include "Pipl.h"
+#include "PropertyList.h"
 
 #include <gtest/gtest.h>
 

@@ -1,0 +1,78 @@
+#include "Trial.h"
+
+#include <utility>
+
+#include "PF_Values.h"
+#include "PixelAccess.h"
+#include "Sequence.h"
+
+namespace perch {
+namespace {
+
+HostOptions strict(HostOptions options) {
+    options.strict = true;
+    return options;
+}
+
+}  // namespace
+
+void require(bool condition, const std::string& sentence) {
+    if (!condition) throw Failure(sentence);
+}
+
+World generatedPicture(Size size, bool deep, std::uint32_t seed) {
+    World picture(size.width, size.height, deep);
+    forDepth(picture.record(), [&]<class P>() {
+        for (std::int32_t y = 0; y < size.height; ++y) {
+            P* const row = rowOf<P>(picture.record(), y);
+            for (std::int32_t x = 0; x < size.width; ++x) {
+                const auto wave = [&](std::uint32_t step) {
+                    const std::uint32_t part =
+                        (static_cast<std::uint32_t>(x) * step + static_cast<std::uint32_t>(y) * 5 + seed) %
+                        64;
+                    return static_cast<ChannelOf<P>>(kWhite<P> * part / 63);
+                };
+                row[x] = {wave(3), wave(7), wave(11), wave(13)};
+            }
+        }
+    });
+    return picture;
+}
+
+Trial::Trial(const std::filesystem::path& plugin, HostOptions options)
+    : effect(plugin, strict(std::move(options))) {}
+
+FrameRequest Trial::frame(Size size, bool deep, bool withLayers) {
+    FrameRequest request;
+    request.input = &keep(generatedPicture(size, deep, 0));
+    request.values = effect.defaultValues(size.width, size.height);
+    if (!withLayers) return request;
+    for (const Parameter& parameter : effect.description().parameters) {
+        if (isLayer(parameter)) request.layers[parameter.index] = &keep(generatedPicture(size, deep, 17));
+    }
+    return request;
+}
+
+World Trial::render(const FrameRequest& request) {
+    return Sequence(effect).render(request).picture;
+}
+
+void Trial::end(bool toleratesHandles) {
+    effect.close();
+    for (const Finding& finding : effect.findings()) {
+        const bool isHandle = finding.callback == "host_new_handle";
+        if (finding.severity == Finding::Severity::Fault && !(isHandle && toleratesHandles))
+            throw Failure(describe(finding));
+    }
+}
+
+std::vector<bool> Trial::depths() const {
+    return effect.supportsDeepColor() ? std::vector<bool>{false, true} : std::vector<bool>{false};
+}
+
+const World& Trial::keep(World picture) {
+    pictures.push_back(std::make_unique<World>(std::move(picture)));
+    return *pictures.back();
+}
+
+}  // namespace perch
