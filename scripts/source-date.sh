@@ -1,12 +1,15 @@
 #!/bin/sh
-# Prints the date of the sources in seconds since 1970: SOURCE_DATE_EPOCH where it is set, else the commit's.
+# Prints the date of the sources in seconds since 1970: SOURCE_DATE_EPOCH where it is set, else the commit's, else that of the
+# change log.
 set -eu
 cd "$(dirname "$0")/.."
 
 if [ -n "${SOURCE_DATE_EPOCH:-}" ]; then
     echo "$SOURCE_DATE_EPOCH"
-elif git rev-parse --git-dir >/dev/null 2>&1; then
-    git log -1 --format=%ct
-else
+elif [ -e .git ] && git log -1 --format=%ct 2>/dev/null; then
+    :
+elif grep -qx '[0-9][0-9]*' cmake/source-date.txt; then
     cat cmake/source-date.txt  # git wrote it when it made the archive
+else
+    date -r CHANGELOG.md +%s
 fi

@@ -141,7 +141,7 @@ void AEContext::resizeHandle(std::size_t size, char*** handle) const {
 
 int AEContext::numProcessors() const {
     static std::atomic<int> count = 0;
-    if (count.load(std::memory_order_relaxed) == 0) {
+    if (count.load(std::memory_order_relaxed) < 1) {
         if (gSuites != nullptr) {
             ThrowIfErr(HostCallback(gSuites->iterate8(), &PF_Iterate8Suite1::iterate_generic)(
                 -1, &count, StoreIterations));
@@ -265,22 +265,23 @@ AEParam& AEContext::copyParam(int id) {
 
 void AEContext::updateParamUI(int id) {
     if (gSuites == nullptr) return;
-    ThrowIfErr(
-        gSuites->paramUtils()->PF_UpdateParamUI(inData->effect_ref, getParamNumber(id), &paramCopies[id]));
+    const auto update = HostCallback(gSuites->paramUtils(), &PF_ParamUtilsSuite1::PF_UpdateParamUI);
+    ThrowIfErr(update(inData->effect_ref, getParamNumber(id), &paramCopies[id]));
 }
 
 void AEContext::hideParam(int id, bool hide) const {
     if (gSuites == nullptr || !isAE6Compatible()) return;
     const AEGP_PluginID plugin = globalManager->pluginID;
     AEGP_EffectRefH effect = nullptr;
-    ThrowIfErr(gSuites->pfInterface()->AEGP_GetNewEffectForEffect(plugin, inData->effect_ref, &effect));
+    ThrowIfErr(HostCallback(gSuites->pfInterface(), &AEGP_PFInterfaceSuite1::AEGP_GetNewEffectForEffect)(
+        plugin, inData->effect_ref, &effect));
     AEGP_StreamRefH stream = nullptr;
-    ThrowIfErr(
-        gSuites->stream()->AEGP_GetNewEffectStreamByIndex(plugin, effect, getParamNumber(id), &stream));
-    ThrowIfErr(
-        gSuites->dynamicStream()->AEGP_SetDynamicStreamFlag(stream, AEGP_DynStreamFlag_HIDDEN, hide ? 1 : 0));
-    ThrowIfErr(gSuites->effect()->AEGP_DisposeEffect(effect));
-    ThrowIfErr(gSuites->stream()->AEGP_DisposeStream(stream));
+    ThrowIfErr(HostCallback(gSuites->stream(), &AEGP_StreamSuite1::AEGP_GetNewEffectStreamByIndex)(
+        plugin, effect, getParamNumber(id), &stream));
+    ThrowIfErr(HostCallback(gSuites->dynamicStream(), &AEGP_DynamicStreamSuite1::AEGP_SetDynamicStreamFlag)(
+        stream, AEGP_DynStreamFlag_HIDDEN, hide ? 1 : 0));
+    ThrowIfErr(HostCallback(gSuites->effect(), &AEGP_EffectSuite1::AEGP_DisposeEffect)(effect));
+    ThrowIfErr(HostCallback(gSuites->stream(), &AEGP_StreamSuite1::AEGP_DisposeStream)(stream));
     outData->out_flags |= PF_OutFlag_FORCE_RERENDER;
 }
 

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <limits>
 #include <type_traits>
 
 #include "Errors.h"
@@ -40,10 +41,15 @@ std::int64_t RowSize(const PF_EffectWorld& world) {
     return std::int64_t{world.width} * static_cast<std::int64_t>(sizeof(P));
 }
 
+// Rows hold their pixels, begin where a pixel may, and leave a gap that the buffer can tell.
 template <class P>
 void RequireRowsThatFit(const PF_EffectWorld& world) {
-    PILib::_Assert(!HasPixels(world) || std::abs(std::int64_t{world.rowbytes}) >= RowSize<P>(world),
-                   site::kWorldRowsFit, site::kAEPixelBufferFile);
+    const std::int64_t rowBytes = world.rowbytes;
+    const bool isWide = std::abs(rowBytes) >= RowSize<P>(world);
+    const bool isAligned = rowBytes % static_cast<std::int64_t>(alignof(P)) == 0;
+    const bool isTold = rowBytes - RowSize<P>(world) >= std::numeric_limits<std::int32_t>::min();
+    PILib::_Assert(!HasPixels(world) || (isWide && isAligned && isTold), site::kWorldRowsFit,
+                   site::kAEPixelBufferFile);
 }
 
 // The world's first pixel, as the host gives it for the depth of P.
@@ -102,6 +108,8 @@ void AEPixelBuffer<P>::initializeWithPFEW(PF_LayerDef& source) {
     RequirePossibleSize(source);
     unsigned char* const base = BaseAddress<P>(*inData, source);
     PILib::_Assert(!HasPixels(source) || base != nullptr, site::kWorldHasPixels, site::kAEPixelBufferFile);
+    PILib::_Assert(reinterpret_cast<std::uintptr_t>(base) % alignof(P) == 0, site::kWorldRowsFit,
+                   site::kAEPixelBufferFile);
     RequireRowsThatFit<P>(source);
     this->width = source.width;
     this->height = source.height;

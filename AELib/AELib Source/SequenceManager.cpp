@@ -16,6 +16,8 @@ SequenceManager::SequenceManager() {
 }
 
 SequenceManager::~SequenceManager() {
+    for (char** const handle : frameHandles)
+        ForgetInstanceHandle(handle);
     UnlistInstance(this);
 }
 

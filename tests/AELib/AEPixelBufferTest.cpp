@@ -2,6 +2,7 @@
 
 #include "AEPixelBuffer.h"
 
+#include <limits>
 #include <typeinfo>
 
 #include "Errors.h"
@@ -37,6 +38,8 @@ protected:
 };
 using Depths = testing::Types<Channel8, Channel15>;
 TYPED_TEST_SUITE(AEPixelBufferTest, Depths);
+
+using DeepWorldTest = AEPixelBufferTest<Channel15>;
 
 TYPED_TEST(AEPixelBufferTest, ViewsAWorldInPlaceByItsDepth) {
     HostWorld world(this->noise(1, 5, 3), 24);
@@ -197,6 +200,22 @@ TYPED_TEST(AEPixelBufferTest, WorldsThatCannotHoldTheirPixelsFail) {
     narrow.rowbytes = 4 * static_cast<A_long>(sizeof(Pixel<TypeParam>)) - 1;
     ExpectAssertion("AELib/AELib Source/AEPixelBuffer", 2,
                     [&] { typename TestFixture::Buffer(this->context, narrow); });
+    PF_EffectWorld far = world.def;
+    far.rowbytes = std::numeric_limits<A_long>::min();
+    ExpectAssertion("AELib/AELib Source/AEPixelBuffer", 2,
+                    [&] { typename TestFixture::Buffer(this->context, far); });
+}
+
+TEST_F(DeepWorldTest, PixelsAtOddAddressesAreRefused) {
+    HostWorld world(4, 2, true);
+    PF_EffectWorld oddRows = world.def;
+    ++oddRows.rowbytes;
+    ExpectAssertion("AELib/AELib Source/AEPixelBuffer", 2,
+                    [&] { AEPixelBuffer<Pixel<Channel15>>(context, oddRows); });
+    PF_EffectWorld oddBase = world.def;
+    oddBase.data = reinterpret_cast<PF_Pixel*>(reinterpret_cast<char*>(oddBase.data) + 1);
+    ExpectAssertion("AELib/AELib Source/AEPixelBuffer", 2,
+                    [&] { AEPixelBuffer<Pixel<Channel15>>(context, oddBase); });
 }
 
 TYPED_TEST(AEPixelBufferTest, BlendIsTheHostsBetweenHostPictures) {

@@ -102,7 +102,7 @@ PF_LayerDef HostileHost::chooseWorld() {
     PF_LayerDef world = choices.of(pictures)->def;
     if (!choices.oneIn(3)) return world;
     const A_long rowSize = world.width * (IsDeep(world) ? 8 : 4);
-    const A_long shortRows[] = {0, 1, -1, -4, rowSize - 1, 1 - rowSize};
+    const A_long shortRows[] = {0, 1, -1, -4, rowSize - 1, 1 - rowSize, rowSize + 1, INT32_MIN};
     switch (choices.below(7)) {
         case 0:
             world.width = choices.of(kAbsurdExtents);
