@@ -34,21 +34,56 @@ PILIB_INLINE Int TentMeans(Uint sums, Double first, Double second) {
                   Truncated(SecondHalfAsDoubles(sums) * second + 0.5));
 }
 
-// Reciprocals of the weights of every lane's own tent.
+// Whether singles decide most means of narrow sums: they hold 12 digits behind the point of 8-bit means, and
+// AVX-512 converts unsigned numbers to them at once.
+template <class Depth>
+constexpr bool kSinglesDecide = std::is_same_v<Depth, Depth8>&& kLanes == 16;
+
+// 8-bit means by singles, where all lanes `wanted` lie so far from a step that rounding cannot matter; else
+// what `inDoubles` gives. `scale` is 4096 / weights, rounded. Its error, those of the sum as a single and of
+// their product and, by less than 1, the truncation leave `fixed` 0.7 to 2.3 above 4096 * (mean + 0.5): where
+// its last 12 bits are 4 or more, the mean is on this side of the next step and past the last one by more
+// than a double's error.
+template <class InDoubles>
+PILIB_INLINE Int TentMeansBySingles(Uint sums, Float scale, unsigned wanted, InDoubles inDoubles) {
+    const Int fixed = Plus(Truncated(__builtin_convertvector(sums, Float) * scale), Splat(2048 + 2));
+    const unsigned undecided = Bits((fixed & 0xFFC) == 0) & wanted;
+    return undecided == 0 ? fixed >> 12 : inDoubles();
+}
+
+// The weights of every lane's own tent.
+struct LaneWeights {
+    Int weights;
+
+    PILIB_INLINE LaneWeights(Int halfX, Int halfY) : weights(Times(halfX * halfY, halfX * halfY)) {}
+
+    template <class Depth>
+    PILIB_INLINE Int means(Uint sums) const {
+        const auto inDoubles = [&]() PILIB_INLINE_LAMBDA {
+            return TentMeans(sums, reciprocals(FirstHalf(weights)), reciprocals(SecondHalf(weights)));
+        };
+        if constexpr (kSinglesDecide<Depth>) {
+            return TentMeansBySingles(sums, 4096.0F / AsFloat(weights), ~0U, inDoubles);
+        } else {
+            return inDoubles();
+        }
+    }
+
+    static PILIB_INLINE Double reciprocals(HalfInt half) {
+        return 1.0 / __builtin_convertvector(half, Double);
+    }
+};
+
+// Their reciprocals, one by one.
 struct LaneReciprocals {
     double at[kLanes];
 
     PILIB_INLINE LaneReciprocals(Int halfX, Int halfY) {
-        const Int weight = halfX * halfY;
-        const Int square = Times(weight, weight);
-        const Double first = 1.0 / __builtin_convertvector(FirstHalf(square), Double);
-        const Double second = 1.0 / __builtin_convertvector(SecondHalf(square), Double);
+        const LaneWeights lanes(halfX, halfY);
+        const Double first = LaneWeights::reciprocals(FirstHalf(lanes.weights));
+        const Double second = LaneWeights::reciprocals(SecondHalf(lanes.weights));
         std::memcpy(at, &first, sizeof first);
         std::memcpy(at + kLanes / 2, &second, sizeof second);
-    }
-
-    PILIB_INLINE Int means(Uint sums) const {
-        return TentMeans(sums, Load<Double>(at), Load<Double>(at + kLanes / 2));
     }
 };
 
@@ -129,8 +164,16 @@ struct Tent {
         PILIB_INLINE Means<Int> read(const Cell* table, unsigned members) const {
             if constexpr (kIsNarrow) {
                 const Means<Uint> sum = sums<Uint>(table);
-                const auto mean = [](Uint v, double reciprocal) PILIB_INLINE_LAMBDA {
-                    return TentMeans(v, Double{} + reciprocal, Double{} + reciprocal);
+                const auto mean = [members](Uint v, double reciprocal) PILIB_INLINE_LAMBDA {
+                    const auto inDoubles = [&]() PILIB_INLINE_LAMBDA {
+                        return TentMeans(v, Double{} + reciprocal, Double{} + reciprocal);
+                    };
+                    if constexpr (kSinglesDecide<Depth>) {
+                        const auto scale = static_cast<float>(4096.0 * reciprocal);
+                        return TentMeansBySingles(v, Float{} + scale, members, inDoubles);
+                    } else {
+                        return inDoubles();
+                    }
                 };
                 return {.whole = mean(sum.whole, reciprocals.whole),
                         .across = mean(sum.across, reciprocals.across),
@@ -150,9 +193,10 @@ struct Tent {
 
     // A block of pixels of whatever radii. What readPixel gives are narrow sums, or means already.
     struct Pixels {
-        LaneReciprocals whole;
-        LaneReciprocals across;
-        LaneReciprocals down;
+        using Lanes = std::conditional_t<kIsNarrow, LaneWeights, LaneReciprocals>;
+        Lanes whole;
+        Lanes across;
+        Lanes down;
 
         PILIB_INLINE Pixels(Int radiusX, Int radiusY)
             : whole(radiusX + 1, radiusY + 1),
@@ -197,10 +241,11 @@ struct Tent {
         PILIB_INLINE void toMeans(Int (&wholeAndAcross)[8], Int (&nextDown)[4]) const {
             if constexpr (kIsNarrow) {
                 for (int channel = 0; channel < 4; ++channel) {
-                    wholeAndAcross[2 * channel] = whole.means(AsUnsigned(wholeAndAcross[2 * channel]));
+                    wholeAndAcross[2 * channel] =
+                        whole.template means<Depth>(AsUnsigned(wholeAndAcross[2 * channel]));
                     wholeAndAcross[2 * channel + 1] =
-                        across.means(AsUnsigned(wholeAndAcross[2 * channel + 1]));
-                    nextDown[channel] = down.means(AsUnsigned(nextDown[channel]));
+                        across.template means<Depth>(AsUnsigned(wholeAndAcross[2 * channel + 1]));
+                    nextDown[channel] = down.template means<Depth>(AsUnsigned(nextDown[channel]));
                 }
             }
         }

@@ -399,6 +399,31 @@ TEST(BoxRowShapeTest, OneDarkerPixelInABoxThatIsNotSquareIsSeenAsPerPixel) {
     }
 }
 
+// Columns of two neighbouring colours in turn: the means of tents of even half-widths lie halfway between two
+// codes, where the reference rounds now up, now down.
+TYPED_TEST(BlurRowTest, MeansHalfwayBetweenTwoCodesAreRoundedAsPerPixel) {
+    using C = ChannelOf<TypeParam>;
+    using P = Pixel<C>;
+    using Type = typename C::Type;
+    constexpr int kWidth = 140;
+    constexpr int kUnit = C::kOne / 255;
+    for (const int longestRun : {0, 40}) {
+        for (const int k : {0, 1, 2, 6, 13, 64, 127, 128, 200, 254}) {
+            Random random(static_cast<unsigned>(k));
+            Scene<C> scene(random, kWidth, 2, longestRun);
+            scene.radiusX = scene.radiusY = 61.0F;
+            for (int x = 0; x < kWidth; ++x) {
+                const auto one = static_cast<Type>(k * kUnit);
+                const auto other = static_cast<Type>(one + x % 2);
+                const P colour(static_cast<Type>(C::kOne), other, one, other);
+                scene.picture.row(0)[x] = scene.picture.row(1)[x] = colour;
+            }
+            for (const SimdLevel level : VectorLevels())
+                ExpectEqualRows<TypeParam>(scene, level, k, 122, 122);
+        }
+    }
+}
+
 // The running sums of this row need more than 31 bits.
 TEST(WideRowTest, WhiteRowOfMoreThan65535CellsEqualsThePerPixelReadOut) {
     using C = Channel15;
