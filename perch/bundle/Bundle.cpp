@@ -129,8 +129,9 @@ LoadedLibrary loadLibrary(const Bundle& bundle) {
 }
 
 fs::path findBundleBeside(const fs::path& programFolder) {
+    const fs::path prefix = programFolder.parent_path();
     for (const fs::path& folder :
-         {programFolder, programFolder.parent_path(), programFolder.parent_path() / "lib"}) {
+         {programFolder, prefix, prefix / "lib", prefix / "lib64", prefix / "lib" / PERCH_MULTIARCH}) {
         const std::vector<fs::path> bundles = filesWithExtension(folder, ".plugin");
         if (bundles.size() == 1) return bundles.front();
         if (bundles.size() > 1) {

@@ -33,8 +33,9 @@ struct LoadedLibrary {
 // Error.
 LoadedLibrary loadLibrary(const Bundle& bundle);
 
-// The only *.plugin in the program's folder, else in the folder above, else in ../lib. Throws Error when
-// there is none or, in the folder that has some, more than one.
+// The only *.plugin in the program's folder, else in the folder above, else where distributions install
+// libraries: ../lib, ../lib64, ../lib/x86_64-linux-gnu and the like. Throws Error when there is none or, in
+// the folder that has some, more than one.
 std::filesystem::path findBundleBeside(const std::filesystem::path& programFolder);
 
 // `given`, or where it is empty the bundle beside the running program. Throws as findBundleBeside does.

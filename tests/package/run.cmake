@@ -37,3 +37,27 @@ execute_process(COMMAND "${ctest}"
       "-DCMAKE_PREFIX_PATH=${prefix}"
     --test-command consumer
   COMMAND_ERROR_IS_FATAL ANY)
+
+# The program finds the plug-in wherever a distribution keeps libraries.
+set(place "${prefix}/lib")
+foreach(other IN ITEMS lib64 "lib/${multiarch}")
+  execute_process(COMMAND "${prefix}/bin/perch" describe OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
+  cmake_path(GET other PARENT_PATH above)
+  file(MAKE_DIRECTORY "${prefix}/${above}")
+  file(RENAME "${place}/Kestrel.plugin" "${prefix}/Kestrel.moved")
+  set(place "${prefix}/${other}")
+  file(MAKE_DIRECTORY "${place}")
+  file(RENAME "${prefix}/Kestrel.moved" "${place}/Kestrel.plugin")
+endforeach()
+execute_process(COMMAND "${prefix}/bin/perch" describe OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
+
+# Undoing an installation leaves nothing, except what was there before.
+file(WRITE "${installed}/share/kept" "another program's")
+execute_process(COMMAND "${CMAKE_COMMAND}" --install "${build}" --prefix "${installed}" --config "${config}"
+  OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
+execute_process(COMMAND "${CMAKE_COMMAND}" "-DMANIFEST=${build}/install_manifest.txt" -P "${source}/cmake/Uninstall.cmake"
+  COMMAND_ERROR_IS_FATAL ANY)
+file(GLOB_RECURSE left LIST_DIRECTORIES true RELATIVE "${installed}" "${installed}/*")
+if(NOT left STREQUAL "share;share/kept")
+  message(FATAL_ERROR "After the installation was undone there are ${left}")
+endif()

@@ -117,7 +117,8 @@ TEST_F(BundleTest, EffectsThatCannotBeLoadedAreRefusedAndTheSentenceSaysHowToMen
 TEST_F(BundleTest, BundleBesideTheProgramIsFoundInItsFolderThenAboveThenInLib) {
     const fs::path program = folder / "bin";
     fs::create_directories(program);
-    const fs::path places[] = {folder / "lib", folder.path, program};  // from the last to the first looked at
+    // From the last to the first looked at.
+    const fs::path places[] = {folder / "lib64", folder / "lib", folder.path, program};
     EXPECT_THROW(findBundleBeside(program), Error);
     for (const fs::path& place : places) {
         fs::create_directories(place / "One.plugin");
