@@ -164,7 +164,7 @@ struct Tent {
         PILIB_INLINE Means<Int> read(const Cell* table, unsigned members) const {
             if constexpr (kIsNarrow) {
                 const Means<Uint> sum = sums<Uint>(table);
-                const auto mean = [members](Uint v, double reciprocal) PILIB_INLINE_LAMBDA {
+                const auto mean = [&](Uint v, double reciprocal) PILIB_INLINE_LAMBDA {
                     const auto inDoubles = [&]() PILIB_INLINE_LAMBDA {
                         return TentMeans(v, Double{} + reciprocal, Double{} + reciprocal);
                     };
