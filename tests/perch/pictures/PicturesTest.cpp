@@ -9,9 +9,9 @@
 #include <thread>
 
 #include "Error.h"
-#include "FileCodes.h"
 #include "PictureFiles.h"
 #include "PixelAccess.h"
+#include "Rescale.h"
 #include "TemporaryFolder.h"
 
 namespace perch {

@@ -16,9 +16,9 @@
 #include <vector>
 
 #include "Error.h"
-#include "FileCodes.h"
 #include "Pictures.h"
 #include "PixelAccess.h"
+#include "Rescale.h"
 
 namespace perch {
 namespace {

@@ -1,4 +1,4 @@
-#include "PictureFileEnd.h"
+#include "PictureEnd.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -12,10 +12,10 @@
 #include <vector>
 
 #include "Error.h"
-#include "FileCodes.h"
-#include "PictureFileEnd.h"
+#include "PictureEnd.h"
 #include "Pictures.h"
 #include "PixelAccess.h"
+#include "Rescale.h"
 
 namespace perch {
 namespace {
