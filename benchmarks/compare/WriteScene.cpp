@@ -9,7 +9,7 @@
 #include <filesystem>
 #include <string>
 
-#include "Pictures.h"
+#include "FileWorlds.h"
 #include "PluginRender.h"
 #include "SceneCache.h"
 
@@ -18,8 +18,8 @@ namespace {
 template <class C>
 void Write(bench::Size size, const std::filesystem::path& folder, const std::string& bits) {
     const bench::Scene<C> scene(size, bench::Matte::kObjects);
-    perch::writePicture(folder / ("beauty-" + bits + ".png"), bench::WorldOf(scene.beauty), true);
-    perch::writePicture(folder / ("matte-" + bits + ".png"), bench::WorldOf(scene.control), false);
+    perch::writeWorld(folder / ("beauty-" + bits + ".png"), bench::WorldOf(scene.beauty), true);
+    perch::writeWorld(folder / ("matte-" + bits + ".png"), bench::WorldOf(scene.control), false);
 }
 
 }  // namespace

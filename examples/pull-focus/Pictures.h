@@ -1,11 +1,10 @@
 // Picture files in and out of the library's buffers.
 //
 // A file's 8 bits per channel become Channel8, its 16 bits Channel15: codes 0 to 65535 are mapped to 0 to
-// 32768 and back, rounded to the nearest, so that every Channel15 value survives a file. Grey, grey with
-// alpha, RGB and RGBA are read; without alpha a picture is opaque. Alpha is straight in buffers and in the
-// files written. Profiles, orientation and other metadata are neither applied nor carried over.
+// 32768 and back, rounded to the nearest, so that every Channel15 value survives a file. Alpha is straight in
+// buffers and in the files written.
 //
-// Failures are std::runtime_error, whose what() is one sentence that names the file and the mend.
+// Failures are pictures::PictureError, whose what() is one sentence that names the file and how to mend it.
 #pragma once
 
 #include <memory>
@@ -21,7 +20,6 @@ struct Picture {
 // Whether files of the picture have 16 bits per channel, not 8.
 bool IsWide(const Picture& picture);
 
-// Reads a PNG, TIFF or JPEG file of 8 or 16 bits per channel.
 Picture ReadPicture(const std::string& path);
 
 // The same, converted to the depth of `like` and resampled to its size where they differ: bilinear, pixel
@@ -31,10 +29,9 @@ Picture ReadPictureLike(const std::string& path, const Picture& like);
 // A picture of the same depth, size and alpha; its pixels are not set.
 Picture NewPictureLike(const Picture& picture);
 
-// Throws unless a file of this name can be expected to hold the picture: the extension's format must hold its
-// depth and alpha, and the folder must exist.
+// Throws unless a file of this name can be expected to hold the picture.
 void RequireWritable(const std::string& path, const Picture& picture);
 
-// Writes PNG, TIFF or JPEG by the extension, RGB or RGBA at the picture's depth. The file appears whole or
-// not at all, and only then replaces one of the same name.
+// Writes PNG, TIFF or JPEG by the ending, RGB or RGBA at the picture's depth. The file appears whole or not
+// at all, and only then replaces one of the same name.
 void WritePicture(const std::string& path, const Picture& picture);

@@ -18,7 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using SharedPicture = std::shared_ptr<const Picture>;
+using SharedPicture = std::shared_ptr<const FileWorld>;
 using LayerPictures = std::map<PF_ParamIndex, SharedPicture>;
 
 std::chrono::nanoseconds timeOf(clockid_t clock) {
@@ -51,7 +51,7 @@ public:
         LayerPictures& layers = pictures[depth];
         for (const auto& [index, path] : paths) {
             SharedPicture& layer = layers[index];
-            if (layer == nullptr) layer = std::make_shared<const Picture>(readPicture(path, depth));
+            if (layer == nullptr) layer = std::make_shared<const FileWorld>(readWorld(path, depth));
         }
         return layers;
     }
@@ -64,7 +64,7 @@ private:
 
 // What a frame is rendered from.
 struct FramePictures {
-    Picture input;
+    FileWorld input;
     LayerPictures layers;
 };
 
@@ -123,13 +123,13 @@ private:
     FramePictures read(std::size_t index) {
         const Timer timer(CLOCK_THREAD_CPUTIME_ID, report.decodeTime);
         const FrameFiles& files = plan.frames[index];
-        FramePictures pictures{readPicture(files.input, settings.depth), {}};
+        FramePictures pictures{readWorld(files.input, settings.depth), {}};
         requireDepth(effect, pictures.input.pixels);
         const Depth depth = depthOf(pictures.input.pixels);
         requireWritable(files.output, depth, pictures.input.hasAlpha);
         pictures.layers = stillLayers.read(depth);
         for (const auto& [layer, path] : files.layers)
-            pictures.layers[layer] = std::make_shared<const Picture>(readPicture(path, depth));
+            pictures.layers[layer] = std::make_shared<const FileWorld>(readWorld(path, depth));
         return pictures;
     }
 
@@ -176,8 +176,8 @@ private:
     void write(std::size_t index, const World& picture, bool inputHasAlpha) {
         const Timer timer(CLOCK_THREAD_CPUTIME_ID, report.encodeTime);
         // An effect may make an opaque picture transparent.
-        writePicture(plan.frames[index].output, picture, inputHasAlpha || !needsNoAlpha(picture),
-                     settings.compression);
+        writeWorld(plan.frames[index].output, picture, inputHasAlpha || !needsNoAlpha(picture),
+                   settings.compression);
         ++report.framesWritten;
     }
 

@@ -10,9 +10,9 @@
 #include <vector>
 
 #include "Effect.h"
+#include "FileWorlds.h"
 #include "FramePlan.h"
 #include "ParameterSetting.h"
-#include "Pictures.h"
 
 namespace perch {
 

@@ -73,37 +73,40 @@ std::string CaseName(const testing::TestParamInfo<Case>& info) {
 }
 
 const std::string kSeeHelp = " (see pull-focus --help)";
-const std::string kDamaged = " is damaged or cut short; copy or save it again";
-const std::string kNoPicture = " is no picture or a damaged one; name a PNG, TIFF or JPEG file";
-const std::string kConvert = " channels; convert it to 8 or 16 bits (unsigned integer) per channel";
+const std::string kDamaged = "\": it is damaged or cut short; save or copy it again";
+const std::string kNoPicture = "\": it is not a picture, or a damaged one; name a PNG, TIFF or JPEG file";
+const std::string kConvert = " channels; convert it to 8 or 16 bits per channel";
 
 INSTANTIATE_TEST_SUITE_P(
     Input, RefusalTest,
     testing::Values(
         Case{"MissingBeauty", "none.png rgb.png out.png", kFailed,
-             "cannot open \"none.png\" (No such file or directory); check its name and permissions"},
+             "cannot read \"none.png\": there is no such file; check the name"},
         Case{"MissingControl", "rgb.png none.png out.png", kFailed,
-             "cannot open \"none.png\" (No such file or directory); check its name and permissions"},
+             "cannot read \"none.png\": there is no such file; check the name"},
         Case{"Folder", "folder rgb.png out.png", kFailed,
-             "\"folder\" is a folder or a device; name a picture file"},
+             "cannot read \"folder\": it is a folder; name a picture file"},
         Case{"Device", "/dev/zero rgb.png out.png", kFailed,
-             "\"/dev/zero\" is a folder or a device; name a picture file"},
-        Case{"Text", "text.png rgb.png out.png", kFailed, "\"text.png\"" + kNoPicture},
-        Case{"EmptyFile", "nothing.png rgb.png out.png", kFailed, "\"nothing.png\"" + kNoPicture},
-        Case{"NoPixels", "zero.png rgb.png out.png", kFailed, "\"zero.png\" has no pixels; save it again"},
-        Case{"HalfPng", "half_rgba.png rgb.png out.png", kFailed, "\"half_rgba.png\"" + kDamaged},
-        Case{"HalfJpeg", "half_rgb.jpg rgb.png out.png", kFailed, "\"half_rgb.jpg\"" + kDamaged},
-        Case{"HalfControl", "rgb.png half_rgba.png out.png", kFailed, "\"half_rgba.png\"" + kDamaged},
-        Case{"HalfTiff", "half_rgb.tif rgb.png out.png", kFailed, "\"half_rgb.tif\"" + kDamaged},
+             "cannot read \"/dev/zero\": it is not a file; name a picture file"},
+        Case{"Text", "text.png rgb.png out.png", kFailed, "cannot read \"text.png" + kNoPicture},
+        Case{"EmptyFile", "nothing.png rgb.png out.png", kFailed, "cannot read \"nothing.png" + kNoPicture},
+        Case{"NoPixels", "zero.png rgb.png out.png", kFailed,
+             "cannot read \"zero.png\": it has no pixels; save it again"},
+        Case{"HalfPng", "half_rgba.png rgb.png out.png", kFailed, "cannot read \"half_rgba.png" + kDamaged},
+        Case{"HalfJpeg", "half_rgb.jpg rgb.png out.png", kFailed, "cannot read \"half_rgb.jpg" + kDamaged},
+        Case{"HalfControl", "rgb.png half_rgba.png out.png", kFailed,
+             "cannot read \"half_rgba.png" + kDamaged},
+        Case{"HalfTiff", "half_rgb.tif rgb.png out.png", kFailed, "cannot read \"half_rgb.tif" + kDamaged},
         Case{"FloatTiff", "float.tif rgb.png out.png", kFailed,
-             "\"float.tif\" has 32-bit floating-point" + kConvert},
+             "cannot read \"float.tif\": it has 32-bit floating-point" + kConvert},
         Case{"FloatControl", "rgb.png float.exr out.png", kFailed,
-             "\"float.exr\" has 32-bit floating-point" + kConvert},
-        Case{"Integers", "int32.tif rgb.png out.png", kFailed, "\"int32.tif\" has 32-bit integer" + kConvert},
+             "cannot read \"float.exr\": it is an OpenEXR file; convert it to PNG, TIFF or JPEG"},
+        Case{"Integers", "int32.tif rgb.png out.png", kFailed,
+             "cannot read \"int32.tif\": it has 32-bit integer" + kConvert},
         Case{"FiveChannels", "five.tif rgb.png out.png", kFailed,
-             "\"five.tif\" has 5 channels; convert it to grey or RGB, with or without alpha"},
+             "cannot read \"five.tif\": it has 5 channels; convert it to grey or RGB, with or without alpha"},
         Case{"OtherFormat", "other.bmp rgb.png out.png", kFailed,
-             "\"other.bmp\" is a bmp file; convert it to PNG, TIFF or JPEG"}),
+             "cannot read \"other.bmp\": it is a BMP file; convert it to PNG, TIFF or JPEG"}),
     CaseName);
 
 INSTANTIATE_TEST_SUITE_P(
@@ -115,16 +118,16 @@ INSTANTIATE_TEST_SUITE_P(
              "cannot write \"rgb.png/out.png\": there is no folder \"rgb.png\"; create it first"},
         // Not even the super-user creates files there.
         Case{"FolderNotWritable", "rgb.png rgb.png /proc/out.png", kFailed,
-             "cannot create \"/proc/out.png\" (No such file or directory); "
-             "check its folder and the folder's permissions"},
+             "cannot write \"/proc/out.png\": No such file or directory; check its folder and the room on "
+             "its disk"},
         Case{"FolderOfThisName", "rgb.png rgb.png folder.png", kFailed,
              "cannot write \"folder.png\": a folder has this name; choose another"},
         Case{"UnknownFormat", "rgb.png rgb.png out.exr", kFailed,
              "cannot write \"out.exr\": its name must end in .png, .tif, .tiff, .jpg or .jpeg"},
         Case{"JpegWithAlpha", "rgba.png rgb.png out.jpg", kFailed,
-             "cannot write \"out.jpg\": JPEG holds no alpha and the beauty has one; use .png or .tif"},
+             "cannot write \"out.jpg\": JPEG holds no alpha and the picture has one; use .png or .tif"},
         Case{"DeepJpeg", "rgb16.png rgb.png out.jpg", kFailed,
-             "cannot write \"out.jpg\": JPEG holds 8 bits per channel and the beauty has 16; "
+             "cannot write \"out.jpg\": JPEG holds 8 bits per channel and the picture has 16; "
              "use .png or .tif"}),
     CaseName);
 

@@ -116,8 +116,8 @@ TEST(PullFocusTest, FullDiskFailsAndLeavesTheOlderFile) {
         // program.
         const Outcome outcome = PullFocus(folder, "rgb.png rgb.png " + name, "trap '' XFSZ; ulimit -f 1;");
         EXPECT_EQ(outcome.exitCode, 1) << name;
-        EXPECT_EQ(outcome.err,
-                  "pull-focus: cannot write \"" + name + "\" (File too large); make room on its disk\n");
+        EXPECT_EQ(outcome.err, "pull-focus: cannot write \"" + name +
+                                   "\": File too large; check its folder and the room on its disk\n");
         EXPECT_EQ(BytesOf(folder.file(name)), "older");
         EXPECT_EQ(folder.names(), before);
     }

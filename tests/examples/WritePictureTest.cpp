@@ -95,10 +95,10 @@ TEST_F(WritePictureTest, FormatsThatCannotHoldThePictureAreRefused) {
     Picture wide = AllCodes<Channel15>(2, 2);
     wide.hasAlpha = false;
     EXPECT_EQ(refusal("a.jpg", withAlpha), "cannot write \"" + folder.file("a.jpg") +
-                                               "\": JPEG holds no alpha and the beauty has one; " +
+                                               "\": JPEG holds no alpha and the picture has one; " +
                                                "use .png or .tif");
     EXPECT_EQ(refusal("a.jpeg", wide), "cannot write \"" + folder.file("a.jpeg") +
-                                           "\": JPEG holds 8 bits per channel and the beauty has 16; " +
+                                           "\": JPEG holds 8 bits per channel and the picture has 16; " +
                                            "use .png or .tif");
     for (const std::string name : {"a", "a.bmp", "a.exr", "png", ".png"}) {
         EXPECT_EQ(refusal(name, withAlpha), "cannot write \"" + folder.file(name) +

@@ -25,6 +25,15 @@ endforeach()
 # The installed program finds the installed plug-in by itself.
 execute_process(COMMAND "${prefix}/bin/perch" check OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
 
+# It finds its module as well, and loads the image library for pictures alone.
+execute_process(COMMAND "${prefix}/bin/perch" render --input "${source}/samples/still/beauty.png" --output "${scratch}/still.png"
+  COMMAND_ERROR_IS_FATAL ANY)
+execute_process(COMMAND "${CMAKE_COMMAND}" -E env LD_TRACE_LOADED_OBJECTS=1 "${prefix}/bin/perch"
+  OUTPUT_VARIABLE libraries COMMAND_ERROR_IS_FATAL ANY)
+if(libraries MATCHES "OpenImageIO")
+  message(FATAL_ERROR "The installed program loads the image library at every start: ${libraries}")
+endif()
+
 # Objects of a sanitized library only link and run in a program built with the same sanitizers.
 if(sanitize)
   string(APPEND flags " -fsanitize=${sanitize} -fno-sanitize-recover=all")

@@ -2,20 +2,10 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <fstream>
-#include <sstream>
-#include <string>
-#include <utility>
+#include <string_view>
 
-namespace perch {
+namespace pictures {
 namespace {
-
-std::string bytesOf(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream bytes;
-    bytes << file.rdbuf();
-    return std::move(bytes).str();
-}
 
 // The big-endian number in the next `size` bytes, which must be there.
 std::uint32_t numberAt(std::string_view bytes, std::size_t offset, std::size_t size) {
@@ -55,10 +45,18 @@ bool hasJpegEnd(std::string_view bytes) {
 
 }  // namespace
 
-bool reachesItsEnd(const std::filesystem::path& path, std::string_view format) {
-    if (format == "png") return hasPngEnd(bytesOf(path));
-    if (format == "jpeg") return hasJpegEnd(bytesOf(path));
+bool reachesItsEnd(std::span<const unsigned char> bytes, FileFormat format) {
+    const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    if (format == FileFormat::Png) return hasPngEnd(text);
+    if (format == FileFormat::Jpeg) return hasJpegEnd(text);
     return true;
 }
 
-}  // namespace perch
+bool isEmptyPng(std::span<const unsigned char> bytes, FileFormat format) {
+    constexpr std::size_t kWidth = 16;
+    constexpr std::size_t kHeight = 20;
+    const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    return format == FileFormat::Png && (numberAt(text, kWidth, 4) == 0 || numberAt(text, kHeight, 4) == 0);
+}
+
+}  // namespace pictures

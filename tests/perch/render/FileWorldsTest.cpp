@@ -1,4 +1,4 @@
-#include "Pictures.h"
+#include "FileWorlds.h"
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -11,7 +11,6 @@
 #include "Error.h"
 #include "PictureFiles.h"
 #include "PixelAccess.h"
-#include "Rescale.h"
 #include "TemporaryFolder.h"
 
 namespace perch {
@@ -27,16 +26,16 @@ Codes codesOf(const P& pixel) {
 }
 
 // Alpha, red, green, blue of a picture of one pixel.
-Codes onePixel(const Picture& picture) {
+Codes onePixel(const FileWorld& picture) {
     return picture.pixels.isDeep() ? codesOf(pixelRow<PF_Pixel16>(picture.pixels.record(), 0)[0])
                                    : codesOf(pixelRow<PF_Pixel>(picture.pixels.record(), 0)[0]);
 }
 
-class PicturesTest : public testing::Test {
+class FileWorldsTest : public testing::Test {
 protected:
     std::string failureToRead(const std::string& name) const {
         try {
-            readPicture(folder / name);
+            readWorld(folder / name);
         } catch (const Error& error) {
             return error.what();
         }
@@ -45,7 +44,7 @@ protected:
 
     std::string failureToWrite(const std::string& name, const World& world, bool withAlpha) const {
         try {
-            writePicture(folder / name, world, withAlpha);
+            writeWorld(folder / name, world, withAlpha);
         } catch (const Error& error) {
             return error.what();
         }
@@ -64,7 +63,7 @@ protected:
     TemporaryFolder folder;
 };
 
-TEST_F(PicturesTest, EveryCodeOfADeepWorldSurvivesAFile) {
+TEST_F(FileWorldsTest, EveryCodeOfADeepWorldSurvivesAFile) {
     constexpr std::int32_t kCodes = 32769;
     World world(kCodes, 1, true);
     std::uint16_t code = 0;
@@ -80,8 +79,8 @@ TEST_F(PicturesTest, EveryCodeOfADeepWorldSurvivesAFile) {
                 pixelRow<PF_Pixel16>(world.record(), 0).subspan(static_cast<std::size_t>(y * (kCodes / 3)));
             std::copy_n(source.begin(), kCodes / 3, pixelRow<PF_Pixel16>(folded.record(), y).begin());
         }
-        writePicture(folder / name, folded, true);
-        const Picture read = readPicture(folder / name);
+        writeWorld(folder / name, folded, true);
+        const FileWorld read = readWorld(folder / name);
         ASSERT_TRUE(read.pixels.isDeep()) << name;
         EXPECT_TRUE(read.hasAlpha) << name;
         for (std::int32_t y = 0; y < 3; ++y) {
@@ -94,7 +93,7 @@ TEST_F(PicturesTest, EveryCodeOfADeepWorldSurvivesAFile) {
     }
 }
 
-TEST_F(PicturesTest, EveryCodeOfAnEightBitWorldSurvivesAFile) {
+TEST_F(FileWorldsTest, EveryCodeOfAnEightBitWorldSurvivesAFile) {
     World world(256, 1, false);
     A_u_char code = 0;
     for (PF_Pixel& pixel : pixelRow<PF_Pixel>(world.record(), 0)) {
@@ -102,8 +101,8 @@ TEST_F(PicturesTest, EveryCodeOfAnEightBitWorldSurvivesAFile) {
         ++code;
     }
     for (const char* name : {"a.png", "a.tif"}) {
-        writePicture(folder / name, world, true);
-        const Picture read = readPicture(folder / name);
+        writeWorld(folder / name, world, true);
+        const FileWorld read = readWorld(folder / name);
         ASSERT_FALSE(read.pixels.isDeep()) << name;
         for (std::size_t x = 0; x < 256; ++x) {
             ASSERT_EQ(codesOf(pixelRow<PF_Pixel>(read.pixels.record(), 0)[x]),
@@ -113,13 +112,13 @@ TEST_F(PicturesTest, EveryCodeOfAnEightBitWorldSurvivesAFile) {
     }
 }
 
-TEST_F(PicturesTest, SixteenBitFileCodesAreRoundedToTheNearestOfADeepWorld) {
+TEST_F(FileWorldsTest, SixteenBitFileCodesAreRoundedToTheNearestOfADeepWorld) {
     constexpr int kSide = 256;
     std::vector<std::uint16_t> samples(kSide * kSide);
     for (std::size_t i = 0; i < samples.size(); ++i)
         samples[i] = static_cast<std::uint16_t>(i);
     writeFile(folder / "grey.png", {kSide, kSide, 1}, samples);
-    const Picture read = readPicture(folder / "grey.png");
+    const FileWorld read = readWorld(folder / "grey.png");
     EXPECT_FALSE(read.hasAlpha);
     for (std::uint32_t code = 0; code < samples.size(); ++code) {
         const PF_Pixel16& pixel =
@@ -129,7 +128,7 @@ TEST_F(PicturesTest, SixteenBitFileCodesAreRoundedToTheNearestOfADeepWorld) {
     }
 }
 
-TEST_F(PicturesTest, ChannelsOfTheFileBecomeThoseOfTheWorld) {
+TEST_F(FileWorldsTest, ChannelsOfTheFileBecomeThoseOfTheWorld) {
     struct Case {
         const char* name;
         FileShape shape;
@@ -151,22 +150,22 @@ TEST_F(PicturesTest, ChannelsOfTheFileBecomeThoseOfTheWorld) {
     };
     for (const Case& c : cases) {
         writeFile(folder / c.name, c.shape, c.samples);
-        const Picture read = readPicture(folder / c.name);
+        const FileWorld read = readWorld(folder / c.name);
         EXPECT_EQ(onePixel(read), c.codes) << c.name;
         EXPECT_EQ(read.hasAlpha, c.hasAlpha) << c.name;
         EXPECT_FALSE(read.pixels.isDeep()) << c.name;
     }
 }
 
-TEST_F(PicturesTest, DepthIsConvertedWhenAskedFor) {
+TEST_F(FileWorldsTest, DepthIsConvertedWhenAskedFor) {
     writeFile<std::uint8_t>(folder / "8.png", {}, {1, 128, 254, 255});
     writeFile<std::uint16_t>(folder / "16.png", {}, {128, 129, 65407, 65535});
-    EXPECT_EQ(onePixel(readPicture(folder / "8.png", Depth::Bits16)), (Codes{32768, 129, 16448, 32639}));
-    EXPECT_EQ(onePixel(readPicture(folder / "16.png", Depth::Bits8)), (Codes{255, 0, 1, 255}));
-    EXPECT_EQ(onePixel(readPicture(folder / "8.png", Depth::Bits8)), (Codes{255, 1, 128, 254}));
+    EXPECT_EQ(onePixel(readWorld(folder / "8.png", Depth::Bits16)), (Codes{32768, 129, 16448, 32639}));
+    EXPECT_EQ(onePixel(readWorld(folder / "16.png", Depth::Bits8)), (Codes{255, 0, 1, 255}));
+    EXPECT_EQ(onePixel(readWorld(folder / "8.png", Depth::Bits8)), (Codes{255, 1, 128, 254}));
 }
 
-TEST_F(PicturesTest, FilesThatAreNoPicturesAreRefusedAndTheSentenceSaysHowToMendIt) {
+TEST_F(FileWorldsTest, FilesThatAreNoPicturesAreRefusedAndTheSentenceSaysHowToMendIt) {
     writeBytes(folder / "text.png", "not a picture");
     writeBytes(folder / "empty.png", "");
     writeFile<float>(folder / "float.tif", {}, {0, 0, 0, 1});
@@ -181,16 +180,16 @@ TEST_F(PicturesTest, FilesThatAreNoPicturesAreRefusedAndTheSentenceSaysHowToMend
         {"text.png", notPicture},
         {"empty.png", notPicture},
         {"float.tif", "it has 32-bit floating-point channels; convert it to 8 or 16 bits per channel"},
-        {"half.exr", "it has 32-bit floating-point channels; convert it to 8 or 16 bits per channel"},
+        {"half.exr", "it is an OpenEXR file; convert it to PNG, TIFF or JPEG"},
         {"wide.tif", "it has 32-bit integer channels; convert it to 8 or 16 bits per channel"},
         {"five.tif", "it has 5 channels; convert it to grey or RGB, with or without alpha"},
-        {"other.bmp", "it is a bmp file; convert it to PNG, TIFF or JPEG"},
+        {"other.bmp", "it is a BMP file; convert it to PNG, TIFF or JPEG"},
     };
     for (const auto& [name, reason] : cases)
         EXPECT_EQ(failureToRead(name), sentence("read", name, reason));
 }
 
-TEST_F(PicturesTest, CutFilesAreRefused) {
+TEST_F(FileWorldsTest, CutFilesAreRefused) {
     constexpr int kSide = 64;
     std::vector<std::uint8_t> noise(kSide * kSide * 3);
     std::uint32_t state = 1;
@@ -208,7 +207,7 @@ TEST_F(PicturesTest, CutFilesAreRefused) {
     }
 }
 
-TEST_F(PicturesTest, OutputsThatCannotBeAreRefusedAndTheSentenceSaysHowToMendIt) {
+TEST_F(FileWorldsTest, OutputsThatCannotBeAreRefusedAndTheSentenceSaysHowToMendIt) {
     std::filesystem::create_directory(folder / "folder.png");
     const World eight(1, 1, false);
     const World deep(1, 1, true);
@@ -255,7 +254,7 @@ private:
     void (*const handler)(int);
 };
 
-TEST_F(PicturesTest, FullDiskLeavesTheFileBeforeAndNoPartOfTheNew) {
+TEST_F(FileWorldsTest, FullDiskLeavesTheFileBeforeAndNoPartOfTheNew) {
     World world(200, 200, false);
     std::uint32_t state = 1;
     for (std::int32_t y = 0; y < 200; ++y) {
@@ -267,7 +266,7 @@ TEST_F(PicturesTest, FullDiskLeavesTheFileBeforeAndNoPartOfTheNew) {
     for (const char* name : {"a.png", "a.tif", "a.jpg"}) {
         writeBytes(folder / name, "before");
         const std::filesystem::path whole = folder / ("whole-" + std::string(name));
-        writePicture(whole, world, false);
+        writeWorld(whole, world, false);
         const std::uintmax_t size = std::filesystem::file_size(whole);
         const std::size_t files = fileCount();
         // The last bytes are written when the file is closed.
@@ -285,7 +284,7 @@ TEST_F(PicturesTest, FullDiskLeavesTheFileBeforeAndNoPartOfTheNew) {
     }
 }
 
-TEST_F(PicturesTest, EveryCompressionHoldsTheSamePicture) {
+TEST_F(FileWorldsTest, EveryCompressionHoldsTheSamePicture) {
     World world(64, 48, true);
     for (std::int32_t y = 0; y < 48; ++y) {
         PF_Pixel16 next{32768, 0, 0, 0};
@@ -297,8 +296,8 @@ TEST_F(PicturesTest, EveryCompressionHoldsTheSamePicture) {
     for (const char* const name : {"a.png", "a.tif"}) {
         std::vector<std::uintmax_t> sizes;
         for (int level = 0; level <= kMostCompression; ++level) {
-            writePicture(folder / name, world, true, level);
-            EXPECT_EQ(readPicture(folder / name).pixels.checksum(), world.checksum())
+            writeWorld(folder / name, world, true, level);
+            EXPECT_EQ(readWorld(folder / name).pixels.checksum(), world.checksum())
                 << name << ", level " << level;
             sizes.push_back(std::filesystem::file_size(folder / name));
         }
@@ -307,33 +306,33 @@ TEST_F(PicturesTest, EveryCompressionHoldsTheSamePicture) {
     }
 }
 
-TEST_F(PicturesTest, WithoutAlphaTheFileHasThreeChannels) {
+TEST_F(FileWorldsTest, WithoutAlphaTheFileHasThreeChannels) {
     World world(1, 1, false);
     pixelRow<PF_Pixel>(world.record(), 0)[0] = {9, 1, 2, 3};
-    writePicture(folder / "a.png", world, false);
-    const Picture read = readPicture(folder / "a.png");
+    writeWorld(folder / "a.png", world, false);
+    const FileWorld read = readWorld(folder / "a.png");
     EXPECT_FALSE(read.hasAlpha);
     EXPECT_EQ(onePixel(read), (Codes{255, 1, 2, 3}));
 }
 
-TEST_F(PicturesTest, SamePixelsGiveTheSameBytesAtAnyTime) {
+TEST_F(FileWorldsTest, SamePixelsGiveTheSameBytesAtAnyTime) {
     const World world(3, 2, false);
     const std::chrono::year_month_day today{
         std::chrono::floor<std::chrono::days>(std::chrono::system_clock::now())};
     // Files keep a date as text, or in a chunk of its own.
     const std::string year = std::to_string(int{today.year()});
     for (const char* name : {"a.png", "a.tif", "a.jpg"}) {
-        writePicture(folder / name, world, false);
+        writeWorld(folder / name, world, false);
         const std::string bytes = bytesOf(folder / name);
         EXPECT_EQ(bytes.find(year + ":"), std::string::npos) << name;
         EXPECT_EQ(bytes.find(year + "-"), std::string::npos) << name;
         EXPECT_EQ(bytes.find("tIME"), std::string::npos) << name;
-        writePicture(folder / name, world, false);
+        writeWorld(folder / name, world, false);
         EXPECT_EQ(bytesOf(folder / name), bytes) << name;
     }
 }
 
-TEST_F(PicturesTest, AlphaIsNeededWhereOneIsBelowWhite) {
+TEST_F(FileWorldsTest, AlphaIsNeededWhereOneIsBelowWhite) {
     World world(2, 1, true);
     for (PF_Pixel16& pixel : pixelRow<PF_Pixel16>(world.record(), 0))
         pixel.alpha = 32768;

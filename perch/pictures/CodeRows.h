@@ -1,0 +1,33 @@
+// Rows of pictures as the codes of effects: alpha, red, green and blue, alpha straight, from 0 to a white
+// that the caller chooses. Codes are rounded to the nearest, so that each code of a white up to 32768
+// survives 16 bits.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "Picture.h"
+
+namespace pictures {
+
+struct Codes {
+    std::uint16_t alpha;
+    std::uint16_t red;
+    std::uint16_t green;
+    std::uint16_t blue;
+};
+
+// `value` on the scale of 0 to `from`, which it may exceed, on the scale of 0 to `to`, rounded to the
+// nearest. All three are at most 65535, so that the product stays below 2^32.
+constexpr std::uint32_t rescale(std::uint32_t value, std::uint32_t from, std::uint32_t to) {
+    return (value * to + from / 2) / from;
+}
+
+// Fills a row of the picture's width. Without alpha a picture is opaque; premultiplied colours are divided by
+// it.
+void readCodes(const Picture& picture, std::int32_t y, std::uint32_t white, std::span<Codes> row);
+
+// Into a picture of 3 or 4 channels. Codes above white are taken for white.
+void writeCodes(std::span<const Codes> row, std::uint32_t white, std::int32_t y, Picture& picture);
+
+}  // namespace pictures

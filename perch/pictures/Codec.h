@@ -1,0 +1,34 @@
+// Pictures from the bytes of files and back: the one place that knows an image library, whose loading takes
+// longer than most of the program's commands. A program either links the codec or the loader, which finds it
+// in a module beside the program when it is first asked for; both define codec().
+#pragma once
+
+#include <span>
+#include <vector>
+
+#include "FileFormat.h"
+#include "Picture.h"
+
+namespace pictures {
+
+struct Encoding {
+    FileFormat format = FileFormat::Png;
+    int compression = 0;  // of PNG and TIFF, from 0, none, to 9
+};
+
+// Any thread. Failures are PictureError, with the reason and how to mend it alone: whose bytes they are, the
+// caller knows.
+class Codec {
+public:
+    Codec() = default;
+    virtual ~Codec() = default;
+    Codec(const Codec&) = delete;
+    Codec& operator=(const Codec&) = delete;
+
+    virtual Picture decode(std::span<const unsigned char> bytes, FileFormat format) const = 0;
+    virtual std::vector<unsigned char> encode(const Picture& picture, const Encoding& encoding) const = 0;
+};
+
+const Codec& codec();
+
+}  // namespace pictures

@@ -1,0 +1,69 @@
+#include "PictureFile.h"
+
+#include <fmt/format.h>
+
+#include <optional>
+#include <system_error>
+
+#include "FileBytes.h"
+#include "PictureError.h"
+
+namespace pictures {
+namespace {
+
+namespace fs = std::filesystem;
+
+FileFormat requireFormat(const fs::path& path, std::span<const unsigned char> bytes) {
+    if (const std::optional<FileFormat> format = formatOfBytes(bytes)) return *format;
+    const std::string_view foreign = foreignFormatOf(bytes);
+    if (foreign.empty()) {
+        refuseToRead(path, "it is not a picture, or a damaged one; name a PNG, TIFF or JPEG file");
+    }
+    refuseToRead(path, fmt::format("it is {} file; convert it to PNG, TIFF or JPEG", foreign));
+}
+
+FileFormat requireFormat(const fs::path& path) {
+    if (const std::optional<FileFormat> format = formatOfName(path)) return *format;
+    refuseToWrite(path, "its name must end in .png, .tif, .tiff, .jpg or .jpeg");
+}
+
+}  // namespace
+
+Picture readPicture(const fs::path& path) {
+    const FileBytes bytes = readFile(path);
+    const FileFormat format = requireFormat(path, bytes);
+    try {
+        return codec().decode(bytes, format);
+    } catch (const PictureError& error) {
+        refuseToRead(path, error.what());
+    }
+}
+
+void requireWritable(const fs::path& path, SampleType type, bool withAlpha) {
+    const FileFormat format = requireFormat(path);
+    if (!holds(format, type)) {
+        refuseToWrite(path, "JPEG holds 8 bits per channel and the picture has 16; use .png or .tif");
+    }
+    if (withAlpha && !holdsAlpha(format)) {
+        refuseToWrite(path, "JPEG holds no alpha and the picture has one; use .png or .tif");
+    }
+    std::error_code ignored;
+    const fs::path folder = folderOf(path);
+    if (!fs::is_directory(folder, ignored)) {
+        refuseToWrite(path, fmt::format("there is no folder \"{}\"; create it first", folder.string()));
+    }
+    if (fs::is_directory(path, ignored)) refuseToWrite(path, "a folder has this name; choose another");
+}
+
+void writePicture(const fs::path& path, const Picture& picture, int compression) {
+    requireWritable(path, picture.type(), picture.hasAlpha());
+    FileBytes bytes;
+    try {
+        bytes = codec().encode(picture, {.format = requireFormat(path), .compression = compression});
+    } catch (const PictureError& error) {
+        refuseToWrite(path, error.what());
+    }
+    replaceFile(path, bytes);
+}
+
+}  // namespace pictures

@@ -1,0 +1,34 @@
+// Picture files: PNG, TIFF and JPEG of 8 or 16 bits per channel, grey or RGB, with or without alpha.
+// Profiles, orientation and other metadata are neither applied nor carried over.
+//
+// Failures are PictureError: one sentence that names the file and how to mend it. Any thread.
+#pragma once
+
+#include <filesystem>
+
+#include "Codec.h"
+#include "Picture.h"
+
+namespace pictures {
+
+// Of the width and height: more than any frame has. Keeps a hostile size from taking the machine's memory.
+constexpr std::int32_t kLargestExtent = 30000;
+
+// Opens the file once and decodes its bytes from memory.
+Picture readPicture(const std::filesystem::path& path);
+
+// Throws unless a file of this name can be expected to hold such a picture: its format by the ending must
+// have the type and alpha, and its folder must exist.
+void requireWritable(const std::filesystem::path& path, SampleType type, bool withAlpha);
+
+// Of PNG and TIFF files, which lose nothing at any level: from 0, none, to the most. The fast one takes much
+// less time than the encoders' own choice, 6, for files somewhat larger; docs/perch.md has the figures.
+constexpr int kFastCompression = 2;
+constexpr int kMostCompression = 9;
+
+// Writes the picture in the format of the ending. The file appears whole or not at all, and only then
+// replaces one of the same name.
+void writePicture(const std::filesystem::path& path, const Picture& picture,
+                  int compression = kFastCompression);
+
+}  // namespace pictures

@@ -1,0 +1,14 @@
+// Pictures from bytes, through OpenImageIO.
+#pragma once
+
+#include <span>
+
+#include "FileFormat.h"
+#include "Picture.h"
+
+namespace pictures {
+
+// As Codec::decode.
+Picture decode(std::span<const unsigned char> bytes, FileFormat format);
+
+}  // namespace pictures

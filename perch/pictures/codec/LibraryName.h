@@ -1,0 +1,22 @@
+// What OpenImageIO calls our formats.
+#pragma once
+
+#include "FileFormat.h"
+
+namespace pictures {
+
+constexpr const char* libraryName(FileFormat format) {
+    switch (format) {
+        case FileFormat::Png:
+            return "png";
+        case FileFormat::Tiff:
+            return "tiff";
+        case FileFormat::Jpeg:
+            return "jpeg";
+    }
+    return "";
+}
+
+constexpr char kAlphaIsStraight[] = "oiio:UnassociatedAlpha";
+
+}  // namespace pictures

@@ -1,0 +1,33 @@
+// The codec itself, for programs that link it.
+#include <OpenImageIO/imageio.h>
+
+#include "Codec.h"
+#include "Decode.h"
+#include "Encode.h"
+
+namespace pictures {
+namespace {
+
+class LinkedCodec final : public Codec {
+public:
+    LinkedCodec() {
+        OIIO::attribute("threads", 1);  // frames are decoded beside one another; a pool would only be started
+    }
+
+    Picture decode(std::span<const unsigned char> bytes, FileFormat format) const override {
+        return pictures::decode(bytes, format);
+    }
+
+    std::vector<unsigned char> encode(const Picture& picture, const Encoding& encoding) const override {
+        return pictures::encode(picture, encoding);
+    }
+};
+
+}  // namespace
+
+const Codec& codec() {
+    static const LinkedCodec linked;
+    return linked;
+}
+
+}  // namespace pictures

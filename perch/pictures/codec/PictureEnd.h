@@ -1,0 +1,18 @@
+// Whether the bytes of a picture file reach its end. Decoders fill what a cut file lacks and say nothing, or
+// say it on stderr.
+#pragma once
+
+#include <span>
+
+#include "FileFormat.h"
+
+namespace pictures {
+
+// Files of formats other than PNG and JPEG are taken to be whole.
+bool reachesItsEnd(std::span<const unsigned char> bytes, FileFormat format);
+
+// Whether a PNG that reaches its end says that it is 0 pixels wide or high, which its decoder complains about
+// on stderr.
+bool isEmptyPng(std::span<const unsigned char> bytes, FileFormat format);
+
+}  // namespace pictures
