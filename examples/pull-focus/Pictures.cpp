@@ -1,6 +1,7 @@
 #include "Pictures.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <vector>
 
 #include "CodeRows.h"
@@ -80,6 +81,12 @@ Picture ReadPicture(const std::string& path) {
 Picture ReadPictureLike(const std::string& path, const Picture& like) {
     const pictures::Picture picture = pictures::readPicture(path);
     return {ToPixels(picture, IsWide(like), like.pixels->width, like.pixels->height), picture.hasAlpha()};
+}
+
+void PrepareOutput(const std::string& path, const std::vector<std::string>& inputs) {
+    const std::filesystem::path output = path;
+    pictures::requireNotRead(output, std::vector<std::filesystem::path>(inputs.begin(), inputs.end()));
+    pictures::prepareOutputs({&output, 1});
 }
 
 void RequireWritable(const std::string& path, const Picture& picture) {

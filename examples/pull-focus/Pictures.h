@@ -9,6 +9,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "FrameBuffer.h"
 
@@ -28,6 +29,9 @@ Picture ReadPictureLike(const std::string& path, const Picture& like);
 
 // A picture of the same depth, size and alpha; its pixels are not set.
 Picture NewPictureLike(const Picture& picture);
+
+// Throws where the output is one of the inputs, through any links, or cannot be written. Before any work.
+void PrepareOutput(const std::string& path, const std::vector<std::string>& inputs);
 
 // Throws unless a file of this name can be expected to hold the picture.
 void RequireWritable(const std::string& path, const Picture& picture);

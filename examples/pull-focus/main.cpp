@@ -20,6 +20,7 @@ constexpr int kFailed = 1;
 constexpr int kWrongUsage = 2;
 
 void PullFocus(const Options& options) {
+    PrepareOutput(options.output, {options.beauty, options.control});
     const Picture beauty = ReadPicture(options.beauty);
     const Picture control = ReadPictureLike(options.control, beauty);
     RequireWritable(options.output, beauty);

@@ -12,6 +12,7 @@ enum ExitStatus {
     kFailed = 1,
     kWrongUse = 2,
     kInterrupted = 130,  // as shells report an end by the interrupt signal
+    kTerminated = 143,   // and by the one that asks a program to end
 };
 
 int runRenderCommand(const std::vector<std::string>& arguments);

@@ -17,6 +17,7 @@
 #include "Effect.h"
 #include "Error.h"
 #include "RenderOptions.h"
+#include "ReplacedFile.h"
 
 namespace perch {
 namespace {
@@ -24,12 +25,23 @@ namespace {
 std::atomic<bool> gWasInterrupted = false;
 static_assert(std::atomic<bool>::is_always_lock_free, "set from a signal handler");
 
-// From here on an interrupt asks the effect to stop.
+volatile std::sig_atomic_t gEndingSignal = 0;
+
+// The first signal asks the effect to stop, the second ends the program.
+void endSoon(int signal) {
+    gEndingSignal = signal;
+    if (!gWasInterrupted.exchange(true)) return;
+    pictures::removeTemporaryFiles();
+    std::signal(signal, SIG_DFL);
+    std::raise(signal);
+}
+
 void catchInterrupts() {
     struct sigaction action {};
-    action.sa_handler = [](int) { gWasInterrupted = true; };
+    action.sa_handler = endSoon;
     action.sa_flags = SA_RESTART;
     sigaction(SIGINT, &action, nullptr);
+    sigaction(SIGTERM, &action, nullptr);
 }
 
 // One line on the terminal that is written over until the job is done; nothing when stderr is not a terminal.
@@ -133,7 +145,7 @@ int reportInterrupt(const RenderReport& report, std::size_t count) {
     const std::string outcome =
         written == 0 ? "nothing was written" : fmt::format("{} of {} frames were written", written, count);
     fmt::print(stderr, "perch: interrupted; {}\n", outcome);
-    return kInterrupted;
+    return gEndingSignal == SIGTERM ? kTerminated : kInterrupted;
 }
 
 // Renders, and returns whether the job came to its end.

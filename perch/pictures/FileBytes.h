@@ -1,8 +1,8 @@
-// Files as bytes: read whole, and replaced whole or not at all.
+// Files as bytes, and the sentences for those that cannot be read or written.
 #pragma once
 
 #include <filesystem>
-#include <span>
+#include <string_view>
 #include <vector>
 
 namespace pictures {
@@ -11,10 +11,6 @@ using FileBytes = std::vector<unsigned char>;
 
 // Throws PictureError, which names the file and how to mend it.
 FileBytes readFile(const std::filesystem::path& path);
-
-// Writes beside the path and renames, so that a file of this name is whole at any moment. Throws
-// PictureError.
-void replaceFile(const std::filesystem::path& path, std::span<const unsigned char> bytes);
 
 // `path` without its last part; "." where there is no other.
 std::filesystem::path folderOf(const std::filesystem::path& path);

@@ -6,7 +6,9 @@
 #include <system_error>
 
 #include "FileBytes.h"
+#include "FileIdentity.h"
 #include "PictureError.h"
+#include "ReplacedFile.h"
 
 namespace pictures {
 namespace {
@@ -53,6 +55,23 @@ void requireWritable(const fs::path& path, SampleType type, bool withAlpha) {
         refuseToWrite(path, fmt::format("there is no folder \"{}\"; create it first", folder.string()));
     }
     if (fs::is_directory(path, ignored)) refuseToWrite(path, "a folder has this name; choose another");
+}
+
+void prepareOutputs(std::span<const fs::path> paths) {
+    for (const fs::path& path : paths)
+        requireFormat(path);
+    prepareToReplace(paths);
+}
+
+void requireNotRead(const fs::path& output, std::span<const fs::path> inputs) {
+    const std::optional<FileIdentity> written = identityOf(output);
+    if (!written) return;
+    for (const fs::path& input : inputs) {
+        if (identityOf(input) == written) {
+            refuseToWrite(output, fmt::format("it is the file \"{}\", which is read; choose another name",
+                                              input.string()));
+        }
+    }
 }
 
 void writePicture(const fs::path& path, const Picture& picture, int compression) {

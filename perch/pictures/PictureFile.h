@@ -5,6 +5,7 @@
 #pragma once
 
 #include <filesystem>
+#include <span>
 
 #include "Codec.h"
 #include "Picture.h"
@@ -20,6 +21,14 @@ Picture readPicture(const std::filesystem::path& path);
 // Throws unless a file of this name can be expected to hold such a picture: its format by the ending must
 // have the type and alpha, and its folder must exist.
 void requireWritable(const std::filesystem::path& path, SampleType type, bool withAlpha);
+
+// Throws where a job could not write one of its outputs: the ending names no format, the folder or the file
+// cannot be written. Makes folders whose parent exists. To be called once, before the job's work; later
+// failures are those of a picture or of a disk that is full.
+void prepareOutputs(std::span<const std::filesystem::path> paths);
+
+// Throws where the output is one of the inputs, however the two are spelled and through any links.
+void requireNotRead(const std::filesystem::path& output, std::span<const std::filesystem::path> inputs);
 
 // Of PNG and TIFF files, which lose nothing at any level: from 0, none, to the most. The fast one takes much
 // less time than the encoders' own choice, 6, for files somewhat larger; docs/perch.md has the figures.

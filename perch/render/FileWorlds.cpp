@@ -82,6 +82,10 @@ bool needsNoAlpha(const World& world) {
     return world.isDeep() ? needsNoAlphaAs<PF_Pixel16>(world) : needsNoAlphaAs<PF_Pixel>(world);
 }
 
+void prepareOutputs(std::span<const fs::path> paths) {
+    asError([&] { pictures::prepareOutputs(paths); });
+}
+
 void requireWritable(const fs::path& path, Depth depth, bool withAlpha) {
     const auto format = pictures::formatOfName(path);
     if (format && !pictures::holds(*format, typeOf(depth))) {

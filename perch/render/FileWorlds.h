@@ -7,6 +7,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <span>
 
 #include "PictureFile.h"
 #include "World.h"
@@ -25,6 +26,9 @@ struct FileWorld {
 
 // `depth` is that of the world; absent: the file's.
 FileWorld readWorld(const std::filesystem::path& path, std::optional<Depth> depth = std::nullopt);
+
+// As pictures::prepareOutputs.
+void prepareOutputs(std::span<const std::filesystem::path> paths);
 
 // Throws unless a file of this name can be expected to hold such a picture.
 void requireWritable(const std::filesystem::path& path, Depth depth, bool withAlpha);

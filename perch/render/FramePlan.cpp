@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "Error.h"
+#include "FileIdentity.h"
 
 namespace perch {
 namespace {
@@ -122,22 +123,46 @@ private:
     std::map<fs::path, fs::path> folders;
 };
 
-void refuseToOverwriteInputs(const FramePlan& plan) {
+// The files of a plan, by their entries, which need not exist, and by what those lead to.
+class Files {
+public:
+    void add(const fs::path& path) {
+        names.insert(entries.of(path));
+        if (const auto identity = pictures::identityOf(path)) identities.insert(*identity);
+    }
+
+    bool contain(const fs::path& path) {
+        if (names.contains(entries.of(path))) return true;
+        const auto identity = pictures::identityOf(path);
+        return identity && identities.contains(*identity);
+    }
+
+private:
     Entries entries;
-    std::set<fs::path> read;
+    std::set<fs::path> names;
+    std::set<pictures::FileIdentity> identities;
+};
+
+void refuseToOverwrite(const FramePlan& plan) {
+    Files read;
     const auto addLayers = [&](const std::map<PF_ParamIndex, fs::path>& layers) {
         for (const auto& [index, path] : layers)
-            read.insert(entries.of(path));
+            read.add(path);
     };
     addLayers(plan.stillLayers);
     for (const FrameFiles& files : plan.frames) {
-        read.insert(entries.of(files.input));
+        read.add(files.input);
         addLayers(files.layers);
     }
+    Files written;
     for (const FrameFiles& files : plan.frames) {
-        if (!read.contains(entries.of(files.output))) continue;
-        throw Error(fmt::format("cannot write \"{}\": it is read by this render; choose another name",
-                                files.output.string()));
+        const auto refuse = [&](std::string_view reason) {
+            throw Error(
+                fmt::format("cannot write \"{}\": {}; choose another name", files.output.string(), reason));
+        };
+        if (read.contain(files.output)) refuse("it is read by this render");
+        if (written.contain(files.output)) refuse("another frame is written to the same file");
+        written.add(files.output);
     }
 }
 
@@ -146,7 +171,7 @@ void refuseToOverwriteInputs(const FramePlan& plan) {
 FramePlan planFrames(const PictureNames& names, const LayerNames& layers) {
     const std::optional<FramePattern> input = FramePattern::parse(names.input);
     FramePlan plan = input ? planSequence(names, layers, *input) : planStill(names, layers);
-    refuseToOverwriteInputs(plan);
+    refuseToOverwrite(plan);
     return plan;
 }
 

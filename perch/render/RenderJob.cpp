@@ -90,6 +90,7 @@ public:
           report(report) {}
 
     void run() {
+        prepare();
         for (std::size_t index = 0; index < plan.frames.size(); ++index) {
             readAhead();
             throwIfCancelled(index);
@@ -104,6 +105,13 @@ public:
     }
 
 private:
+    void prepare() const {
+        std::vector<fs::path> outputs;
+        for (const FrameFiles& files : plan.frames)
+            outputs.push_back(files.output);
+        prepareOutputs(outputs);
+    }
+
     // Runs `body` and tells the frame of an error in it.
     template <typename F>
     std::invoke_result_t<F> named(std::size_t index, const F& body) const {

@@ -112,10 +112,17 @@ INSTANTIATE_TEST_SUITE_P(
 INSTANTIATE_TEST_SUITE_P(
     Output, RefusalTest,
     testing::Values(
-        Case{"MissingFolder", "rgb.png rgb.png none/out.png", kFailed,
-             "cannot write \"none/out.png\": there is no folder \"none\"; create it first"},
+        Case{"MissingFolder", "rgb.png rgb.png none/here/out.png", kFailed,
+             "cannot write \"none/here/out.png\": there is no folder \"none/here\" and it cannot be made "
+             "(No such file or directory); create it first"},
         Case{"FolderIsAFile", "rgb.png rgb.png rgb.png/out.png", kFailed,
-             "cannot write \"rgb.png/out.png\": there is no folder \"rgb.png\"; create it first"},
+             "cannot write \"rgb.png/out.png\": there is no folder \"rgb.png\" and it cannot be made "
+             "(Not a directory); create it first"},
+        Case{"OutputIsTheBeauty", "rgb.png rgba.png ./rgb.png", kFailed,
+             "cannot write \"./rgb.png\": it is the file \"rgb.png\", which is read; choose another name"},
+        Case{"OutputIsTheControl", "rgb.png rgba.png folder/../rgba.png", kFailed,
+             "cannot write \"folder/../rgba.png\": it is the file \"rgba.png\", which is read; choose "
+             "another name"},
         // Not even the super-user creates files there.
         Case{"FolderNotWritable", "rgb.png rgb.png /proc/out.png", kFailed,
              "cannot write \"/proc/out.png\": No such file or directory; check its folder and the room on "

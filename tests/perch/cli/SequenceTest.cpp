@@ -62,8 +62,9 @@ const EarlyEnd kEarlyEnds[] = {
      "frame 3: plug-in returned 4 at RENDER: \"no picture at 3\"",
      {"out.0001.png", "out.0002.png"}},
     {"UnwritableOutput",
-     "perch render --plugin {plugins}/Timeline.so -i shot.####.png -o none/out.####.png",
-     "frame 1: cannot write \"none/out.0001.png\": there is no folder \"none\"; create it first",
+     "perch render --plugin {plugins}/Timeline.so -i shot.####.png ####.png",
+     "cannot write \"none/here/out.0001.png\": there is no folder \"none/here\" and it cannot be made (No "
+     "such file or directory); create it first",
      {}},
 };
 
@@ -80,17 +81,20 @@ TEST_P(EarlyEndTest, NamesTheFrameAndKeepsThoseBefore) {
 INSTANTIATE_TEST_SUITE_P(Sequence, EarlyEndTest, testing::ValuesIn(kEarlyEnds),
                          [](const auto& test) { return std::string(test.param.name); });
 
-TEST(SequenceTest, InterruptKeepsTheFinishedFramesAndLeavesNoOther) {
-    const CommandLine commandLine;
-    RunningProgram program(commandLine.commandOf(std::string(kSequence) + " --wait-at 3"),
-                           commandLine.folder);
-    waitForFile(commandLine.folder / "out.0002.png");
-    program.send(SIGINT);
-    const ProgramResult result = program.finish();
-    EXPECT_EQ(result.status, 130);
-    EXPECT_TRUE(result.err.ends_with("perch: interrupted; 2 of 4 frames were written\n")) << result.err;
-    EXPECT_EQ(outputsIn(commandLine), (std::vector<std::string>{"out.0001.png", "out.0002.png"}));
-    EXPECT_EQ(bytesOf(commandLine.folder / "out.0002.png"), bytesOf(commandLine.folder / "shot.0002.png"));
+TEST(SequenceTest, SignalsKeepTheFinishedFramesAndLeaveNoOther) {
+    for (const int signal : {SIGINT, SIGTERM}) {
+        const CommandLine commandLine;
+        RunningProgram program(commandLine.commandOf(std::string(kSequence) + " --wait-at 3"),
+                               commandLine.folder);
+        waitForFile(commandLine.folder / "out.0002.png");
+        program.send(signal);
+        const ProgramResult result = program.finish();
+        EXPECT_EQ(result.status, 128 + signal);
+        EXPECT_TRUE(result.err.ends_with("perch: interrupted; 2 of 4 frames were written\n")) << result.err;
+        EXPECT_EQ(outputsIn(commandLine), (std::vector<std::string>{"out.0001.png", "out.0002.png"}));
+        EXPECT_EQ(bytesOf(commandLine.folder / "out.0002.png"),
+                  bytesOf(commandLine.folder / "shot.0002.png"));
+    }
 }
 
 TEST(SequenceTest, TerminalShowsTheFramesInOrderAndIsLeftClear) {

@@ -124,6 +124,28 @@ TEST_F(FramePlanTest, PicturesThatAreReadAreNotOverwritten) {
     EXPECT_THAT(refusal<Error>(), HasSubstr(reason));
     names = {in("still.png"), in("./still.png"), {}};
     EXPECT_THAT(refusal<Error>(), HasSubstr(reason));
+    writeBytes(folder / "source.png", "");
+    std::filesystem::create_hard_link(folder / "source.png", folder / "hard.png");
+    std::filesystem::create_symlink("source.png", folder / "soft.png");
+    std::filesystem::create_symlink(folder / "soft.png", folder / "chain.png");
+    const std::string spellings[] = {"source.png", "hard.png", "soft.png", "chain.png", "link/soft.png"};
+    for (const std::string& input : spellings) {
+        for (const std::string& output : spellings) {
+            layers.clear();
+            names = {in(input), in(output), {}};
+            EXPECT_THAT(refusal<Error>(), HasSubstr(reason)) << input << " to " << output;
+            layers[kMatte] = in(input);
+            names = {in("still.0001.png"), in(output), {}};
+            EXPECT_THAT(refusal<Error>(), HasSubstr(reason)) << input << " as a layer to " << output;
+        }
+    }
+}
+
+TEST_F(FramePlanTest, TwoFramesAreNotWrittenToOneFile) {
+    writeBytes(folder / "out.01.png", "");
+    std::filesystem::create_symlink("out.01.png", folder / "out.02.png");
+    names.output = in("out.##.png");
+    EXPECT_THAT(refusal<Error>(), HasSubstr("another frame is written to the same file"));
 }
 
 }  // namespace
