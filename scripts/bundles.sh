@@ -43,9 +43,10 @@ scripts/pack.py "dist/Kestrel-$version-macos-universal.zip" "$folder"
 
 stage linux-x64
 cp -R build/linux-x64/Kestrel.plugin "$folder"
-mkdir -p "$folder/bin" "$folder/share/man/man1"
+mkdir -p "$folder/bin" "$folder/lib/perch" "$folder/share/man/man1"
 cp build/products/bin/perch "$folder/bin"
-strip "$folder/bin/perch"
+cp build/products/lib/perch/pictures.so "$folder/lib/perch"
+strip "$folder/bin/perch" "$folder/lib/perch/pictures.so"
 cp build/products/perch.1 "$folder/share/man/man1"
 scripts/pack.py "dist/Kestrel-$version-linux-x64.tar.gz" "$folder"
 
