@@ -1,5 +1,5 @@
-// Which file a name stands for, however it is spelled and through however many links: two names of one file have the
-// same identity.
+// Which file a name stands for, however it is spelled and through however many links: two names of one file
+// have the same identity.
 #pragma once
 
 #include <compare>

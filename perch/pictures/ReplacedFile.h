@@ -3,8 +3,9 @@
 //     .perch-0123456789abcdef-89abcdef   beside the file: its name's hash, and a number of this write
 //       created -> locked -> written -> flushed to disk -> given mode and owner -> renamed
 //
-// Whoever is killed in between leaves the temporary file, without its lock. The next run for the same name removes
-// it, and leaves alone those of runs that are under way. Links are followed: what they lead to is replaced.
+// Whoever is killed in between leaves the temporary file, without its lock. The next run for the same name
+// removes it, and leaves alone those of runs that are under way. Links are followed: what they lead to is
+// replaced.
 //
 // Failures are PictureError. Any thread.
 #pragma once
@@ -14,8 +15,9 @@
 
 namespace pictures {
 
-// To be called once for the outputs of a job, before its work: makes their folders where the parent exists, throws
-// where a folder or a file cannot be written, and removes what earlier runs for the same names have left.
+// To be called once for the outputs of a job, before its work: makes their folders where the parent exists,
+// throws where a folder or a file cannot be written, and removes what earlier runs for the same names have
+// left.
 void prepareToReplace(std::span<const std::filesystem::path> paths);
 
 // A file that is there keeps its mode and owner.
