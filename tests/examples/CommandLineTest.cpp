@@ -117,7 +117,7 @@ INSTANTIATE_TEST_SUITE_P(
              "(No such file or directory); create it first"},
         Case{"FolderIsAFile", "rgb.png rgb.png rgb.png/out.png", kFailed,
              "cannot write \"rgb.png/out.png\": there is no folder \"rgb.png\" and it cannot be made "
-             "(Not a directory); create it first"},
+             "(File exists); create it first"},
         Case{"OutputIsTheBeauty", "rgb.png rgba.png ./rgb.png", kFailed,
              "cannot write \"./rgb.png\": it is the file \"rgb.png\", which is read; choose another name"},
         Case{"OutputIsTheControl", "rgb.png rgba.png folder/../rgba.png", kFailed,

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <ostream>
 
 #include "CommandLine.h"
@@ -98,12 +99,18 @@ TEST(PullFocusTest, BlendOfAllOfTheOriginalIsTheInput) {
               ReadRaw<std::uint8_t>(folder.file("beauty.png")));
 }
 
-TEST(PullFocusTest, OutputMayReplaceAnInput) {
+TEST(PullFocusTest, OutputReplacesNoInput) {
     const ScratchFolder folder;
     WritePictures(folder);
-    const std::string expected = Expected(folder, "beauty.png", {});
-    ASSERT_EQ(PullFocus(folder, "beauty.png control.png beauty.png").exitCode, 0);
-    EXPECT_TRUE(BytesOf(folder.file("beauty.png")) == expected);
+    for (const std::string name : {"beauty.png", "control.png"}) {
+        const std::string before = BytesOf(folder.file(name));
+        std::filesystem::create_symlink(name, folder.file("link-to-" + name));
+        std::filesystem::create_hard_link(folder.file(name), folder.file("same-as-" + name));
+        for (const std::string& output : {name, "link-to-" + name, "same-as-" + name}) {
+            EXPECT_EQ(PullFocus(folder, "beauty.png control.png " + output).exitCode, 1) << output;
+            EXPECT_TRUE(BytesOf(folder.file(name)) == before) << output;
+        }
+    }
 }
 
 TEST(PullFocusTest, FullDiskFailsAndLeavesTheOlderFile) {

@@ -62,7 +62,7 @@ const EarlyEnd kEarlyEnds[] = {
      "frame 3: plug-in returned 4 at RENDER: \"no picture at 3\"",
      {"out.0001.png", "out.0002.png"}},
     {"UnwritableOutput",
-     "perch render --plugin {plugins}/Timeline.so -i shot.####.png ####.png",
+     "perch render --plugin {plugins}/Timeline.so -i shot.####.png -o none/here/out.####.png",
      "cannot write \"none/here/out.0001.png\": there is no folder \"none/here\" and it cannot be made (No "
      "such file or directory); create it first",
      {}},

@@ -9,6 +9,7 @@
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <system_error>
 #include <thread>
@@ -96,13 +97,15 @@ TEST(RenderJobTest, FailedWriteEndsTheJobAtTheNextFrame) {
     FramePlan plan = sequenceIn(folder, kFrames);
     // Longer than a file's name may be, which shows when the written file is given its name.
     plan.frames[0].output = folder / (std::string(300, 'x') + ".png");
-    const FileWatch failedFile(folder / "", IN_DELETE);
+    std::optional<FileWatch> failedFile;
     std::size_t begun = 0;
     bool hasFailed = false;
     RenderWatch watch;
     watch.frameBegins = [&](std::size_t index) {
         begun = index + 1;
-        if (index == 1) hasFailed = failedFile.hasSeenOneWithin(kUntilAThreadRuns);
+        // The folder was tried out before.
+        if (index == 0) failedFile.emplace(folder / "", IN_DELETE);
+        if (index == 1) hasFailed = failedFile->hasSeenOneWithin(kUntilAThreadRuns);
         // The task has yet to end when its file is gone.
         if (index > 1) std::this_thread::sleep_for(std::chrono::milliseconds(5));
     };
