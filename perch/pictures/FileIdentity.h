@@ -2,10 +2,10 @@
 // have the same identity.
 #pragma once
 
-#include <compare>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <utility>
 
 namespace pictures {
 
@@ -13,7 +13,10 @@ struct FileIdentity {
     std::uint64_t device = 0;
     std::uint64_t number = 0;  // of the file on its device
 
-    friend auto operator<=>(const FileIdentity&, const FileIdentity&) = default;
+    bool operator==(const FileIdentity&) const = default;
+    bool operator<(const FileIdentity& other) const {
+        return std::pair(device, number) < std::pair(other.device, other.number);
+    }
 };
 
 // Absent where there is no such file.
