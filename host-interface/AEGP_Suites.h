@@ -10,9 +10,6 @@
 extern "C" {
 #endif
 
-/* A slot of a table whose function is not declared here; never called. */
-typedef void (*PF_UnusedSlot)(void);
-
 /* "AEGP Utility Suite" version 7 */
 typedef struct AEGP_UtilitySuite3 {
     PF_UnusedSlot AEGP_ReportInfo;
@@ -49,16 +46,27 @@ PF_AT(AEGP_UtilitySuite3, AEGP_RegisterWithAEGP, 56);
 
 /* "AEGP PF Interface Suite" version 1 */
 typedef struct AEGP_PFInterfaceSuite1 {
-    PF_UnusedSlot AEGP_GetEffectLayer;
+    /* [main-thread] The layer that the effect is applied to; null where there is none. */
+    A_Err (*AEGP_GetEffectLayer)(PF_ProgPtr effect_pp_ref, AEGP_LayerH* layerPH);
     /* [main-thread] The caller disposes the reference with AEGP_DisposeEffect. */
     A_Err (*AEGP_GetNewEffectForEffect)(AEGP_PluginID aegp_plugin_id, PF_ProgPtr effect_pp_ref,
                                         AEGP_EffectRefH* effect_refPH);
-    PF_UnusedSlot AEGP_ConvertEffectToCompTime;
-    PF_UnusedSlot AEGP_GetEffectCamera;
-    PF_UnusedSlot AEGP_GetEffectCameraMatrix;
+    /* [main-thread] */
+    A_Err (*AEGP_ConvertEffectToCompTime)(PF_ProgPtr effect_pp_ref, A_long what_timeL, A_u_long time_scaleLu,
+                                          A_Time* comp_timePT);
+    /* [main-thread] The layer of the camera in use; null where there is none. */
+    A_Err (*AEGP_GetEffectCamera)(PF_ProgPtr effect_pp_ref, const A_Time* comp_timePT,
+                                  AEGP_LayerH* camera_layerPH);
+    /* [main-thread] */
+    A_Err (*AEGP_GetEffectCameraMatrix)(PF_ProgPtr effect_pp_ref, const A_Time* comp_timePT,
+                                        A_Matrix4* camera_matrixP, A_FpLong* dist_to_image_planePF,
+                                        A_short* image_plane_widthPL, A_short* image_plane_heightPL);
 } AEGP_PFInterfaceSuite1;
 PF_LAYOUT(AEGP_PFInterfaceSuite1, 40, 8);
 PF_AT(AEGP_PFInterfaceSuite1, AEGP_GetNewEffectForEffect, 8);
+PF_AT(AEGP_PFInterfaceSuite1, AEGP_ConvertEffectToCompTime, 16);
+PF_AT(AEGP_PFInterfaceSuite1, AEGP_GetEffectCamera, 24);
+PF_AT(AEGP_PFInterfaceSuite1, AEGP_GetEffectCameraMatrix, 32);
 
 /* "AEGP Stream Suite" version 4 */
 typedef struct AEGP_StreamSuite1 {

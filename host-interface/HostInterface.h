@@ -2,11 +2,18 @@
 #pragma once
 
 #include "AEGP_Suites.h"
+#include "PF_AppSuite.h"
+#include "PF_Arbitrary.h"
 #include "PF_Callbacks.h"
+#include "PF_ChannelSuite.h"
+#include "PF_CustomUI.h"
 #include "PF_Entry.h"
+#include "PF_FloatSuites.h"
 #include "PF_Params.h"
+#include "PF_SmartRender.h"
 #include "PF_Suites.h"
 #include "PF_Types.h"
+#include "PF_ValueSuites.h"
 #include "PF_Values.h"
 #include "PF_World.h"
 #include "PiPL.h"

@@ -54,6 +54,17 @@ typedef A_long PF_PlatDataID;
 typedef A_long PF_TimeDir;
 typedef A_long PF_KeyIndex;
 typedef A_long PF_PixelFormat;
+typedef A_long PF_ChannelMask;
+typedef A_long PF_GPU_Framework;
+typedef A_long PF_FunctionSelector;
+typedef A_long PF_ArbCompareResult;
+typedef A_long PF_ArbPrintFlags;
+typedef A_long PF_CustomEventFlags;
+typedef A_long PF_UIAlignment;
+typedef A_long PF_ChannelType;
+typedef A_long PF_DataType;
+typedef A_long PF_ChannelIndex;
+typedef A_long PF_CursorType;
 typedef A_long AEGP_PluginID;
 typedef A_u_long PF_FSliderFlags;
 typedef A_u_long AEGP_DynStreamFlags;
@@ -63,22 +74,35 @@ typedef A_short PF_ValueDisplayFlags;
 typedef A_short PF_SoundChannels;
 typedef A_short PF_SoundFormat;
 typedef A_short PF_SoundSampleSize;
+typedef A_short PF_RenderOutputFlags;
+typedef A_short PF_App_ColorType;
+typedef A_short PF_EyeDropperSampleMode;
+typedef intptr_t A_intptr_t;
+#ifdef _WIN32
+typedef A_long PF_FontStyleSheet;
+#else
+typedef A_u_char PF_FontStyleSheet;
+#endif
 
 /* A relocatable block: *handle is its address, and stays so until the handle is resized. */
 typedef A_char** PF_Handle;
 typedef const A_char* const* PF_ConstHandle;
+/* What it holds only the effect knows, which makes and fills it. */
+typedef PF_Handle PF_ArbitraryH;
 
 /* Tokens of the host, never dereferenced by an effect. */
 typedef struct PF_EffectToken* PF_ProgPtr;
 typedef struct PF_LayerAudioToken* PF_LayerAudio;
-typedef struct PF_ArbitraryToken** PF_ArbitraryH;
 typedef struct AEGP_EffectToken* AEGP_EffectRefH;
 typedef struct AEGP_StreamToken* AEGP_StreamRefH;
 typedef struct AEGP_LayerToken* AEGP_LayerH;
 typedef struct AEGP_GlobalRefconToken* AEGP_GlobalRefcon;
 typedef void* PF_SndSamplePtr;
 typedef struct PF_CustomUIInfo PF_CustomUIInfo;
+typedef struct PF_ContextToken** PF_ContextH;
 typedef void (*PF_CallbackFunc)(void);
+/* A slot of a table whose function is not declared here; never called. */
+typedef void (*PF_UnusedSlot)(void);
 
 typedef struct PF_Point {
     A_long h; /* to the right */
@@ -99,6 +123,7 @@ PF_AT(PF_Rect, top, 4);
 PF_AT(PF_Rect, right, 8);
 PF_AT(PF_Rect, bottom, 12);
 typedef PF_Rect PF_UnionableRect;
+typedef PF_Rect PF_LRect;
 
 typedef struct PF_RationalScale {
     A_long num;
@@ -121,6 +146,18 @@ typedef struct A_Time {
 } A_Time;
 PF_LAYOUT(A_Time, 8, 4);
 PF_AT(A_Time, scale, 4);
+
+typedef struct A_FloatPoint {
+    A_FpLong x;
+    A_FpLong y;
+} A_FloatPoint;
+PF_LAYOUT(A_FloatPoint, 16, 8);
+PF_AT(A_FloatPoint, y, 8);
+
+typedef struct A_Matrix4 {
+    A_FpLong mat[4][4];
+} A_Matrix4;
+PF_LAYOUT(A_Matrix4, 128, 8);
 
 /* Straight colour; full intensity is 255. */
 typedef struct PF_Pixel {

@@ -370,6 +370,197 @@ SIZE(PF_Pixel16, 8, 2);
 SIZE(PF_SpecVersion, 4, 2);
 SIZE(PF_State, 16, 4);
 
+SIZE(PF_ArbParamsExtra, 48, 8);
+AT(PF_ArbParamsExtra, which_function, 0);
+AT(PF_ArbParamsExtra, id, 4);
+AT(PF_ArbParamsExtra, padding, 6);
+AT(PF_ArbParamsExtra, u, 8);
+
+SIZE(PF_RenderRequest, 44, 4);
+AT(PF_RenderRequest, rect, 0);
+AT(PF_RenderRequest, field, 16);
+AT(PF_RenderRequest, channel_mask, 20);
+AT(PF_RenderRequest, preserve_rgb_of_zero_alpha, 24);
+AT(PF_RenderRequest, unused, 25);
+AT(PF_RenderRequest, reserved, 28);
+
+SIZE(PF_PreRenderInput, 64, 8);
+AT(PF_PreRenderInput, output_request, 0);
+AT(PF_PreRenderInput, bitdepth, 44);
+AT(PF_PreRenderInput, gpu_data, 48);
+AT(PF_PreRenderInput, what_gpu, 56);
+AT(PF_PreRenderInput, device_index, 60);
+
+SIZE(PF_PreRenderOutput, 56, 8);
+AT(PF_PreRenderOutput, result_rect, 0);
+AT(PF_PreRenderOutput, max_result_rect, 16);
+AT(PF_PreRenderOutput, solid, 32);
+AT(PF_PreRenderOutput, reserved, 33);
+AT(PF_PreRenderOutput, flags, 34);
+AT(PF_PreRenderOutput, pre_render_data, 40);
+AT(PF_PreRenderOutput, delete_pre_render_data_func, 48);
+
+SIZE(PF_CheckoutResult, 76, 4);
+AT(PF_CheckoutResult, result_rect, 0);
+AT(PF_CheckoutResult, max_result_rect, 16);
+AT(PF_CheckoutResult, par, 32);
+AT(PF_CheckoutResult, solid, 40);
+AT(PF_CheckoutResult, reservedB, 41);
+AT(PF_CheckoutResult, ref_width, 44);
+AT(PF_CheckoutResult, ref_height, 48);
+AT(PF_CheckoutResult, reserved, 52);
+
+SIZE(PF_PreRenderCallbacks, 16, 8);
+AT(PF_PreRenderCallbacks, checkout_layer, 0);
+AT(PF_PreRenderCallbacks, GuidMixInPtr, 8);
+
+SIZE(PF_SmartRenderInput, 72, 8);
+AT(PF_SmartRenderInput, output_request, 0);
+AT(PF_SmartRenderInput, bitdepth, 44);
+AT(PF_SmartRenderInput, pre_render_data, 48);
+AT(PF_SmartRenderInput, gpu_data, 56);
+AT(PF_SmartRenderInput, what_gpu, 64);
+AT(PF_SmartRenderInput, device_index, 68);
+
+SIZE(PF_SmartRenderCallbacks, 24, 8);
+AT(PF_SmartRenderCallbacks, checkout_layer_pixels, 0);
+AT(PF_SmartRenderCallbacks, checkin_layer_pixels, 8);
+AT(PF_SmartRenderCallbacks, checkout_output, 16);
+
+SIZE(PF_CustomUIInfo, 44, 4);
+AT(PF_CustomUIInfo, reserved, 0);
+AT(PF_CustomUIInfo, events, 4);
+AT(PF_CustomUIInfo, comp_ui_width, 8);
+AT(PF_CustomUIInfo, comp_ui_height, 12);
+AT(PF_CustomUIInfo, comp_ui_alignment, 16);
+AT(PF_CustomUIInfo, layer_ui_width, 20);
+AT(PF_CustomUIInfo, layer_ui_height, 24);
+AT(PF_CustomUIInfo, layer_ui_alignment, 28);
+AT(PF_CustomUIInfo, preview_ui_width, 32);
+AT(PF_CustomUIInfo, preview_ui_height, 36);
+AT(PF_CustomUIInfo, preview_ui_alignment, 40);
+
+SIZE(PF_ChannelDesc, 76, 4);
+AT(PF_ChannelDesc, channel_type, 0);
+AT(PF_ChannelDesc, name, 4);
+AT(PF_ChannelDesc, data_type, 68);
+AT(PF_ChannelDesc, dimension, 72);
+
+SIZE(PF_ChannelChunk, 104, 8);
+AT(PF_ChannelChunk, channel_ref, 0);
+AT(PF_ChannelChunk, widthL, 64);
+AT(PF_ChannelChunk, heightL, 68);
+AT(PF_ChannelChunk, dimensionL, 72);
+AT(PF_ChannelChunk, row_bytesL, 76);
+AT(PF_ChannelChunk, data_type, 80);
+AT(PF_ChannelChunk, dataH, 88);
+AT(PF_ChannelChunk, dataPV, 96);
+
+SIZE(A_FloatPoint, 16, 8);
+AT(A_FloatPoint, x, 0);
+AT(A_FloatPoint, y, 8);
+
+SIZE(A_Matrix4, 128, 8);
+AT(A_Matrix4, mat, 0);
+
+SIZE(PF_App_Color, 6, 2);
+AT(PF_App_Color, red, 0);
+AT(PF_App_Color, green, 2);
+AT(PF_App_Color, blue, 4);
+
+SIZE(PF_FontName, 256, 1);
+AT(PF_FontName, font_nameAC, 0);
+
+SIZE(PF_AppPersonalTextInfo, 192, 1);
+AT(PF_AppPersonalTextInfo, name, 0);
+AT(PF_AppPersonalTextInfo, org, 64);
+AT(PF_AppPersonalTextInfo, serial_str, 128);
+
+SIZE(PF_ChannelRef, 64, 8);
+AT(PF_ChannelRef, opaque, 0);
+
+SIZE(PF_PreRenderExtra, 24, 8);
+AT(PF_PreRenderExtra, input, 0);
+AT(PF_PreRenderExtra, output, 8);
+AT(PF_PreRenderExtra, cb, 16);
+
+SIZE(PF_SmartRenderExtra, 16, 8);
+AT(PF_SmartRenderExtra, input, 0);
+AT(PF_SmartRenderExtra, cb, 8);
+
+SIZE(PF_ArbNewParams, 16, 8);
+AT(PF_ArbNewParams, refconPV, 0);
+AT(PF_ArbNewParams, arbPH, 8);
+
+SIZE(PF_ArbDisposeParams, 16, 8);
+AT(PF_ArbDisposeParams, refconPV, 0);
+AT(PF_ArbDisposeParams, arbH, 8);
+
+SIZE(PF_ArbCopyParams, 24, 8);
+AT(PF_ArbCopyParams, refconPV, 0);
+AT(PF_ArbCopyParams, src_arbH, 8);
+AT(PF_ArbCopyParams, dst_arbPH, 16);
+
+SIZE(PF_ArbFlatSizeParams, 24, 8);
+AT(PF_ArbFlatSizeParams, refconPV, 0);
+AT(PF_ArbFlatSizeParams, arbH, 8);
+AT(PF_ArbFlatSizeParams, flat_data_sizePLu, 16);
+
+SIZE(PF_ArbFlattenParams, 32, 8);
+AT(PF_ArbFlattenParams, refconPV, 0);
+AT(PF_ArbFlattenParams, arbH, 8);
+AT(PF_ArbFlattenParams, buf_sizeLu, 16);
+AT(PF_ArbFlattenParams, flat_dataPV, 24);
+
+SIZE(PF_ArbUnflattenParams, 32, 8);
+AT(PF_ArbUnflattenParams, refconPV, 0);
+AT(PF_ArbUnflattenParams, buf_sizeLu, 8);
+AT(PF_ArbUnflattenParams, flat_dataPV, 16);
+AT(PF_ArbUnflattenParams, arbPH, 24);
+
+SIZE(PF_ArbInterpParams, 40, 8);
+AT(PF_ArbInterpParams, refconPV, 0);
+AT(PF_ArbInterpParams, left_arbH, 8);
+AT(PF_ArbInterpParams, right_arbH, 16);
+AT(PF_ArbInterpParams, tF, 24);
+AT(PF_ArbInterpParams, interpPH, 32);
+
+SIZE(PF_ArbCompareParams, 32, 8);
+AT(PF_ArbCompareParams, refconPV, 0);
+AT(PF_ArbCompareParams, a_arbH, 8);
+AT(PF_ArbCompareParams, b_arbH, 16);
+AT(PF_ArbCompareParams, compareP, 24);
+
+SIZE(PF_ArbPrintSizeParams, 24, 8);
+AT(PF_ArbPrintSizeParams, refconPV, 0);
+AT(PF_ArbPrintSizeParams, arbH, 8);
+AT(PF_ArbPrintSizeParams, print_sizePLu, 16);
+
+SIZE(PF_ArbPrintParams, 40, 8);
+AT(PF_ArbPrintParams, refconPV, 0);
+AT(PF_ArbPrintParams, print_flags, 8);
+AT(PF_ArbPrintParams, arbH, 16);
+AT(PF_ArbPrintParams, print_sizeLu, 24);
+AT(PF_ArbPrintParams, print_bufferPC, 32);
+
+SIZE(PF_ArbScanParams, 32, 8);
+AT(PF_ArbScanParams, refconPV, 0);
+AT(PF_ArbScanParams, bufPC, 8);
+AT(PF_ArbScanParams, bytes_to_scanLu, 16);
+AT(PF_ArbScanParams, arbPH, 24);
+
+SIZE(PF_ChannelSuite1, 40, 8);
+
+SIZE(PF_AEAppSuite6, 88, 8);
+
+SIZE(PF_AEAppSuite7, 96, 8);
+
+SIZE(PF_AEAppSuite1, 120, 8);
+
+SIZE(PF_iterateFloatSuite1, 24, 8);
+
+SIZE(PF_EffectUISuite1, 8, 8);
+
 #endif
 
 // A handle is one pointer wide, whatever the target.

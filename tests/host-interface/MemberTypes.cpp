@@ -65,7 +65,22 @@ static_assert(std::is_pointer_v<PF_ProgPtr>);
 static_assert(std::is_pointer_v<AEGP_EffectRefH>);
 static_assert(std::is_pointer_v<AEGP_StreamRefH>);
 static_assert(std::is_pointer_v<AEGP_LayerH>);
-static_assert(std::is_pointer_v<PF_ArbitraryH>);
+SCALAR(PF_ArbitraryH, PF_Handle);
+SCALAR(PF_ChannelMask, std::int32_t);
+SCALAR(PF_GPU_Framework, std::int32_t);
+SCALAR(PF_FunctionSelector, std::int32_t);
+SCALAR(PF_ArbCompareResult, std::int32_t);
+SCALAR(PF_ArbPrintFlags, std::int32_t);
+SCALAR(PF_CustomEventFlags, std::int32_t);
+SCALAR(PF_UIAlignment, std::int32_t);
+SCALAR(PF_ChannelType, std::int32_t);
+SCALAR(PF_DataType, std::int32_t);
+SCALAR(PF_ChannelIndex, std::int32_t);
+SCALAR(PF_CursorType, std::int32_t);
+SCALAR(PF_RenderOutputFlags, std::int16_t);
+SCALAR(PF_App_ColorType, std::int16_t);
+SCALAR(PF_EyeDropperSampleMode, std::int16_t);
+SCALAR(PF_LRect, PF_Rect);
 
 TYPE(PF_Rect, left, A_long);
 TYPE(PF_Rect, top, A_long);
@@ -573,6 +588,271 @@ TYPE(PF_PixelDataSuite1, get_pixel_data_float,
 
 TYPE(PF_EffectSequenceDataSuite1, PF_GetConstSequenceData,
      PF_Err (*)(PF_ProgPtr effect_ref, PF_ConstHandle* sequence_data));
+
+TYPE(PF_ArbParamsExtra, which_function, PF_FunctionSelector);
+TYPE(PF_ArbParamsExtra, id, A_short);
+TYPE(PF_ArbParamsExtra, padding, A_short);
+
+TYPE(PF_RenderRequest, rect, PF_LRect);
+TYPE(PF_RenderRequest, field, PF_Field);
+TYPE(PF_RenderRequest, channel_mask, PF_ChannelMask);
+TYPE(PF_RenderRequest, preserve_rgb_of_zero_alpha, PF_Boolean);
+TYPE(PF_RenderRequest, unused, char[3]);
+TYPE(PF_RenderRequest, reserved, A_long[4]);
+
+TYPE(PF_PreRenderInput, output_request, PF_RenderRequest);
+TYPE(PF_PreRenderInput, bitdepth, short);
+TYPE(PF_PreRenderInput, gpu_data, const void*);
+TYPE(PF_PreRenderInput, what_gpu, PF_GPU_Framework);
+TYPE(PF_PreRenderInput, device_index, A_u_long);
+
+TYPE(PF_PreRenderOutput, result_rect, PF_LRect);
+TYPE(PF_PreRenderOutput, max_result_rect, PF_LRect);
+TYPE(PF_PreRenderOutput, solid, PF_Boolean);
+TYPE(PF_PreRenderOutput, reserved, PF_Boolean);
+TYPE(PF_PreRenderOutput, flags, PF_RenderOutputFlags);
+TYPE(PF_PreRenderOutput, pre_render_data, void*);
+TYPE(PF_PreRenderOutput, delete_pre_render_data_func, PF_DeletePreRenderDataFunc);
+
+TYPE(PF_CheckoutResult, result_rect, PF_LRect);
+TYPE(PF_CheckoutResult, max_result_rect, PF_LRect);
+TYPE(PF_CheckoutResult, par, PF_RationalScale);
+TYPE(PF_CheckoutResult, solid, PF_Boolean);
+TYPE(PF_CheckoutResult, reservedB, PF_Boolean[3]);
+TYPE(PF_CheckoutResult, ref_width, A_long);
+TYPE(PF_CheckoutResult, ref_height, A_long);
+TYPE(PF_CheckoutResult, reserved, A_long[6]);
+
+TYPE(PF_PreRenderCallbacks, checkout_layer,
+     PF_Err (*)(PF_ProgPtr effect_ref, PF_ParamIndex index, A_long checkout_idL, const PF_RenderRequest* req,
+                A_long what_time, A_long time_step, A_u_long time_scale, PF_CheckoutResult* checkout_result));
+TYPE(PF_PreRenderCallbacks, GuidMixInPtr,
+     PF_Err (*)(PF_ProgPtr effect_ref, A_u_long buf_sizeLu, const void* buf));
+
+TYPE(PF_SmartRenderInput, output_request, PF_RenderRequest);
+TYPE(PF_SmartRenderInput, bitdepth, short);
+TYPE(PF_SmartRenderInput, pre_render_data, void*);
+TYPE(PF_SmartRenderInput, gpu_data, const void*);
+TYPE(PF_SmartRenderInput, what_gpu, PF_GPU_Framework);
+TYPE(PF_SmartRenderInput, device_index, A_u_long);
+
+TYPE(PF_SmartRenderCallbacks, checkout_layer_pixels,
+     PF_Err (*)(PF_ProgPtr effect_ref, A_long checkout_idL, PF_EffectWorld** pixels));
+TYPE(PF_SmartRenderCallbacks, checkin_layer_pixels, PF_Err (*)(PF_ProgPtr effect_ref, A_long checkout_idL));
+TYPE(PF_SmartRenderCallbacks, checkout_output, PF_Err (*)(PF_ProgPtr effect_ref, PF_EffectWorld** output));
+
+TYPE(PF_CustomUIInfo, reserved, A_long);
+TYPE(PF_CustomUIInfo, events, PF_CustomEventFlags);
+TYPE(PF_CustomUIInfo, comp_ui_width, A_long);
+TYPE(PF_CustomUIInfo, comp_ui_height, A_long);
+TYPE(PF_CustomUIInfo, comp_ui_alignment, PF_UIAlignment);
+TYPE(PF_CustomUIInfo, layer_ui_width, A_long);
+TYPE(PF_CustomUIInfo, layer_ui_height, A_long);
+TYPE(PF_CustomUIInfo, layer_ui_alignment, PF_UIAlignment);
+TYPE(PF_CustomUIInfo, preview_ui_width, A_long);
+TYPE(PF_CustomUIInfo, preview_ui_height, A_long);
+TYPE(PF_CustomUIInfo, preview_ui_alignment, PF_UIAlignment);
+
+TYPE(PF_ChannelDesc, channel_type, PF_ChannelType);
+TYPE(PF_ChannelDesc, name, A_char[64]);
+TYPE(PF_ChannelDesc, data_type, PF_DataType);
+TYPE(PF_ChannelDesc, dimension, A_long);
+
+TYPE(PF_ChannelChunk, channel_ref, PF_ChannelRef);
+TYPE(PF_ChannelChunk, widthL, A_long);
+TYPE(PF_ChannelChunk, heightL, A_long);
+TYPE(PF_ChannelChunk, dimensionL, A_long);
+TYPE(PF_ChannelChunk, row_bytesL, A_long);
+TYPE(PF_ChannelChunk, data_type, PF_DataType);
+TYPE(PF_ChannelChunk, dataH, PF_Handle);
+TYPE(PF_ChannelChunk, dataPV, void*);
+
+TYPE(A_FloatPoint, x, A_FpLong);
+TYPE(A_FloatPoint, y, A_FpLong);
+
+TYPE(A_Matrix4, mat, A_FpLong[4][4]);
+
+TYPE(PF_App_Color, red, A_u_short);
+TYPE(PF_App_Color, green, A_u_short);
+TYPE(PF_App_Color, blue, A_u_short);
+
+TYPE(PF_FontName, font_nameAC, A_char[256]);
+
+TYPE(PF_AppPersonalTextInfo, name, A_char[64]);
+TYPE(PF_AppPersonalTextInfo, org, A_char[64]);
+TYPE(PF_AppPersonalTextInfo, serial_str, A_char[64]);
+
+TYPE(PF_ChannelRef, opaque, A_intptr_t[8]);
+
+TYPE(PF_PreRenderExtra, input, PF_PreRenderInput*);
+TYPE(PF_PreRenderExtra, output, PF_PreRenderOutput*);
+TYPE(PF_PreRenderExtra, cb, PF_PreRenderCallbacks*);
+
+TYPE(PF_SmartRenderExtra, input, PF_SmartRenderInput*);
+TYPE(PF_SmartRenderExtra, cb, PF_SmartRenderCallbacks*);
+
+TYPE(PF_ArbNewParams, refconPV, void*);
+TYPE(PF_ArbNewParams, arbPH, PF_ArbitraryH*);
+static_assert(std::is_same_v<decltype(PF_ArbParamsExtra{}.u.new_func_params), PF_ArbNewParams>);
+
+TYPE(PF_ArbDisposeParams, refconPV, void*);
+TYPE(PF_ArbDisposeParams, arbH, PF_ArbitraryH);
+static_assert(std::is_same_v<decltype(PF_ArbParamsExtra{}.u.dispose_func_params), PF_ArbDisposeParams>);
+
+TYPE(PF_ArbCopyParams, refconPV, void*);
+TYPE(PF_ArbCopyParams, src_arbH, PF_ArbitraryH);
+TYPE(PF_ArbCopyParams, dst_arbPH, PF_ArbitraryH*);
+static_assert(std::is_same_v<decltype(PF_ArbParamsExtra{}.u.copy_func_params), PF_ArbCopyParams>);
+
+TYPE(PF_ArbFlatSizeParams, refconPV, void*);
+TYPE(PF_ArbFlatSizeParams, arbH, PF_ArbitraryH);
+TYPE(PF_ArbFlatSizeParams, flat_data_sizePLu, A_u_long*);
+static_assert(std::is_same_v<decltype(PF_ArbParamsExtra{}.u.flat_size_func_params), PF_ArbFlatSizeParams>);
+
+TYPE(PF_ArbFlattenParams, refconPV, void*);
+TYPE(PF_ArbFlattenParams, arbH, PF_ArbitraryH);
+TYPE(PF_ArbFlattenParams, buf_sizeLu, A_u_long);
+TYPE(PF_ArbFlattenParams, flat_dataPV, void*);
+static_assert(std::is_same_v<decltype(PF_ArbParamsExtra{}.u.flatten_func_params), PF_ArbFlattenParams>);
+
+TYPE(PF_ArbUnflattenParams, refconPV, void*);
+TYPE(PF_ArbUnflattenParams, buf_sizeLu, A_u_long);
+TYPE(PF_ArbUnflattenParams, flat_dataPV, const void*);
+TYPE(PF_ArbUnflattenParams, arbPH, PF_ArbitraryH*);
+static_assert(std::is_same_v<decltype(PF_ArbParamsExtra{}.u.unflatten_func_params), PF_ArbUnflattenParams>);
+
+TYPE(PF_ArbInterpParams, refconPV, void*);
+TYPE(PF_ArbInterpParams, left_arbH, PF_ArbitraryH);
+TYPE(PF_ArbInterpParams, right_arbH, PF_ArbitraryH);
+TYPE(PF_ArbInterpParams, tF, PF_FpLong);
+TYPE(PF_ArbInterpParams, interpPH, PF_ArbitraryH*);
+static_assert(std::is_same_v<decltype(PF_ArbParamsExtra{}.u.interp_func_params), PF_ArbInterpParams>);
+
+TYPE(PF_ArbCompareParams, refconPV, void*);
+TYPE(PF_ArbCompareParams, a_arbH, PF_ArbitraryH);
+TYPE(PF_ArbCompareParams, b_arbH, PF_ArbitraryH);
+TYPE(PF_ArbCompareParams, compareP, PF_ArbCompareResult*);
+static_assert(std::is_same_v<decltype(PF_ArbParamsExtra{}.u.compare_func_params), PF_ArbCompareParams>);
+
+TYPE(PF_ArbPrintSizeParams, refconPV, void*);
+TYPE(PF_ArbPrintSizeParams, arbH, PF_ArbitraryH);
+TYPE(PF_ArbPrintSizeParams, print_sizePLu, A_u_long*);
+static_assert(std::is_same_v<decltype(PF_ArbParamsExtra{}.u.print_size_func_params), PF_ArbPrintSizeParams>);
+
+TYPE(PF_ArbPrintParams, refconPV, void*);
+TYPE(PF_ArbPrintParams, print_flags, PF_ArbPrintFlags);
+TYPE(PF_ArbPrintParams, arbH, PF_ArbitraryH);
+TYPE(PF_ArbPrintParams, print_sizeLu, A_u_long);
+TYPE(PF_ArbPrintParams, print_bufferPC, A_char*);
+static_assert(std::is_same_v<decltype(PF_ArbParamsExtra{}.u.print_func_params), PF_ArbPrintParams>);
+
+TYPE(PF_ArbScanParams, refconPV, void*);
+TYPE(PF_ArbScanParams, bufPC, const A_char*);
+TYPE(PF_ArbScanParams, bytes_to_scanLu, A_u_long);
+TYPE(PF_ArbScanParams, arbPH, PF_ArbitraryH*);
+static_assert(std::is_same_v<decltype(PF_ArbParamsExtra{}.u.scan_func_params), PF_ArbScanParams>);
+
+TYPE(PF_ChannelSuite1, PF_GetLayerChannelCount,
+     PF_Err (*)(PF_ProgPtr effect_ref, PF_ParamIndex param_index, A_long* num_channelsPL));
+TYPE(PF_ChannelSuite1, PF_GetLayerChannelIndexedRefAndDesc,
+     PF_Err (*)(PF_ProgPtr effect_ref, PF_ParamIndex param_index, PF_ChannelIndex channel_index,
+                PF_Boolean* foundPB, PF_ChannelRef* channel_refP, PF_ChannelDesc* channel_descP));
+TYPE(PF_ChannelSuite1, PF_GetLayerChannelTypedRefAndDesc,
+     PF_Err (*)(PF_ProgPtr effect_ref, PF_ParamIndex param_index, PF_ChannelType channel_type,
+                PF_Boolean* foundPB, PF_ChannelRef* channel_refP, PF_ChannelDesc* channel_descP));
+TYPE(PF_ChannelSuite1, PF_CheckoutLayerChannel,
+     PF_Err (*)(PF_ProgPtr effect_ref, PF_ChannelRefPtr channel_refP, A_long what_time, A_long duration,
+                A_u_long time_scale, PF_DataType data_type, PF_ChannelChunk* channel_chunkP));
+TYPE(PF_ChannelSuite1, PF_CheckinLayerChannel,
+     PF_Err (*)(PF_ProgPtr effect_ref, PF_ChannelRefPtr channel_refP, PF_ChannelChunk* channel_chunkP));
+
+TYPE(PF_AEAppSuite6, PF_AppGetBgColor, PF_Err (*)(PF_App_Color* bg_colorP));
+TYPE(PF_AEAppSuite6, PF_AppGetColor, PF_Err (*)(PF_App_ColorType color_type, PF_App_Color* app_colorP));
+TYPE(PF_AEAppSuite6, PF_GetPersonalInfo, PF_Err (*)(PF_AppPersonalTextInfo* ptiP));
+TYPE(PF_AEAppSuite6, PF_GetFontStyleSheet,
+     PF_Err (*)(PF_FontStyleSheet sheet, PF_FontName* font_nameP0, A_short* font_numPS0, A_short* sizePS0,
+                A_short* stylePS0));
+TYPE(PF_AEAppSuite6, PF_SetCursor, PF_Err (*)(PF_CursorType cursor));
+TYPE(PF_AEAppSuite6, PF_IsRenderEngine, PF_Err (*)(PF_Boolean* render_enginePB));
+TYPE(PF_AEAppSuite6, PF_AppColorPickerDialog,
+     PF_Err (*)(const A_char* dialog_titleZ0, const PF_PixelFloat* sample_colorP,
+                PF_Boolean use_ws_to_monitor_xformB, PF_PixelFloat* new_colorP));
+TYPE(PF_AEAppSuite6, PF_GetMouse, PF_Err (*)(PF_Point* pointP));
+TYPE(PF_AEAppSuite6, PF_InvalidateRect, PF_Err (*)(PF_ContextH contextH, const PF_Rect* rectP0));
+TYPE(PF_AEAppSuite6, PF_ConvertLocalToGlobal, PF_Err (*)(const PF_Point* localP, PF_Point* globalP));
+TYPE(PF_AEAppSuite6, PF_GetColorAtGlobalPoint,
+     PF_Err (*)(const PF_Point* globalP, A_short eyeSize, PF_EyeDropperSampleMode mode,
+                PF_PixelFloat* outColorP));
+
+TYPE(PF_AEAppSuite7, PF_AppGetBgColor, PF_Err (*)(PF_App_Color* bg_colorP));
+TYPE(PF_AEAppSuite7, PF_AppGetColor, PF_Err (*)(PF_App_ColorType color_type, PF_App_Color* app_colorP));
+TYPE(PF_AEAppSuite7, PF_AppGetLanguage, PF_Err (*)(A_char* lang_tagZ));
+TYPE(PF_AEAppSuite7, PF_GetPersonalInfo, PF_Err (*)(PF_AppPersonalTextInfo* ptiP));
+TYPE(PF_AEAppSuite7, PF_GetFontStyleSheet,
+     PF_Err (*)(PF_FontStyleSheet sheet, PF_FontName* font_nameP0, A_short* font_numPS0, A_short* sizePS0,
+                A_short* stylePS0));
+TYPE(PF_AEAppSuite7, PF_SetCursor, PF_Err (*)(PF_CursorType cursor));
+TYPE(PF_AEAppSuite7, PF_IsRenderEngine, PF_Err (*)(PF_Boolean* render_enginePB));
+TYPE(PF_AEAppSuite7, PF_AppColorPickerDialog,
+     PF_Err (*)(const A_char* dialog_titleZ0, const PF_PixelFloat* sample_colorP,
+                PF_Boolean use_ws_to_monitor_xformB, PF_PixelFloat* new_colorP));
+TYPE(PF_AEAppSuite7, PF_GetMouse, PF_Err (*)(PF_Point* pointP));
+TYPE(PF_AEAppSuite7, PF_InvalidateRect, PF_Err (*)(PF_ContextH contextH, const PF_Rect* rectP0));
+TYPE(PF_AEAppSuite7, PF_ConvertLocalToGlobal, PF_Err (*)(const PF_Point* localP, PF_Point* globalP));
+TYPE(PF_AEAppSuite7, PF_GetColorAtGlobalPoint,
+     PF_Err (*)(const PF_Point* globalP, A_short eyeSize, PF_EyeDropperSampleMode mode,
+                PF_PixelFloat* outColorP));
+
+TYPE(PF_AEAppSuite1, PF_AppGetBgColor, PF_Err (*)(PF_App_Color* bg_colorP));
+TYPE(PF_AEAppSuite1, PF_AppGetColor, PF_Err (*)(PF_App_ColorType color_type, PF_App_Color* app_colorP));
+TYPE(PF_AEAppSuite1, PF_AppGetLanguage, PF_Err (*)(A_char* lang_tagZ));
+TYPE(PF_AEAppSuite1, PF_GetPersonalInfo, PF_Err (*)(PF_AppPersonalTextInfo* ptiP));
+TYPE(PF_AEAppSuite1, PF_GetFontStyleSheet,
+     PF_Err (*)(PF_FontStyleSheet sheet, PF_FontName* font_nameP0, A_short* font_numPS0, A_short* sizePS0,
+                A_short* stylePS0));
+TYPE(PF_AEAppSuite1, PF_SetCursor, PF_Err (*)(PF_CursorType cursor));
+TYPE(PF_AEAppSuite1, PF_IsRenderEngine, PF_Err (*)(PF_Boolean* render_enginePB));
+TYPE(PF_AEAppSuite1, PF_AppColorPickerDialog,
+     PF_Err (*)(const A_char* dialog_titleZ0, const PF_PixelFloat* sample_colorP,
+                PF_Boolean use_ws_to_monitor_xformB, PF_PixelFloat* new_colorP));
+TYPE(PF_AEAppSuite1, PF_GetMouse, PF_Err (*)(PF_Point* pointP));
+TYPE(PF_AEAppSuite1, PF_InvalidateRect, PF_Err (*)(PF_ContextH contextH, const PF_Rect* rectP0));
+TYPE(PF_AEAppSuite1, PF_ConvertLocalToGlobal, PF_Err (*)(const PF_Point* localP, PF_Point* globalP));
+TYPE(PF_AEAppSuite1, PF_GetColorAtGlobalPoint,
+     PF_Err (*)(const PF_Point* globalP, A_short eyeSize, PF_EyeDropperSampleMode mode,
+                PF_PixelFloat* outColorP));
+
+TYPE(AEGP_PFInterfaceSuite1, AEGP_GetEffectLayer, A_Err (*)(PF_ProgPtr effect_pp_ref, AEGP_LayerH* layerPH));
+TYPE(AEGP_PFInterfaceSuite1, AEGP_ConvertEffectToCompTime,
+     A_Err (*)(PF_ProgPtr effect_pp_ref, A_long what_timeL, A_u_long time_scaleLu, A_Time* comp_timePT));
+TYPE(AEGP_PFInterfaceSuite1, AEGP_GetEffectCamera,
+     A_Err (*)(PF_ProgPtr effect_pp_ref, const A_Time* comp_timePT, AEGP_LayerH* camera_layerPH));
+TYPE(AEGP_PFInterfaceSuite1, AEGP_GetEffectCameraMatrix,
+     A_Err (*)(PF_ProgPtr effect_pp_ref, const A_Time* comp_timePT, A_Matrix4* camera_matrixP,
+               A_FpLong* dist_to_image_planePF, A_short* image_plane_widthPL, A_short* image_plane_heightPL));
+
+TYPE(PF_EffectUISuite1, PF_SetOptionsButtonName, PF_Err (*)(PF_ProgPtr effect_ref, const A_char* nameZ));
+
+TYPE(PF_ColorParamSuite1, PF_GetFloatingPointColorFromColorDef,
+     PF_Err (*)(PF_ProgPtr effect_ref, const PF_ParamDef* color_defP, PF_PixelFloat* fp_colorP));
+
+TYPE(PF_PointParamSuite1, PF_GetFloatingPointValueFromPointDef,
+     PF_Err (*)(PF_ProgPtr effect_ref, const PF_ParamDef* point_defP, A_FloatPoint* fp_pointP));
+
+TYPE(PF_AngleParamSuite1, PF_GetFloatingPointValueFromAngleDef,
+     PF_Err (*)(PF_ProgPtr effect_ref, const PF_ParamDef* angle_defP, A_FpLong* fp_valueP));
+
+TYPE(PF_iterateFloatSuite1, iterate,
+     PF_Err (*)(PF_InData* in_data, A_long progress_base, A_long progress_final, PF_EffectWorld* src,
+                const PF_Rect* area, void* refcon, PF_IteratePixelFloatFunc pix_fn, PF_EffectWorld* dst));
+TYPE(PF_iterateFloatSuite1, iterate_origin,
+     PF_Err (*)(PF_InData* in_data, A_long progress_base, A_long progress_final, PF_EffectWorld* src,
+                const PF_Rect* area, const PF_Point* origin, void* refcon, PF_IteratePixelFloatFunc pix_fn,
+                PF_EffectWorld* dst));
+TYPE(PF_iterateFloatSuite1, iterate_origin_non_clip_src,
+     PF_Err (*)(PF_InData* in_data, A_long progress_base, A_long progress_final, PF_EffectWorld* src,
+                const PF_Rect* area, const PF_Point* origin, void* refcon, PF_IteratePixelFloatFunc pix_fn,
+                PF_EffectWorld* dst));
 
 // Unions of one pointer; the id of a declared parameter and its change flags later share their place.
 static_assert(std::is_same_v<decltype(PF_CheckBoxDef{}.u.nameptr), const A_char*>);

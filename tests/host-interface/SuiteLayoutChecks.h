@@ -144,3 +144,62 @@ SLOT(AEGP_StreamSuite11, AEGP_GetNewEffectStreamByIndex, 5);
 SLOT(AEGP_StreamSuite11, AEGP_DisposeStream, 7);
 SLOT(AEGP_DynamicStreamSuite5, AEGP_SetDynamicStreamFlag, 6);
 SLOT(AEGP_EffectSuite4, AEGP_DisposeEffect, 8);
+
+SLOT(PF_ChannelSuite1, PF_GetLayerChannelCount, 0);
+SLOT(PF_ChannelSuite1, PF_GetLayerChannelIndexedRefAndDesc, 1);
+SLOT(PF_ChannelSuite1, PF_GetLayerChannelTypedRefAndDesc, 2);
+SLOT(PF_ChannelSuite1, PF_CheckoutLayerChannel, 3);
+SLOT(PF_ChannelSuite1, PF_CheckinLayerChannel, 4);
+
+SLOT(PF_AEAppSuite6, PF_AppGetBgColor, 0);
+SLOT(PF_AEAppSuite6, PF_AppGetColor, 1);
+SLOT(PF_AEAppSuite6, PF_GetPersonalInfo, 2);
+SLOT(PF_AEAppSuite6, PF_GetFontStyleSheet, 3);
+SLOT(PF_AEAppSuite6, PF_SetCursor, 4);
+SLOT(PF_AEAppSuite6, PF_IsRenderEngine, 5);
+SLOT(PF_AEAppSuite6, PF_AppColorPickerDialog, 6);
+SLOT(PF_AEAppSuite6, PF_GetMouse, 7);
+SLOT(PF_AEAppSuite6, PF_InvalidateRect, 8);
+SLOT(PF_AEAppSuite6, PF_ConvertLocalToGlobal, 9);
+SLOT(PF_AEAppSuite6, PF_GetColorAtGlobalPoint, 10);
+
+SLOT(PF_AEAppSuite7, PF_AppGetBgColor, 0);
+SLOT(PF_AEAppSuite7, PF_AppGetColor, 1);
+SLOT(PF_AEAppSuite7, PF_AppGetLanguage, 2);
+SLOT(PF_AEAppSuite7, PF_GetPersonalInfo, 3);
+SLOT(PF_AEAppSuite7, PF_GetFontStyleSheet, 4);
+SLOT(PF_AEAppSuite7, PF_SetCursor, 5);
+SLOT(PF_AEAppSuite7, PF_IsRenderEngine, 6);
+SLOT(PF_AEAppSuite7, PF_AppColorPickerDialog, 7);
+SLOT(PF_AEAppSuite7, PF_GetMouse, 8);
+SLOT(PF_AEAppSuite7, PF_InvalidateRect, 9);
+SLOT(PF_AEAppSuite7, PF_ConvertLocalToGlobal, 10);
+SLOT(PF_AEAppSuite7, PF_GetColorAtGlobalPoint, 11);
+
+SLOT(PF_AEAppSuite1, PF_AppGetBgColor, 0);
+SLOT(PF_AEAppSuite1, PF_AppGetColor, 1);
+SLOT(PF_AEAppSuite1, PF_AppGetLanguage, 2);
+SLOT(PF_AEAppSuite1, PF_GetPersonalInfo, 3);
+SLOT(PF_AEAppSuite1, PF_GetFontStyleSheet, 4);
+SLOT(PF_AEAppSuite1, PF_SetCursor, 5);
+SLOT(PF_AEAppSuite1, PF_IsRenderEngine, 6);
+SLOT(PF_AEAppSuite1, PF_AppColorPickerDialog, 7);
+SLOT(PF_AEAppSuite1, PF_GetMouse, 8);
+SLOT(PF_AEAppSuite1, PF_InvalidateRect, 9);
+SLOT(PF_AEAppSuite1, PF_ConvertLocalToGlobal, 10);
+SLOT(PF_AEAppSuite1, PF_GetColorAtGlobalPoint, 11);
+SLOT(PF_AEAppSuite1, PF_CreateNewAppProgressDialog, 12);
+SLOT(PF_AEAppSuite1, PF_AppProgressDialogUpdate, 13);
+SLOT(PF_AEAppSuite1, PF_DisposeAppProgressDialog, 14);
+
+SLOT(PF_EffectUISuite1, PF_SetOptionsButtonName, 0);
+
+SLOT(PF_ColorParamSuite1, PF_GetFloatingPointColorFromColorDef, 0);
+
+SLOT(PF_PointParamSuite1, PF_GetFloatingPointValueFromPointDef, 0);
+
+SLOT(PF_AngleParamSuite1, PF_GetFloatingPointValueFromAngleDef, 0);
+
+SLOT(PF_iterateFloatSuite1, iterate, 0);
+SLOT(PF_iterateFloatSuite1, iterate_origin, 1);
+SLOT(PF_iterateFloatSuite1, iterate_origin_non_clip_src, 2);
