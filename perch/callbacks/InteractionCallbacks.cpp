@@ -105,8 +105,14 @@ PF_Err progress(PF_ProgPtr effectRef, A_long current, A_long total) {
     });
 }
 
-PF_Err registerUi(PF_ProgPtr, PF_CustomUIInfo*) {
-    return refuse("register_ui");
+// Accepted and forgotten: there are no windows, and so no events.
+PF_Err registerUi(PF_ProgPtr effectRef, PF_CustomUIInfo* info) {
+    return answer("register_ui", Caller::MainThread, effectRef, [&](Host& host) -> PF_Err {
+        if (info == nullptr) return PF_Err_BAD_CALLBACK_PARAM;
+        if (!host.isDuring(PF_Cmd_PARAMS_SETUP))
+            host.ledger.fault("register_ui", "the interface is registered at PARAMS_SETUP only");
+        return PF_Err_NONE;
+    });
 }
 
 PF_Err checkoutLayerAudio(PF_ProgPtr, PF_ParamIndex, A_long, A_long, A_u_long, PF_UFixed, A_long, A_long,

@@ -1,6 +1,6 @@
 // The iterate calls: the effect's function for every pixel, row by row on the workers.
+#include <array>
 #include <atomic>
-#include <type_traits>
 
 #include "CallGuard.h"
 #include "Callbacks.h"
@@ -72,7 +72,7 @@ P* pixelAt(const PF_EffectWorld& world, std::int64_t x, std::int64_t y) {
 
 template <typename P>
 bool holds(const PF_EffectWorld& world) {
-    return world.data != nullptr && isDeep(world) == std::is_same_v<P, PF_Pixel16>;
+    return world.data != nullptr && depthOf(world) == kDepthOf<P>;
 }
 
 // What becomes of destination pixels that the source, shifted by `origin`, does not lie under: they are left
@@ -137,8 +137,8 @@ PF_Err iterateWorld(const Iteration<P>& iteration) {
 
 // The slot that is called: the same operation has one for each depth.
 template <typename P>
-const char* nameFor(const char* shallow, const char* deep) {
-    return std::is_same_v<P, PF_Pixel16> ? deep : shallow;
+const char* nameFor(const std::array<const char*, 3>& names) {
+    return names[static_cast<std::size_t>(kDepthOf<P>)];
 }
 
 // A null origin does not shift.
@@ -149,7 +149,7 @@ PF_Point shiftOf(const PF_Point* origin) {
 template <typename P>
 PF_Err iterate(PF_InData*, A_long base, A_long final, PF_EffectWorld* src, const PF_Rect* area, void* refcon,
                typename Iteration<P>::Function function, PF_EffectWorld* dst) {
-    return iterateWorld<P>({.callback = nameFor<P>("iterate", "iterate16"),
+    return iterateWorld<P>({.callback = nameFor<P>({"iterate", "iterate16", "iterate of floats"}),
                             .span = {base, final},
                             .src = src,
                             .area = area,
@@ -164,15 +164,16 @@ template <typename P>
 PF_Err iterateOrigin(PF_InData*, A_long base, A_long final, PF_EffectWorld* src, const PF_Rect* area,
                      const PF_Point* origin, void* refcon, typename Iteration<P>::Function function,
                      PF_EffectWorld* dst) {
-    return iterateWorld<P>({.callback = nameFor<P>("iterate_origin", "iterate_origin16"),
-                            .span = {base, final},
-                            .src = src,
-                            .area = area,
-                            .origin = shiftOf(origin),
-                            .outside = Source::Clipped,
-                            .refcon = refcon,
-                            .function = function,
-                            .dst = dst});
+    return iterateWorld<P>(
+        {.callback = nameFor<P>({"iterate_origin", "iterate_origin16", "iterate_origin of floats"}),
+         .span = {base, final},
+         .src = src,
+         .area = area,
+         .origin = shiftOf(origin),
+         .outside = Source::Clipped,
+         .refcon = refcon,
+         .function = function,
+         .dst = dst});
 }
 
 template <typename P>
@@ -180,7 +181,8 @@ PF_Err iterateOriginNonClip(PF_InData*, A_long base, A_long final, PF_EffectWorl
                             const PF_Point* origin, void* refcon, typename Iteration<P>::Function function,
                             PF_EffectWorld* dst) {
     return iterateWorld<P>(
-        {.callback = nameFor<P>("iterate_origin_non_clip_src", "iterate_origin_non_clip_src16"),
+        {.callback = nameFor<P>({"iterate_origin_non_clip_src", "iterate_origin_non_clip_src16",
+                                 "iterate_origin_non_clip_src of floats"}),
          .span = {base, final},
          .src = src,
          .area = area,
@@ -238,6 +240,10 @@ PF_Err iterateGeneric(A_long iterations, void* refcon, PF_Err (*function)(void*,
 }
 
 }  // namespace
+
+PF_iterateFloatSuite1 floatIterateSuite() {
+    return {iterate<PF_PixelFloat>, iterateOrigin<PF_PixelFloat>, iterateOriginNonClip<PF_PixelFloat>};
+}
 
 void fillIterateCallbacks(PF_UtilCallbacks& table) {
     table.iterate = iterate<PF_Pixel>;

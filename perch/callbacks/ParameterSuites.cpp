@@ -201,6 +201,7 @@ const void* findParameterSuite(const char* name, A_long version) {
     static const PF_EffectSequenceDataSuite1 sequenceData{getConstSequenceData};
     static const SuiteEntry entries[] = {
         {"PF Param Utils Suite", 1, &utilities1},
+        {"PF Param Utils Suite", 2, &utilities1},
         {"PF Param Utils Suite", 3, &utilities3},
         {"PF Effect Sequence Data Suite", 1, &sequenceData},
     };

@@ -1,6 +1,9 @@
 // The suites about pixels, worlds and memory: the utility callbacks under other names, and worlds by format.
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <iterator>
+
 #include "CallGuard.h"
 #include "Callbacks.h"
 #include "PF_Suites.h"
@@ -10,13 +13,26 @@
 namespace perch {
 namespace {
 
+struct Format {
+    PF_PixelFormat format;
+    PixelDepth depth;
+};
+
+constexpr Format kFormats[] = {{PF_PixelFormat_8BIT, PixelDepth::Bits8},
+                               {PF_PixelFormat_16BIT, PixelDepth::Bits16},
+                               {PF_PixelFormat_FLOAT, PixelDepth::Float}};
+
 PF_Err newWorld(PF_ProgPtr effectRef, A_long width, A_long height, PF_Boolean, PF_PixelFormat format,
                 PF_EffectWorld* world) {
     return answer("PF_NewWorld", Caller::MainThread, effectRef, [&](Host& host) -> PF_Err {
         if (world == nullptr) return PF_Err_BAD_CALLBACK_PARAM;
         *world = {};
-        if (format != PF_PixelFormat_8BIT && format != PF_PixelFormat_16BIT) return PF_Err_BAD_CALLBACK_PARAM;
-        return host.worlds.allocate(width, height, format == PF_PixelFormat_16BIT, *world, "PF_NewWorld");
+        const auto* const found = std::ranges::find(kFormats, format, &Format::format);
+        if (found == std::end(kFormats)) {
+            host.refuse("PF_NewWorld", fmt::format("the pixel format {} is not offered", format));
+            return PF_Err_BAD_CALLBACK_PARAM;
+        }
+        return host.worlds.allocate(width, height, found->depth, *world, "PF_NewWorld");
     });
 }
 
@@ -28,23 +44,9 @@ PF_Err disposeWorld(PF_ProgPtr effectRef, PF_EffectWorld* world) {
 PF_Err getPixelFormat(const PF_EffectWorld* world, PF_PixelFormat* format) {
     return answer("PF_GetPixelFormat", Caller::AnyThread, [&](Host&) -> PF_Err {
         if (world == nullptr || format == nullptr) return PF_Err_BAD_CALLBACK_PARAM;
-        *format = isDeep(*world) ? PF_PixelFormat_16BIT : PF_PixelFormat_8BIT;
+        *format = std::ranges::find(kFormats, depthOf(*world), &Format::depth)->format;
         return PF_Err_NONE;
     });
-}
-
-// There are no float worlds here.
-PF_Err fillFloat(PF_ProgPtr, const PF_PixelFloat*, const PF_Rect*, PF_EffectWorld*) {
-    return refuse("fill_float");
-}
-
-PF_Err premultiplyColorFloat(PF_ProgPtr, PF_EffectWorld*, const PF_PixelFloat*, A_long, PF_EffectWorld*) {
-    return refuse("premultiply_color_float");
-}
-
-PF_Err pixelDataFloat(PF_EffectWorld*, PF_PixelPtr, PF_PixelFloat** address) {
-    if (address != nullptr) *address = nullptr;
-    return refuse("get_pixel_data_float");
 }
 
 }  // namespace
@@ -60,6 +62,7 @@ const void* findPixelSuite(const char* name, A_long version) {
                                             utilities.iterate_generic};
     static const PF_iterate16Suite1 iterate16{utilities.iterate16, utilities.iterate_origin16,
                                               utilities.iterate_origin_non_clip_src16};
+    static const PF_iterateFloatSuite1 iterateFloat = floatIterateSuite();
     static const PF_WorldSuite2 worlds{newWorld, disposeWorld, getPixelFormat};
     static const PF_WorldTransformSuite1 transforms{
         utilities.composite_rect, utilities.blend,          utilities.convolve, utilities.copy, copyFiltered,
@@ -74,11 +77,18 @@ const void* findPixelSuite(const char* name, A_long version) {
     static const PF_PixelDataSuite1 pixelData{utilities.get_pixel_data8, utilities.get_pixel_data16,
                                               pixelDataFloat};
     static const SuiteEntry entries[] = {
-        {"PF ANSI Suite", 1, &ansi},           {"PF Fill Matte Suite", 2, &fills},
-        {"PF Handle Suite", 2, &handles},      {"PF Iterate8 Suite", 1, &iterate8},
-        {"PF Iterate8 Suite", 2, &iterate8},   {"PF Pixel Data Suite", 1, &pixelData},
-        {"PF World Suite", 2, &worlds},        {"PF World Transform Suite", 1, &transforms},
-        {"PF iterate16 Suite", 1, &iterate16}, {"PF iterate16 Suite", 2, &iterate16},
+        {"PF ANSI Suite", 1, &ansi},
+        {"PF Fill Matte Suite", 2, &fills},
+        {"PF Handle Suite", 2, &handles},
+        {"PF Iterate8 Suite", 1, &iterate8},
+        {"PF Iterate8 Suite", 2, &iterate8},
+        {"PF Pixel Data Suite", 1, &pixelData},
+        {"PF World Suite", 2, &worlds},
+        {"PF World Transform Suite", 1, &transforms},
+        {"PF iterate16 Suite", 1, &iterate16},
+        {"PF iterate16 Suite", 2, &iterate16},
+        {"PF iterateFloat Suite", 1, &iterateFloat},
+        {"PF iterateFloat Suite", 2, &iterateFloat},
     };
     return findIn(entries, name, version);
 }

@@ -37,6 +37,35 @@ A_Err newEffectForEffect(AEGP_PluginID plugin, PF_ProgPtr effectRef, AEGP_Effect
     });
 }
 
+// There is neither a layer nor a camera, and the effect's own time is the composition's.
+A_Err effectLayer(PF_ProgPtr effectRef, AEGP_LayerH* layer) {
+    return answer("AEGP_GetEffectLayer", Caller::MainThread, effectRef, [&](Host&) -> PF_Err {
+        if (layer == nullptr) return PF_Err_BAD_CALLBACK_PARAM;
+        *layer = nullptr;
+        return PF_Err_NONE;
+    });
+}
+
+A_Err effectToCompTime(PF_ProgPtr effectRef, A_long time, A_u_long scale, A_Time* compTime) {
+    return answer("AEGP_ConvertEffectToCompTime", Caller::MainThread, effectRef, [&](Host&) -> PF_Err {
+        if (compTime == nullptr || scale == 0) return PF_Err_BAD_CALLBACK_PARAM;
+        *compTime = {time, scale};
+        return PF_Err_NONE;
+    });
+}
+
+A_Err effectCamera(PF_ProgPtr effectRef, const A_Time*, AEGP_LayerH* camera) {
+    return answer("AEGP_GetEffectCamera", Caller::MainThread, effectRef, [&](Host&) -> PF_Err {
+        if (camera == nullptr) return PF_Err_BAD_CALLBACK_PARAM;
+        *camera = nullptr;
+        return PF_Err_NONE;
+    });
+}
+
+A_Err effectCameraMatrix(PF_ProgPtr, const A_Time*, A_Matrix4*, A_FpLong*, A_short*, A_short*) {
+    return refuse("AEGP_GetEffectCameraMatrix");
+}
+
 A_Err disposeEffect(AEGP_EffectRefH effect) {
     return answer("AEGP_DisposeEffect", Caller::MainThread,
                   [&](Host& host) -> PF_Err { return host.references.disposeEffect(effect); });
@@ -101,7 +130,11 @@ Suite utilitySuite() {
 
 AEGP_PFInterfaceSuite1 interfaceSuite() {
     auto suite = refusingSuite<AEGP_PFInterfaceSuite1>();
+    suite.AEGP_GetEffectLayer = effectLayer;
     suite.AEGP_GetNewEffectForEffect = newEffectForEffect;
+    suite.AEGP_ConvertEffectToCompTime = effectToCompTime;
+    suite.AEGP_GetEffectCamera = effectCamera;
+    suite.AEGP_GetEffectCameraMatrix = effectCameraMatrix;
     return suite;
 }
 
@@ -156,7 +189,8 @@ const void* findProjectSuite(const char* name, A_long version) {
         {"AEGP PF Interface Suite", 1, &interface1}, {"AEGP Stream Suite", 4, &stream4},
         {"AEGP Stream Suite", 11, &stream11},        {"AEGP Dynamic Stream Suite", 1, &dynamic1},
         {"AEGP Dynamic Stream Suite", 5, &dynamic5}, {"AEGP Effect Suite", 1, &effect1},
-        {"AEGP Effect Suite", 4, &effect4},
+        {"AEGP Effect Suite", 2, &effect4},          {"AEGP Effect Suite", 3, &effect4},
+        {"AEGP Effect Suite", 4, &effect4},          {"AEGP Effect Suite", 5, &effect4},
     };
     return findIn(entries, name, version);
 }

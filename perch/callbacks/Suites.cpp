@@ -81,6 +81,8 @@ SPBasicSuite* basicSuite() {
 const void* findSuite(const char* name, A_long version) {
     if (const void* suite = findPixelSuite(name, version)) return suite;
     if (const void* suite = findParameterSuite(name, version)) return suite;
+    if (const void* suite = findValueSuite(name, version)) return suite;
+    if (const void* suite = findAppSuite(name, version)) return suite;
     return findProjectSuite(name, version);
 }
 

@@ -7,6 +7,7 @@
 #include <map>
 #include <utility>
 
+#include "Declined.h"
 #include "Frame.h"
 #include "PF_Values.h"
 #include "ParameterSetting.h"
@@ -23,9 +24,9 @@ namespace fs = std::filesystem;
 std::vector<double> extremesOf(const Parameter& parameter) {
     if (parameter.definition.param_type == PF_Param_CHECKBOX) return {0, 1};
     if (!parameter.items.empty()) {
-        std::vector<double> items(parameter.items.size());
-        for (std::size_t i = 0; i < items.size(); ++i)
-            items[i] = static_cast<double>(i) + 1;
+        std::vector<double> items;
+        for (std::size_t i = 0; i < parameter.items.size(); ++i)
+            if (!isSeparator(parameter.items[i])) items.push_back(static_cast<double>(i) + 1);
         return items;
     }
     if (!parameter.validRange) return {};
@@ -107,7 +108,7 @@ void checkExtremes(const fs::path& plugin) {
 
 void checkNestedFrames(const fs::path& plugin) {
     Trial trial(plugin, {});
-    {
+    try {
         Sequence sequence(trial.effect);
         const FrameRequest request = trial.frame(kUsual, false);
         const std::uint64_t expected = sequence.render(request).picture.checksum();
@@ -121,6 +122,8 @@ void checkNestedFrames(const fs::path& plugin) {
         outer.render();
         outer.finish();
         require(outer.picture().checksum() == expected, "a frame around a frame gave another picture");
+    } catch (const Declined&) {
+        // Such frames do not nest: each is rendered between two commands.
     }
     trial.end();
 }
@@ -276,6 +279,26 @@ void checkSuites(const fs::path& plugin) {
     }
 }
 
+// An effect that renders both ways gives the same picture by both; floats are rendered where it takes them.
+void checkSmartRender(const fs::path& plugin) {
+    Trial trial(plugin, {});
+    if (!trial.effect.supportsSmartRender()) return trial.end();
+    for (const bool deep : trial.depths()) {
+        FrameRequest request = trial.frame(kUsual, deep);
+        request.smart = SmartUse::On;
+        const std::uint64_t expected = trial.render(request).checksum();
+        request.smart = SmartUse::Off;
+        try {
+            require(trial.render(request).checksum() == expected,
+                    fmt::format("at {} bits RENDER gives another picture than SMART_RENDER", deep ? 16 : 8));
+        } catch (const Declined&) {
+            // There is the smart way alone.
+        }
+    }
+    if (trial.effect.supportsFloatColor()) trial.render(trial.floatFrame(kUsual));
+    trial.end();
+}
+
 struct Rule {
     const char* name;
     void (*check)(const fs::path& plugin);
@@ -296,6 +319,7 @@ constexpr Rule kRules[] = {
     {"callbacks that fail, and the frames after them", checkFailures},
     {"older hosts, and hosts without suites", checkHosts},
     {"each suite withheld", checkSuites},
+    {"smart rendering gives the same picture", checkSmartRender},
 };
 
 }  // namespace

@@ -14,6 +14,20 @@ HostOptions strict(HostOptions options) {
     return options;
 }
 
+World asFloat(const World& picture) {
+    World floats(picture.width(), picture.height(), PixelDepth::Float);
+    for (std::int32_t y = 0; y < picture.height(); ++y) {
+        for (std::int32_t x = 0; x < picture.width(); ++x) {
+            constexpr float kLevel = 1.25F / 255;
+            const PF_Pixel& p = rowOf<PF_Pixel>(picture.record(), y)[x];
+            rowOf<PF_PixelFloat>(floats.record(), y)[x] = {
+                static_cast<float>(p.alpha) / 255, static_cast<float>(p.red) * kLevel,
+                static_cast<float>(p.green) * kLevel, static_cast<float>(p.blue) * kLevel};
+        }
+    }
+    return floats;
+}
+
 }  // namespace
 
 void require(bool condition, const std::string& sentence) {
@@ -46,10 +60,18 @@ FrameRequest Trial::frame(Size size, bool deep, bool withLayers) {
     FrameRequest request;
     request.input = &keep(generatedPicture(size, deep, 0));
     request.values = effect.defaultValues(size.width, size.height);
-    if (!withLayers) return request;
     for (const Parameter& parameter : effect.description().parameters) {
-        if (isLayer(parameter)) request.layers[parameter.index] = &keep(generatedPicture(size, deep, 17));
+        if (!isLayer(parameter)) continue;
+        request.layers[parameter.index] = withLayers ? &keep(generatedPicture(size, deep, 17)) : nullptr;
     }
+    return request;
+}
+
+FrameRequest Trial::floatFrame(Size size) {
+    FrameRequest request = frame(size, false);
+    request.input = &keep(asFloat(*request.input));
+    for (auto& [index, picture] : request.layers)
+        picture = &keep(asFloat(*picture));
     return request;
 }
 

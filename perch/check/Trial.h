@@ -41,6 +41,8 @@ public:
 
     // A request for a generated frame; the pictures live as long as the trial.
     FrameRequest frame(Size size, bool deep, bool withLayers = true);
+    // The same in floating point, brighter than white in places.
+    FrameRequest floatFrame(Size size);
     World render(const FrameRequest& request);
 
     // Ends the effect; what strict mode found is a Failure, except handles where `toleratesHandles`.

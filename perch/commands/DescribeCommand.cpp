@@ -25,7 +25,8 @@ int runDescribeCommand(const std::vector<std::string>& arguments) {
         fmt::print("{}", app.help());
         return kDone;
     }
-    const Effect effect(chooseBundle(plugin), HostOptions{});
+    Effect effect(chooseBundle(plugin), HostOptions{});
+    effect.printDefaults();
     const EffectDescription& description = effect.description();
     const std::vector<ParameterOption> options = optionsOf(description.parameters);
     fmt::print("{}", wantsJson ? describeAsJson(description, options) : describeAsText(description, options));

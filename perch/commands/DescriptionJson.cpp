@@ -12,6 +12,14 @@ Json rangeToJson(const Parameter::Range& range) {
     return {{"minimum", range.minimum}, {"maximum", range.maximum}};
 }
 
+// The numbers, from 1, of the items that are lines between others.
+std::vector<std::size_t> separatorsOf(const Parameter& parameter) {
+    std::vector<std::size_t> numbers;
+    for (std::size_t i = 0; i < parameter.items.size(); ++i)
+        if (isSeparator(parameter.items[i])) numbers.push_back(i + 1);
+    return numbers;
+}
+
 Json parameterToJson(const Parameter& parameter) {
     Json json{{"index", parameter.index}, {"name", parameter.name}, {"type", parameter.typeName}};
     const bool isChoice = isCheckBox(parameter) || !parameter.items.empty();
@@ -23,6 +31,9 @@ Json parameterToJson(const Parameter& parameter) {
         json["default"] = text;
     }
     if (!parameter.items.empty()) json["items"] = parameter.items;
+    if (const std::vector<std::size_t> lines = separatorsOf(parameter); !lines.empty())
+        json["separators"] = lines;
+    if (parameter.depth > 0) json["groupDepth"] = parameter.depth;
     return json;
 }
 

@@ -88,6 +88,7 @@ HostOptions hostOptions(const LoadOptions& options, Display& display) {
     HostOptions host;
     host.threads = options.threads;
     host.strict = options.strict;
+    host.application = options.application;
     host.onMessage = [&display](std::string_view command, std::string_view message) {
         display.line.clear();
         const std::string place = isOfFrame(command) ? fmt::format("frame {}: ", display.frame) : "";
@@ -181,7 +182,8 @@ int runRenderCommand(const std::vector<std::string>& arguments) {
     Display display;
     Effect effect(chooseBundle(options.load.plugin), hostOptions(options.load, display));
     const ParameterArguments parameters = parseParameterArguments(arguments, effect.description().parameters);
-    const FramePlan plan = planFrames(options.names, parameters.layers);
+    FramePlan plan = planFrames(options.names, parameters.layers);
+    plan.emptyLayers = parameters.emptyLayers;
     catchInterrupts();
     RenderReport report;
     if (!render(effect, options.settings, parameters.settings, plan, display, report))

@@ -23,9 +23,12 @@ struct Texts {
     bool wantsHelp = false;
     bool wantsTiming = false;
     bool strict = false;
+    bool resizes = false;
+    std::string application = "prch";
     std::string input;
     std::string output;
     std::string quality = "best";
+    std::string smart = "auto";
     std::string downsample = "1/1";
     std::string depth;
     std::string threads = "0";
@@ -53,6 +56,20 @@ PF_Quality parseQuality(const std::string& text) {
     if (text == "best") return PF_Quality_HI;
     if (text == "draft") return PF_Quality_LO;
     throw UsageError(fmt::format("--quality takes draft or best, not \"{}\"", text));
+}
+
+SmartUse parseSmart(const std::string& text) {
+    if (text == "on") return SmartUse::On;
+    if (text == "off") return SmartUse::Off;
+    if (text == "auto") return SmartUse::Auto;
+    throw UsageError(fmt::format("--smart takes on, off or auto, not \"{}\"", text));
+}
+
+A_AppID parseApplication(const std::string& text) {
+    const bool isPrintable = std::ranges::all_of(text, [](char c) { return c >= ' ' && c <= '~'; });
+    if (text.size() != 4 || !isPrintable)
+        throw UsageError(fmt::format("--application takes four characters, like prch, not \"{}\"", text));
+    return static_cast<A_AppID>(PF_FOUR_CC(text[0], text[1], text[2], text[3]));
 }
 
 std::optional<Depth> parseDepth(const std::string& text) {
@@ -109,9 +126,19 @@ void addOwnOptions(CLI::App& app, Texts& texts) {
     app.add_flag("--timing", texts.wantsTiming, "tell how long reading, rendering and writing took");
     app.add_flag("--strict", texts.strict, "watch for breaches of the interface's rules; any is a failure");
     app.add_option("--quality", texts.quality, "draft or best (default best)")->type_name("QUALITY");
+    app.add_option("--smart", texts.smart,
+                   "smart rendering: on, off, or auto, which takes it where the effect does not answer "
+                   "RENDER (default auto)")
+        ->type_name("WHEN");
     app.add_option("--downsample", texts.downsample,
-                   "the pictures' size as a fraction of the layer's full size (default 1/1)")
+                   "tell the effect that the pictures are that much smaller than the layer, so that it "
+                   "scales what it measures in pixels: for a quick look (default 1/1)")
         ->type_name("N/D");
+    app.add_flag("--resize", texts.resizes,
+                 "make the pictures that much smaller first; without it they are taken to be so already");
+    app.add_option("--application", texts.application,
+                   "four characters that the host calls itself by, for effects that ask (default prch)")
+        ->type_name("CODE");
     app.add_option("--depth", texts.depth, "bits per channel, 8 or 16 (default: those of the input)")
         ->type_name("BITS");
 }
@@ -151,7 +178,9 @@ void takeParameter(const ParameterOption& option, const std::string& text, Param
         // A bare flag is on.
         const bool isBare = isCheckBox(option.parameter) && text.empty();
         arguments.settings.push_back(requireSetting(option, isBare ? "on" : text));
-    } else if (text != "none") {
+    } else if (text == "none") {
+        arguments.emptyLayers.insert(option.parameter.index);
+    } else {
         arguments.layers[option.parameter.index] = text;
     }
 }
@@ -187,11 +216,14 @@ RenderOptions parseRenderOptions(const std::vector<std::string>& arguments) {
     options.wantsTiming = texts.wantsTiming;
     options.load.threads = parseThreads(texts.threads);
     options.load.strict = texts.strict;
+    options.load.application = parseApplication(texts.application);
     options.names.input = texts.input;
     options.names.output = texts.output;
     if (!texts.frames.empty()) options.names.frames = parseFrameRange(texts.frames);
     options.settings.quality = parseQuality(texts.quality);
+    options.settings.smart = parseSmart(texts.smart);
     options.settings.downsample = parseDownsample(texts.downsample);
+    options.settings.resizes = texts.resizes;
     options.settings.depth = parseDepth(texts.depth);
     options.settings.compression = parseNumber("--compression", texts.compression, kMostCompression);
     options.settings.framesAhead = framesAheadFor(options.load.threads);

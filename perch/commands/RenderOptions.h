@@ -3,6 +3,7 @@
 #pragma once
 
 #include <filesystem>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,7 @@ struct LoadOptions {
     std::filesystem::path plugin;  // empty: the one beside the program
     int threads = 0;               // 0: one per processor
     bool strict = false;
+    A_AppID application = kPerchApplication;  // that the host goes by
 };
 
 struct RenderOptions {
@@ -30,6 +32,7 @@ struct RenderOptions {
 struct ParameterArguments {
     std::vector<ParameterSetting> settings;
     LayerNames layers;
+    std::set<PF_ParamIndex> emptyLayers;
 };
 
 // The names of the command's own options, which no parameter's option takes.

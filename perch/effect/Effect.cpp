@@ -1,8 +1,10 @@
 #include "Effect.h"
 
+#include "ArbitraryData.h"
 #include "Bundle.h"
 #include "Call.h"
 #include "Callbacks.h"
+#include "Error.h"
 #include "Host.h"
 #include "PF_Values.h"
 
@@ -57,6 +59,27 @@ ParameterValues Effect::defaultValues(std::int32_t width, std::int32_t height) c
 
 bool Effect::supportsDeepColor() const {
     return (host->description.flags & PF_OutFlag_DEEP_COLOR_AWARE) != 0;
+}
+
+bool Effect::supportsSmartRender() const {
+    return (host->description.flags2 & PF_OutFlag2_SUPPORTS_SMART_RENDER) != 0;
+}
+
+bool Effect::supportsFloatColor() const {
+    return supportsSmartRender() && (host->description.flags2 & PF_OutFlag2_FLOAT_COLOR_AWARE) != 0;
+}
+
+// An effect need not know how to print.
+void Effect::printDefaults() {
+    for (Parameter& parameter : host->description.parameters) {
+        const PF_ArbitraryH value = isArbitrary(parameter) ? parameter.definition.u.arb_d.dephault : nullptr;
+        if (value == nullptr) continue;
+        try {
+            parameter.printedDefault = ArbitraryData(*host, parameter).print(value);
+        } catch (const Error&) {
+            parameter.printedDefault.clear();
+        }
+    }
 }
 
 std::string Effect::about() {

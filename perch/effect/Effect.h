@@ -41,9 +41,14 @@ public:
     Effect& operator=(const Effect&) = delete;
 
     const EffectDescription& description() const;
-    // The values of a fresh instance on a layer of that full-resolution size, by which points are placed.
+    // The values of a fresh instance for pictures of that size, by whose pixels points are placed.
     ParameterValues defaultValues(std::int32_t width, std::int32_t height) const;
     bool supportsDeepColor() const;
+    bool supportsSmartRender() const;
+    bool supportsFloatColor() const;  // on the smart way alone
+
+    // Has the effect print the defaults of parameters whose values only it understands, for description().
+    void printDefaults();
 
     std::string about();
     // Any command, outside of a frame, with the current data; for hostile orders. Never throws for errors.

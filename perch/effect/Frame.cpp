@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "Error.h"
+#include "Declined.h"
 #include "Host.h"
 #include "PF_Values.h"
 #include "PixelAccess.h"
@@ -20,7 +20,7 @@ constexpr unsigned char kUntouched = 0x5A;
 template <typename F>
 void forEachRow(const World& world, const F& visit) {
     const auto size =
-        static_cast<std::size_t>(world.width()) * static_cast<std::size_t>(pixelSize(world.isDeep()));
+        static_cast<std::size_t>(world.width()) * static_cast<std::size_t>(pixelSize(world.depth()));
     for (A_long y = 0; y < world.height(); ++y)
         visit(rowOf<unsigned char>(world.record(), y), size);
 }
@@ -40,8 +40,9 @@ bool isUntouched(const World& world) {
 
 }  // namespace
 
-Frame::Frame(Sequence& sequence, const FrameRequest& asked) : sequence(sequence), request(asked) {
-    checkRequest();
+Frame::Frame(Sequence& sequence, const FrameRequest& asked)
+    : sequence(sequence), request(sequence.completed(asked)) {
+    takeInput();
     Host& host = *sequence.effect.host;
     PF_LayerDef size{};
     size.width = request.outputWidth;
@@ -69,23 +70,8 @@ Frame::~Frame() {
     setDown();
 }
 
-void Frame::checkRequest() {
+void Frame::takeInput() {
     const Host& host = *sequence.effect.host;
-    if (request.input == nullptr) throw Error("a frame needs an input picture");
-    bool hasDeepPicture = request.input->isDeep();
-    for (const auto& [index, picture] : request.layers)
-        hasDeepPicture = hasDeepPicture || (picture != nullptr && picture->isDeep());
-    if (hasDeepPicture && !sequence.effect.supportsDeepColor())
-        throw Error("the effect does not handle 16 bits per channel; give it 8-bit pictures");
-    if (request.outputWidth <= 0) request.outputWidth = request.input->width();
-    if (request.outputHeight <= 0) request.outputHeight = request.input->height();
-    if (request.values.empty())
-        request.values = sequence.effect.defaultValues(
-            fullExtent(request.fullWidth, request.input->width(), request.downsampleX),
-            fullExtent(request.fullHeight, request.input->height(), request.downsampleY));
-    if (request.values.size() != host.description.parameters.size() + 1)
-        throw Error(fmt::format("{} parameter values for {} parameters", request.values.size() - 1,
-                                host.description.parameters.size()));
     const bool mayWrite = (host.description.flags & PF_OutFlag_I_WRITE_INPUT_BUFFER) != 0;
     if (host.ledger.isStrict() || mayWrite) inputCopy = std::make_unique<World>(*request.input);
     PF_ParamDef& input = request.values[0];
@@ -113,7 +99,7 @@ void Frame::takeOutputSize(const PF_OutData& out) {
 void Frame::render() {
     Host& host = *sequence.effect.host;
     const std::int32_t strictPadding =
-        host.ledger.isStrict() ? kStrictRowPadding * pixelSize(request.input->isDeep()) : 0;
+        host.ledger.isStrict() ? kStrictRowPadding * pixelSize(request.input->depth()) : 0;
     output = std::make_unique<World>(request.outputWidth, request.outputHeight, request.input->isDeep(),
                                      request.outputRowPadding > 0 ? request.outputRowPadding : strictPadding);
     const bool isSmart = (host.description.flags2 & PF_OutFlag2_SUPPORTS_SMART_RENDER) != 0;
@@ -128,11 +114,14 @@ void Frame::render() {
     host.send(call);
     checkPixels();
     host.throwIfFailed(call);
-    if (isSmart && isUntouched(*output))
-        throw Error(
-            fmt::format("frame {}: the effect left the frame as it was; it renders by the smart-render "
-                        "path alone, which this host does not have",
-                        request.frame));
+    if (!isSmart || !isUntouched(*output)) return;
+    // The user's interrupt is a reason of its own to stop early, whether the effect tells it or not.
+    if (request.cancelled != nullptr && request.cancelled->load())
+        throw Cancelled("RENDER", PF_Interrupt_CANCEL, "", request.frame);
+    throw Declined(
+        fmt::format("frame {}: the effect left the frame as it was; it renders by the smart-render path "
+                    "alone, so let it take that with --smart auto",
+                    request.frame));
 }
 
 void Frame::finish() {

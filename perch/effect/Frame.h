@@ -24,7 +24,7 @@ public:
     RenderedFrame take();          // after finish(); leaves no picture
 
 private:
-    void checkRequest();
+    void takeInput();
     void takeOutputSize(const PF_OutData& out);
     void checkPixels();
     void checkInput();

@@ -4,12 +4,24 @@
 
 #include <cstring>
 
+#include "ArbitraryData.h"
+#include "Declined.h"
 #include "Error.h"
 #include "Frame.h"
 #include "Host.h"
 #include "PF_Values.h"
+#include "SmartFrame.h"
 
 namespace perch {
+namespace {
+
+// They share their place with the identifiers of the declaration.
+void clearChangeFlags(ParameterValues& values) {
+    for (PF_ParamDef& value : values)
+        value.uu.change_flags = 0;
+}
+
+}  // namespace
 
 Sequence::Sequence(Effect& effect) : effect(effect) {
     Call call{.command = PF_Cmd_SEQUENCE_SETUP, .sequenceData = &data};
@@ -17,6 +29,7 @@ Sequence::Sequence(Effect& effect) : effect(effect) {
     // What a failed set-up left behind is torn down as well.
     isSetUp = call.code == PF_Err_NONE || data != nullptr;
     throwIfFailed(call);
+    makeArbitraryValues();
 }
 
 Sequence::Sequence(Effect& effect, const std::vector<std::byte>& flattened) : effect(effect) {
@@ -29,10 +42,57 @@ Sequence::Sequence(Effect& effect, const std::vector<std::byte>& flattened) : ef
         if (!flattened.empty()) std::memcpy(*data, flattened.data(), flattened.size());
     }
     resetup();
+    makeArbitraryValues();
 }
 
 Sequence::~Sequence() {
     setDown();
+}
+
+// An instance has values of its own, copied from what was declared.
+void Sequence::makeArbitraryValues() {
+    try {
+        for (const Parameter& parameter : effect.host->description.parameters)
+            if (isArbitrary(parameter))
+                arbitraryValues[parameter.index] = ArbitraryData(*effect.host, parameter).makeDefault();
+    } catch (const Error&) {
+        setDown();
+        throw;
+    }
+}
+
+// As a project does: what is loaded stands for what was saved, and is the same.
+void Sequence::saveArbitraryValues() {
+    for (auto& [index, value] : arbitraryValues) {
+        const auto& parameters = effect.host->description.parameters;
+        ArbitraryData data(*effect.host, parameters[static_cast<std::size_t>(index) - 1]);
+        const PF_ArbitraryH loaded = data.unflatten(data.flatten(value));
+        try {
+            if (data.compare(value, loaded) != PF_ArbCompare_EQUAL)
+                effect.host->ledger.fault(
+                    "UNFLATTEN_FUNC",
+                    fmt::format("the value of parameter {} is another one after it was saved and loaded",
+                                index));
+        } catch (const Error&) {
+            data.dispose(loaded);
+            throw;
+        }
+        data.dispose(value);
+        value = loaded;
+    }
+}
+
+void Sequence::disposeArbitraryValues() {
+    for (const auto& [index, value] : arbitraryValues) {
+        const auto& parameters = effect.host->description.parameters;
+        ArbitraryData(*effect.host, parameters[static_cast<std::size_t>(index) - 1]).dispose(value);
+    }
+    arbitraryValues.clear();
+}
+
+void Sequence::giveArbitraryValues(ParameterValues& values) const {
+    for (const auto& [index, value] : arbitraryValues)
+        values[static_cast<std::size_t>(index)].u.arb_d.value = value;
 }
 
 // Throws what the effect answered; an instance that was never whole is set down first.
@@ -46,9 +106,10 @@ void Sequence::throwIfFailed(const Call& call) {
 }
 
 void Sequence::setDown() noexcept {
-    if (!isSetUp) return;
-    isSetUp = false;
     try {
+        disposeArbitraryValues();
+        if (!isSetUp) return;
+        isSetUp = false;
         Call call{.command = PF_Cmd_SEQUENCE_SETDOWN, .sequenceData = &data};
         effect.host->send(call);
         effect.host->reportFailedTearDown(call);
@@ -74,6 +135,7 @@ void Sequence::resetup() {
 
 std::vector<std::byte> Sequence::flatten() {
     Host& host = *effect.host;
+    saveArbitraryValues();
     if ((host.description.flags & PF_OutFlag_SEQUENCE_DATA_NEEDS_FLATTENING) != 0) {
         Call call{.command = PF_Cmd_SEQUENCE_FLATTEN, .sequenceData = &data};
         host.send(call);
@@ -88,11 +150,58 @@ std::vector<std::byte> Sequence::flatten() {
     return bytes;
 }
 
+namespace {
+
+bool isFloat(const FrameRequest& request) {
+    return request.input->depth() == PixelDepth::Float;
+}
+
+}  // namespace
+
+// What the caller has left open, filled in; what the effect cannot take, refused.
+FrameRequest Sequence::completed(const FrameRequest& asked) const {
+    const EffectDescription& description = effect.host->description;
+    FrameRequest request = asked;
+    if (request.input == nullptr) throw Error("a frame needs an input picture");
+    bool hasDeepPicture = request.input->isDeep();
+    for (const auto& [index, picture] : request.layers)
+        hasDeepPicture = hasDeepPicture || (picture != nullptr && picture->isDeep());
+    if (hasDeepPicture && !effect.supportsDeepColor())
+        throw Error("the effect does not handle 16 bits per channel; give it 8-bit pictures");
+    if (isFloat(request) && !effect.supportsFloatColor())
+        throw Error("the effect does not handle floating-point channels; give it pictures of 8 or 16 bits");
+    if (request.outputWidth <= 0) request.outputWidth = request.input->width();
+    if (request.outputHeight <= 0) request.outputHeight = request.input->height();
+    if (request.values.empty())
+        request.values = effect.defaultValues(request.input->width(), request.input->height());
+    if (request.values.size() != description.parameters.size() + 1)
+        throw Error(fmt::format("{} parameter values for {} parameters", request.values.size() - 1,
+                                description.parameters.size()));
+    giveArbitraryValues(request.values);
+    for (const Parameter& parameter : description.parameters)
+        if (isOfThisLayer(parameter)) request.layers.try_emplace(parameter.index, request.input);
+    return request;
+}
+
 RenderedFrame Sequence::render(const FrameRequest& request) {
-    Frame frame(*this, request);
-    frame.render();
-    frame.finish();
-    return frame.take();
+    const bool knowsSmart = effect.supportsSmartRender();
+    if (request.smart == SmartUse::On && !knowsSmart)
+        throw Error("the effect does not declare smart rendering; render without it");
+    const bool mustBeSmart = request.input != nullptr && isFloat(request);
+    if (knowsSmart && (mustBeSmart || request.smart == SmartUse::On ||
+                       (request.smart == SmartUse::Auto && declinesRender))) {
+        return renderSmart(*effect.host, completed(request), data);
+    }
+    try {
+        Frame frame(*this, request);
+        frame.render();
+        frame.finish();
+        return frame.take();
+    } catch (const Declined&) {
+        if (request.smart == SmartUse::Off) throw;
+        declinesRender = true;
+    }
+    return renderSmart(*effect.host, completed(request), data);
 }
 
 void Sequence::userChangedParam(PF_ParamIndex index, ParameterValues& values) {
@@ -100,22 +209,38 @@ void Sequence::userChangedParam(PF_ParamIndex index, ParameterValues& values) {
     const auto place = static_cast<std::size_t>(index);
     if (index < 1 || place >= values.size())
         throw Error(fmt::format("parameter {} is not from 1 to {}", index, values.size() - 1));
+    clearChangeFlags(values);
     values[place].uu.change_flags = PF_ChangeFlag_CHANGED_VALUE;
     sendWithValues(PF_Cmd_USER_CHANGED_PARAM, values, &extra);
 }
 
 void Sequence::updateParamsUi(ParameterValues& values) {
+    clearChangeFlags(values);
     sendWithValues(PF_Cmd_UPDATE_PARAMS_UI, values, nullptr);
 }
 
 void Sequence::sendWithValues(PF_Cmd command, ParameterValues& values, void* extra) {
     Call call{.command = command, .values = values, .sequenceData = &data, .extra = extra};
+    giveArbitraryValues(call.values);
     effect.host->send(call);
     effect.host->throwIfFailed(call);
+    for (const Parameter& parameter : effect.host->description.parameters) {
+        const auto place = static_cast<std::size_t>(parameter.index);
+        keepUnlessChanged(command, values[place], parameter.index, call.values[place]);
+        call.values[place].uu = parameter.definition.uu;
+    }
     values = std::move(call.values);
-    // The change flags share their place with the identifiers.
-    for (const Parameter& parameter : effect.host->description.parameters)
-        values[static_cast<std::size_t>(parameter.index)].uu = parameter.definition.uu;
+}
+
+// A value that the effect has changed counts where it says so, and while the user changes one.
+void Sequence::keepUnlessChanged(PF_Cmd command, const PF_ParamDef& given, PF_ParamIndex index,
+                                 PF_ParamDef& left) {
+    const bool isDeclared = (left.uu.change_flags & PF_ChangeFlag_CHANGED_VALUE) != 0;
+    if (isSameValue(given, left) || (command == PF_Cmd_USER_CHANGED_PARAM && isDeclared)) return;
+    effect.host->ledger.fault("", fmt::format("parameter {} was changed {}; hosts pass over that", index,
+                                              isDeclared ? "outside of USER_CHANGED_PARAM"
+                                                         : "without PF_ChangeFlag_CHANGED_VALUE"));
+    takeValue(given, left);
 }
 
 CommandResult Sequence::send(PF_Cmd command, void* extra) {

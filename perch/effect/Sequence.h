@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <map>
 #include <vector>
 
 #include "Effect.h"
@@ -25,7 +26,7 @@ public:
     // Saves: sends SEQUENCE_FLATTEN where the effect declares that it needs it, copies the bytes, and goes on
     // with SEQUENCE_RESETUP.
     std::vector<std::byte> flatten();
-    // FRAME_SETUP, RENDER, FRAME_SETDOWN.
+    // FRAME_SETUP, RENDER, FRAME_SETDOWN; or SMART_PRE_RENDER, SMART_RENDER, see SmartUse.
     RenderedFrame render(const FrameRequest& request);
     // The user has changed that value; the effect may change others and the look of controls in `values`.
     // Throws Error when there is no parameter of that index.
@@ -37,14 +38,22 @@ public:
 
 private:
     friend class Frame;
+    void makeArbitraryValues();
+    void saveArbitraryValues();
+    void disposeArbitraryValues();
+    void giveArbitraryValues(ParameterValues& values) const;
+    FrameRequest completed(const FrameRequest& request) const;
     void resetup();
     void throwIfFailed(const Call& call);
     void setDown() noexcept;
     void sendWithValues(PF_Cmd command, ParameterValues& values, void* extra);
+    void keepUnlessChanged(PF_Cmd command, const PF_ParamDef& given, PF_ParamIndex index, PF_ParamDef& left);
 
     Effect& effect;
     PF_Handle data = nullptr;  // the effect's, carried from command to command
+    std::map<PF_ParamIndex, PF_ArbitraryH> arbitraryValues;
     bool isSetUp = false;
+    bool declinesRender = false;  // has left a frame to smart rendering
 };
 
 }  // namespace perch

@@ -9,6 +9,7 @@
 #include "PF_Entry.h"
 #include "PF_Values.h"
 #include "ParameterValues.h"
+#include "SmartUse.h"
 #include "World.h"
 
 namespace perch {
@@ -16,10 +17,11 @@ namespace perch {
 // What one frame is rendered from. Pictures are borrowed and must outlive the Frame. A picture stands for
 // all times, and the same holds for the values: a checkout at another time answers with the same.
 struct FrameRequest {
-    std::int32_t frame = 0;                        // number told in errors
-    const World* input = nullptr;                  // required
-    std::map<PF_ParamIndex, const World*> layers;  // per layer parameter; absent or null: none
-    ParameterValues values;                        // empty: the defaults
+    std::int32_t frame = 0;        // number told in errors
+    const World* input = nullptr;  // required
+    // Per layer parameter. Null: none; absent: what the parameter has by default, none or this layer itself.
+    std::map<PF_ParamIndex, const World*> layers;
+    ParameterValues values;  // empty: the defaults
 
     std::int32_t time = 0;  // in units of 1 / timeScale s, as the three below
     std::int32_t timeStep = 1;
@@ -40,6 +42,7 @@ struct FrameRequest {
     PF_RationalScale downsampleY{1, 1};
     PF_RationalScale pixelAspectRatio{1, 1};
     PF_Quality quality = PF_Quality_HI;
+    SmartUse smart = SmartUse::Auto;  // floating-point pictures are always rendered the smart way
 
     const std::atomic<bool>* cancelled = nullptr;   // may be set from any thread or a signal handler
     std::function<void(double fraction)> progress;  // on the calling thread, 0 to 1

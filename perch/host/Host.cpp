@@ -6,6 +6,7 @@
 #include <atomic>
 #include <cstring>
 
+#include "ArbitraryData.h"
 #include "CommandName.h"
 #include "Error.h"
 #include "PF_Values.h"
@@ -15,9 +16,6 @@ namespace perch {
 namespace {
 
 std::atomic<Host*> gCurrentHost{nullptr};
-
-// The host's identity, as four characters.
-constexpr A_AppID kApplication = static_cast<A_AppID>(PF_FOUR_CC('p', 'r', 'c', 'h'));
 
 // Names the command under way for as long as the object lives.
 class UnderWay {
@@ -67,13 +65,13 @@ Host* Host::current() {
 
 Host::Host(PF_EntryPoint entryPoint, EffectDescription description, HostOptions options,
            std::shared_ptr<void> library, const CallbackTables& tables)
-    : options(std::move(options)),
+    : library(std::move(library)),
+      options(std::move(options)),
       description(std::move(description)),
       ledger(this->options.strict),
       pool(this->options.threads),
       entryPoint(entryPoint),
-      tables(tables),
-      library(std::move(library)) {
+      tables(tables) {
     Host* none = nullptr;
     if (!gCurrentHost.compare_exchange_strong(none, this))
         throw Error("another effect is loaded in this process; close it first");
@@ -102,6 +100,7 @@ void Host::setUp() {
     Call params{.command = PF_Cmd_PARAMS_SETUP};
     send(params);
     throwIfFailed(params);
+    nestInGroups(description.parameters);
     const auto declared = static_cast<A_long>(description.parameters.size()) + 1;
     if (params.out.num_params != declared)
         ledger.fault(
@@ -112,6 +111,7 @@ void Host::setUp() {
 void Host::close() {
     if (isSetUp) {
         isSetUp = false;
+        disposeDeclaredValues();
         Call global{.command = PF_Cmd_GLOBAL_SETDOWN};
         send(global);
         globalData = nullptr;
@@ -121,6 +121,15 @@ void Host::close() {
     memory.reportLeaks();
     references.reportLeaks();
     suites.reportHeld();
+}
+
+// The defaults that the effect has declared are the host's from then on.
+void Host::disposeDeclaredValues() {
+    for (Parameter& parameter : description.parameters) {
+        if (!isArbitrary(parameter)) continue;
+        ArbitraryData(*this, parameter).dispose(parameter.definition.u.arb_d.dephault);
+        parameter.definition.u.arb_d.dephault = nullptr;
+    }
 }
 
 void Host::comparePropertyList() {
@@ -142,7 +151,7 @@ PF_InData Host::makeInData(const Call& sent) {
     in.utils = tables.utilities;
     in.effect_ref = token();
     in.version = options.interfaceVersion;
-    in.appl_id = kApplication;
+    in.appl_id = options.application;
     in.num_params = static_cast<A_long>(description.parameters.size()) + 1;
     in.quality = PF_Quality_HI;
     in.time_scale = 1;
@@ -209,7 +218,8 @@ void Host::carryOver(Call& sent, const PF_InData& given, const PF_InData& in) {
 }
 
 void Host::throwIfFailed(const Call& sent) const {
-    const std::string message = resultOf(sent).message;
+    std::string message = resultOf(sent).message;
+    if (message.empty() && sent.code != PF_Err_NONE) message = sent.refusal;
     const std::string name = commandName(sent.command);
     const std::optional<std::int32_t> frame =
         sent.frame != nullptr ? std::optional(sent.frame->frame) : std::nullopt;
@@ -230,12 +240,26 @@ void Host::reportFailedTearDown(const Call& sent) {
 }
 
 bool Host::isDuringFrame() const {
-    return isDuring(PF_Cmd_FRAME_SETUP) || isDuring(PF_Cmd_RENDER) || isDuring(PF_Cmd_FRAME_SETDOWN);
+    return isDuring(PF_Cmd_FRAME_SETUP) || isDuring(PF_Cmd_RENDER) || isDuring(PF_Cmd_FRAME_SETDOWN) ||
+           isDuring(PF_Cmd_SMART_PRE_RENDER) || isDuring(PF_Cmd_SMART_RENDER);
 }
 
 bool Host::isCancelled() const {
     const FrameRequest* frame = call != nullptr ? call->frame : nullptr;
     return frame != nullptr && frame->cancelled != nullptr && frame->cancelled->load();
+}
+
+void Host::refuse(std::string_view callback, const std::string& why) {
+    ledger.fault(callback, why);
+    if (call != nullptr && isMainThread()) call->refusal = fmt::format("{}: {}", callback, why);
+}
+
+bool Host::hasRefused() const {
+    return call != nullptr && isMainThread() && !call->refusal.empty();
+}
+
+void Host::forgetRefusal() {
+    if (call != nullptr && isMainThread()) call->refusal.clear();
 }
 
 void Host::showProgress(double fraction) const {

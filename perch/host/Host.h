@@ -61,11 +61,22 @@ public:
     // From frame set-up to frame set-down.
     bool isDuringFrame() const;
     bool isCancelled() const;
+    // Notes why a callback is refused, and tells it with the effect's error if that follows.
+    void refuse(std::string_view callback, const std::string& why);
+    // Whether a callback of the command's thread has been refused since the last call of forgetRefusal.
+    bool hasRefused() const;
+    void forgetRefusal();
     // Passes the share of the command that is done on to the caller of the render, on its thread alone.
     void showProgress(double fraction) const;
     // The code by which the n-th call is to fail, or 0.
     PF_Err countCall(std::string_view callback);
 
+private:
+    // The effect's code; first, so that it stays loaded until the workers have ended: what an effect keeps
+    // per thread is destroyed by its own code when the thread ends.
+    const std::shared_ptr<void> library;
+
+public:
     const HostOptions options;
     EffectDescription description;
     Ledger ledger;
@@ -83,10 +94,10 @@ private:
     void enter(Call& call, PF_InData& in);
     void carryOver(Call& call, const PF_InData& given, const PF_InData& in);
     void comparePropertyList();
+    void disposeDeclaredValues();
 
     const PF_EntryPoint entryPoint;
     const CallbackTables tables;
-    const std::shared_ptr<void> library;  // keeps the effect's code loaded
     const std::thread::id mainThread = std::this_thread::get_id();
     PF_Handle globalData = nullptr;
     bool isSetUp = false;

@@ -25,10 +25,14 @@ struct SuiteName {
     std::int32_t version = 0;  // 0: every version
 };
 
+// This host's own identity, as four characters; effects may look for those that they know.
+constexpr A_AppID kPerchApplication = static_cast<A_AppID>(PF_FOUR_CC('p', 'r', 'c', 'h'));
+
 struct HostOptions {
     int threads = 0;      // workers of the iterate calls, the calling thread included; 0: one per processor
     bool strict = false;  // account for everything the effect does; see Effect::findings
     PF_SpecVersion interfaceVersion{PF_INTERFACE_MAJOR, PF_INTERFACE_MINOR};
+    A_AppID application = kPerchApplication;
     bool offersSuites = true;               // else pica_basicP is null
     bool keepsFrameData = true;             // else frame_data is null at every command
     std::vector<SuiteName> withheldSuites;  // answered as not found

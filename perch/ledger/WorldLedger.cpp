@@ -6,7 +6,7 @@
 
 namespace perch {
 
-PF_Err WorldLedger::allocate(std::int32_t width, std::int32_t height, bool isDeep, PF_EffectWorld& world,
+PF_Err WorldLedger::allocate(std::int32_t width, std::int32_t height, PixelDepth depth, PF_EffectWorld& world,
                              const char* callback) {
     world = {};
     if (width <= 0 || height <= 0 || width > kLargestExtent || height > kLargestExtent) {
@@ -14,8 +14,8 @@ PF_Err WorldLedger::allocate(std::int32_t width, std::int32_t height, bool isDee
                                            kLargestExtent));
         return PF_Err_BAD_CALLBACK_PARAM;
     }
-    const std::int32_t padding = ledger.isStrict() ? kStrictRowPadding * pixelSize(isDeep) : 0;
-    auto owned = std::make_unique<World>(width, height, isDeep, padding);
+    const std::int32_t padding = ledger.isStrict() ? kStrictRowPadding * pixelSize(depth) : 0;
+    auto owned = std::make_unique<World>(width, height, depth, padding);
     world = owned->record();
     const std::lock_guard lock(mutex);
     worlds.emplace(world.data, Entry{std::move(owned)});

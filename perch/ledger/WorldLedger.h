@@ -18,7 +18,7 @@ public:
     explicit WorldLedger(Ledger& ledger) : ledger(ledger) {}
 
     // Rows are padded in strict mode, so that an effect that ignores rowbytes is found out.
-    PF_Err allocate(std::int32_t width, std::int32_t height, bool isDeep, PF_EffectWorld& world,
+    PF_Err allocate(std::int32_t width, std::int32_t height, PixelDepth depth, PF_EffectWorld& world,
                     const char* callback);
     // Empties the record.
     PF_Err dispose(PF_EffectWorld* world, const char* callback);

@@ -113,6 +113,24 @@ bool isCheckBox(const Parameter& parameter) {
     return parameter.definition.param_type == PF_Param_CHECKBOX;
 }
 
+bool isOfThisLayer(const Parameter& parameter) {
+    return isLayer(parameter) && parameter.definition.u.ld.dephault == PF_LayerDefault_MYSELF;
+}
+
+bool isSeparator(const std::string& item) {
+    return item.starts_with("(-");
+}
+
+// An end closes the nearest group that is open; one without a start closes none.
+void nestInGroups(std::vector<Parameter>& parameters) {
+    int depth = 0;
+    for (Parameter& parameter : parameters) {
+        if (parameter.definition.param_type == PF_Param_GROUP_END && depth > 0) --depth;
+        parameter.depth = depth;
+        if (parameter.definition.param_type == PF_Param_GROUP_START) ++depth;
+    }
+}
+
 Parameter describeParameter(const PF_ParamDef& definition) {
     Parameter parameter;
     parameter.typeName = typeName(definition.param_type);

@@ -22,7 +22,9 @@ A_u_char toByte(double number) {
 
 }  // namespace
 
-void applySetting(const ParameterSetting& setting, ParameterValues& values) {
+void applySetting(const ParameterSetting& setting, ParameterValues& values,
+                  const PF_RationalScale& downsample) {
+    const auto scaled = [&](double pixels) { return pixels * downsample.num / downsample.den; };
     PF_ParamDef& value = values.at(static_cast<std::size_t>(setting.index));
     PF_ParamDefUnion& u = value.u;
     const auto& [first, second, third, fourth] = setting.numbers;
@@ -43,8 +45,8 @@ void applySetting(const ParameterSetting& setting, ParameterValues& values) {
             u.cd.value = {toByte(fourth), toByte(first), toByte(second), toByte(third)};
             break;
         case PF_Param_POINT:
-            u.td.x_value = toFixed(first);
-            u.td.y_value = toFixed(second);
+            u.td.x_value = toFixed(scaled(first));
+            u.td.y_value = toFixed(scaled(second));
             break;
         case PF_Param_POPUP:
             u.pd.value = toWhole(first);
@@ -53,9 +55,9 @@ void applySetting(const ParameterSetting& setting, ParameterValues& values) {
             u.fs_d.value = first;
             break;
         case PF_Param_POINT_3D:
-            u.point3d_d.x_value = first;
-            u.point3d_d.y_value = second;
-            u.point3d_d.z_value = third;
+            u.point3d_d.x_value = scaled(first);
+            u.point3d_d.y_value = scaled(second);
+            u.point3d_d.z_value = scaled(third);
             break;
         default:
             break;

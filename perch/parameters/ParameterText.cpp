@@ -7,6 +7,7 @@
 #include <cctype>
 #include <charconv>
 #include <cmath>
+#include <iterator>
 #include <limits>
 #include <optional>
 
@@ -109,13 +110,23 @@ std::optional<double> parseCheckBox(std::string_view text) {
 
 // An item's name, or its number from 1.
 std::optional<double> parsePopup(const Parameter& parameter, std::string_view text) {
-    const auto item = std::ranges::find_if(
-        parameter.items, [&](const std::string& name) { return equalsIgnoringCase(name, text); });
+    const auto item = std::ranges::find_if(parameter.items, [&](const std::string& name) {
+        return !isSeparator(name) && equalsIgnoringCase(name, text);
+    });
     if (item != parameter.items.end()) return static_cast<double>(item - parameter.items.begin()) + 1;
     const auto number = parseWhole<PF_ParamValue>(text);
     if (!number || *number < 1 || static_cast<std::size_t>(*number) > parameter.items.size())
         return std::nullopt;
+    if (isSeparator(parameter.items[static_cast<std::size_t>(*number) - 1])) return std::nullopt;
     return *number;
+}
+
+// "one of Fast, Fine, or its number from 1 to 3"
+std::string choicesText(const Parameter& parameter) {
+    std::vector<std::string> names;
+    std::ranges::remove_copy_if(parameter.items, std::back_inserter(names), isSeparator);
+    return fmt::format("one of {}, or its number from 1 to {}", fmt::join(names, ", "),
+                       parameter.items.size());
 }
 
 // "#rrggbb"
@@ -237,8 +248,7 @@ std::string expectedValue(const Parameter& parameter) {
         case PF_Param_POINT_3D:
             return "a point as x,y,z in pixels";
         case PF_Param_POPUP:
-            return fmt::format("one of {}, or its number from 1 to {}", fmt::join(parameter.items, ", "),
-                               parameter.items.size());
+            return choicesText(parameter);
         default:
             return "no value";
     }
@@ -248,7 +258,7 @@ std::string defaultText(const Parameter& parameter) {
     const PF_ParamDefUnion& u = parameter.definition.u;
     switch (parameter.definition.param_type) {
         case PF_Param_LAYER:
-            return "none";
+            return isOfThisLayer(parameter) ? "this layer" : "none";
         case PF_Param_CHECKBOX:
             return u.bd.dephault != 0 ? "on" : "off";
         case PF_Param_COLOR:
@@ -257,6 +267,8 @@ std::string defaultText(const Parameter& parameter) {
             return pointText(u.td);
         case PF_Param_POINT_3D:
             return point3DText(u.point3d_d);
+        case PF_Param_ARBITRARY_DATA:
+            return parameter.printedDefault;
         case PF_Param_POPUP: {
             const auto index = static_cast<std::size_t>(u.pd.dephault) - 1;  // 0 wraps: no such item
             return index < parameter.items.size() ? parameter.items[index] : "";

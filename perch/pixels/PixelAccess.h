@@ -8,13 +8,13 @@
 #include <limits>
 #include <span>
 
-#include "PF_Values.h"
 #include "PF_World.h"
+#include "PixelDepth.h"
 
 namespace perch {
 
 inline bool isDeep(const PF_EffectWorld& world) {
-    return (world.world_flags & PF_WorldFlag_DEEP) != 0;
+    return depthOf(world) == PixelDepth::Bits16;
 }
 
 inline bool hasPixels(const PF_EffectWorld& world) {
@@ -45,6 +45,9 @@ template <>
 inline constexpr std::uint32_t kWhite<PF_Pixel> = 255;
 template <>
 inline constexpr std::uint32_t kWhite<PF_Pixel16> = 32768;
+
+template <class P>
+inline constexpr bool kHasWholeChannels = kWhite<P> != 0;
 
 template <class P>
 using ChannelOf = decltype(P::alpha);
@@ -111,6 +114,13 @@ inline PF_Rect clipped(const PF_Rect* area, const PF_EffectWorld& world) {
 }
 
 // Calls op.template operator()<P>() for the pixel type of the world.
+template <class Op>
+auto forAnyDepth(const PF_EffectWorld& world, Op op) {
+    if (depthOf(world) == PixelDepth::Float) return op.template operator()<PF_PixelFloat>();
+    return isDeep(world) ? op.template operator()<PF_Pixel16>() : op.template operator()<PF_Pixel>();
+}
+
+// The same for worlds that are known to have whole channels.
 template <class Op>
 auto forDepth(const PF_EffectWorld& world, Op op) {
     return isDeep(world) ? op.template operator()<PF_Pixel16>() : op.template operator()<PF_Pixel>();

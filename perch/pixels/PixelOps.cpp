@@ -24,6 +24,21 @@ P mixed(const P& a, std::uint64_t shareA, const P& b, std::uint64_t shareB) {
             colour(a.green, b.green), colour(a.blue, b.blue)};
 }
 
+PF_PixelFloat mixed(const PF_PixelFloat& a, std::uint64_t shareA, const PF_PixelFloat& b,
+                    std::uint64_t shareB) {
+    const double one = static_cast<double>(kFixedOne);
+    const double weightA = static_cast<double>(a.alpha) * static_cast<double>(shareA);
+    const double weightB = static_cast<double>(b.alpha) * static_cast<double>(shareB);
+    const double sum = weightA + weightB;
+    if (sum == 0) return {};
+    const auto colour = [&](float ca, float cb) {
+        return static_cast<float>((weightA * static_cast<double>(ca) + weightB * static_cast<double>(cb)) /
+                                  sum);
+    };
+    return {static_cast<float>(sum / one), colour(a.red, b.red), colour(a.green, b.green),
+            colour(a.blue, b.blue)};
+}
+
 // Alpha falls out of the weights where both rows are opaque; a channel times its share stays in 32 bits.
 template <class P>
 void blendOpaque(std::span<const P> a, std::span<const P> b, std::uint32_t ratio, P* to) {
@@ -42,9 +57,11 @@ void blend(const PF_EffectWorld& a, const PF_EffectWorld& b, std::uint64_t ratio
         const std::span<const P> rowA = pixelRow<P>(a, y);
         const std::span<const P> rowB = pixelRow<P>(b, y);
         P* const out = rowOf<P>(to, y);
-        if (isOpaque(rowA) && isOpaque(rowB)) {
-            blendOpaque(rowA, rowB, static_cast<std::uint32_t>(ratio), out);
-            continue;
+        if constexpr (kHasWholeChannels<P>) {
+            if (isOpaque(rowA) && isOpaque(rowB)) {
+                blendOpaque(rowA, rowB, static_cast<std::uint32_t>(ratio), out);
+                continue;
+            }
         }
         for (std::size_t x = 0; x < rowA.size(); ++x)
             out[x] = mixed(rowA[x], kFixedOne - ratio, rowB[x], ratio);
@@ -109,15 +126,24 @@ PF_EffectWorld partOf(const PF_EffectWorld& world, const PF_Rect& area) {
     part.width = area.right - area.left;
     part.height = area.bottom - area.top;
     if (!hasPixels(part)) return part;
-    part.data = forDepth(world, [&]<class P>() {
+    part.data = forAnyDepth(world, [&]<class P>() {
         return static_cast<PF_PixelPtr>(static_cast<void*>(rowOf<P>(world, area.top) + area.left));
     });
     return part;
 }
 
+// A point of a world as one of a part; at the edge of what a coordinate holds it is far outside either way.
+PF_Point shiftedBack(const PF_Point& point, const PF_Rect& part) {
+    const auto held = [](std::int64_t position) {
+        using Limits = std::numeric_limits<A_long>;
+        return static_cast<A_long>(std::clamp<std::int64_t>(position, Limits::min(), Limits::max()));
+    };
+    return {held(std::int64_t{point.h} - part.left), held(std::int64_t{point.v} - part.top)};
+}
+
 template <class P>
 PF_Err fill(const P* color, const PF_Rect* area, PF_EffectWorld& world) {
-    if (isDeep(world) != (sizeof(P) == sizeof(PF_Pixel16))) return PF_Err_BAD_CALLBACK_PARAM;
+    if (depthOf(world) != kDepthOf<P>) return PF_Err_BAD_CALLBACK_PARAM;
     const P value = color != nullptr ? *color : P{};
     const PF_Rect inside = clipped(area, world);
     for (std::int32_t y = inside.top; y < inside.bottom; ++y) {
@@ -142,22 +168,33 @@ ChannelOf<P> unmatted(std::uint64_t c, std::uint64_t m, std::uint64_t alpha) {
     return static_cast<ChannelOf<P>>(std::min((c * kOne - background + alpha / 2) / alpha, kOne));
 }
 
+// A pixel matted against a colour, or back.
+template <class P>
+P mattedPixel(const P& p, const P& color, bool forward) {
+    const std::uint64_t alpha = std::min<std::uint64_t>(p.alpha, kWhite<P>);
+    const auto convert = forward ? matted<P> : unmatted<P>;
+    return {p.alpha, convert(p.red, color.red, alpha), convert(p.green, color.green, alpha),
+            convert(p.blue, color.blue, alpha)};
+}
+
+PF_PixelFloat mattedPixel(const PF_PixelFloat& p, const PF_PixelFloat& color, bool forward) {
+    const auto convert = [&](float c, float m) {
+        const float background = m * (1 - p.alpha);
+        if (forward) return c * p.alpha + background;
+        return p.alpha == 0 ? 0.0F : (c - background) / p.alpha;
+    };
+    return {p.alpha, convert(p.red, color.red), convert(p.green, color.green), convert(p.blue, color.blue)};
+}
+
 template <class P>
 PF_Err premultiply(const PF_EffectWorld& from, const P& color, bool forward, PF_EffectWorld& to) {
-    if (isDeep(to) != (sizeof(P) == sizeof(PF_Pixel16)) || isDeep(from) != isDeep(to) ||
-        !isSameSize(from, to)) {
+    if (depthOf(to) != kDepthOf<P> || depthOf(from) != depthOf(to) || !isSameSize(from, to))
         return PF_Err_BAD_CALLBACK_PARAM;
-    }
-    const auto convert = forward ? matted<P> : unmatted<P>;
     for (std::int32_t y = 0; y < to.height; ++y) {
         const P* const in = rowOf<P>(from, y);
         P* const out = rowOf<P>(to, y);
-        for (std::int32_t x = 0; x < to.width; ++x) {
-            const P p = in[x];
-            const std::uint64_t alpha = std::min<std::uint64_t>(p.alpha, kWhite<P>);
-            out[x] = {p.alpha, convert(p.red, color.red, alpha), convert(p.green, color.green, alpha),
-                      convert(p.blue, color.blue, alpha)};
-        }
+        for (std::int32_t x = 0; x < to.width; ++x)
+            out[x] = mattedPixel(in[x], color, forward);
     }
     return PF_Err_NONE;
 }
@@ -165,18 +202,18 @@ PF_Err premultiply(const PF_EffectWorld& from, const P& color, bool forward, PF_
 }  // namespace
 
 PF_Err blendWorlds(const PF_EffectWorld& a, const PF_EffectWorld& b, PF_Fixed ratio, PF_EffectWorld& to) {
-    if (isDeep(a) != isDeep(to) || isDeep(b) != isDeep(to) || !isSameSize(a, to) || !isSameSize(b, to)) {
+    if (depthOf(a) != depthOf(to) || depthOf(b) != depthOf(to) || !isSameSize(a, to) || !isSameSize(b, to)) {
         return PF_Err_BAD_CALLBACK_PARAM;
     }
     if (ratio <= 0) return copyWorld(a, nullptr, to, nullptr);
     if (ratio >= static_cast<PF_Fixed>(kFixedOne)) return copyWorld(b, nullptr, to, nullptr);
-    forDepth(to, [&]<class P>() { blend<P>(a, b, static_cast<std::uint64_t>(ratio), to); });
+    forAnyDepth(to, [&]<class P>() { blend<P>(a, b, static_cast<std::uint64_t>(ratio), to); });
     return PF_Err_NONE;
 }
 
 PF_Err copyWorld(const PF_EffectWorld& from, const PF_Rect* fromArea, PF_EffectWorld& to,
                  const PF_Rect* toArea) {
-    if (isDeep(from) != isDeep(to)) return PF_Err_BAD_CALLBACK_PARAM;
+    if (depthOf(from) != depthOf(to)) return PF_Err_BAD_CALLBACK_PARAM;
     const WideRect askedSource = wholeOr(fromArea, from);
     const WideRect askedTarget = wholeOr(toArea, to);
     if (askedSource.width() == askedTarget.width() && askedSource.height() == askedTarget.height()) {
@@ -185,13 +222,13 @@ PF_Err copyWorld(const PF_EffectWorld& from, const PF_Rect* fromArea, PF_EffectW
         const Span rows =
             clippedTogether({askedSource.top, askedTarget.top, askedTarget.height()}, from.height, to.height);
         if (columns.count <= 0 || rows.count <= 0) return PF_Err_NONE;
-        forDepth(to, [&]<class P>() { copyRows<P>(from, to, columns, rows); });
+        forAnyDepth(to, [&]<class P>() { copyRows<P>(from, to, columns, rows); });
         return PF_Err_NONE;
     }
     const PF_Rect source = clipped(fromArea, from);
     const PF_Rect target = clipped(toArea, to);
     if (source.right == source.left || source.bottom == source.top) return PF_Err_BAD_CALLBACK_PARAM;
-    forDepth(to, [&]<class P>() { copyNearest<P>(from, source, to, target); });
+    forAnyDepth(to, [&]<class P>() { copyNearest<P>(from, source, to, target); });
     return PF_Err_NONE;
 }
 
@@ -223,8 +260,12 @@ PF_Err fillWorld(const PF_Pixel16* color, const PF_Rect* area, PF_EffectWorld& w
     return fill(color, area, world);
 }
 
+PF_Err fillWorld(const PF_PixelFloat* color, const PF_Rect* area, PF_EffectWorld& world) {
+    return fill(color, area, world);
+}
+
 PF_Err premultiplyWorld(bool forward, PF_EffectWorld& world) {
-    return forDepth(world, [&]<class P>() { return premultiply(world, P{}, forward, world); });
+    return forAnyDepth(world, [&]<class P>() { return premultiply(world, P{}, forward, world); });
 }
 
 PF_Err premultiplyWorld(const PF_EffectWorld& from, const PF_Pixel& color, bool forward, PF_EffectWorld& to) {
@@ -236,14 +277,26 @@ PF_Err premultiplyWorld(const PF_EffectWorld& from, const PF_Pixel16& color, boo
     return premultiply(from, color, forward, to);
 }
 
+PF_Err premultiplyWorld(const PF_EffectWorld& from, const PF_PixelFloat& color, bool forward,
+                        PF_EffectWorld& to) {
+    return premultiply(from, color, forward, to);
+}
+
 PF_Err compositeWorld(const PF_EffectWorld& from, const PF_Rect* fromArea, const Placement& placement,
                       A_long x, A_long y, PF_EffectWorld& to, WorkerPool* workers) {
-    const PF_EffectWorld part = partOf(from, clipped(fromArea, from));
+    const PF_Rect source = clipped(fromArea, from);
+    const PF_EffectWorld part = partOf(from, source);
     const WideRect drawn = {x, y, std::int64_t{x} + part.width, std::int64_t{y} + part.height};
     const PF_Rect target = clipped(drawn, wholeOf(to));
     const PF_FloatMatrix shift = {
         {{1, 0, 0}, {0, 1, 0}, {static_cast<double>(x), static_cast<double>(y), 1}}};
-    return transformWorld(part, shift, true, placement, &target, to, workers);
+    if (placement.mask == nullptr) return transformWorld(part, shift, true, placement, &target, to, workers);
+    // The mask lies over the whole source, not over the part.
+    PF_MaskWorld mask = *placement.mask;
+    mask.offset = shiftedBack(mask.offset, source);
+    Placement masked = placement;
+    masked.mask = &mask;
+    return transformWorld(part, shift, true, masked, &target, to, workers);
 }
 
 }  // namespace perch

@@ -18,10 +18,12 @@ bool isWhole(const unsigned char* first, std::size_t count) {
 
 }  // namespace
 
-World::World(std::int32_t width, std::int32_t height, bool isDeep, std::int32_t rowPadding) : deep(isDeep) {
+World::World(std::int32_t width, std::int32_t height, PixelDepth depth, std::int32_t rowPadding)
+    : pixelDepth(depth) {
     world.width = width;
     world.height = height;
-    world.world_flags = PF_WorldFlag_WRITEABLE | (isDeep ? PF_WorldFlag_DEEP : 0);
+    world.world_flags = PF_WorldFlag_WRITEABLE | (depth == PixelDepth::Bits16 ? PF_WorldFlag_DEEP : 0);
+    if (depth == PixelDepth::Float) world.reserved0 = &floatWorldMark;
     world.extent_hint = {0, 0, width, height};
     world.pix_aspect_ratio = {1, 1};
     world.rowbytes = static_cast<A_long>(rowSize()) + rowPadding;
@@ -33,7 +35,7 @@ World::World(std::int32_t width, std::int32_t height, bool isDeep, std::int32_t 
     }
 }
 
-World::World(const World& other) : memory(other.memory), world(other.world), deep(other.deep) {
+World::World(const World& other) : memory(other.memory), world(other.world), pixelDepth(other.pixelDepth) {
     pointAtPixels();
 }
 
@@ -43,7 +45,7 @@ World& World::operator=(const World& other) {
 }
 
 std::size_t World::rowSize() const {
-    return static_cast<std::size_t>(world.width) * (deep ? sizeof(PF_Pixel16) : sizeof(PF_Pixel));
+    return static_cast<std::size_t>(world.width) * static_cast<std::size_t>(pixelSize(pixelDepth));
 }
 
 const unsigned char* World::row(std::int32_t y) const {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "PF_World.h"
+#include "PixelDepth.h"
 
 namespace perch {
 
@@ -18,16 +19,13 @@ constexpr std::int32_t kLargestExtent = 30000;
 // Of rows in strict mode, in pixels: an effect that ignores rowbytes is found out.
 constexpr std::int32_t kStrictRowPadding = 3;
 
-// In bytes.
-constexpr std::int32_t pixelSize(bool isDeep) {
-    return static_cast<std::int32_t>(isDeep ? sizeof(PF_Pixel16) : sizeof(PF_Pixel));
-}
-
 class World {
 public:
     // `rowPadding` is bytes at the end of each row, a multiple of the pixel size. Sizes of 0 are legal: such
     // a world has no pixels and a null address.
-    World(std::int32_t width, std::int32_t height, bool isDeep, std::int32_t rowPadding = 0);
+    World(std::int32_t width, std::int32_t height, PixelDepth depth, std::int32_t rowPadding = 0);
+    World(std::int32_t width, std::int32_t height, bool isDeep, std::int32_t rowPadding = 0)
+        : World(width, height, isDeep ? PixelDepth::Bits16 : PixelDepth::Bits8, rowPadding) {}
     World(const World& other);
     World& operator=(const World& other);
     World(World&&) = default;
@@ -39,7 +37,8 @@ public:
 
     std::int32_t width() const { return world.width; }
     std::int32_t height() const { return world.height; }
-    bool isDeep() const { return deep; }
+    PixelDepth depth() const { return pixelDepth; }
+    bool isDeep() const { return pixelDepth == PixelDepth::Bits16; }
 
     // Where the pattern was overwritten, in a sentence's words; empty while it is whole.
     std::string damage() const;
@@ -53,7 +52,7 @@ private:
 
     std::vector<unsigned char> memory;
     PF_EffectWorld world{};
-    bool deep;
+    PixelDepth pixelDepth;
 };
 
 }  // namespace perch

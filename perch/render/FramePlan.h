@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -33,6 +34,7 @@ struct FramePlan {
     bool isSequence = false;
     std::vector<FrameFiles> frames;                              // in the order of their numbers; never empty
     std::map<PF_ParamIndex, std::filesystem::path> stillLayers;  // the same for every frame
+    std::set<PF_ParamIndex> emptyLayers{};                       // that the user has set to none
 };
 
 // Throws UsageError where the names do not go together; Error where a frame's file is missing, the first one

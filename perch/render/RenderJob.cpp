@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <time.h>
 
+#include <algorithm>
 #include <memory>
 #include <mutex>
 #include <type_traits>
@@ -11,6 +12,7 @@
 #include "Error.h"
 #include "OrderedTasks.h"
 #include "PF_Values.h"
+#include "PixelOps.h"
 #include "Sequence.h"
 
 namespace perch {
@@ -41,23 +43,42 @@ private:
     const std::chrono::nanoseconds start = timeOf(clock);
 };
 
+// Of a picture of `extent` pixels that is made smaller; nothing at its edge is cut off.
+std::int32_t smallerExtent(std::int32_t extent, const PF_RationalScale& scale) {
+    return static_cast<std::int32_t>((std::int64_t{extent} * scale.num + scale.den - 1) / scale.den);
+}
+
+// A picture as it was read, or made smaller where the job asks for that.
+FileWorld resized(FileWorld picture, const RenderSettings& settings) {
+    if (!settings.resizes) return picture;
+    World& pixels = picture.pixels;
+    World smaller(smallerExtent(pixels.width(), settings.downsample),
+                  smallerExtent(pixels.height(), settings.downsample), pixels.isDeep());
+    copyWorldFiltered(pixels.record(), nullptr, smaller.record(), nullptr);
+    pixels = std::move(smaller);
+    return picture;
+}
+
 // The pictures of layers that stay the same, each read once per depth. Any thread.
 class StillLayers {
 public:
-    explicit StillLayers(const std::map<PF_ParamIndex, fs::path>& paths) : paths(paths) {}
+    StillLayers(const std::map<PF_ParamIndex, fs::path>& paths, const RenderSettings& settings)
+        : paths(paths), settings(settings) {}
 
     LayerPictures read(Depth depth) {
         const std::lock_guard lock(mutex);
         LayerPictures& layers = pictures[depth];
         for (const auto& [index, path] : paths) {
             SharedPicture& layer = layers[index];
-            if (layer == nullptr) layer = std::make_shared<const FileWorld>(readWorld(path, depth));
+            if (layer == nullptr)
+                layer = std::make_shared<const FileWorld>(resized(readWorld(path, depth), settings));
         }
         return layers;
     }
 
 private:
     const std::map<PF_ParamIndex, fs::path>& paths;
+    const RenderSettings& settings;
     std::mutex mutex;
     std::map<Depth, LayerPictures> pictures;
 };
@@ -65,7 +86,10 @@ private:
 // What a frame is rendered from.
 struct FramePictures {
     FileWorld input;
-    LayerPictures layers;
+    LayerPictures layers{};
+    // Of the input where it has been made smaller; else 0.
+    std::int32_t fullWidth = 0;
+    std::int32_t fullHeight = 0;
 };
 
 Depth depthOf(const World& world) {
@@ -131,20 +155,52 @@ private:
     FramePictures read(std::size_t index) {
         const Timer timer(CLOCK_THREAD_CPUTIME_ID, report.decodeTime);
         const FrameFiles& files = plan.frames[index];
-        FramePictures pictures{readWorld(files.input, settings.depth), {}};
+        FileWorld input = readWorld(files.input, settings.depth);
+        const std::int32_t fullWidth = settings.resizes ? input.pixels.width() : 0;
+        const std::int32_t fullHeight = settings.resizes ? input.pixels.height() : 0;
+        FramePictures pictures{
+            .input = resized(std::move(input), settings), .fullWidth = fullWidth, .fullHeight = fullHeight};
         requireDepth(effect, pictures.input.pixels);
         const Depth depth = depthOf(pictures.input.pixels);
         requireWritable(files.output, depth, pictures.input.hasAlpha);
         pictures.layers = stillLayers.read(depth);
         for (const auto& [layer, path] : files.layers)
-            pictures.layers[layer] = std::make_shared<const FileWorld>(readWorld(path, depth));
+            pictures.layers[layer] =
+                std::make_shared<const FileWorld>(resized(readWorld(path, depth), settings));
         return pictures;
     }
 
     RenderedFrame render(std::size_t index, const FramePictures& pictures) {
         const Timer timer(CLOCK_MONOTONIC, report.renderTime);
         if (watch.frameBegins) watch.frameBegins(index);
+        if (index == 0) tellTheUsersChoices(pictures.input.pixels);
         return sequence.render(requestFor(index, pictures));
+    }
+
+    // Before the first frame the effect is told of what the user has set, parameter by parameter, as it would
+    // be where the user sets it in a window; what it changes then holds for all frames.
+    void tellTheUsersChoices(const World& input) {
+        const std::vector<Parameter>& declared = effect.description().parameters;
+        const auto isSupervised = [](const Parameter& parameter) {
+            return (parameter.definition.flags & PF_ParamFlag_SUPERVISE) != 0;
+        };
+        const ParameterValues given = valuesFor(input);
+        ParameterValues values = given;
+        for (const Parameter& parameter : declared)
+            if (isSupervised(parameter) && isSetByUser(parameter.index))
+                sequence.userChangedParam(parameter.index, values);
+        if (std::ranges::any_of(declared, isSupervised) ||
+            (effect.description().flags & PF_OutFlag_SEND_UPDATE_PARAMS_UI) != 0) {
+            sequence.updateParamsUi(values);
+        }
+        for (std::size_t index = 1; index < values.size(); ++index)
+            if (!isSameValue(given[index], values[index])) changedByEffect[index] = values[index];
+    }
+
+    bool isSetByUser(PF_ParamIndex index) const {
+        return plan.stillLayers.contains(index) || plan.frames.front().layers.contains(index) ||
+               plan.emptyLayers.contains(index) ||
+               std::ranges::find(parameters, index, &ParameterSetting::index) != parameters.end();
     }
 
     FrameRequest requestFor(std::size_t index, const FramePictures& pictures) const {
@@ -154,22 +210,28 @@ private:
         request.input = &input;
         for (const auto& [layer, picture] : pictures.layers)
             request.layers[layer] = &picture->pixels;
+        for (const PF_ParamIndex layer : plan.emptyLayers)
+            request.layers[layer] = nullptr;
         request.downsampleX = request.downsampleY = settings.downsample;
+        request.fullWidth = pictures.fullWidth;
+        request.fullHeight = pictures.fullHeight;
         request.values = valuesFor(input);
         // A frame has one time, whichever frames are rendered beside it.
         request.time = request.frame * request.timeStep;
         request.totalTime = (plan.frames.back().frame + 1) * request.timeStep;
         request.quality = settings.quality;
+        request.smart = settings.smart;
         request.cancelled = watch.cancelled;
         request.progress = watch.frameProgresses;
         return request;
     }
 
     ParameterValues valuesFor(const World& input) const {
-        ParameterValues values = effect.defaultValues(fullExtent(0, input.width(), settings.downsample),
-                                                      fullExtent(0, input.height(), settings.downsample));
+        ParameterValues values = effect.defaultValues(input.width(), input.height());
         for (const ParameterSetting& setting : parameters)
-            applySetting(setting, values);
+            applySetting(setting, values, settings.downsample);
+        for (const auto& [index, value] : changedByEffect)
+            takeValue(value, values[index]);
         return values;
     }
 
@@ -200,8 +262,9 @@ private:
     const FramePlan& plan;
     const RenderWatch& watch;
     RenderReport& report;
-    StillLayers stillLayers{plan.stillLayers};
+    StillLayers stillLayers{plan.stillLayers, settings};
     Sequence sequence{effect};
+    std::map<std::size_t, PF_ParamDef> changedByEffect;  // values, by index
     std::size_t nextRead = 0;
     // Last, so that the tasks end before what they use.
     OrderedTasks<FramePictures> reads{settings.framesAhead};

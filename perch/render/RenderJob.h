@@ -13,6 +13,7 @@
 #include "FileWorlds.h"
 #include "FramePlan.h"
 #include "ParameterSetting.h"
+#include "SmartUse.h"
 
 namespace perch {
 
@@ -20,7 +21,9 @@ namespace perch {
 struct RenderSettings {
     std::optional<Depth> depth;  // absent: that of the input
     PF_Quality quality = PF_Quality_HI;
+    SmartUse smart = SmartUse::Auto;
     PF_RationalScale downsample{1, 1};  // the pictures are this much smaller than the layer
+    bool resizes = false;               // makes the pictures as much smaller, for they are not yet
     int compression = kFastCompression;
     // So many frames at most are read ahead, and so many wait to be written; beside the one that renders,
     // they are all that is in memory.

@@ -209,24 +209,32 @@ TEST_F(PixelCallbacksTest, ColoursAreConvertedThereAndBack) {
     });
 }
 
-TEST_F(PixelCallbacksTest, MasksFieldsAndMotionBlurAreRefused) {
+TEST_F(PixelCallbacksTest, FieldsAndMissingMatricesAreRefused) {
     render([](const EffectCall& call) {
         PF_EffectWorld* input = &call.params[0]->u.ld;
-        const PF_MaskWorld mask{};
-        const PF_FloatMatrix matrices[2]{};
-        EXPECT_NE(call.utilities().transfer_rect(call.in->effect_ref, PF_Quality_HI, 0, PF_Field_FRAME,
-                                                 nullptr, input, nullptr, &mask, 0, 0, call.output),
-                  0);
         EXPECT_NE(call.utilities().transfer_rect(call.in->effect_ref, PF_Quality_HI, 0, PF_Field_UPPER,
                                                  nullptr, input, nullptr, nullptr, 0, 0, call.output),
                   0);
-        EXPECT_NE(
-            call.utilities().transform_world(call.in->effect_ref, PF_Quality_HI, 0, PF_Field_FRAME, input,
-                                             nullptr, nullptr, matrices, 2, 1, nullptr, call.output),
-            0);
+        const PF_FloatMatrix matrices[2]{};  // without an inverse
+        for (const A_long count : {-1, 0, 1, 2, 1 << 30}) {
+            EXPECT_NE(
+                call.utilities().transform_world(call.in->effect_ref, PF_Quality_HI, 0, PF_Field_FRAME, input,
+                                                 nullptr, nullptr, matrices, count, 1, nullptr, call.output),
+                0)
+                << count;
+        }
         EXPECT_NE(call.utilities().gaussian_kernel(call.in->effect_ref, 1.0, 0, 1.0, nullptr, nullptr), 0);
         return PF_Err_NONE;
     });
+}
+
+TEST_F(PixelCallbacksTest, MaskWithoutPixelsIsNone) {
+    const PF_Pixel first = render([](const EffectCall& call) {
+        const PF_MaskWorld mask{};
+        return call.utilities().transfer_rect(call.in->effect_ref, PF_Quality_HI, 0, PF_Field_FRAME, nullptr,
+                                              &call.params[0]->u.ld, nullptr, &mask, 0, 0, call.output);
+    });
+    EXPECT_EQ(first.green, 50);
 }
 
 }  // namespace

@@ -17,6 +17,13 @@ TEST(CheckTest, TheEffectIsWell) {
     EXPECT_EQ(verdicts.find("FAILED"), std::string::npos) << verdicts;
 }
 
+TEST(CheckTest, EffectThatRendersTheSmartWayAloneIsWell) {
+    testing::internal::CaptureStdout();
+    const bool isWell = runCheck(std::filesystem::path(PERCH_TEST_PLUGINS) / "Smart.so");
+    const std::string verdicts = testing::internal::GetCapturedStdout();
+    EXPECT_TRUE(isWell) << verdicts;
+}
+
 TEST(CheckTest, AFaultyEffectIsNot) {
     testing::internal::CaptureStdout();
     const bool passes = runCheck(std::filesystem::path(PERCH_TEST_PLUGINS) / "Careless.so");

@@ -27,6 +27,10 @@ TEST(DescriptionTest, FlagsAreNamedAndTheRestIsANumber) {
     EXPECT_EQ(flagNames(PF_OutFlag_DEEP_COLOR_AWARE | PF_OutFlag_SEQUENCE_DATA_NEEDS_FLATTENING),
               (Names{"SEQUENCE_DATA_NEEDS_FLATTENING", "DEEP_COLOR_AWARE"}));
     EXPECT_EQ(flagNames(PF_OutFlag_PIX_INDEPENDENT | 0x8), (Names{"PIX_INDEPENDENT", "0x8"}));
+    EXPECT_EQ(flagNames(PF_OutFlag_CUSTOM_UI | PF_OutFlag_AUDIO_EFFECT_ONLY),
+              (Names{"CUSTOM_UI", "AUDIO_EFFECT_ONLY"}));
+    EXPECT_EQ(flagNames2(PF_OutFlag2_I_AM_THREADSAFE | PF_OutFlag2_DOESNT_NEED_EMPTY_PIXELS),
+              (Names{"I_AM_THREADSAFE", "DOESNT_NEED_EMPTY_PIXELS"}));
     EXPECT_EQ(flagNames2(PF_OutFlag2_FLOAT_COLOR_AWARE | static_cast<PF_OutFlags2>(0x80000000)),
               (Names{"FLOAT_COLOR_AWARE", "0x80000000"}));
 }
@@ -37,6 +41,33 @@ TEST(DescriptionTest, EffectWithoutANameIsCalledAsItsFile) {
     EXPECT_EQ(displayName(description), "Sparkle");
     description.name = "Sparkle Pro";
     EXPECT_EQ(displayName(description), "Sparkle Pro");
+}
+
+Parameter parameterOf(PF_ParamIndex index, PF_ParamType type, const char* name, int depth) {
+    Parameter parameter;
+    parameter.index = index;
+    parameter.name = name;
+    parameter.depth = depth;
+    parameter.definition.param_type = type;
+    return parameter;
+}
+
+TEST(DescriptionTest, GroupsAreIndentedAndSeparatorsShownAsThemselves) {
+    EffectDescription description;
+    description.parameters = {parameterOf(1, PF_Param_GROUP_START, "Colour", 0),
+                              parameterOf(2, PF_Param_POPUP, "Mode", 1),
+                              parameterOf(3, PF_Param_GROUP_END, "", 0)};
+    description.parameters[1].items = {"Fast", "(-", "Fine"};
+    description.parameters[1].definition.u.pd.dephault = 3;
+    const std::string text = describeAsText(description, {});
+    EXPECT_NE(text.find("1      Colour"), std::string::npos) << text;
+    EXPECT_NE(text.find("2        Mode"), std::string::npos) << text;
+    EXPECT_NE(text.find("Fine     Fast, (separator), Fine"), std::string::npos) << text;
+    const auto json = nlohmann::json::parse(describeAsJson(description, {}))["parameters"];
+    EXPECT_EQ(json[1]["separators"], nlohmann::json::array({2}));
+    EXPECT_EQ(json[1]["groupDepth"], 1);
+    EXPECT_FALSE(json[0].contains("separators"));
+    EXPECT_FALSE(json[0].contains("groupDepth"));
 }
 
 TEST(DescriptionTest, NamesOfNoEncodingAndWithControlCharactersDoNoHarm) {

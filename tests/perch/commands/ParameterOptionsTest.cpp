@@ -109,6 +109,16 @@ TEST(ParameterTextTest, NumbersOutsideTheValidRangeAreRefused) {
     }
 }
 
+TEST(ParameterTextTest, SeparatorsOfAPopupAreNoValuesAndStillCount) {
+    Parameter popup = named("Mode", PF_Param_POPUP);
+    popup.items = {"Fast", "(-", "Fine"};
+    EXPECT_EQ(parseSetting(popup, "Fine"), (ParameterSetting{popup.index, {3, 0, 0, 0}}));
+    EXPECT_TRUE(accepts(popup, "3"));
+    EXPECT_FALSE(accepts(popup, "2"));
+    EXPECT_FALSE(accepts(popup, "(-"));
+    EXPECT_EQ(expectedValue(popup), "one of Fast, Fine, or its number from 1 to 3");
+}
+
 TEST(ParameterTextTest, OtherTypesTakeTheirOwnForms) {
     struct Case {
         Parameter parameter;

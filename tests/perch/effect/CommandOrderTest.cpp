@@ -271,9 +271,11 @@ TEST_F(CommandOrderTest, FullSizeThatNoNumberHoldsIsTheLargest) {
     sequence.render(request);
     EXPECT_EQ(seen.width, std::numeric_limits<A_long>::max());
     EXPECT_EQ(seen.height, 300'000);
-    // Places are in 16.16 fixed point, which ends below 32768 pixels.
-    EXPECT_EQ(point.u.td.x_value, std::numeric_limits<PF_Fixed>::max());
-    EXPECT_EQ(point.u.td.y_value, std::numeric_limits<PF_Fixed>::max());
+    // Places are those of the picture, in 16.16 fixed point, which ends below 32768 pixels.
+    EXPECT_EQ(point.u.td.x_value, 4 << 16);
+    EXPECT_EQ(point.u.td.y_value, 3 << 16);
+    const ParameterValues far = effect.defaultValues(40'000, 3);
+    EXPECT_EQ(far[1].u.td.x_value, std::numeric_limits<PF_Fixed>::max());
 }
 
 TEST_F(CommandOrderTest, EffectThatExpandsItsOutputGetsTheSizeItAskedFor) {

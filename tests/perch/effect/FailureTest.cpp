@@ -216,8 +216,18 @@ TEST_F(FailureTest, DeepPictureIsRefusedWithoutTheFlag) {
     EXPECT_EQ(liveOnce(), "");
 }
 
+TEST_F(FailureTest, InterruptIsSeenBeforeAFrameThatWasLeftAsItWas) {
+    script.declareFlags(0, PF_OutFlag2_SUPPORTS_SMART_RENDER);
+    const std::atomic<bool> cancelled = true;
+    request.cancelled = &cancelled;
+    Effect effect(ScriptedEffect::enter, {}, options());
+    Sequence sequence(effect);
+    EXPECT_THROW(sequence.render(request), Cancelled);
+}
+
 TEST_F(FailureTest, EffectThatLeavesTheFrameToSmartRenderIsDeclined) {
     script.declareFlags(0, PF_OutFlag2_SUPPORTS_SMART_RENDER);
+    request.smart = SmartUse::Off;
     EXPECT_THAT(liveOnce(), HasSubstr("smart-render path alone"));
     script.on(PF_Cmd_RENDER, [](const EffectCall& call) {
         call.output->data->red = 1;

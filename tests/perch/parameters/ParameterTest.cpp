@@ -295,6 +295,41 @@ TEST_F(CheckoutTest, ArrayOfParametersHoldsTheValuesAndNoPixels) {
     });
 }
 
+TEST_F(CheckoutTest, LayerMayStandForTheEffectsOwnUntilAnotherIsChosen) {
+    const auto redOfLayer = [](const EffectCall& call) {
+        PF_ParamDef param{};
+        EXPECT_EQ(checkOut(call, 2, param), PF_Err_NONE);
+        const int red = param.u.ld.data != nullptr ? param.u.ld.data->red : -1;
+        EXPECT_EQ(checkIn(call, param), PF_Err_NONE);
+        return red;
+    };
+    PF_ParamDef own = parameterOfType(PF_Param_LAYER, "Layer");
+    own.u.ld.dephault = PF_LayerDefault_MYSELF;
+    for (const bool deep : {false, true}) {
+        script.declareFlags(PF_OutFlag_DEEP_COLOR_AWARE);
+        script.declareParameters({floatSlider(), own});
+        World input(2, 2, deep);
+        World other(2, 2, deep);
+        std::vector<int> reds;
+        script.on(PF_Cmd_RENDER, [&](const EffectCall& call) {
+            reds.push_back(redOfLayer(call));
+            return PF_Err_NONE;
+        });
+        input.record().data->red = 11;
+        other.record().data->red = 22;
+        Effect effect(ScriptedEffect::enter, {}, strictOptions());
+        Sequence sequence(effect);
+        FrameRequest ownRequest;
+        ownRequest.input = &input;
+        sequence.render(ownRequest);
+        ownRequest.layers[2] = &other;
+        sequence.render(ownRequest);
+        ownRequest.layers[2] = nullptr;
+        sequence.render(ownRequest);
+        EXPECT_THAT(reds, ElementsAre(11, 22, -1)) << deep;
+    }
+}
+
 TEST_F(CheckoutTest, RecordMayBeMovedBeforeItIsCheckedIn) {
     request.layers[2] = &layer;
     const auto found = renderAndCheck([](const EffectCall& call) {
@@ -320,6 +355,7 @@ TEST_F(ParameterTest, ChangesOfTheUserInterfaceComeBackInTheValues) {
     script.on(PF_Cmd_USER_CHANGED_PARAM, [](const EffectCall& call) {
         EXPECT_EQ(static_cast<PF_UserChangedParamExtra*>(call.extra)->param_index, 2);
         call.params[1]->u.sd.value = 17;
+        call.params[1]->uu.change_flags = PF_ChangeFlag_CHANGED_VALUE;
         return PF_Err_NONE;
     });
     Effect effect(ScriptedEffect::enter, {}, strictOptions());
@@ -329,6 +365,61 @@ TEST_F(ParameterTest, ChangesOfTheUserInterfaceComeBackInTheValues) {
     EXPECT_EQ(values[1].u.sd.value, 17);
     EXPECT_EQ(values[2].uu.id, 0);
     EXPECT_THROW(sequence.userChangedParam(3, values), Error);
+    EXPECT_THAT(faults(effect), IsEmpty());
+}
+
+TEST_F(ParameterTest, ChangeThatTheEffectDoesNotDeclareIsPassedOver) {
+    script.declareParameters({slider(), floatSlider()});
+    const auto change = [](const EffectCall& call) {
+        call.params[1]->u.sd.value = 17;
+        return PF_Err_NONE;
+    };
+    script.on(PF_Cmd_USER_CHANGED_PARAM, change);
+    script.on(PF_Cmd_UPDATE_PARAMS_UI, [change](const EffectCall& call) {
+        call.params[1]->uu.change_flags = PF_ChangeFlag_CHANGED_VALUE;
+        return change(call);
+    });
+    Effect effect(ScriptedEffect::enter, {}, strictOptions());
+    Sequence sequence(effect);
+    const ParameterValues given = effect.defaultValues(4, 3);
+    ParameterValues values = given;
+    sequence.userChangedParam(2, values);
+    EXPECT_EQ(values[1].u.sd.value, given[1].u.sd.value);
+    sequence.updateParamsUi(values);
+    EXPECT_EQ(values[1].u.sd.value, given[1].u.sd.value);
+    EXPECT_THAT(
+        faults(effect),
+        ElementsAre("USER_CHANGED_PARAM: parameter 1 was changed without PF_ChangeFlag_CHANGED_VALUE; "
+                    "hosts pass over that",
+                    "UPDATE_PARAMS_UI: parameter 1 was changed outside of USER_CHANGED_PARAM; hosts "
+                    "pass over that"));
+}
+
+TEST_F(ParameterTest, PointsAreInPixelsOfTheGivenPicture) {
+    PF_ParamDef point = parameterOfType(PF_Param_POINT, "Centre");
+    point.u.td.x_dephault = 50 * 65536;
+    point.u.td.y_dephault = 25 * 65536;
+    PF_ParamDef space = parameterOfType(PF_Param_POINT_3D, "Place");
+    space.u.point3d_d.x_dephault = 10;
+    space.u.point3d_d.y_dephault = 20;
+    space.u.point3d_d.z_dephault = 30;
+    script.declareParameters({point, space});
+    script.on(PF_Cmd_RENDER, [](const EffectCall& call) {
+        EXPECT_EQ(call.in->width, 400);
+        EXPECT_EQ(call.params[1]->u.td.x_value, 50 * 65536);
+        EXPECT_EQ(call.params[1]->u.td.y_value, 10 * 65536);
+        EXPECT_EQ(call.params[2]->u.point3d_d.x_value, 10.0);
+        EXPECT_EQ(call.params[2]->u.point3d_d.y_value, 8.0);
+        EXPECT_EQ(call.params[2]->u.point3d_d.z_value, 12.0);
+        return PF_Err_NONE;
+    });
+    Effect effect(ScriptedEffect::enter, {}, strictOptions());
+    Sequence sequence(effect);
+    const World input(100, 40, false);
+    FrameRequest request;
+    request.input = &input;
+    request.downsampleX = request.downsampleY = {1, 4};
+    sequence.render(request);
 }
 
 }  // namespace

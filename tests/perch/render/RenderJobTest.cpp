@@ -119,5 +119,62 @@ TEST(RenderJobTest, FailedWriteEndsTheJobAtTheNextFrame) {
     EXPECT_LT(begun, static_cast<std::size_t>(kFrames) - 2);
 }
 
+// The user sets the first of three sliders; the effect answers by changing the second.
+TEST(RenderJobTest, SupervisedSettingsAreToldBeforeTheFirstFrameAndWhatTheyChangeHoldsForAll) {
+    const TemporaryFolder folder;
+    const FramePlan plan = sequenceIn(folder, 2);
+    ScriptedEffect script;
+    std::vector<PF_ParamDef> sliders(3, parameterOfType(PF_Param_SLIDER, "S"));
+    sliders[0].flags = sliders[2].flags = PF_ParamFlag_SUPERVISE;
+    script.declareParameters(sliders);
+    script.on(PF_Cmd_USER_CHANGED_PARAM, [](const EffectCall& call) {
+        EXPECT_EQ(static_cast<PF_UserChangedParamExtra*>(call.extra)->param_index, 1);
+        EXPECT_EQ(call.params[1]->u.sd.value, 5);
+        call.params[2]->u.sd.value = 50;
+        call.params[2]->uu.change_flags = PF_ChangeFlag_CHANGED_VALUE;
+        return PF_Err_NONE;
+    });
+    std::vector<A_long> rendered;
+    script.on(PF_Cmd_RENDER, [&](const EffectCall& call) {
+        rendered.push_back(call.params[2]->u.sd.value);
+        return PF_Err_NONE;
+    });
+    std::vector<std::string> commands;
+    HostOptions options = strictOptions();
+    options.onCommand = [&](std::string_view command) { commands.emplace_back(command); };
+    Effect effect(ScriptedEffect::enter, {}, options);
+    RenderReport report;
+    commands.clear();
+    renderFrames(effect, {}, {{.index = 1, .numbers = {5}}}, plan, {}, report);
+    EXPECT_EQ(rendered, (std::vector<A_long>{50, 50}));
+    EXPECT_EQ(commands, (std::vector<std::string>{"SEQUENCE_SETUP", "USER_CHANGED_PARAM", "UPDATE_PARAMS_UI",
+                                                  "FRAME_SETUP", "RENDER", "FRAME_SETDOWN", "FRAME_SETUP",
+                                                  "RENDER", "FRAME_SETDOWN", "SEQUENCE_SETDOWN"}));
+}
+
+TEST(RenderJobTest, PicturesAreMadeSmallerWhereThatIsAskedFor) {
+    const TemporaryFolder folder;
+    FramePlan plan;
+    writeFile<std::uint8_t>(folder / "in.png", {.width = 5, .height = 3},
+                            std::vector<std::uint8_t>(5 * 3 * 4, 255));
+    plan.frames.push_back({0, folder / "in.png", folder / "out.png", {}});
+    ScriptedEffect script;
+    script.on(PF_Cmd_RENDER, [](const EffectCall& call) {
+        EXPECT_EQ(call.output->width, 3);
+        EXPECT_EQ(call.output->height, 2);
+        EXPECT_EQ(call.in->width, 5);
+        EXPECT_EQ(call.in->height, 3);
+        EXPECT_EQ(call.in->downsample_x.den, 2U);
+        return PF_Err_NONE;
+    });
+    Effect effect(ScriptedEffect::enter, {}, strictOptions());
+    RenderSettings settings;
+    settings.downsample = {1, 2};
+    settings.resizes = true;
+    RenderReport report;
+    renderFrames(effect, settings, {}, plan, {}, report);
+    EXPECT_EQ(readWorld(folder / "out.png").pixels.width(), 3);
+}
+
 }  // namespace
 }  // namespace perch::test

@@ -1,0 +1,37 @@
+// The end of an effect that was loaded from a file.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <string>
+
+#include "Sequence.h"
+
+namespace perch::test {
+namespace {
+
+// The main thread keeps its own: it does not end.
+TEST(UnloadTest, EffectsCodeStaysLoadedUntilTheWorkersHaveEnded) {
+    constexpr int kThreads = 4;
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    {
+        HostOptions options;
+        options.threads = kThreads;
+        Effect effect(std::filesystem::path(PERCH_TEST_PLUGINS) / "PerThread.so", options);
+        Sequence sequence(effect);
+        const World input(2, 2, false);
+        FrameRequest request;
+        request.input = &input;
+        request.values = effect.defaultValues(2, 2);
+        request.values[1].u.sd.value = ends[1];
+        sequence.render(request);
+    }
+    close(ends[1]);
+    std::string told(16, '\0');
+    told.resize(static_cast<std::size_t>(read(ends[0], told.data(), told.size())));
+    close(ends[0]);
+    EXPECT_EQ(told, std::string(kThreads - 1, 'x'));
+}
+
+}  // namespace
+}  // namespace perch::test
