@@ -17,7 +17,7 @@ struct Lists {
     std::set<char**> handles;
 };
 
-// Never destroyed, as instances may outlive static objects; empty lists hold no memory.
+// Never destroyed, as instances may outlive static objects.
 Lists& TheLists() {
     alignas(Lists) static std::byte memory[sizeof(Lists)];
     static Lists& lists = *new (memory) Lists;

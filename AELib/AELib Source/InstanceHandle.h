@@ -10,6 +10,8 @@
 //
 // What cannot be noticed is a host that frees one of these handles itself, in place of the set-down, and
 // hands it back later.
+//
+// The lists have no lock: a host sends the commands of a plug-in one after another.
 #pragma once
 
 #include <optional>

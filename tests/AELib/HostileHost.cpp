@@ -264,26 +264,27 @@ PF_Err HostileHost::send(PF_Cmd command, bool bent) {
     if (bent && choices.oneIn(4)) bendCallbacks();
     if (bent && choices.oneIn(4)) bendRecords(call);
 
+    // Asked before the call, as the plug-in's new handle may get the address of one that was freed.
+    const PF_Handle flat = isAlive(in.sequence_data) ? in.sequence_data : nullptr;
     const PF_Err result = entryPoint(command, call.in, call.out, call.params, call.output, call.extra);
     judge(command, result, call.out != nullptr);
-    if (call.in != nullptr && call.out != nullptr) keepHandles(command, result);
+    if (call.in != nullptr && call.out != nullptr) keepHandles(command, result, flat);
     return result;
 }
 
 // As a host does; and it frees the flat handle that a sequence was rebuilt from.
-void HostileHost::keepHandles(PF_Cmd command, PF_Err result) {
+void HostileHost::keepHandles(PF_Cmd command, PF_Err result, PF_Handle flat) {
     const auto keep = [this](PF_Handle& kept, PF_Handle given) {
         kept = given;
         if (given != nullptr) known.push_back(given);
     };
-    const PF_Handle flat = in.sequence_data;
     if (command == PF_Cmd_GLOBAL_SETUP) hasParams = false;
     if (command == PF_Cmd_PARAMS_SETUP && result == PF_Err_NONE) hasParams = true;
     if (command == PF_Cmd_GLOBAL_SETUP || command == PF_Cmd_GLOBAL_SETDOWN) keep(global, out.global_data);
     if (command >= PF_Cmd_SEQUENCE_SETUP && command <= PF_Cmd_SEQUENCE_SETDOWN)
         keep(sequence, out.sequence_data);
     if (command == PF_Cmd_FRAME_SETUP || command == PF_Cmd_FRAME_SETDOWN) keep(frame, out.frame_data);
-    if (command == PF_Cmd_SEQUENCE_RESETUP && result == PF_Err_NONE && isAlive(flat))
+    if (command == PF_Cmd_SEQUENCE_RESETUP && result == PF_Err_NONE && flat != nullptr)
         allUtils.host_dispose_handle(flat);
 }
 

@@ -56,7 +56,8 @@ private:
     void bendCallbacks();
     PF_LayerDef chooseWorld();
     PF_Err send(PF_Cmd command, bool bent);
-    void keepHandles(PF_Cmd command, PF_Err result);
+    // `flat`: the living handle that the command was called with as sequence data, or null.
+    void keepHandles(PF_Cmd command, PF_Err result, PF_Handle flat);
     void judge(PF_Cmd command, PF_Err result, bool hasMessage);
 
     Choices& choices;
