@@ -3,6 +3,7 @@
 #include <climits>
 #include <cstring>
 #include <limits>
+#include <utility>
 
 #include "AEContext.h"
 #include "TestEffect.h"
@@ -230,6 +231,39 @@ TEST_F(AEContextParamTest, FailedHidingStopsAndLeavesItsReferences) {
         EXPECT_EQ(calls, host.streamLog.size()) << NameOf(callback);
         EXPECT_EQ(0, host.out.out_flags) << NameOf(callback);
     }
+}
+
+// The code of an operation while a table of the host lacks one of its functions.
+template <class Table, class Function, class Operation>
+int CodeWithout(const Table* table, Function* Table::*entry, Operation operation) {
+    Function* const function = std::exchange(const_cast<Table*>(table)->*entry, nullptr);
+    const int code = CodeOf(operation);
+    const_cast<Table*>(table)->*entry = function;
+    return code;
+}
+
+TEST_F(AEContextParamTest, SuitesThatLackAFunctionAreRefused) {
+    useSuites();
+    AELib::SuiteHandler& suites = *AELib::gSuites;
+    AEContext context = makeContext();
+    context.copyParam(kId);
+    EXPECT_EQ(PF_Err_INVALID_CALLBACK,
+              CodeWithout(suites.paramUtils(), &PF_ParamUtilsSuite1::PF_UpdateParamUI,
+                          [&] { context.updateParamUI(kId); }));
+    const auto hide = [&] { context.hideParam(kId, true); };
+    EXPECT_EQ(PF_Err_INVALID_CALLBACK,
+              CodeWithout(suites.pfInterface(), &AEGP_PFInterfaceSuite1::AEGP_GetNewEffectForEffect, hide));
+    EXPECT_EQ(PF_Err_INVALID_CALLBACK,
+              CodeWithout(suites.stream(), &AEGP_StreamSuite1::AEGP_GetNewEffectStreamByIndex, hide));
+    EXPECT_EQ(
+        PF_Err_INVALID_CALLBACK,
+        CodeWithout(suites.dynamicStream(), &AEGP_DynamicStreamSuite1::AEGP_SetDynamicStreamFlag, hide));
+    EXPECT_EQ(PF_Err_INVALID_CALLBACK,
+              CodeWithout(suites.effect(), &AEGP_EffectSuite1::AEGP_DisposeEffect, hide));
+    EXPECT_EQ(PF_Err_INVALID_CALLBACK,
+              CodeWithout(suites.stream(), &AEGP_StreamSuite1::AEGP_DisposeStream, hide));
+    EXPECT_EQ(0, host.out.out_flags);
+    EXPECT_EQ(0, CodeOf(hide));
 }
 
 TEST_F(AEContextParamTest, NullParameterFails) {

@@ -110,7 +110,7 @@ SPErr HostCallbacks::releaseSuite(const char* name, A_long version) {
 }
 
 SPErr HostCallbacks::acquireSuite(const char* name, A_long version, const void** suite) {
-    static const Suites suites;
+    static Suites suites;  // a test may take a function away
     RecordingHost& host = *theHost;
     host.suiteLog.push_back("acquire " + std::string(name) + " " + std::to_string(version));
     if (const PF_Err error = host.enter(Callback::kAcquireSuite)) return error;

@@ -210,6 +210,24 @@ TEST_F(HostileHostTest, PoppedFrameHandlesAreAskedFor) {
     host.in.frame_data = nullptr;
 }
 
+// So is the handle of a frame that was not set down when its sequence was.
+TEST_F(HostileHostTest, FrameHandlesOfAGoneSequenceAreAskedFor) {
+    static PF_Handle made;
+    host.in.version = {12, 10};
+    setUpSequence();
+    host.utils.host_new_handle = [](A_u_longlong size) { return made = HostCallbacks::newHandle(size); };
+    ASSERT_EQ(PF_Err_NONE, host.call(PF_Cmd_FRAME_SETUP)) << host.message();
+    const PF_Handle frame = made;
+    ASSERT_EQ(PF_Err_NONE, host.call(PF_Cmd_SEQUENCE_SETDOWN)) << host.message();
+    ASSERT_EQ(PF_Err_NONE, host.call(PF_Cmd_SEQUENCE_SETUP)) << host.message();
+    host.in.version = {13, 29};
+    host.in.frame_data = frame;
+    host.log.clear();
+    EXPECT_EQ(PF_Err_NONE, host.call(PF_Cmd_RENDER)) << "the frame itself is still alive";
+    EXPECT_EQ("host_get_handle_size", host.log.front());
+    EXPECT_EQ(PF_Err_NONE, host.call(PF_Cmd_FRAME_SETDOWN)) << host.message();
+}
+
 TEST_F(HostileHostTest, BlocksWithoutMemoryAreShortMemory) {
     setUpGlobal();
     static PF_Handle made;
