@@ -60,13 +60,15 @@ foreach(other IN ITEMS lib64 "lib/${multiarch}")
 endforeach()
 execute_process(COMMAND "${prefix}/bin/perch" describe OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
 
-# Undoing an installation leaves nothing, except what was there before.
-file(WRITE "${installed}/share/kept" "another program's")
-execute_process(COMMAND "${CMAKE_COMMAND}" --install "${build}" --prefix "${installed}" --config "${config}"
+# Undoing an installation leaves nothing, except what was there before, whatever the folder is called.
+set(undone "${scratch}/un[done")
+file(WRITE "${undone}/share/kept" "another program's")
+execute_process(COMMAND "${CMAKE_COMMAND}" --install "${build}" --prefix "${undone}" --config "${config}"
   OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
 execute_process(COMMAND "${CMAKE_COMMAND}" "-DMANIFEST=${build}/install_manifest.txt" -P "${source}/cmake/Uninstall.cmake"
   COMMAND_ERROR_IS_FATAL ANY)
-file(GLOB_RECURSE left LIST_DIRECTORIES true RELATIVE "${installed}" "${installed}/*")
+file(RENAME "${undone}" "${scratch}/left")  # a bracket means more in a pattern
+file(GLOB_RECURSE left LIST_DIRECTORIES true RELATIVE "${scratch}/left" "${scratch}/left/*")
 if(NOT left STREQUAL "share;share/kept")
   message(FATAL_ERROR "After the installation was undone there are ${left}")
 endif()
