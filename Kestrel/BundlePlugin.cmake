@@ -11,11 +11,11 @@ function(kestrel_finish_plugin name folder)
   set(exports "${PROJECT_SOURCE_DIR}/Kestrel/exports.map")
   if(APPLE)
     set_target_properties(${name} PROPERTIES LIBRARY_OUTPUT_DIRECTORY "${contents}/MacOS" SUFFIX "")
-    target_link_options(${name} PRIVATE -exported_symbol _PluginMain)
+    target_link_options(${name} PRIVATE LINKER:-exported_symbol,_PluginMain)
   else()
     set_target_properties(${name} PROPERTIES
       LIBRARY_OUTPUT_DIRECTORY "${contents}/${CMAKE_SYSTEM_NAME}-${KESTREL_ARCHITECTURE}"
       LINK_DEPENDS "${exports}")
-    target_link_options(${name} PRIVATE "-Wl,--version-script=${exports}")
+    target_link_options(${name} PRIVATE "LINKER:--version-script=${exports}")
   endif()
 endfunction()

@@ -1,5 +1,7 @@
 # How macos.cmake links a bundle; read after CMake has set its own rule.
-set(runtime "${KESTREL_ZIG_ROOT}/runtime/${KESTREL_ZIG_PROCESSOR}-macos")
+set(runtime "${KESTREL_ZIG_ROOT}/runtime/${KESTREL_ZIG_TARGET}")
+# The linker itself is called, so that its options need no prefix.
+set(CMAKE_CXX_LINKER_WRAPPER_FLAG "")
 string(JOIN " " CMAKE_CXX_CREATE_SHARED_MODULE
   "ld64.lld-14 -bundle -arch ${CMAKE_SYSTEM_PROCESSOR}"
   "-platform_version macos ${KESTREL_MACOS_MINIMUM} ${KESTREL_MACOS_MINIMUM} -dead_strip -S"
