@@ -11,8 +11,14 @@ if(KESTREL_PERCH)
   string(STRIP "${seconds}" seconds)
   set(ENV{SOURCE_DATE_EPOCH} ${seconds})
   string(TIMESTAMP KESTREL_DATE "%Y-%m-%d" UTC)
+  unset(ENV{SOURCE_DATE_EPOCH})
   configure_file(packaging/perch.1.in perch.1 @ONLY)
   install(FILES "${CMAKE_BINARY_DIR}/perch.1" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT runtime)
+  # What the authors of the libraries that are compiled in ask to be handed on, where Debian keeps it.
+  foreach(package IN ITEMS libcli11-dev nlohmann-json3-dev)
+    install(FILES "/usr/share/doc/${package}/copyright" DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/doc/kestrel"
+      RENAME ${package}.copyright COMPONENT runtime OPTIONAL)
+  endforeach()
 endif()
 
 # `cmake --build FOLDER --target uninstall` removes what the last `cmake --install FOLDER` put in place.

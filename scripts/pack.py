@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """pack.py ARCHIVE FOLDER: packs a folder into ARCHIVE, a .zip or .tar.gz, with the folder's name at the top.
 
-The same files give the same bytes: sorted by name, dated SOURCE_DATE_EPOCH, owned by nobody, and of two kinds only, what
+The same files give the same bytes: sorted by name, dated SOURCE_DATE_EPOCH (in a .zip 1980 at the earliest), owned by nobody, and of two kinds only, what
 may be run and what may not.
 """
 
@@ -22,10 +22,13 @@ def files_of(folder: pathlib.Path) -> list[tuple[str, pathlib.Path, int]]:
     ]
 
 
+FIRST_ZIP_DATE = 315532800  # 1 January 1980
+
+
 def pack_zip(archive: pathlib.Path, folder: pathlib.Path, date: int) -> None:
     with zipfile.ZipFile(archive, "w") as packed:
         for name, path, mode in files_of(folder):
-            entry = zipfile.ZipInfo(name, time.gmtime(date)[:6])
+            entry = zipfile.ZipInfo(name, time.gmtime(max(date, FIRST_ZIP_DATE))[:6])
             entry.create_system = 3  # Unix, so that the mode below counts
             entry.external_attr = (0o100000 | mode) << 16
             entry.compress_type = zipfile.ZIP_DEFLATED

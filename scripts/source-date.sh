@@ -5,6 +5,9 @@ set -eu
 cd "$(dirname "$0")/.."
 
 if [ -n "${SOURCE_DATE_EPOCH:-}" ]; then
+    case $SOURCE_DATE_EPOCH in
+        *[!0-9]*) echo "SOURCE_DATE_EPOCH is $SOURCE_DATE_EPOCH: it must be a number of seconds since 1970" >&2; exit 1 ;;
+    esac
     echo "$SOURCE_DATE_EPOCH"
 elif [ -e .git ] && git log -1 --format=%ct 2>/dev/null; then
     :

@@ -26,6 +26,7 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 PIPL_KEYS = ["8664", "aeFL", "catg", "eGL2", "eGLO", "eINF", "eMNA", "ePVR", "eSVR", "eVER", "kind", "ma64", "mi64", "name"]
 WINDOWS_LIBRARIES = {"kernel32.dll", "msvcrt.dll"}
 LINUX_LIBRARIES = {"libc.so.6", "libm.so.6", "libdl.so.2", "libpthread.so.0", "ld-linux-x86-64.so.2"}
+LLVM_LIBRARIES = ("libc++", "libc++abi", "compiler_rt")
 HARDENED = 0x160  # any address, also above 4 GiB; data are not run
 
 
@@ -63,6 +64,11 @@ def check_readme(files: dict[str, bytes], archive: str) -> None:
         require(line.startswith(start), f"{archive}: a line of README.txt does not start with {start}")
 
 
+def check_notices(files: dict[str, bytes], archive: str, *libraries: str) -> None:
+    named = re.findall(r"^(.+), a part of which is in this product:$", files["NOTICES.txt"].decode("utf-8"), re.M)
+    same(f"{archive}, libraries of NOTICES.txt", list(libraries), named)
+
+
 def check_no_path(name: str, content: bytes) -> None:
     require(str(ROOT).encode() not in content, f"{name} names the folder that it was built in")
 
@@ -94,8 +100,9 @@ def second_opinion(what: str, ours: list[str], printed: str | None, pattern: str
 
 def check_windows(archive: pathlib.Path, folder: pathlib.Path) -> dict[str, object]:
     files = unpack(archive)
-    same(f"{archive.name}, files", ["Kestrel.aex", "README.txt"], sorted(files))
+    same(f"{archive.name}, files", ["Kestrel.aex", "NOTICES.txt", "README.txt"], sorted(files))
     check_readme(files, archive.name)
+    check_notices(files, archive.name, "libstdc++, libgcc and libssp", "mingw-w64")
     content = files["Kestrel.aex"]
     check_no_path("Kestrel.aex", content)
     library = pe.WindowsLibrary(content, "Kestrel.aex")
@@ -156,6 +163,7 @@ def check_bundle(files: dict[str, bytes], library: str, archive: str) -> dict[st
 def check_macos(archive: pathlib.Path, folder: pathlib.Path) -> dict[str, object]:
     files = unpack(archive)
     properties = check_bundle(files, "MacOS/Kestrel", archive.name)
+    check_notices(files, archive.name, *LLVM_LIBRARIES)
     content = files["Kestrel.plugin/Contents/MacOS/Kestrel"]
     libraries = macho.read_universal(content, "Kestrel")
     same("Kestrel, processors", ["arm64", "x86_64"], sorted(libraries))
@@ -185,8 +193,11 @@ def check_linux(archive: pathlib.Path, folder: pathlib.Path) -> dict[str, object
     name = "Linux-x86-64/Kestrel.so"
     properties = check_bundle(files, name, archive.name)
     others = sorted(name for name in files if not name.startswith("Kestrel.plugin/"))
-    same(f"{archive.name}, files beside the bundle", ["README.txt", "bin/perch", "share/man/man1/perch.1"], others)
-    check_no_path("perch", files["bin/perch"])
+    programs = ["bin/perch", "lib/perch/pictures.so"]
+    same(f"{archive.name}, files beside the bundle", ["NOTICES.txt", "README.txt", *programs, "share/man/man1/perch.1"], others)
+    check_notices(files, archive.name, *LLVM_LIBRARIES, "libunwind", "CLI11", "JSON for Modern C++")
+    for program in programs:
+        check_no_path(program, files[program])
     content = files["Kestrel.plugin/Contents/" + name]
     library = elf.LinuxLibrary(content, "Kestrel.so")
     same("Kestrel.so, processor", 62, library.machine)
@@ -204,6 +215,14 @@ def check_linux(archive: pathlib.Path, folder: pathlib.Path) -> dict[str, object
     printed = tool("llvm-readobj", "--version-info", str(path))
     second_opinion("Kestrel.so, versions", library.versions, printed, r"^ +Name: (GLIBC_\S+)$")
     return properties
+
+
+def check_source(archive: pathlib.Path) -> None:
+    files = unpack(archive)
+    for name in ("Makefile", "CMakeLists.txt", "README.md", "Kestrel/AEKestrel.cpp", "scripts/bundles.sh"):
+        require(name in files, f"{archive.name} lacks {name}")
+    date = files["cmake/source-date.txt"].strip()
+    require(date.isdigit(), f"{archive.name} does not tell the date of its commit")
 
 
 def check_sums(dist: pathlib.Path) -> None:
@@ -227,6 +246,9 @@ def main() -> None:
                 check_macos(dist / f"Kestrel-{VERSION}-macos-universal.zip", folder),
                 check_linux(dist / f"Kestrel-{VERSION}-linux-x64.tar.gz", folder),
             ]
+        source = dist / f"Kestrel-{VERSION}-source.tar.gz"
+        if source.exists():  # made from a git checkout alone
+            check_source(source)
         same("the effect's description on Windows and macOS", lists[0], lists[1])
         same("the effect's description on Windows and Linux", lists[0], lists[2])
     except (Malformed, OSError, KeyError, subprocess.CalledProcessError) as error:

@@ -28,7 +28,7 @@ def read_list(data: bytes, name: str, windows: bool) -> dict[str, object]:
         value = at.part(offset + 16, length)
         padded = (length + 3) // 4 * 4
         require(not any(at.part(offset + 16 + length, padded - length)), f"{name}: {key} is not padded with zeros")
-        require(not windows or length % 4 == 0, f"{name}: the length of {key} is no multiple of 4")
+        require(not windows or length % 4 == 0, f"{name}: the length of {key} is not a multiple of 4")
         require(key not in properties, f"{name}: {key} stands twice")
         properties[key] = read_value(key, Bytes(value, f"{name}, {key}", big_endian=not windows))
         offset += 16 + padded
