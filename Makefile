@@ -1,6 +1,7 @@
 # Thin wrapper around CMake: installs the Debian packages that are missing, builds, and runs.
 #   make demo   renders the sample picture and says where the results are
-#   make test   builds and runs every test, optimised and under the address and undefined-behaviour sanitizers
+#   make test   builds and runs every test, optimised and under the address and undefined-behaviour sanitizers, and the
+#               plug-in for Windows where mingw-w64 and Wine are installed
 #   make bundles builds the plug-in for Windows, macOS and Linux and packs what ships into dist/
 #   make bench  runs the benchmarks; make bench-all every kind of frame as well; make bench-compare times other programs
 #               at the same job, where they are installed
@@ -20,6 +21,7 @@ demo: ; @scripts/demo.sh $(PRODUCT_PACKAGES)
 test:
 	@scripts/install-packages.sh $(TEST_PACKAGES)
 	@scripts/test.sh release asan
+	@scripts/test-elsewhere.sh windows-x64
 
 bundles:
 	@scripts/install-packages.sh $(BUNDLE_PACKAGES)
