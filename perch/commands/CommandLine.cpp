@@ -44,9 +44,11 @@ std::vector<std::string> parseArguments(CLI::App& app, const std::vector<std::st
     requireFlagsWithoutValue(app, arguments);
     try {
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
-    } catch (const CLI::ArgumentMismatch& error) {
-        const std::string_view text = error.what();
-        throw UsageError(fmt::format("{} lacks its value", text.substr(0, text.find(':'))));
+    } catch (const CLI::ArgumentMismatch&) {
+        // A value is whatever argument follows, so that only the last one can lack it.
+        const CLI::Option* const option = app.get_option_no_throw(arguments.back());
+        throw UsageError(
+            fmt::format("{} lacks its value", option != nullptr ? option->get_name() : arguments.back()));
     } catch (const CLI::ParseError& error) {
         throw UsageError(firstLine(error.what()));
     }

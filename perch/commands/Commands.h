@@ -17,6 +17,7 @@ enum ExitStatus {
 
 int runRenderCommand(const std::vector<std::string>& arguments);
 int runDescribeCommand(const std::vector<std::string>& arguments);
+int runCurveCommand(const std::vector<std::string>& arguments);
 int runCheckCommand(const std::vector<std::string>& arguments);
 
 }  // namespace perch

@@ -6,10 +6,7 @@
 #include <array>
 #include <set>
 
-#include "Error.h"
-#include "NearestName.h"
 #include "PF_Values.h"
-#include "ParameterText.h"
 
 namespace perch {
 namespace {
@@ -63,12 +60,6 @@ std::vector<ParameterOption> parameterOptions(const std::vector<Parameter>& para
         options.push_back({name, parameter});
     }
     return options;
-}
-
-ParameterSetting requireSetting(const ParameterOption& option, std::string_view text) {
-    if (const auto setting = parseSetting(option.parameter, text)) return *setting;
-    throw UsageError(fmt::format("--{} takes {}, not \"{}\"{}", option.name, expectedValue(option.parameter),
-                                 text, suggestion(text, option.parameter.items)));
 }
 
 }  // namespace perch

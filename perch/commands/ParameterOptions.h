@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "Parameter.h"
-#include "ParameterSetting.h"
 
 namespace perch {
 
@@ -26,8 +25,5 @@ std::string optionName(std::string_view parameterName);
 // gives none is called "parameter-" and its index.
 std::vector<ParameterOption> parameterOptions(const std::vector<Parameter>& parameters,
                                               std::span<const std::string> reserved);
-
-// What `text` stands for. Throws UsageError with what was expected. Not for layers.
-ParameterSetting requireSetting(const ParameterOption& option, std::string_view text);
 
 }  // namespace perch

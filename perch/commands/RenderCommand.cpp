@@ -150,7 +150,7 @@ int reportInterrupt(const RenderReport& report, std::size_t count) {
 }
 
 // Renders, and returns whether the job came to its end.
-bool render(Effect& effect, const RenderSettings& settings, const std::vector<ParameterSetting>& parameters,
+bool render(Effect& effect, const RenderSettings& settings, const std::vector<ParameterCurve>& parameters,
             const FramePlan& plan, Display& display, RenderReport& report) {
     std::size_t current = 0;
     RenderWatch watch;
@@ -186,7 +186,7 @@ int runRenderCommand(const std::vector<std::string>& arguments) {
     plan.emptyLayers = parameters.emptyLayers;
     catchInterrupts();
     RenderReport report;
-    if (!render(effect, options.settings, parameters.settings, plan, display, report))
+    if (!render(effect, options.settings, parameters.curves, plan, display, report))
         return reportInterrupt(report, plan.frames.size());
     effect.close();
     if (options.wantsTiming) reportTiming(report, std::chrono::steady_clock::now() - start);

@@ -5,14 +5,12 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <charconv>
-#include <map>
 #include <thread>
 
 #include "CommandLine.h"
 #include "Error.h"
 #include "NearestName.h"
 #include "PF_Values.h"
-#include "ParameterText.h"
 
 namespace perch {
 namespace {
@@ -143,24 +141,6 @@ void addOwnOptions(CLI::App& app, Texts& texts) {
         ->type_name("BITS");
 }
 
-void addParameterOption(CLI::App& app, const ParameterOption& option, std::string& text) {
-    const Parameter& parameter = option.parameter;
-    const std::string given = defaultText(parameter);
-    std::string help = expectedValue(parameter);
-    if (!given.empty()) help += fmt::format(" (default {})", given);
-    CLI::Option* const added = app.add_option("--" + option.name, text, help)
-                                   ->group("Parameters of the effect")
-                                   ->type_name(isLayer(parameter) ? "PICTURE" : "VALUE");
-    if (isCheckBox(parameter)) added->expected(0, 1)->type_name("[on|off]");
-}
-
-using TextsByOption = std::map<std::string, std::string>;
-
-void addParameterOptions(CLI::App& app, const std::vector<ParameterOption>& options, TextsByOption& texts) {
-    for (const ParameterOption& option : options)
-        addParameterOption(app, option, texts[option.name]);
-}
-
 // `others` are the arguments that are not of the command's own options; one of them may be the option
 // misspelt.
 void requireOption(const std::string& text, const std::string& option,
@@ -171,18 +151,6 @@ void requireOption(const std::string& text, const std::string& option,
             refuseExtras({other}, {option});
     }
     throw UsageError(fmt::format("--{} is missing; see perch render --help", option));
-}
-
-void takeParameter(const ParameterOption& option, const std::string& text, ParameterArguments& arguments) {
-    if (!isLayer(option.parameter)) {
-        // A bare flag is on.
-        const bool isBare = isCheckBox(option.parameter) && text.empty();
-        arguments.settings.push_back(requireSetting(option, isBare ? "on" : text));
-    } else if (text == "none") {
-        arguments.emptyLayers.insert(option.parameter.index);
-    } else {
-        arguments.layers[option.parameter.index] = text;
-    }
 }
 
 }  // namespace
@@ -235,22 +203,18 @@ ParameterArguments parseParameterArguments(const std::vector<std::string>& argum
     CLI::App app;
     const std::vector<ParameterOption> options = optionsOf(parameters);
     Texts ownTexts;  // understood before
-    TextsByOption texts;
+    ParameterTexts texts;
     addOwnOptions(app, ownTexts);
     addParameterOptions(app, options, texts);
     parseAllArguments(app, arguments);
 
-    ParameterArguments result;
-    for (const ParameterOption& option : options) {
-        if (app.count("--" + option.name) > 0) takeParameter(option, texts.at(option.name), result);
-    }
-    return result;
+    return takeParameterArguments(app, options, texts);
 }
 
 std::string renderHelp(const EffectDescription* effect) {
     CLI::App app("Applies an effect to a picture or a sequence of pictures.", "perch render");
     Texts texts;
-    TextsByOption parameterTexts;
+    ParameterTexts parameterTexts;
     addOwnOptions(app, texts);
     if (effect == nullptr) {
         app.footer("The effect's parameters are options as well; name it with --plugin to list them.");

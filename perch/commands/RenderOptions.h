@@ -3,10 +3,10 @@
 #pragma once
 
 #include <filesystem>
-#include <set>
 #include <string>
 #include <vector>
 
+#include "ParameterArguments.h"
 #include "ParameterOptions.h"
 #include "RenderJob.h"
 
@@ -26,13 +26,6 @@ struct RenderOptions {
     LoadOptions load;
     PictureNames names;
     RenderSettings settings;
-};
-
-// The values and pictures that the command line gives an effect's parameters.
-struct ParameterArguments {
-    std::vector<ParameterSetting> settings;
-    LayerNames layers;
-    std::set<PF_ParamIndex> emptyLayers;
 };
 
 // The names of the command's own options, which no parameter's option takes.

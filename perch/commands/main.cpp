@@ -23,6 +23,7 @@ struct Command {
 
 constexpr std::array kCommands{
     Command{"render", perch::runRenderCommand, "apply an effect to a picture or a sequence"},
+    Command{"curve", perch::runCurveCommand, "print the values of every frame, before anything is rendered"},
     Command{"describe", perch::runDescribeCommand, "print what an effect says of itself"},
     Command{"check", perch::runCheckCommand, "try an effect against the rules of the interface"},
 };

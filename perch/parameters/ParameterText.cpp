@@ -254,6 +254,30 @@ std::string expectedValue(const Parameter& parameter) {
     }
 }
 
+std::string valueText(const Parameter& parameter, const ParameterSetting& setting) {
+    const auto& [first, second, third, fourth] = setting.numbers;
+    const auto byteOf = [](double number) { return static_cast<A_u_char>(std::lround(number)); };
+    switch (parameter.definition.param_type) {
+        case PF_Param_SLIDER:
+            return fmt::format("{}", std::lround(first));
+        case PF_Param_CHECKBOX:
+            return first != 0 ? "on" : "off";
+        case PF_Param_POPUP:
+            return parameter.items.at(static_cast<std::size_t>(first) - 1);
+        case PF_Param_COLOR:
+            return fourth == kByteRange.maximum
+                       ? colorText({byteOf(fourth), byteOf(first), byteOf(second), byteOf(third)})
+                       : fmt::format("{},{},{},{}", byteOf(first), byteOf(second), byteOf(third),
+                                     byteOf(fourth));
+        case PF_Param_POINT:
+            return fmt::format("{},{}", formatNumber(first), formatNumber(second));
+        case PF_Param_POINT_3D:
+            return fmt::format("{},{},{}", formatNumber(first), formatNumber(second), formatNumber(third));
+        default:
+            return formatNumber(first);
+    }
+}
+
 std::string defaultText(const Parameter& parameter) {
     const PF_ParamDefUnion& u = parameter.definition.u;
     switch (parameter.definition.param_type) {

@@ -16,6 +16,9 @@ std::optional<ParameterSetting> parseSetting(const Parameter& parameter, std::st
 // "a number from 0 to 100"
 std::string expectedValue(const Parameter& parameter);
 
+// The value in the form that is shown to the user and read back: "40", "Fine", "on", "#ff8000", "640,360".
+std::string valueText(const Parameter& parameter, const ParameterSetting& setting);
+
 // "40", "Fine", "on"; empty where the type has no default.
 std::string defaultText(const Parameter& parameter);
 

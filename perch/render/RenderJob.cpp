@@ -104,7 +104,7 @@ void requireDepth(const Effect& effect, const World& input) {
 // One run through a plan. Reading and writing tasks share only what is const or guarded.
 class Job {
 public:
-    Job(Effect& effect, const RenderSettings& settings, const std::vector<ParameterSetting>& parameters,
+    Job(Effect& effect, const RenderSettings& settings, const std::vector<ParameterCurve>& parameters,
         const FramePlan& plan, const RenderWatch& watch, RenderReport& report)
         : effect(effect),
           settings(settings),
@@ -178,13 +178,14 @@ private:
     }
 
     // Before the first frame the effect is told of what the user has set, parameter by parameter, as it would
-    // be where the user sets it in a window; what it changes then holds for all frames.
+    // be where the user sets it in a window; what it changes then holds for all frames, except where a value
+    // has keys.
     void tellTheUsersChoices(const World& input) {
         const std::vector<Parameter>& declared = effect.description().parameters;
         const auto isSupervised = [](const Parameter& parameter) {
             return (parameter.definition.flags & PF_ParamFlag_SUPERVISE) != 0;
         };
-        const ParameterValues given = valuesFor(input);
+        const ParameterValues given = valuesFor(plan.frames.front().frame, input);
         ParameterValues values = given;
         for (const Parameter& parameter : declared)
             if (isSupervised(parameter) && isSetByUser(parameter.index))
@@ -200,7 +201,7 @@ private:
     bool isSetByUser(PF_ParamIndex index) const {
         return plan.stillLayers.contains(index) || plan.frames.front().layers.contains(index) ||
                plan.emptyLayers.contains(index) ||
-               std::ranges::find(parameters, index, &ParameterSetting::index) != parameters.end();
+               std::ranges::find(parameters, index, &ParameterCurve::index) != parameters.end();
     }
 
     FrameRequest requestFor(std::size_t index, const FramePictures& pictures) const {
@@ -215,7 +216,7 @@ private:
         request.downsampleX = request.downsampleY = settings.downsample;
         request.fullWidth = pictures.fullWidth;
         request.fullHeight = pictures.fullHeight;
-        request.values = valuesFor(input);
+        request.values = valuesFor(request.frame, input);
         // A frame has one time, whichever frames are rendered beside it.
         request.time = request.frame * request.timeStep;
         request.totalTime = (plan.frames.back().frame + 1) * request.timeStep;
@@ -226,12 +227,13 @@ private:
         return request;
     }
 
-    ParameterValues valuesFor(const World& input) const {
+    ParameterValues valuesFor(std::int32_t frame, const World& input) const {
         ParameterValues values = effect.defaultValues(input.width(), input.height());
-        for (const ParameterSetting& setting : parameters)
-            applySetting(setting, values, settings.downsample);
         for (const auto& [index, value] : changedByEffect)
             takeValue(value, values[index]);
+        for (const ParameterCurve& curve : parameters)
+            if (curve.moves() || !changedByEffect.contains(static_cast<std::size_t>(curve.index)))
+                applySetting(settingAt(curve, frame), values, settings.downsample);
         return values;
     }
 
@@ -258,7 +260,7 @@ private:
 
     Effect& effect;
     const RenderSettings& settings;
-    const std::vector<ParameterSetting>& parameters;
+    const std::vector<ParameterCurve>& parameters;
     const FramePlan& plan;
     const RenderWatch& watch;
     RenderReport& report;
@@ -274,7 +276,7 @@ private:
 }  // namespace
 
 void renderFrames(Effect& effect, const RenderSettings& settings,
-                  const std::vector<ParameterSetting>& parameters, const FramePlan& plan,
+                  const std::vector<ParameterCurve>& parameters, const FramePlan& plan,
                   const RenderWatch& watch, RenderReport& report) {
     Job(effect, settings, parameters, plan, watch, report).run();
 }

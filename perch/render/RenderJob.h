@@ -12,7 +12,7 @@
 #include "Effect.h"
 #include "FileWorlds.h"
 #include "FramePlan.h"
-#include "ParameterSetting.h"
+#include "ParameterCurve.h"
 #include "SmartUse.h"
 
 namespace perch {
@@ -53,7 +53,7 @@ struct RenderReport {
 // where the plan is a sequence; Cancelled when the flag of `watch` was seen, also between the effect's
 // commands. Each output is written whole or not at all; frames before the failure stay.
 void renderFrames(Effect& effect, const RenderSettings& settings,
-                  const std::vector<ParameterSetting>& parameters, const FramePlan& plan,
+                  const std::vector<ParameterCurve>& parameters, const FramePlan& plan,
                   const RenderWatch& watch, RenderReport& report);
 
 }  // namespace perch

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <limits>
 
+#include "CurveText.h"
 #include "Error.h"
 #include "PF_Values.h"
 #include "ParameterText.h"
@@ -219,7 +220,7 @@ TEST(ParameterOptionsTest, RefusalTellsWhatWasExpected) {
     };
     for (const auto& [parameter, sentence] : cases) {
         try {
-            requireSetting({"o", parameter}, "fin");
+            parseCurve(parameter, "--o", "fin");
             ADD_FAILURE() << "nothing was thrown for " << sentence;
         } catch (const Error& error) {
             EXPECT_STREQ(error.what(), sentence);

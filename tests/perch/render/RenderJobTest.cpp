@@ -145,11 +145,34 @@ TEST(RenderJobTest, SupervisedSettingsAreToldBeforeTheFirstFrameAndWhatTheyChang
     Effect effect(ScriptedEffect::enter, {}, options);
     RenderReport report;
     commands.clear();
-    renderFrames(effect, {}, {{.index = 1, .numbers = {5}}}, plan, {}, report);
+    renderFrames(effect, {}, {constantCurve({1, {5}})}, plan, {}, report);
     EXPECT_EQ(rendered, (std::vector<A_long>{50, 50}));
     EXPECT_EQ(commands, (std::vector<std::string>{"SEQUENCE_SETUP", "USER_CHANGED_PARAM", "UPDATE_PARAMS_UI",
                                                   "FRAME_SETUP", "RENDER", "FRAME_SETDOWN", "FRAME_SETUP",
                                                   "RENDER", "FRAME_SETDOWN", "SEQUENCE_SETDOWN"}));
+}
+
+TEST(RenderJobTest, KeysGiveEachFrameTheValueOfItsNumber) {
+    const TemporaryFolder folder;
+    FramePlan plan = sequenceIn(folder, 4);
+    const auto numberOf = [&](std::size_t i) { return plan.frames[i].frame; };
+    const ParameterCurve curve{
+        1, {{.frame = numberOf(0), .numbers = {0}}, {.frame = numberOf(3), .numbers = {90}}}};
+    ScriptedEffect script;
+    script.declareParameters({parameterOfType(PF_Param_SLIDER, "S")});
+    std::vector<A_long> rendered;
+    script.on(PF_Cmd_RENDER, [&](const EffectCall& call) {
+        rendered.push_back(call.params[1]->u.sd.value);
+        return PF_Err_NONE;
+    });
+    Effect effect(ScriptedEffect::enter, {}, strictOptions());
+    RenderReport report;
+    renderFrames(effect, {}, {curve}, plan, {}, report);
+    EXPECT_EQ(rendered, (std::vector<A_long>{0, 30, 60, 90}));
+    plan.frames.erase(plan.frames.begin(), plan.frames.begin() + 2);
+    rendered.clear();
+    renderFrames(effect, {}, {curve}, plan, {}, report);
+    EXPECT_EQ(rendered, (std::vector<A_long>{60, 90})) << "whichever frames are rendered beside them";
 }
 
 TEST(RenderJobTest, PicturesAreMadeSmallerWhereThatIsAskedFor) {

@@ -1,0 +1,36 @@
+// An effect's parameters on a command line.
+#pragma once
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "FramePlan.h"
+#include "ParameterCurve.h"
+#include "ParameterOptions.h"
+
+namespace CLI {
+class App;
+}
+
+namespace perch {
+
+// The values and pictures that a command line gives an effect's parameters.
+struct ParameterArguments {
+    std::vector<ParameterCurve> curves;
+    LayerNames layers;
+    std::set<PF_ParamIndex> emptyLayers;
+};
+
+// What was given, by the option's name.
+using ParameterTexts = std::map<std::string, std::string>;
+
+// Makes `app` take the options into `texts`, which must outlive it.
+void addParameterOptions(CLI::App& app, const std::vector<ParameterOption>& options, ParameterTexts& texts);
+
+// What the texts stand for, of the options that `app` met. Throws UsageError with what was expected.
+ParameterArguments takeParameterArguments(const CLI::App& app, const std::vector<ParameterOption>& options,
+                                          const ParameterTexts& texts);
+
+}  // namespace perch

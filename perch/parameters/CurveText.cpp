@@ -1,0 +1,116 @@
+#include "CurveText.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "Error.h"
+#include "NearestName.h"
+#include "PF_Values.h"
+#include "ParameterText.h"
+
+namespace perch {
+namespace {
+
+using Kind = ParameterKey::Kind;
+
+constexpr std::array<std::pair<std::string_view, Kind>, 3> kKindNames{
+    {{"hold", Kind::Hold}, {"linear", Kind::Linear}, {"smooth", Kind::Smooth}}};
+
+// The number before the first colon; absent where the text begins otherwise.
+std::optional<std::int32_t> frameOf(std::string_view text) {
+    std::int32_t frame = 0;
+    const char* const end = text.data() + text.size();
+    const auto parsed = std::from_chars(text.data(), end, frame);
+    const bool isBeforeColon = parsed.ec == std::errc() && parsed.ptr != end && *parsed.ptr == ':';
+    return isBeforeColon ? std::optional(frame) : std::nullopt;
+}
+
+bool isKind(std::string_view text) {
+    return std::ranges::find(kKindNames, text, [](const auto& known) { return known.first; }) !=
+           kKindNames.end();
+}
+
+// Whether a key begins here, and not the rest of a value like the "360:smooth" of "24:640,360:smooth".
+bool beginsKey(std::string_view text) {
+    const std::string_view first = text.substr(0, text.find(','));
+    return frameOf(first) && !isKind(first.substr(first.find(':') + 1));
+}
+
+// The texts of the keys; values may contain commas.
+std::vector<std::string_view> splitKeys(std::string_view text) {
+    std::vector<std::string_view> keys;
+    std::size_t begin = 0;
+    for (std::size_t comma = text.find(','); comma != std::string_view::npos;
+         comma = text.find(',', comma + 1)) {
+        if (!beginsKey(text.substr(comma + 1))) continue;
+        keys.push_back(text.substr(begin, comma - begin));
+        begin = comma + 1;
+    }
+    keys.push_back(text.substr(begin));
+    return keys;
+}
+
+bool isChoice(const Parameter& parameter) {
+    return isCheckBox(parameter) || parameter.definition.param_type == PF_Param_POPUP;
+}
+
+// The kind that the text ends with, which is cut off.
+std::optional<Kind> takeKind(std::string_view& text) {
+    for (const auto& [name, kind] : kKindNames) {
+        if (!text.ends_with(name) || !text.substr(0, text.size() - name.size()).ends_with(':')) continue;
+        text.remove_suffix(name.size() + 1);
+        return kind;
+    }
+    return std::nullopt;
+}
+
+[[noreturn]] void refuseKind(std::string_view name, std::string_view kind) {
+    const std::array<std::string, 3> names{"hold", "linear", "smooth"};
+    throw UsageError(fmt::format("{}: a key is hold, linear or smooth, not \"{}\"{}", name, kind,
+                                 suggestion(kind, names)));
+}
+
+ParameterKey parseKey(const Parameter& parameter, std::string_view name, std::string_view text) {
+    std::string_view value = text.substr(text.find(':') + 1);
+    const std::optional<Kind> kind = takeKind(value);
+    if (isChoice(parameter) && kind.value_or(Kind::Hold) != Kind::Hold)
+        throw UsageError(fmt::format("{}: a choice holds until the next key, so the key \"{}\" cannot be {}",
+                                     name, text, kindName(*kind)));
+    const std::optional<ParameterSetting> setting = parseSetting(parameter, value);
+    if (!setting && !isChoice(parameter) && value.find(':') != std::string_view::npos)
+        refuseKind(name, value.substr(value.rfind(':') + 1));
+    if (!setting)
+        throw UsageError(fmt::format("{} takes {} at frame {}, not \"{}\"{}", name, expectedValue(parameter),
+                                     *frameOf(text), value, suggestion(value, parameter.items)));
+    return {*frameOf(text), setting->numbers, kind.value_or(isChoice(parameter) ? Kind::Hold : Kind::Linear)};
+}
+
+}  // namespace
+
+std::string_view kindName(Kind kind) {
+    return std::ranges::find(kKindNames, kind, [](const auto& known) { return known.second; })->first;
+}
+
+ParameterCurve parseCurve(const Parameter& parameter, std::string_view name, std::string_view text) {
+    // First, as a popup's item may look like a key.
+    if (const auto setting = parseSetting(parameter, text)) return constantCurve(*setting);
+    if (!frameOf(text))
+        throw UsageError(fmt::format("{} takes {}, not \"{}\"{}", name, expectedValue(parameter), text,
+                                     suggestion(text, parameter.items)));
+    ParameterCurve curve{parameter.index, {}};
+    for (const std::string_view key : splitKeys(text))
+        curve.keys.push_back(parseKey(parameter, name, key));
+    std::ranges::sort(curve.keys, {}, &ParameterKey::frame);
+    const auto twice = std::ranges::adjacent_find(curve.keys, {}, &ParameterKey::frame);
+    if (twice != curve.keys.end())
+        throw UsageError(fmt::format("{} has two keys at frame {}", name, twice->frame));
+    return curve;
+}
+
+}  // namespace perch
