@@ -38,4 +38,10 @@ public:
     using EffectError::EffectError;
 };
 
+// The effect did what no host can go on after, and what a crash or an end of the program would be as well.
+class EffectBroke : public Error {
+public:
+    using Error::Error;
+};
+
 }  // namespace perch

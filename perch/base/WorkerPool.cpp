@@ -1,5 +1,9 @@
 #include "WorkerPool.h"
 
+#if defined(__linux__)
+#include <pthread.h>
+#endif
+
 #include <algorithm>
 #include <utility>
 
@@ -59,6 +63,9 @@ void WorkerPool::start() {
 }
 
 void WorkerPool::work(std::int32_t thread) {
+#if defined(__linux__)
+    pthread_setname_np(pthread_self(), "perch-worker");  // or it has the name of the thread that started it
+#endif
     std::uint64_t seen = 0;
     std::unique_lock lock(mutex);
     for (;;) {

@@ -11,6 +11,7 @@
 #include "Library.h"
 #include "PiPL.h"
 #include "ResourceFile.h"
+#include "Whereabouts.h"
 
 namespace perch {
 namespace {
@@ -54,7 +55,10 @@ fs::path chooseFile(const fs::path& folder, const fs::path& bundleName, std::str
 
 std::vector<std::byte> readResourceFile(const fs::path& path) {
     std::error_code error;
-    const std::uintmax_t size = fs::is_regular_file(path, error) ? fs::file_size(path, error) : 0;
+    // Opening a pipe would wait for somebody to write to it.
+    if (!fs::is_regular_file(path, error) && !error)
+        throw Error(fmt::format("\"{}\" is not a file", path.string()));
+    const std::uintmax_t size = error ? 0 : fs::file_size(path, error);
     if (error) throw Error(fmt::format("cannot read \"{}\": {}", path.string(), error.message()));
     if (size > kLargestResourceFile) {
         throw Error(fmt::format("\"{}\" is too large for a resource file: {} bytes, at most {}",
@@ -113,6 +117,7 @@ Bundle openBundle(const fs::path& path) {
 }
 
 LoadedLibrary loadLibrary(const Bundle& bundle) {
+    whereabouts().effect.set(nameOf(bundle.path).string());
     LoadedLibrary loaded;
     loaded.library = openLibrary(bundle.library);
     std::vector<std::string> candidates{"PluginMain", "EffectMain"};

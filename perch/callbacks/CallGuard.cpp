@@ -3,10 +3,13 @@
 #include <exception>
 #include <new>
 
+#include "Whereabouts.h"
+
 namespace perch {
 
 PF_Err enterCallback(Host* host, const char* callback, Caller caller) {
     if (host == nullptr) return PF_Err_INVALID_CALLBACK;
+    noteCallback(callback);
     if (host->options.onCallback) host->options.onCallback(callback);
     if (caller == Caller::MainThread && !host->isMainThread())
         host->ledger.fault(callback,

@@ -66,14 +66,17 @@ PF_Err declare(Host& host, PF_ParamIndex index, const PF_ParamDef& definition) {
         host.ledger.fault("add_param", fmt::format("index {} is neither -1 nor from 1 to {}", index, next));
         return PF_Err_INVALID_INDEX;
     }
+    constexpr std::size_t kMostParameters = 1000;
+    if (parameters.size() >= kMostParameters)
+        throw Error(fmt::format("an effect may declare {} parameters at most", kMostParameters));
     Parameter parameter = describeParameter(definition);
     if (definition.param_type == PF_Param_POPUP &&
         static_cast<std::size_t>(definition.u.pd.num_choices) != parameter.items.size())
         host.ledger.fault("add_param", fmt::format("\"{}\" declares {} choices and names {}", parameter.name,
                                                    definition.u.pd.num_choices, parameter.items.size()));
-    parameters.insert(index == -1 ? parameters.end() : parameters.begin() + (index - 1),
-                      std::move(parameter));
-    for (std::size_t i = 0; i < parameters.size(); ++i)
+    const std::size_t place = index == -1 ? parameters.size() : static_cast<std::size_t>(index - 1);
+    parameters.insert(parameters.begin() + static_cast<std::ptrdiff_t>(place), std::move(parameter));
+    for (std::size_t i = place; i < parameters.size(); ++i)
         parameters[i].index = static_cast<PF_ParamIndex>(i) + 1;
     return PF_Err_NONE;
 }
@@ -85,6 +88,7 @@ PF_Err addParam(PF_ProgPtr effectRef, PF_ParamIndex index, PF_ParamDefPtr defini
             return declare(host, index, *definition);
         } catch (const Error& failure) {
             host.ledger.fault("add_param", failure.what());
+            if (host.call != nullptr) host.call->refusal = failure.what();
             return PF_Err_UNRECOGNIZED_PARAM_TYPE;
         }
     });

@@ -30,6 +30,7 @@ PF_Err guarded(Host& host, const char* callback, const F& body) {
         return body();
     } catch (...) {
         host.ledger.fault(callback, "an exception left the effect's function");
+        host.hasThrown = true;
         return PF_Err_INTERNAL_STRUCT_DAMAGED;
     }
 }

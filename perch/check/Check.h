@@ -1,12 +1,22 @@
-// `perch check`: an effect put through the protocol in strict mode, on generated frames of both depths.
+// `perch check`: an effect put through the protocol in strict mode, on generated frames of both depths, rule
+// by rule.
 #pragma once
 
 #include <filesystem>
+#include <span>
+#include <string>
 
 namespace perch {
 
-// Prints a verdict per rule to stdout and returns whether all hold. Throws Error when the effect cannot
-// be loaded.
-bool runCheck(const std::filesystem::path& plugin);
+struct CheckRule {
+    const char* name;
+    void (*check)(const std::filesystem::path& plugin);
+};
+
+// The first is that the effect can be loaded; without it there is no use in the others.
+std::span<const CheckRule> checkRules();
+
+// Why the effect does not keep to the rule; empty where it does.
+std::string tryRule(const CheckRule& rule, const std::filesystem::path& plugin);
 
 }  // namespace perch

@@ -88,6 +88,11 @@ void Trial::end(bool toleratesHandles) {
     }
 }
 
+void Trial::requireSame(std::uint64_t picture, std::uint64_t expected, const std::string& sentence) const {
+    const bool mayVary = (effect.description().flags & PF_OutFlag_NON_PARAM_VARY) != 0;
+    require(mayVary || picture == expected, sentence);
+}
+
 std::vector<bool> Trial::depths() const {
     return effect.supportsDeepColor() ? std::vector<bool>{false, true} : std::vector<bool>{false};
 }

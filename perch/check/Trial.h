@@ -48,6 +48,9 @@ public:
     // Ends the effect; what strict mode found is a Failure, except handles where `toleratesHandles`.
     void end(bool toleratesHandles = false);
 
+    // Throws Failure unless the pictures with these checksums are the same, where the effect promises that.
+    void requireSame(std::uint64_t picture, std::uint64_t expected, const std::string& sentence) const;
+
     // Whether deep, for each depth that the effect declares.
     std::vector<bool> depths() const;
 

@@ -1,27 +1,137 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <charconv>
+#include <nlohmann/json.hpp>
+#include <optional>
 
 #include "Bundle.h"
 #include "Check.h"
 #include "CommandLine.h"
 #include "Commands.h"
+#include "Console.h"
+#include "Error.h"
+#include "Supervisor.h"
+#include "Worker.h"
 
 namespace perch {
+namespace {
+
+struct CheckOptions {
+    bool wantsHelp = false;
+    bool wantsJson = false;
+    std::string plugin;
+    std::string limit = "60";
+    std::string rule;  // number; empty: all
+};
+
+void addOptions(CLI::App& app, CheckOptions& options) {
+    addHelpFlag(app, options.wantsHelp);
+    app.add_option("PLUGIN", options.plugin, "the effect; without it, the only one beside the program")
+        ->type_name("");
+    app.add_flag("--json", options.wantsJson, "print JSON");
+    app.add_option("--rule", options.rule, "try this one alone, by its number (default: all)")
+        ->type_name("N");
+    app.add_option("--timeout", options.limit, "that a rule may take; 0 for any time (default 60)")
+        ->type_name("SECONDS");
+    addInProcessFlag(app);
+}
+
+double parseSeconds(const std::string& text) {
+    double seconds = 0;
+    const char* const end = text.data() + text.size();
+    const auto parsed = std::from_chars(text.data(), end, seconds);
+    if (parsed.ec == std::errc() && parsed.ptr == end && seconds >= 0 && seconds <= 1e6) return seconds;
+    throw UsageError(fmt::format("--timeout takes seconds from 0 to 1000000, not \"{}\"", text));
+}
+
+// From 0; all of them without a text.
+std::optional<std::size_t> parseRule(const std::string& text) {
+    if (text.empty()) return std::nullopt;
+    std::size_t number = 0;
+    const char* const end = text.data() + text.size();
+    const auto parsed = std::from_chars(text.data(), end, number);
+    if (parsed.ec == std::errc() && parsed.ptr == end && number >= 1 && number <= checkRules().size())
+        return number - 1;
+    throw UsageError(
+        fmt::format("--rule takes a number from 1 to {}, not \"{}\"", checkRules().size(), text));
+}
+
+// Prints a verdict for each rule as it falls.
+class Verdicts {
+public:
+    explicit Verdicts(bool asJson) : asJson(asJson) {}
+
+    void add(const CheckRule& rule, const std::string& failure) {
+        hasFailure = hasFailure || !failure.empty();
+        if (!asJson) {
+            const std::string verdict = failure.empty() ? "ok" : "FAILED: " + printable(failure);
+            printResult(fmt::format("{:<50} {}\n", rule.name, verdict));
+            return;
+        }
+        nlohmann::ordered_json json{{"rule", rule.name}, {"ok", failure.empty()}};
+        if (!failure.empty()) json["failure"] = failure;
+        const std::string line = json.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+        printResult((isFirst ? "[\n" : ",\n") + line);
+        isFirst = false;
+    }
+    int end() const {
+        if (asJson) printResult(isFirst ? "[]\n" : "\n]\n");
+        return hasFailure ? kFailed : kDone;
+    }
+
+private:
+    const bool asJson;
+    bool isFirst = true;
+    bool hasFailure = false;
+};
+
+// The rule in a child of its own, so that its crash or hang is no other's.
+Outcome tryInChild(std::size_t number, const std::string& plugin, double limit) {
+    return superviseWorker({"check", "--in-process", "--rule", std::to_string(number + 1), plugin}, limit);
+}
+
+Outcome tryHere(const CheckRule& rule, const std::string& plugin) {
+    const std::string failure = tryRule(rule, plugin);
+    return {.status = failure.empty() ? kDone : kFailed, .sentence = failure, .findings = {}};
+}
+
+}  // namespace
 
 int runCheckCommand(const std::vector<std::string>& arguments) {
     CLI::App app("Runs an effect through every command, on generated frames of both depths.", "perch check");
-    bool wantsHelp = false;
-    std::string plugin;
-    addHelpFlag(app, wantsHelp);
-    app.add_option("PLUGIN", plugin, "the effect; without it, the only one beside the program")
-        ->type_name("");
+    CheckOptions options;
+    addOptions(app, options);
     parseAllArguments(app, arguments);
-    if (wantsHelp) {
-        fmt::print("{}", app.help());
+    if (options.wantsHelp) {
+        printResult(app.help());
         return kDone;
     }
-    return runCheck(chooseBundle(plugin)) ? kDone : kFailed;
+    const double limit = parseSeconds(options.limit);
+    const std::optional<std::size_t> only = parseRule(options.rule);
+    const std::string plugin = chooseBundle(options.plugin).string();
+    if (isWorker()) {
+        const std::string failure = tryRule(checkRules()[only.value_or(0)], plugin);
+        if (!failure.empty()) throw Error(failure);
+        return kDone;
+    }
+    const bool inProcess = app.count(kInProcessOption) > 0;
+    Verdicts verdicts(options.wantsJson);
+    const std::size_t end = only ? *only + 1 : checkRules().size();
+    for (std::size_t number = only.value_or(0); number < end; ++number) {
+        const CheckRule& rule = checkRules()[number];
+        const Outcome outcome = inProcess ? tryHere(rule, plugin) : tryInChild(number, plugin, limit);
+        if (outcome.isEndedFromOutside) {
+            say(outcome.sentence);
+            return outcome.status;
+        }
+        // A file that is no effect keeps to no rule, and breaks none.
+        const bool isLoading = number == 0;
+        if (isLoading && outcome.status == kFailed) throw Error(outcome.sentence);
+        verdicts.add(rule, outcome.sentence);
+        if (isLoading && outcome.status != kDone) break;
+    }
+    return verdicts.end();
 }
 
 }  // namespace perch

@@ -36,6 +36,10 @@ void addHelpFlag(CLI::App& app, bool& wantsHelp) {
     app.add_flag("-h,--help", wantsHelp, "list the options");
 }
 
+void addInProcessFlag(CLI::App& app) {
+    app.add_flag(kInProcessOption)->description("run the effect in this process, as debuggers like it");
+}
+
 std::vector<std::string> parseArguments(CLI::App& app, const std::vector<std::string>& arguments) {
     for (CLI::Option* const option : app.get_options()) {
         option->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);

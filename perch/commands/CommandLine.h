@@ -10,6 +10,10 @@ namespace perch {
 // Replaces the library's help flag, which ends the parsing, with one like all others.
 void addHelpFlag(CLI::App& app, bool& wantsHelp);
 
+// Runs the effect in this process. main() acts on it.
+constexpr char kInProcessOption[] = "--in-process";
+void addInProcessFlag(CLI::App& app);
+
 // Returns the arguments that belong to no option of `app`, in their order. Throws UsageError with one
 // sentence. The last of an option given several times counts.
 std::vector<std::string> parseArguments(CLI::App& app, const std::vector<std::string>& arguments);

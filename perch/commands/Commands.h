@@ -5,15 +5,9 @@
 #include <string>
 #include <vector>
 
-namespace perch {
+#include "ExitStatus.h"
 
-enum ExitStatus {
-    kDone = 0,
-    kFailed = 1,
-    kWrongUse = 2,
-    kInterrupted = 130,  // as shells report an end by the interrupt signal
-    kTerminated = 143,   // and by the one that asks a program to end
-};
+namespace perch {
 
 int runRenderCommand(const std::vector<std::string>& arguments);
 int runDescribeCommand(const std::vector<std::string>& arguments);

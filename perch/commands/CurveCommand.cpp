@@ -10,6 +10,7 @@
 #include "Bundle.h"
 #include "CommandLine.h"
 #include "Commands.h"
+#include "Console.h"
 #include "CurvePlot.h"
 #include "Effect.h"
 #include "Error.h"
@@ -36,6 +37,7 @@ void addOwnOptions(CLI::App& app, CurveOptions& options) {
         ->type_name("FILE");
     app.add_option("--plugin", options.plugin, "the effect; without it, the only one beside the program")
         ->type_name("BUNDLE");
+    addInProcessFlag(app);
 }
 
 std::vector<std::int32_t> framesIn(const FrameRange& range) {
@@ -57,12 +59,12 @@ std::string csvField(const std::string& text) {
 std::string csvOf(const std::vector<PlottedCurve>& curves, const std::vector<std::int32_t>& frames) {
     std::string csv = "frame";
     for (const PlottedCurve& plotted : curves)
-        csv += ',' + csvField(plotted.parameter->name);
+        csv += ',' + csvField(printable(plotted.parameter->name));
     csv += '\n';
     for (const std::int32_t frame : frames) {
         csv += fmt::format("{}", frame);
         for (const PlottedCurve& plotted : curves)
-            csv += ',' + csvField(valueText(*plotted.parameter, settingAt(*plotted.curve, frame)));
+            csv += ',' + csvField(printable(valueText(*plotted.parameter, settingAt(*plotted.curve, frame))));
         csv += '\n';
     }
     return csv;
@@ -87,7 +89,7 @@ int runCurveCommand(const std::vector<std::string>& arguments) {
     ParameterTexts texts;
     addParameterOptions(app, options, texts);
     if (own.wantsHelp) {
-        fmt::print("{}", app.help());
+        printResult(app.help());
         return kDone;
     }
     app.clear();
@@ -102,7 +104,7 @@ int runCurveCommand(const std::vector<std::string>& arguments) {
     for (const ParameterCurve& curve : given.curves)
         curves.push_back({&*std::ranges::find(parameters, curve.index, &Parameter::index), &curve});
     if (!own.plot.empty()) writePlot(own.plot, plotCurves(curves, frames));
-    fmt::print("{}", csvOf(curves, frames));
+    printResult(csvOf(curves, frames));
     return kDone;
 }
 

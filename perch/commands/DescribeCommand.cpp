@@ -1,10 +1,9 @@
-#include <fmt/format.h>
-
 #include <CLI/CLI.hpp>
 
 #include "Bundle.h"
 #include "CommandLine.h"
 #include "Commands.h"
+#include "Console.h"
 #include "Description.h"
 #include "Effect.h"
 #include "RenderOptions.h"
@@ -20,16 +19,17 @@ int runDescribeCommand(const std::vector<std::string>& arguments) {
     app.add_option("PLUGIN", plugin, "the effect; without it, the only one beside the program")
         ->type_name("");
     app.add_flag("--json", wantsJson, "print JSON");
+    addInProcessFlag(app);
     parseAllArguments(app, arguments);
     if (wantsHelp) {
-        fmt::print("{}", app.help());
+        printResult(app.help());
         return kDone;
     }
     Effect effect(chooseBundle(plugin), HostOptions{});
     effect.printDefaults();
     const EffectDescription& description = effect.description();
     const std::vector<ParameterOption> options = optionsOf(description.parameters);
-    fmt::print("{}", wantsJson ? describeAsJson(description, options) : describeAsText(description, options));
+    printResult(wantsJson ? describeAsJson(description, options) : describeAsText(description, options));
     return kDone;
 }
 

@@ -7,6 +7,7 @@
 #include <map>
 #include <span>
 
+#include "Console.h"
 #include "PF_Values.h"
 #include "ParameterText.h"
 
@@ -95,13 +96,6 @@ std::string rangeText(const Parameter& parameter) {
     const auto& range = parameter.validRange;
     if (!range || isCheckBox(parameter) || !parameter.items.empty()) return "";
     return fmt::format("{} to {}", formatNumber(range->minimum), formatNumber(range->maximum));
-}
-
-// Text of the effect may hold anything; only what prints in one line is shown.
-std::string printable(std::string text) {
-    std::ranges::replace_if(
-        text, [](unsigned char c) { return c < ' ' || c == 0x7F; }, '?');
-    return text;
 }
 
 // Names within a group stand further right.

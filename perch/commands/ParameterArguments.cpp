@@ -4,6 +4,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "Console.h"
 #include "CurveText.h"
 #include "ParameterText.h"
 
@@ -15,7 +16,7 @@ void addParameterOption(CLI::App& app, const ParameterOption& option, std::strin
     const std::string given = defaultText(parameter);
     std::string help = expectedValue(parameter);
     if (!given.empty()) help += fmt::format(" (default {})", given);
-    CLI::Option* const added = app.add_option("--" + option.name, text, help)
+    CLI::Option* const added = app.add_option("--" + option.name, text, printable(help))
                                    ->group("Parameters of the effect")
                                    ->type_name(isLayer(parameter) ? "PICTURE" : "VALUE");
     if (isCheckBox(parameter)) added->expected(0, 1)->type_name("[on|off]");

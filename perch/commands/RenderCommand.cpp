@@ -14,10 +14,12 @@
 
 #include "Bundle.h"
 #include "Commands.h"
+#include "Console.h"
 #include "Effect.h"
 #include "Error.h"
 #include "RenderOptions.h"
 #include "ReplacedFile.h"
+#include "Whereabouts.h"
 
 namespace perch {
 namespace {
@@ -44,6 +46,9 @@ void catchInterrupts() {
     sigaction(SIGTERM, &action, nullptr);
 }
 
+// To the beginning of the line, and all of it blank.
+constexpr char kClearLine[] = "\r\x1B[K";
+
 // One line on the terminal that is written over until the job is done; nothing when stderr is not a terminal.
 class ProgressLine {
 public:
@@ -59,12 +64,11 @@ public:
         std::string now = fmt::format("\rframe {} of {}: {:3}%", number, count, static_cast<int>(done * 100));
         if (now == shown) return;
         shown = std::move(now);
-        fmt::print(stderr, "{}", shown);
-        std::fflush(stderr);
+        sayAsItIs(shown);
     }
 
     void clear() {
-        if (!shown.empty()) std::fputs("\r\x1B[K", stderr);
+        if (!shown.empty()) sayAsItIs(kClearLine);
         shown.clear();
     }
 
@@ -92,7 +96,7 @@ HostOptions hostOptions(const LoadOptions& options, Display& display) {
     host.onMessage = [&display](std::string_view command, std::string_view message) {
         display.line.clear();
         const std::string place = isOfFrame(command) ? fmt::format("frame {}: ", display.frame) : "";
-        fmt::print(stderr, "perch: {}{}: \"{}\"\n", place, command, message);
+        say(fmt::format("{}{}: \"{}\"", place, command, message));
     };
     return host;
 }
@@ -102,12 +106,12 @@ int printHelp(const LoadOptions& options) {
     try {
         bundle = chooseBundle(options.plugin);
     } catch (const Error&) {
-        fmt::print("{}", renderHelp(nullptr));  // without an effect to list the parameters of
+        printResult(renderHelp(nullptr));  // without an effect to list the parameters of
         return kDone;
     }
     Display display;
     const Effect effect(bundle, hostOptions(options, display));
-    fmt::print("{}", renderHelp(&effect.description()));
+    printResult(renderHelp(&effect.description()));
     return kDone;
 }
 
@@ -116,7 +120,7 @@ bool reportFindings(const Effect& effect) {
     bool hasFault = false;
     for (const Finding& finding : effect.findings()) {
         const bool isFault = finding.severity == Finding::Severity::Fault;
-        fmt::print(stderr, "perch: strict: {}\n", describe(finding));
+        say("strict: " + describe(finding));
         hasFault = hasFault || isFault;
     }
     return hasFault;
@@ -134,18 +138,19 @@ void reportTiming(const RenderReport& report, std::chrono::steady_clock::duratio
     };
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
-    fmt::print(stderr, "decode    {:8.2f} s of processor time\n", seconds(report.decodeTime));
-    fmt::print(stderr, "render    {:8.2f} s\n", seconds(report.renderTime));
-    fmt::print(stderr, "encode    {:8.2f} s of processor time\n", seconds(report.encodeTime));
-    fmt::print(stderr, "processor {:8.2f} s in all\n", secondsOf(usage.ru_utime) + secondsOf(usage.ru_stime));
-    fmt::print(stderr, "wall      {:8.2f} s\n", Seconds(wall).count());
+    sayAsItIs(fmt::format("decode    {:8.2f} s of processor time\n", seconds(report.decodeTime)));
+    sayAsItIs(fmt::format("render    {:8.2f} s\n", seconds(report.renderTime)));
+    sayAsItIs(fmt::format("encode    {:8.2f} s of processor time\n", seconds(report.encodeTime)));
+    sayAsItIs(
+        fmt::format("processor {:8.2f} s in all\n", secondsOf(usage.ru_utime) + secondsOf(usage.ru_stime)));
+    sayAsItIs(fmt::format("wall      {:8.2f} s\n", Seconds(wall).count()));
 }
 
 int reportInterrupt(const RenderReport& report, std::size_t count) {
     const std::size_t written = report.framesWritten;
     const std::string outcome =
         written == 0 ? "nothing was written" : fmt::format("{} of {} frames were written", written, count);
-    fmt::print(stderr, "perch: interrupted; {}\n", outcome);
+    say(fmt::format("interrupted; {}", outcome));
     return gEndingSignal == SIGTERM ? kTerminated : kInterrupted;
 }
 
@@ -168,6 +173,10 @@ bool render(Effect& effect, const RenderSettings& settings, const std::vector<Pa
     } catch (const Cancelled&) {
         display.line.clear();
         return false;
+    } catch (const Error&) {
+        display.line.clear();
+        reportFindings(effect);
+        throw;
     }
     display.line.clear();
     return true;
@@ -179,12 +188,14 @@ int runRenderCommand(const std::vector<std::string>& arguments) {
     const auto start = std::chrono::steady_clock::now();
     const RenderOptions options = parseRenderOptions(arguments);
     if (options.wantsHelp) return printHelp(options.load);
+    whereabouts().limit = options.frameLimit.count();
     Display display;
     Effect effect(chooseBundle(options.load.plugin), hostOptions(options.load, display));
     const ParameterArguments parameters = parseParameterArguments(arguments, effect.description().parameters);
     FramePlan plan = planFrames(options.names, parameters.layers);
     plan.emptyLayers = parameters.emptyLayers;
     catchInterrupts();
+    pictures::watchTemporaryFiles({.appears = noteTemporary, .isGone = forgetTemporary});
     RenderReport report;
     if (!render(effect, options.settings, parameters.curves, plan, display, report))
         return reportInterrupt(report, plan.frames.size());

@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <thread>
 
 #include "CommandLine.h"
@@ -32,6 +33,7 @@ struct Texts {
     std::string threads = "0";
     std::string compression = std::to_string(kFastCompression);
     std::string frames;
+    std::string frameLimit = "0";
 };
 
 // "1/2". The numbers are read as unsigned ones, which takes digits alone: no sign and no space.
@@ -100,6 +102,18 @@ std::size_t framesAheadFor(int threads) {
     return std::clamp(wanted, 1U, kMostFramesAhead);
 }
 
+// Seconds, with a fraction if need be.
+std::chrono::nanoseconds parseFrameLimit(const std::string& text) {
+    constexpr double kMostSeconds = 1e6;
+    double seconds = 0;
+    const char* const end = text.data() + text.size();
+    const auto parsed = std::from_chars(text.data(), end, seconds);
+    if (parsed.ec == std::errc() && parsed.ptr == end && seconds >= 0 && seconds <= kMostSeconds)
+        return std::chrono::nanoseconds(std::llround(seconds * 1e9));
+    throw UsageError(
+        fmt::format("--timeout-frame takes seconds from 0 to {}, not \"{}\"", kMostSeconds, text));
+}
+
 void addOwnOptions(CLI::App& app, Texts& texts) {
     addHelpFlag(app, texts.wantsHelp);
     app.add_option("-i,--input", texts.input,
@@ -139,6 +153,10 @@ void addOwnOptions(CLI::App& app, Texts& texts) {
         ->type_name("CODE");
     app.add_option("--depth", texts.depth, "bits per channel, 8 or 16 (default: those of the input)")
         ->type_name("BITS");
+    app.add_option("--timeout-frame", texts.frameLimit,
+                   "ends an effect that takes longer for one command; 0 for any time (default 0)")
+        ->type_name("SECONDS");
+    addInProcessFlag(app);
 }
 
 // `others` are the arguments that are not of the command's own options; one of them may be the option
@@ -194,6 +212,7 @@ RenderOptions parseRenderOptions(const std::vector<std::string>& arguments) {
     options.settings.resizes = texts.resizes;
     options.settings.depth = parseDepth(texts.depth);
     options.settings.compression = parseNumber("--compression", texts.compression, kMostCompression);
+    options.frameLimit = parseFrameLimit(texts.frameLimit);
     options.settings.framesAhead = framesAheadFor(options.load.threads);
     return options;
 }

@@ -2,6 +2,7 @@
 // understood before the effect is loaded, as they say which it is.
 #pragma once
 
+#include <chrono>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -23,6 +24,7 @@ struct LoadOptions {
 struct RenderOptions {
     bool wantsHelp = false;  // then only load.plugin is set
     bool wantsTiming = false;
+    std::chrono::nanoseconds frameLimit{0};  // that the effect may take for one command; 0: any time
     LoadOptions load;
     PictureNames names;
     RenderSettings settings;

@@ -1,17 +1,22 @@
 // perch: runs effects without the application they were made for.
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <exception>
 #include <new>
-#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "CommandLine.h"
 #include "Commands.h"
+#include "Console.h"
 #include "Error.h"
 #include "NearestName.h"
+#include "Supervisor.h"
+#include "Worker.h"
 
 namespace {
 
@@ -28,17 +33,19 @@ constexpr std::array kCommands{
     Command{"check", perch::runCheckCommand, "try an effect against the rules of the interface"},
 };
 
-void printHelp() {
-    fmt::print(
+std::string helpText() {
+    std::string text =
         "Runs effects without the application they were made for.\n"
-        "Usage: perch COMMAND [OPTIONS]\n\nCommands:\n");
+        "Usage: perch COMMAND [OPTIONS]\n\nCommands:\n";
     for (const Command& command : kCommands)
-        fmt::print("  {:<10}{}\n", command.name, command.summary);
-    fmt::print(
-        "\nperch COMMAND --help lists the options of a command; perch --version prints the version.\n");
+        text += fmt::format("  {:<10}{}\n", command.name, command.summary);
+    return text +
+           "\nperch COMMAND --help lists the options of a command; perch --version prints the version.\n";
 }
 
-int runCommand(const std::string& name, const std::vector<std::string>& arguments) {
+using Arguments = std::vector<std::string>;
+
+int runCommand(const std::string& name, const Arguments& arguments) {
     const auto command =
         std::ranges::find(kCommands, name, [](const Command& known) { return std::string(known.name); });
     if (command != kCommands.end()) return command->run(arguments);
@@ -51,35 +58,71 @@ int runCommand(const std::string& name, const std::vector<std::string>& argument
                                         perch::suggestion(name, names), known));
 }
 
-int run(std::span<char*> arguments) {
+int run(const Arguments& arguments) {
     if (arguments.empty()) throw perch::UsageError("a command is missing; see perch --help");
-    const std::string first = arguments.front();
+    const std::string& first = arguments.front();
     if (first == "--help" || first == "-h") {
-        printHelp();
+        perch::printResult(helpText());
         return perch::kDone;
     }
     if (first == "--version") {
-        fmt::print("perch {}\n", PERCH_VERSION);
+        perch::printResult(fmt::format("perch {}\n", PERCH_VERSION));
         return perch::kDone;
     }
     return runCommand(first, {arguments.begin() + 1, arguments.end()});
 }
 
-int fail(int status, const char* sentence) {
-    fmt::print(stderr, "perch: {}\n", sentence);
-    return status;
+// What the program ends with, and why where that has not been told.
+struct Ending {
+    int status = perch::kDone;
+    std::string sentence;
+};
+
+Ending runHere(const Arguments& arguments) {
+    try {
+        return {run(arguments), {}};
+    } catch (const perch::UsageError& error) {
+        return {perch::kWrongUse, error.what()};
+    } catch (const perch::EffectBroke& error) {
+        return {perch::kEffectBroke, error.what()};
+    } catch (const std::bad_alloc&) {
+        return {perch::kFailed, "there is not enough memory"};
+    } catch (const std::exception& error) {
+        return {perch::kFailed, error.what()};
+    }
+}
+
+// The commands that load an effect themselves; check starts a child for each of its rules.
+bool isSupervised(const Arguments& arguments) {
+    constexpr std::array<std::string_view, 3> kLoading{"render", "curve", "describe"};
+    const bool loadsAnEffect = !arguments.empty() && std::ranges::count(kLoading, arguments[0]) > 0;
+    return loadsAnEffect && std::ranges::find(arguments, perch::kInProcessOption) == arguments.end();
+}
+
+Ending runSupervised(const Arguments& arguments) {
+    try {
+        perch::Outcome outcome = perch::superviseWorker(arguments);
+        // The worker may have left its line of progress.
+        if (isatty(STDERR_FILENO) == 1 && !outcome.sentence.empty()) perch::sayAsItIs("\r\x1B[K");
+        for (const std::string& finding : outcome.findings)
+            perch::say("strict: " + finding);
+        return {outcome.status, std::move(outcome.sentence)};
+    } catch (const std::exception& error) {
+        return {perch::kFailed, error.what()};
+    }
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    try {
-        return run(std::span(argv, static_cast<std::size_t>(argc)).subspan(1));
-    } catch (const perch::UsageError& error) {
-        return fail(perch::kWrongUse, error.what());
-    } catch (const std::bad_alloc&) {
-        return fail(perch::kFailed, "there is not enough memory");
-    } catch (const std::exception& error) {
-        return fail(perch::kFailed, error.what());
+    perch::occupyStandardDescriptors();
+    Arguments arguments(argv + std::min(argc, 1), argv + argc);
+    if (!arguments.empty() && perch::becomeWorker(arguments.front())) {
+        arguments.erase(arguments.begin());
+        const Ending ending = runHere(arguments);
+        perch::finishWork(ending.status, ending.sentence);
     }
+    const Ending ending = isSupervised(arguments) ? runSupervised(arguments) : runHere(arguments);
+    if (!ending.sentence.empty()) perch::say(ending.sentence);
+    return ending.status;
 }

@@ -7,6 +7,7 @@
 #include "Error.h"
 #include "Host.h"
 #include "PF_Values.h"
+#include "Whereabouts.h"
 
 namespace perch {
 namespace {
@@ -44,6 +45,7 @@ Effect::Effect(const std::filesystem::path& plugin, HostOptions options)
 Effect::Effect(PF_EntryPoint entryPoint, EffectDescription description, HostOptions options)
     : host(std::make_unique<Host>(entryPoint, std::move(description), std::move(options), nullptr,
                                   callbackTables())) {
+    whereabouts().effect.set(host->description.path.filename().string());
     host->setUp();
 }
 

@@ -24,7 +24,8 @@ struct Call {
 
     PF_Err code = 0;
     PF_OutData out{};
-    std::string refusal{};  // why a callback was refused last, for effects that answer with a bare code
+    std::string refusal{};   // why a callback was refused last, for effects that answer with a bare code
+    std::string breakage{};  // a sentence where the effect let an exception out, which no host goes on after
 };
 
 CommandResult resultOf(const Call& call);

@@ -5,12 +5,16 @@
 #include <algorithm>
 #include <atomic>
 #include <cstring>
+#include <filesystem>
+#include <system_error>
 
 #include "ArbitraryData.h"
 #include "CommandName.h"
+#include "EffectEnd.h"
 #include "Error.h"
 #include "PF_Values.h"
 #include "PiPL.h"
+#include "Whereabouts.h"
 
 namespace perch {
 namespace {
@@ -71,7 +75,8 @@ Host::Host(PF_EntryPoint entryPoint, EffectDescription description, HostOptions 
       ledger(this->options.strict),
       pool(this->options.threads),
       entryPoint(entryPoint),
-      tables(tables) {
+      tables(tables),
+      process(ledger, tables) {
     Host* none = nullptr;
     if (!gCurrentHost.compare_exchange_strong(none, this))
         throw Error("another effect is loaded in this process; close it first");
@@ -117,6 +122,7 @@ void Host::close() {
         globalData = nullptr;
         reportFailedTearDown(global);
     }
+    process.reportThreads();
     handles.reportLeaks();
     memory.reportLeaks();
     references.reportLeaks();
@@ -133,6 +139,9 @@ void Host::disposeDeclaredValues() {
 }
 
 void Host::comparePropertyList() {
+    std::error_code ignored;
+    if (!description.hasPropertyList && std::filesystem::is_directory(description.path, ignored))
+        ledger.fault("", "the bundle has no resource file; hosts find effects by it");
     if (!description.hasPropertyList) return;
     const auto compare = [this](const char* field, auto set, auto listed) {
         if (set != listed)
@@ -180,8 +189,11 @@ void Host::send(Call& sent) {
     sent.out.frame_data = in.frame_data;
     {
         const UnderWay underWay(call, sent);
+        const InEffect inEffect(name, sent.frame != nullptr ? sent.frame->frame : -1);
+        process.enterCommand();
         enter(sent, in);
     }
+    process.leaveCommand();
     carryOver(sent, given, in);
     if (sent.out.return_msg[sizeof sent.out.return_msg - 1] != '\0')
         ledger.fault("", "return_msg is not terminated within its 256 bytes");
@@ -199,8 +211,11 @@ void Host::enter(Call& sent, PF_InData& in) {
         sent.code = entryPoint(sent.command, &in, &sent.out, params.data(), output, sent.extra);
     } catch (...) {
         ledger.fault("", "an exception left the entry point");
+        hasThrown = true;
         sent.code = PF_Err_INTERNAL_STRUCT_DAMAGED;
     }
+    if (hasThrown.exchange(false))
+        sent.breakage = describeEffectEnd(whereabouts(), "let an exception out", "");
 }
 
 void Host::carryOver(Call& sent, const PF_InData& given, const PF_InData& in) {
@@ -223,11 +238,12 @@ void Host::throwIfFailed(const Call& sent) const {
     const std::string name = commandName(sent.command);
     const std::optional<std::int32_t> frame =
         sent.frame != nullptr ? std::optional(sent.frame->frame) : std::nullopt;
+    if (!sent.breakage.empty()) throw EffectBroke(sent.breakage);
     const bool isAskedFor =
         sent.frame != nullptr && sent.frame->cancelled != nullptr && sent.frame->cancelled->load();
     if (sent.code == PF_Interrupt_CANCEL && isAskedFor) throw Cancelled(name, sent.code, message, frame);
     if (sent.code != PF_Err_NONE) throw EffectError(name, sent.code, message, frame);
-    if (message.empty() || sent.command == PF_Cmd_ABOUT) return;
+    if (resultOf(sent).message.empty() || sent.command == PF_Cmd_ABOUT) return;
     if ((sent.out.out_flags & PF_OutFlag_DISPLAY_ERROR_MESSAGE) != 0)
         throw EffectError(name, sent.code, message, frame);
     if (options.onMessage) options.onMessage(name, message);

@@ -6,6 +6,7 @@
 // and the tables, which lock.
 #pragma once
 
+#include <atomic>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -21,6 +22,7 @@
 #include "HostOptions.h"
 #include "Ledger.h"
 #include "Memory.h"
+#include "ProcessGuard.h"
 #include "ProjectReferences.h"
 #include "SuiteLedger.h"
 #include "WorkerPool.h"
@@ -87,7 +89,8 @@ public:
     SuiteLedger suites{ledger};
     ProjectReferences references{ledger};
     WorkerPool pool;
-    Call* call = nullptr;  // under way, or null
+    Call* call = nullptr;                // under way, or null
+    std::atomic<bool> hasThrown{false};  // an exception left a function of the effect during the command
 
 private:
     PF_InData makeInData(const Call& call);
@@ -98,6 +101,7 @@ private:
 
     const PF_EntryPoint entryPoint;
     const CallbackTables tables;
+    ProcessGuard process;
     const std::thread::id mainThread = std::this_thread::get_id();
     PF_Handle globalData = nullptr;
     bool isSetUp = false;

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "Whereabouts.h"
+
 namespace perch {
 
 void Ledger::enterCommand(std::string_view name) {
@@ -25,7 +27,9 @@ void Ledger::add(Finding::Severity severity, std::string_view callback, std::str
         return known.severity == severity && known.command == command && known.callback == callback &&
                known.sentence == sentence;
     });
-    if (!isKnown) entries.push_back({severity, command, std::string(callback), std::move(sentence)});
+    if (isKnown) return;
+    entries.push_back({severity, command, std::string(callback), std::move(sentence)});
+    noteFinding(describe(entries.back()) + '\n');
 }
 
 }  // namespace perch

@@ -55,6 +55,20 @@ std::string prefixFor(const fs::path& target) {
 // Where a signal handler finds what it has to remove. A place is free while its pointer is null.
 std::array<std::atomic<const char*>, 64> temporaryNames{};
 
+TemporaryFileWatcher watcher{[](const std::string&) {}, [](const std::string&) {}};
+
+// Tells of a temporary file for as long as it may exist.
+class Announcement {
+public:
+    explicit Announcement(const std::string& name) : name(name) { watcher.appears(name); }
+    ~Announcement() { watcher.isGone(name); }
+    Announcement(const Announcement&) = delete;
+    Announcement& operator=(const Announcement&) = delete;
+
+private:
+    const std::string& name;
+};
+
 class Descriptor {
 public:
     explicit Descriptor(int number) : number(number) {}
@@ -73,6 +87,7 @@ public:
     TemporaryFile(const fs::path& named, const fs::path& target)
         : path(folderOf(target) / (prefixFor(target) + fmt::format("{:08x}", std::random_device()()))),
           name(path.string()),
+          announcement(name),
           descriptor(open(name.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0666)) {
         if (descriptor.number < 0) refuseBecauseOf(named, errno);
         enlist();
@@ -115,6 +130,7 @@ private:
 
     const fs::path path;
     const std::string name;
+    const Announcement announcement;
     const Descriptor descriptor;
     bool isRenamed = false;
 };
@@ -212,6 +228,10 @@ void replaceFile(const fs::path& path, std::span<const unsigned char> bytes) {
     // The name as well; a file system that cannot do that has done all it can.
     const Descriptor folder(open(folderOf(target).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (folder.number >= 0) fsync(folder.number);
+}
+
+void watchTemporaryFiles(const TemporaryFileWatcher& wanted) {
+    watcher = wanted;
 }
 
 void removeTemporaryFiles() {

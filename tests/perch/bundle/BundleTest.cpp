@@ -1,8 +1,12 @@
 #include "Bundle.h"
 
+#include <elf.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
+#include <cstddef>
 #include <fstream>
+#include <iterator>
 
 #include "ResourceBytes.h"
 #include "TemporaryFolder.h"
@@ -27,6 +31,11 @@ std::string resources(const std::string& entryPoint) {
                                            {PiPL_ENTRY_MAC_INTEL, pascal(entryPoint)},
                                            {PiPL_ENTRY_MAC_ARM, pascal(entryPoint)}});
     return resourceFile({{PiPL_RESOURCE_TYPE, PiPL_RESOURCE_ID, list}});
+}
+
+std::string bytesOf(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 class BundleTest : public testing::Test {
@@ -93,6 +102,20 @@ TEST_F(BundleTest, EffectsThatCannotBeLoadedAreRefusedAndTheSentenceSaysHowToMen
     write(crowded / code / "a.so", "");
     write(crowded / code / "b.so", "");
     write(folder / "text.so", "no library");
+    const std::string library = bytesOf(kReport);
+    write(folder / "cut.so", library.substr(0, library.size() / 2));
+    write(folder / "header.so", library.substr(0, 40));
+    std::string elsewhere = library;
+    elsewhere[offsetof(Elf64_Ehdr, e_machine)] = static_cast<char>(EM_RISCV);
+    elsewhere[offsetof(Elf64_Ehdr, e_machine) + 1] = 0;
+    write(folder / "elsewhere.so", elsewhere);
+    // Opening either would wait for somebody to write to it.
+    const fs::path pipe = folder / "Pipe.plugin";
+    fs::create_directories(pipe / code);
+    ASSERT_EQ(mkfifo((pipe / code / "Pipe.so").c_str(), 0600), 0);
+    const fs::path piped = makeBundle("Piped.plugin", kReport);
+    fs::create_directories(piped / "Contents/Resources");
+    ASSERT_EQ(mkfifo((piped / "Contents/Resources/Piped.rsrc").c_str(), 0600), 0);
 
     const std::pair<fs::path, std::string> cases[] = {
         {folder / "none.plugin", "there is no plug-in \"none.plugin\"; name a .plugin folder or a .so file"},
@@ -108,10 +131,23 @@ TEST_F(BundleTest, EffectsThatCannotBeLoadedAreRefusedAndTheSentenceSaysHowToMen
              code + "\""},
         {crowded,
          "\"Crowded.plugin/" + code + "\" has several files and none named after the bundle: a.so, b.so"},
-        {folder / "text.so", "cannot load \"text.so\": file too short"},
+        {folder / "text.so", "\"text.so\" is not a shared object"},
+        {folder / "cut.so", "\"cut.so\" is cut short; install the plug-in again"},
+        {folder / "header.so", "\"header.so\" is cut short; install the plug-in again"},
+        {folder / "elsewhere.so",
+         "\"elsewhere.so\" is made for risc-v; this program runs on " PERCH_ARCHITECTURE},
+        {pipe, "\"Pipe.plugin/" + code + "/Pipe.so\" is not a file"},
+        {piped, "\"Piped.plugin/Contents/Resources/Piped.rsrc\" is not a file"},
     };
     for (const auto& [path, sentence] : cases)
         EXPECT_EQ(failure(path), sentence);
+}
+
+// It is linked with the library that has one.
+TEST_F(BundleTest, EntryPointOfALinkedLibraryIsNotTheEffects) {
+    const std::string path = PERCH_TEST_PLUGINS "/Borrowed.so";
+    EXPECT_EQ(failure(path),
+              "\"" + path + "\" is not an effect: it does not export PluginMain or EffectMain");
 }
 
 TEST_F(BundleTest, BundleBesideTheProgramIsFoundInItsFolderThenAboveThenInLib) {

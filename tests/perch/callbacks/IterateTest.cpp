@@ -216,7 +216,7 @@ TEST_F(IterateTest, ExceptionOfThePixelFunctionIsACodeAndAFault) {
         return PF_Err_NONE;
     });
     Effect effect(ScriptedEffect::enter, {}, strictOptions());
-    Sequence(effect).render(request);
+    EXPECT_THROW(Sequence(effect).render(request), EffectBroke);
     EXPECT_EQ(code, PF_Err_INTERNAL_STRUCT_DAMAGED);
     EXPECT_THAT(faults(effect), ElementsAre("RENDER, iterate: an exception left the effect's function"));
 }

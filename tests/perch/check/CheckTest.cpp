@@ -3,37 +3,43 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-
-#include "Error.h"
+#include <vector>
 
 namespace perch::test {
 namespace {
 
-TEST(CheckTest, TheEffectIsWell) {
-    testing::internal::CaptureStdout();
-    const bool passes = runCheck(PERCH_EFFECT);
-    const std::string verdicts = testing::internal::GetCapturedStdout();
-    EXPECT_TRUE(passes) << verdicts;
-    EXPECT_EQ(verdicts.find("FAILED"), std::string::npos) << verdicts;
+// Why the effect does not keep to each of the rules.
+std::vector<std::string> failuresOf(const std::filesystem::path& plugin) {
+    std::vector<std::string> failures;
+    for (const CheckRule& rule : checkRules())
+        failures.push_back(tryRule(rule, plugin));
+    return failures;
 }
 
-TEST(CheckTest, EffectThatRendersTheSmartWayAloneIsWell) {
-    testing::internal::CaptureStdout();
-    const bool isWell = runCheck(std::filesystem::path(PERCH_TEST_PLUGINS) / "Smart.so");
-    const std::string verdicts = testing::internal::GetCapturedStdout();
-    EXPECT_TRUE(isWell) << verdicts;
+void expectEveryRuleKept(const std::filesystem::path& plugin) {
+    const std::vector<std::string> failures = failuresOf(plugin);
+    for (std::size_t i = 0; i < failures.size(); ++i)
+        EXPECT_EQ(failures[i], "") << checkRules()[i].name;
 }
 
-TEST(CheckTest, AFaultyEffectIsNot) {
-    testing::internal::CaptureStdout();
-    const bool passes = runCheck(std::filesystem::path(PERCH_TEST_PLUGINS) / "Careless.so");
-    const std::string verdicts = testing::internal::GetCapturedStdout();
-    EXPECT_FALSE(passes) << verdicts;
-    EXPECT_NE(verdicts.find("FAILED: RENDER, "), std::string::npos) << verdicts;
+TEST(CheckTest, TheEffectKeepsToEveryRule) {
+    expectEveryRuleKept(PERCH_EFFECT);
 }
 
-TEST(CheckTest, AFileThatIsNoEffectIsAnError) {
-    EXPECT_THROW(runCheck("no-such.plugin"), Error);
+TEST(CheckTest, EffectThatRendersTheSmartWayAloneKeepsToEveryRule) {
+    expectEveryRuleKept(std::filesystem::path(PERCH_TEST_PLUGINS) / "Smart.so");
+}
+
+TEST(CheckTest, AFaultyEffectDoesNot) {
+    const std::vector<std::string> failures =
+        failuresOf(std::filesystem::path(PERCH_TEST_PLUGINS) / "Careless.so");
+    EXPECT_EQ(failures[0], "");
+    EXPECT_TRUE(failures[2].starts_with("RENDER, ")) << failures[2];
+}
+
+TEST(CheckTest, AFileThatIsNoEffectBreaksTheFirstRule) {
+    EXPECT_EQ(tryRule(checkRules()[0], "no-such.plugin"),
+              "there is no plug-in \"no-such.plugin\"; name a .plugin folder or a .so file");
 }
 
 }  // namespace

@@ -57,6 +57,14 @@ std::uint64_t caughtSignals(pid_t process) {
     return 0;
 }
 
+// The first child; 0 without one.
+pid_t childOf(pid_t process) {
+    const std::string number = std::to_string(process);
+    pid_t child = 0;
+    std::ifstream("/proc/" + number + "/task/" + number + "/children") >> child;
+    return child;
+}
+
 bool hasEnded(pid_t process) {
     siginfo_t info{};
     return waitid(P_PID, static_cast<id_t>(process), &info, WEXITED | WNOHANG | WNOWAIT) != 0 ||
@@ -99,7 +107,8 @@ RunningProgram::~RunningProgram() {
 bool RunningProgram::waitUntilItCatches(int signal) const {
     const std::uint64_t bit = std::uint64_t{1} << (signal - 1);
     while (!hasEnded(process)) {
-        if ((caughtSignals(process) & bit) != 0) return true;
+        const pid_t worker = childOf(process);
+        if (worker != 0 && (caughtSignals(worker) & bit) != 0) return true;
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
     return false;

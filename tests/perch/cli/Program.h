@@ -28,7 +28,7 @@ public:
     RunningProgram(const RunningProgram&) = delete;
     RunningProgram& operator=(const RunningProgram&) = delete;
 
-    // Waits until the program has a handler for the signal; false when it ended before.
+    // Waits until the program's worker has a handler for the signal; false when the program ended before.
     bool waitUntilItCatches(int signal) const;
     void send(int signal) const;
     ProgramResult finish();

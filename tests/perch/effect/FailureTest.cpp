@@ -254,7 +254,9 @@ TEST_F(FailureTest, NthCallOfACallbackFailsAsAsked) {
 
 TEST_F(FailureTest, ThrownExceptionIsAnError) {
     script.on(PF_Cmd_RENDER, [](const EffectCall&) -> PF_Err { throw 5; });
-    EXPECT_THAT(liveOnce(), HasSubstr("512"));
+    EXPECT_EQ(liveOnce(), "frame 12: the effect let an exception out at RENDER");
+    Effect effect(ScriptedEffect::enter, {}, options());
+    EXPECT_THROW(Sequence(effect).render(request), EffectBroke);
 }
 
 TEST_F(FailureTest, CommandSentAsItIsThrowsNothing) {

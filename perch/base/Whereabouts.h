@@ -1,0 +1,89 @@
+// What must be known of the program when the effect's code ends it: where it was, and what it leaves behind.
+// A supervising parent shares the memory and reads it after any end, so there are no pointers and no locks in
+// it. Without a parent the memory is the process's own and nobody reads it.
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace perch {
+
+// Characters that another process may read at any time: always terminated, cut to what there is room for.
+template <std::size_t N>
+class SharedText {
+public:
+    void set(std::string_view text) { putAt(0, text); }
+    void append(std::string_view text) { putAt(get().size(), text); }
+    std::string get() const {
+        std::string text;
+        for (const std::atomic<char>& character : characters) {
+            const char c = character.load(std::memory_order_relaxed);
+            if (c == '\0' || text.size() == N - 1) break;
+            text += c;
+        }
+        return text;
+    }
+
+private:
+    void putAt(std::size_t place, std::string_view text) {
+        for (const char c : text.substr(0, N - 1 - place))
+            characters[place++].store(c, std::memory_order_relaxed);
+        characters[place].store('\0', std::memory_order_relaxed);
+    }
+
+    std::array<std::atomic<char>, N> characters{};
+};
+
+struct Whereabouts {
+    // The job's end, written last of all. Nothing else is an end.
+    std::atomic<bool> isFinished{false};
+    std::atomic<std::int32_t> status{0};
+    SharedText<4096> sentence;  // why the job failed; empty where everything has been told
+
+    std::atomic<std::int64_t> limit{0};  // nanoseconds that one command may take; 0: any time
+    std::atomic<std::int64_t> busySince{
+        0};  // nanoseconds of the monotonic clock; 0: the effect's code does not run
+    std::atomic<std::int64_t> frame{-1};  // of the command; -1: none
+    SharedText<256> effect;               // file name; empty before one is loaded
+    SharedText<64> command;               // the last, also once it has ended
+    SharedText<64> callback;              // the last that the command called; empty without one
+    SharedText<65536> findings;           // of strict mode so far, a line each
+
+    // Files that are to be removed. A place is free while its path is empty.
+    struct Temporary {
+        std::atomic<bool> isTaken{false};
+        SharedText<4096> path;
+    };
+    std::array<Temporary, 32> temporaries;
+};
+
+// That of this process.
+Whereabouts& whereabouts();
+// Has this process write to memory that it shares.
+void useWhereabouts(Whereabouts& shared);
+
+// The same clock in both processes.
+std::int64_t monotonicNanoseconds();
+
+// The effect's code runs for as long as the object lives. On the thread that sends commands.
+class InEffect {
+public:
+    explicit InEffect(std::string_view command, std::int64_t frame = -1);
+    ~InEffect();
+    InEffect(const InEffect&) = delete;
+    InEffect& operator=(const InEffect&) = delete;
+};
+
+// A callback is called; the text must stay for the life of the program. Any thread.
+void noteCallback(const char* callback);
+void noteFinding(std::string_view line);
+
+// Has a file removed when the program ends without doing it itself, until it is forgotten. Any thread.
+void noteTemporary(const std::string& path);
+void forgetTemporary(const std::string& path);
+
+}  // namespace perch

@@ -1,0 +1,82 @@
+#include "Console.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+#include "Error.h"
+
+namespace perch {
+namespace {
+
+int gResults = STDOUT_FILENO;
+int gMessages = STDERR_FILENO;
+
+bool writeAll(int descriptor, std::string_view text) {
+    while (!text.empty()) {
+        const ssize_t written = write(descriptor, text.data(), text.size());
+        if (written < 0 && errno == EINTR) continue;
+        if (written <= 0) return false;
+        text.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return true;
+}
+
+// Beyond the descriptors that an effect may close because it counts on their numbers; the same where there is
+// none.
+int duplicated(int descriptor) {
+    constexpr int kFirst = 200;
+    const int copy = fcntl(descriptor, F_DUPFD_CLOEXEC, kFirst);
+    return copy >= 0 ? copy : descriptor;
+}
+
+}  // namespace
+
+std::string printable(std::string_view text) {
+    std::string clean;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto c = static_cast<unsigned char>(text[i]);
+        const auto next = static_cast<unsigned char>(i + 1 < text.size() ? text[i + 1] : '\0');
+        // In UTF-8 the control characters from U+0080 to U+009F are 0xC2 and a byte below 0xA0.
+        const bool isHighControl = c == 0xC2 && next >= 0x80 && next < 0xA0;
+        clean += c < ' ' || c == 0x7F || isHighControl ? '?' : text[i];
+        if (isHighControl) ++i;
+    }
+    return clean;
+}
+
+void say(std::string_view sentence) noexcept {
+    try {
+        sayAsItIs(fmt::format("perch: {}\n", printable(sentence)));
+    } catch (...) {
+        sayAsItIs("perch: there is not enough memory\n");
+    }
+}
+
+void sayAsItIs(std::string_view text) noexcept {
+    if (!writeAll(gMessages, text) && errno == EBADF) writeAll(STDERR_FILENO, text);
+}
+
+void printResult(std::string_view text) {
+    if (!writeAll(gResults, text))
+        throw Error(
+            fmt::format("cannot write to the standard output: {}", std::generic_category().message(errno)));
+}
+
+void occupyStandardDescriptors() {
+    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        // The lowest free number is taken.
+        if (fcntl(descriptor, F_GETFD) < 0) static_cast<void>(open("/dev/null", O_RDONLY));
+    }
+}
+
+void keepOutputsApart() {
+    gResults = duplicated(STDOUT_FILENO);
+    gMessages = duplicated(STDERR_FILENO);
+    dup2(STDERR_FILENO, STDOUT_FILENO);
+}
+
+}  // namespace perch

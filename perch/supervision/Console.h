@@ -1,0 +1,28 @@
+// The program's own words: results on standard output, everything else on standard error.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace perch {
+
+// The text on one line, without what a terminal would obey: control characters become question marks.
+std::string printable(std::string_view text);
+
+// Writes "perch: SENTENCE" and a line break to standard error. Never fails: nobody could be told.
+void say(std::string_view sentence) noexcept;
+// The same without the name and the line break, as it is.
+void sayAsItIs(std::string_view text) noexcept;
+
+// Writes a result to standard output, at once. Throws Error where that cannot be done.
+void printResult(std::string_view text);
+
+// Opens what nobody has opened of the standard descriptors, so that no file takes their place; writing to
+// them fails.
+void occupyStandardDescriptors();
+
+// Keeps both outputs for the program alone: what the effect's code, which is to be loaded, prints to standard
+// output goes to standard error from now on.
+void keepOutputsApart();
+
+}  // namespace perch

@@ -1,0 +1,219 @@
+#include "Supervisor.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <sstream>
+#include <system_error>
+
+#include "EffectEnd.h"
+#include "Error.h"
+#include "ExitStatus.h"
+#include "SharedMemory.h"
+#include "Whereabouts.h"
+#include "Worker.h"
+#include "WorkerEnd.h"
+
+namespace perch {
+namespace {
+
+constexpr std::int64_t kSecond = 1'000'000'000;
+// How long the parent sleeps at most while there is a limit to look after.
+constexpr std::int64_t kTick = kSecond / 20;
+
+sigset_t watchedSignals() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    for (const int signal : {SIGCHLD, SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP})
+        sigaddset(&signals, signal);
+    return signals;
+}
+
+// Holds the signals that the parent waits for while it lives.
+class HeldSignals {
+public:
+    HeldSignals() {
+        signal(SIGCHLD, SIG_DFL);  // whoever has started the program may have ignored it
+        sigprocmask(SIG_BLOCK, &watched, &before);
+    }
+    ~HeldSignals() { sigprocmask(SIG_SETMASK, &before, nullptr); }
+    HeldSignals(const HeldSignals&) = delete;
+    HeldSignals& operator=(const HeldSignals&) = delete;
+
+    const sigset_t watched = watchedSignals();
+    sigset_t before{};
+};
+
+// In a process group of its own, so that a terminal's interrupt comes here alone, and all that the effect
+// starts can be ended with it.
+pid_t startWorker(const std::vector<std::string>& arguments, int descriptor, const sigset_t& signals) {
+    const std::string option = kWorkerOption + std::to_string(descriptor);
+    std::vector<char*> words{const_cast<char*>("perch"), const_cast<char*>(option.c_str())};
+    for (const std::string& argument : arguments)
+        words.push_back(const_cast<char*>(argument.c_str()));
+    words.push_back(nullptr);
+
+    posix_spawnattr_t attributes;
+    posix_spawnattr_init(&attributes);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK);
+    posix_spawnattr_setpgroup(&attributes, 0);
+    posix_spawnattr_setsigmask(&attributes, &signals);
+    posix_spawn_file_actions_t files;
+    posix_spawn_file_actions_init(&files);
+    posix_spawn_file_actions_addopen(&files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    pid_t worker = -1;
+    const int error = posix_spawn(&worker, "/proc/self/exe", &files, &attributes, words.data(), environ);
+    posix_spawn_file_actions_destroy(&files);
+    posix_spawnattr_destroy(&attributes);
+    if (error != 0)
+        throw Error(fmt::format("cannot start a child: {}; --in-process does without one",
+                                std::generic_category().message(error)));
+    return worker;
+}
+
+class Supervisor {
+public:
+    Supervisor(const std::vector<std::string>& arguments, double limit)
+        : deadline(limit > 0 ? monotonicNanoseconds() + std::llround(limit * kSecond) : 0),
+          wholeLimit(limit),
+          mayHaveLimit(std::ranges::any_of(
+              arguments, [](const std::string& word) { return word.starts_with("--timeout-frame"); })),
+          worker(startWorker(arguments, shared.descriptor, held.before)) {}
+
+    Outcome run() {
+        while (!hasEnded())
+            waitForSignal();
+        // Whatever the effect has started, before its group's number is free for others.
+        kill(-worker, SIGKILL);
+        int status = 0;
+        waitpid(worker, &status, 0);
+        removeTemporaries();
+        return outcomeOf(status);
+    }
+
+private:
+    bool hasEnded() const {
+        siginfo_t info{};
+        return waitid(P_PID, static_cast<id_t>(worker), &info, WEXITED | WNOHANG | WNOWAIT) != 0 ||
+               info.si_pid != 0;
+    }
+
+    void waitForSignal() {
+        siginfo_t info{};
+        const bool hasLimit = mayHaveLimit || deadline != 0;
+        const timespec tick{0, kTick};
+        const int signal =
+            hasLimit ? sigtimedwait(&held.watched, &info, &tick) : sigwaitinfo(&held.watched, &info);
+        if (signal > 0 && signal != SIGCHLD) take(signal, info.si_pid);
+        if (hasLimit) endWhenLate();
+    }
+
+    void take(int signal, pid_t sender) {
+        if (sender == worker) {
+            sentByEffect = signal;
+            endWorker();
+        } else if (signal == SIGINT || signal == SIGTERM) {
+            // The first asks, the second does not.
+            interruptedBy = signal;
+            if (++interrupts == 1) kill(worker, signal);
+            if (interrupts == 2) endWorker();
+        } else if (signal == SIGTSTP) {
+            kill(-worker, SIGSTOP);
+            raise(SIGSTOP);
+            kill(-worker, SIGCONT);
+        } else {
+            endedBy = signal;
+            endWorker();
+        }
+    }
+
+    void endWhenLate() {
+        if (isLate) return;
+        const Whereabouts& at = *shared.memory;
+        const std::int64_t now = monotonicNanoseconds();
+        const std::int64_t limit = at.limit;
+        const std::int64_t since = at.busySince;
+        isLateAtCommand = limit > 0 && since > 0 && now - since > limit;
+        isLate = isLateAtCommand || (deadline != 0 && now > deadline);
+        if (isLate) endWorker();
+    }
+
+    void endWorker() const { kill(-worker, SIGKILL); }
+
+    void removeTemporaries() const {
+        for (const Whereabouts::Temporary& temporary : shared.memory->temporaries) {
+            if (const std::string path = temporary.path.get(); !path.empty()) unlink(path.c_str());
+        }
+    }
+
+    Outcome outcomeOf(int status) const {
+        const Whereabouts& at = *shared.memory;
+        if (at.isFinished)
+            return {.status = at.status,
+                    .sentence = at.sentence.get(),
+                    .isEndedFromOutside = false,
+                    .findings = {}};
+        Outcome outcome{.status = kEffectBroke,
+                        .sentence = {},
+                        .isEndedFromOutside = endedBy != 0 || interrupts > 0,
+                        .findings = findings()};
+        if (endedBy != 0) {
+            outcome.status = 128 + endedBy;
+            outcome.sentence = fmt::format("ended by SIG{}", sigabbrev_np(endedBy));
+        } else if (interrupts > 1) {
+            outcome.status = 128 + interruptedBy;
+            outcome.sentence =
+                describeEffectEnd(at, "was interrupted twice and ended", "finished frames stay");
+        } else if (interrupts == 1 && WIFSIGNALED(status) && WTERMSIG(status) == interruptedBy) {
+            outcome.status = 128 + interruptedBy;
+            outcome.sentence = "interrupted; nothing was written";
+        } else if (isLate) {
+            const double limit = isLateAtCommand ? static_cast<double>(at.limit) / kSecond : wholeLimit;
+            outcome.sentence =
+                describeEffectEnd(at, "did not come back", fmt::format("ended after {} s", limit));
+        } else if (sentByEffect != 0) {
+            outcome.sentence = describeEffectEnd(at, "sent the program a signal",
+                                                 fmt::format("SIG{}", sigabbrev_np(sentByEffect)));
+        } else {
+            outcome.sentence = describeWorkerEnd(at, status);
+            if (at.effect.get().empty()) outcome.status = kFailed;
+        }
+        return outcome;
+    }
+
+    std::vector<std::string> findings() const {
+        std::vector<std::string> lines;
+        std::istringstream text(shared.memory->findings.get());
+        for (std::string line; std::getline(text, line);)
+            lines.push_back(line);
+        return lines;
+    }
+
+    const HeldSignals held;
+    const SharedMemory shared;
+    const std::int64_t deadline;  // of the whole run; 0: none
+    const double wholeLimit;      // seconds
+    const bool mayHaveLimit;
+    const pid_t worker;
+    int interrupts = 0;
+    int interruptedBy = 0;  // the last signal that asked for an end
+    int endedBy = 0;        // another signal from outside
+    int sentByEffect = 0;   // signal
+    bool isLate = false;
+    bool isLateAtCommand = false;
+};
+
+}  // namespace
+
+Outcome superviseWorker(const std::vector<std::string>& arguments, double limit) {
+    return Supervisor(arguments, limit).run();
+}
+
+}  // namespace perch

@@ -1,0 +1,27 @@
+// The parent of the process in which an effect's code runs. It loads nothing of the effect, and does nothing
+// but wait, pass signals on, and tell how the worker ended:
+//
+//     perch COMMAND ...  --starts-->  perch --worker=3 COMMAND ...      the same program, freshly executed
+//          |                              |
+//          +---- Whereabouts, shared -----+
+//
+// Whatever the effect does, the parent says one sentence, and removes what was being written.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace perch {
+
+struct Outcome {
+    int status = 0;                     // for the program to end with
+    std::string sentence;               // why it is not 0; empty where the worker has told it
+    bool isEndedFromOutside = false;    // by a signal to the program, the user's interrupt above all
+    std::vector<std::string> findings;  // of strict mode, where the worker could not tell them itself
+};
+
+// Runs the program with these arguments as a worker, to its end. `limit` is the seconds that all of it may
+// take, 0 for any time. Throws Error where no process can be started.
+Outcome superviseWorker(const std::vector<std::string>& arguments, double limit = 0);
+
+}  // namespace perch

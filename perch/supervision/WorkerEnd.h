@@ -1,0 +1,13 @@
+// How a worker came to an end that is not its own, in a sentence for the user.
+#pragma once
+
+#include <string>
+
+#include "Whereabouts.h"
+
+namespace perch {
+
+// From what waitpid tells; see describeEffectEnd.
+std::string describeWorkerEnd(const Whereabouts& at, int waitStatus);
+
+}  // namespace perch

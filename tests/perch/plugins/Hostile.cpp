@@ -1,0 +1,385 @@
+// An effect that misbehaves on demand: the environment variable PERCH_HOSTILE names a deed and the place
+// where it is done, "abort@RENDER". Places are the commands, and
+//     loading, unloading   in a constructor and a destructor of the library
+//     pixel                in a pixel function, on whatever thread the host calls it
+//     thread               on a thread of the effect's own, during RENDER
+// Everywhere else the effect behaves, and its picture is half transparent grey. PERCH_HOSTILE_MARK names a
+// file that it makes just before the deed.
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <cfenv>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <thread>
+
+#include "HostInterface.h"
+
+namespace {
+
+struct Scene {
+    PF_InData* in = nullptr;
+    PF_OutData* out = nullptr;
+    PF_ParamDef** params = nullptr;
+    PF_LayerDef* output = nullptr;
+};
+
+using Deed = PF_Err (*)(const Scene& scene);
+
+// Values that the optimiser cannot see through.
+volatile int gZero = 0;
+int* volatile gNowhere = nullptr;
+
+int useUpTheStack(int depth) {
+    volatile char room[4096];
+    room[depth % 4096] = static_cast<char>(depth);
+    return gZero == 0 ? useUpTheStack(depth + 1) + room[0] : 0;
+}
+
+[[noreturn]] void waitForEver() {
+    for (;;)
+        pause();
+}
+
+struct Named {
+    const char* name;
+    Deed deed;
+};
+
+PF_Handle newHandle(const Scene& s, A_u_longlong size) {
+    return s.in->utils->host_new_handle(size);
+}
+
+PF_ParamDef plainParameter(PF_ParamType type) {
+    PF_ParamDef definition{};
+    definition.param_type = type;
+    std::strcpy(definition.name, "Plain");
+    return definition;
+}
+
+PF_Err addParameters(const Scene& s, int count) {
+    PF_ParamDef definition = plainParameter(PF_Param_SLIDER);
+    for (int i = 0; i < count; ++i)
+        if (const PF_Err code = s.in->inter.add_param(s.in->effect_ref, -1, &definition)) return code;
+    s.out->num_params = count + 1;
+    return PF_Err_NONE;
+}
+
+const Named kDeeds[] = {
+    // Ends of the program.
+    {"read", [](const Scene&) -> PF_Err { return *gNowhere; }},
+    {"write", [](const Scene&) -> PF_Err { return *gNowhere = 1; }},
+    {"call", [](const Scene&) -> PF_Err { return reinterpret_cast<PF_Err (*)()>(gNowhere)(); }},
+    {"bus",
+     [](const Scene&) -> PF_Err {
+         const int file = memfd_create("empty", 0);
+         return *static_cast<volatile char*>(mmap(nullptr, 4096, PROT_READ, MAP_SHARED, file, 0));
+     }},
+    {"divide", [](const Scene&) -> PF_Err { return 1000 / gZero; }},
+    {"trap", [](const Scene&) -> PF_Err { __builtin_trap(); }},
+    {"abort", [](const Scene&) -> PF_Err { std::abort(); }},
+    {"terminate", [](const Scene&) -> PF_Err { std::terminate(); }},
+    {"overflow", [](const Scene&) -> PF_Err { return useUpTheStack(0); }},
+    {"kill", [](const Scene&) -> PF_Err { return raise(SIGKILL); }},
+    {"alarm",
+     [](const Scene&) -> PF_Err {
+         alarm(1);
+         waitForEver();
+     }},
+    {"exit0", [](const Scene&) -> PF_Err { std::exit(0); }},
+    {"exit7", [](const Scene&) -> PF_Err { std::exit(7); }},
+    {"_exit0", [](const Scene&) -> PF_Err { _exit(0); }},
+    {"quick_exit0", [](const Scene&) -> PF_Err { std::quick_exit(0); }},
+    {"exec", [](const Scene&) -> PF_Err { return execl("/bin/true", "true", nullptr); }},
+    {"signal-parent",
+     [](const Scene&) -> PF_Err {
+         kill(getppid(), SIGTERM);
+         waitForEver();
+     }},
+    {"throw", [](const Scene&) -> PF_Err { throw 5; }},
+    {"throw-error", [](const Scene&) -> PF_Err { throw std::runtime_error("no"); }},
+    // Ends that do not come.
+    {"hang", [](const Scene&) -> PF_Err { waitForEver(); }},
+    {"spin",
+     [](const Scene&) -> PF_Err {
+         while (gZero == 0) {
+         }
+         return 0;
+     }},
+    {"stop", [](const Scene&) -> PF_Err { return raise(SIGSTOP); }},
+    {"deaf",
+     [](const Scene&) -> PF_Err {
+         sigset_t all;
+         sigfillset(&all);
+         sigprocmask(SIG_BLOCK, &all, nullptr);
+         waitForEver();
+     }},
+    // What a host can go on after.
+    {"error", [](const Scene&) -> PF_Err { return -1; }},
+    {"cancel", [](const Scene&) -> PF_Err { return PF_Interrupt_CANCEL; }},
+    {"long-message",
+     [](const Scene& s) -> PF_Err {
+         std::memset(s.out->return_msg, 'x', sizeof s.out->return_msg);
+         return 0;
+     }},
+    {"escapes",
+     [](const Scene& s) -> PF_Err {
+         std::strcpy(s.out->return_msg,
+                     "\x1B[2Jred\x1B]0;owned\a\xC2\x9B"
+                     "31m");
+         return 0;
+     }},
+    {"noise",
+     [](const Scene&) -> PF_Err {
+         std::puts("noise");
+         return static_cast<PF_Err>(write(STDOUT_FILENO, "noise\n", 6) == 6 ? 0 : 1);
+     }},
+    {"close-outputs",
+     [](const Scene&) -> PF_Err {
+         close(STDOUT_FILENO);
+         close(STDERR_FILENO);
+         return 0;
+     }},
+    {"close-all-fail",
+     [](const Scene&) -> PF_Err {
+         close_range(0, ~0U, 0);
+         return -1;
+     }},
+    {"fork",
+     [](const Scene&) -> PF_Err {
+         if (fork() == 0) waitForEver();
+         return 0;
+     }},
+    {"two-of-us", [](const Scene&) -> PF_Err { return fork() < 0 ? 1 : 0; }},
+    {"folder", [](const Scene&) -> PF_Err { return chdir("/"); }},
+    {"rounding", [](const Scene&) -> PF_Err { return std::fesetround(FE_UPWARD); }},
+    {"handler",
+     [](const Scene&) -> PF_Err {
+         std::signal(SIGINT, SIG_IGN);
+         return 0;
+     }},
+    {"table",
+     [](const Scene& s) -> PF_Err {
+         s.in->utils->host_new_handle = nullptr;
+         return 0;
+     }},
+    {"leave-thread",
+     [](const Scene&) -> PF_Err {
+         std::thread([] { waitForEver(); }).detach();
+         return 0;
+     }},
+    {"file-limit",
+     [](const Scene&) -> PF_Err {
+         const rlimit none{0, 0};
+         return setrlimit(RLIMIT_FSIZE, &none);
+     }},
+    {"many-parameters", [](const Scene& s) -> PF_Err { return addParameters(s, 10000); }},
+    {"unknown-parameter",
+     [](const Scene& s) -> PF_Err {
+         PF_ParamDef definition = plainParameter(99);
+         s.out->num_params = 2;
+         return s.in->inter.add_param(s.in->effect_ref, -1, &definition);
+     }},
+    {"long-name",
+     [](const Scene& s) -> PF_Err {
+         PF_ParamDef definition = plainParameter(PF_Param_SLIDER);
+         std::memset(definition.name, 'n', sizeof definition.name);
+         s.out->num_params = 2;
+         return s.in->inter.add_param(s.in->effect_ref, -1, &definition);
+     }},
+    {"wrong-count",
+     [](const Scene& s) -> PF_Err {
+         s.out->num_params = 1000000;
+         return 0;
+     }},
+    {"huge-output",
+     [](const Scene& s) -> PF_Err {
+         s.out->width = s.out->height = 2000000000;
+         return 0;
+     }},
+    {"handle-left",
+     [](const Scene& s) -> PF_Err {
+         newHandle(s, 40);
+         return 0;
+     }},
+    {"handle-overrun",
+     [](const Scene& s) -> PF_Err {
+         const PF_Handle handle = newHandle(s, 40);
+         (*handle)[40] = 1;
+         s.in->utils->host_dispose_handle(handle);
+         return 0;
+     }},
+    {"handle-twice",
+     [](const Scene& s) -> PF_Err {
+         const PF_Handle handle = newHandle(s, 40);
+         s.in->utils->host_dispose_handle(handle);
+         s.in->utils->host_dispose_handle(handle);
+         return 0;
+     }},
+    {"left-and-abort",
+     [](const Scene& s) -> PF_Err {
+         const PF_Handle handle = newHandle(s, 40);
+         s.in->utils->host_dispose_handle(handle);
+         s.in->utils->host_dispose_handle(handle);
+         std::abort();
+     }},
+    {"handle-wild",
+     [](const Scene& s) -> PF_Err {
+         const auto wild = reinterpret_cast<PF_Handle>(std::uintptr_t{0x1234});
+         s.in->utils->host_lock_handle(wild);
+         s.in->utils->host_unlock_handle(wild);
+         s.in->utils->host_dispose_handle(wild);
+         return 0;
+     }},
+    {"data-wild",
+     [](const Scene& s) -> PF_Err {
+         s.out->sequence_data = reinterpret_cast<PF_Handle>(std::uintptr_t{0x1234});
+         return 0;
+     }},
+    {"world-left",
+     [](const Scene& s) -> PF_Err {
+         PF_EffectWorld world{};
+         return s.in->utils->new_world(s.in->effect_ref, 4, 4, 0, &world);
+     }},
+    {"world-wild",
+     [](const Scene& s) -> PF_Err {
+         PF_EffectWorld world{};
+         world.width = world.height = 4;
+         world.rowbytes = 16;
+         world.data = reinterpret_cast<PF_PixelPtr>(std::uintptr_t{0x1230});
+         const PF_Pixel color{};
+         s.in->utils->fill(s.in->effect_ref, &color, nullptr, &world);
+         return s.in->utils->dispose_world(s.in->effect_ref, &world) != 0 ? 0 : 1;
+     }},
+    {"world-grown",
+     [](const Scene& s) -> PF_Err {
+         PF_EffectWorld grown{};
+         s.in->utils->new_world(s.in->effect_ref, 4, 4, 0, &grown);
+         PF_EffectWorld larger = grown;
+         larger.height = 100000;
+         const PF_Pixel color{1, 2, 3, 4};
+         s.in->utils->fill(s.in->effect_ref, &color, nullptr, &larger);
+         return s.in->utils->dispose_world(s.in->effect_ref, &grown);
+     }},
+    {"checkout-left",
+     [](const Scene& s) -> PF_Err {
+         PF_ParamDef param{};
+         return s.in->inter.checkout_param(s.in->effect_ref, 0, 0, 1, 24, &param);
+     }},
+    {"checkout-wild",
+     [](const Scene& s) -> PF_Err {
+         PF_ParamDef param{};
+         s.in->inter.checkout_param(s.in->effect_ref, 1000000, 0, 1, 24, &param);
+         s.in->inter.checkin_param(s.in->effect_ref, &param);
+         return 0;
+     }},
+    {"suite-null",
+     [](const Scene& s) -> PF_Err {
+         s.in->pica_basicP->AcquireSuite(nullptr, 1, nullptr);
+         return s.in->pica_basicP->ReleaseSuite("never acquired", 1) != 0 ? 0 : 1;
+     }},
+    {"foreign-reference", [](const Scene& s) -> PF_Err { return s.in->inter.abort(nullptr) != 0 ? 0 : 1; }},
+    {"block-left",
+     [](const Scene& s) -> PF_Err {
+         void* block = nullptr;
+         return s.in->pica_basicP->AllocateBlock(64, &block);
+     }},
+    {"beyond-row",
+     [](const Scene& s) -> PF_Err {
+         if (s.output->rowbytes > s.output->width * 4) s.output->data[s.output->width].red ^= 1;
+         return 0;
+     }},
+    {"write-input",
+     [](const Scene& s) -> PF_Err {
+         s.params[0]->u.ld.data[0].red ^= 1;
+         return 0;
+     }},
+};
+
+std::string_view wanted() {
+    const char* const text = std::getenv("PERCH_HOSTILE");
+    return text != nullptr ? text : "";
+}
+
+bool isPlace(std::string_view place) {
+    const std::string_view mode = wanted();
+    const std::size_t at = mode.find('@');
+    return at != std::string_view::npos && mode.substr(at + 1) == place;
+}
+
+PF_Err doIt(const Scene& scene) {
+    const std::string_view name = wanted().substr(0, wanted().find('@'));
+    if (const char* const mark = std::getenv("PERCH_HOSTILE_MARK")) close(creat(mark, 0600));
+    for (const Named& named : kDeeds)
+        if (named.name == name) return named.deed(scene);
+    std::fprintf(stderr, "there is no deed like %s\n", std::string(wanted()).c_str());
+    return 999;
+}
+
+// Loaded and unloaded with the library.
+struct Library {
+    Library() {
+        if (isPlace("loading")) doIt({});
+    }
+    ~Library() {
+        if (isPlace("unloading")) doIt({});
+    }
+} library;
+
+PF_Err makeGrey(void* refcon, A_long, A_long, PF_Pixel*, PF_Pixel* out) {
+    *out = {128, 64, 64, 64};
+    return isPlace("pixel") ? doIt(*static_cast<const Scene*>(refcon)) : PF_Err{PF_Err_NONE};
+}
+
+PF_Err render(Scene& scene) {
+    if (isPlace("thread")) {
+        std::thread([&scene] { doIt(scene); }).join();
+    }
+    return scene.in->utils->iterate(scene.in, 0, 1, nullptr, nullptr, &scene, makeGrey, scene.output);
+}
+
+const char* nameOf(PF_Cmd command) {
+    switch (command) {
+        case PF_Cmd_ABOUT:
+            return "ABOUT";
+        case PF_Cmd_GLOBAL_SETUP:
+            return "GLOBAL_SETUP";
+        case PF_Cmd_PARAMS_SETUP:
+            return "PARAMS_SETUP";
+        case PF_Cmd_SEQUENCE_SETUP:
+            return "SEQUENCE_SETUP";
+        case PF_Cmd_FRAME_SETUP:
+            return "FRAME_SETUP";
+        case PF_Cmd_RENDER:
+            return "RENDER";
+        case PF_Cmd_FRAME_SETDOWN:
+            return "FRAME_SETDOWN";
+        case PF_Cmd_SEQUENCE_SETDOWN:
+            return "SEQUENCE_SETDOWN";
+        case PF_Cmd_GLOBAL_SETDOWN:
+            return "GLOBAL_SETDOWN";
+        default:
+            return "";
+    }
+}
+
+}  // namespace
+
+extern "C" __attribute__((visibility("default"))) PF_Err PluginMain(PF_Cmd cmd, PF_InData* in,
+                                                                    PF_OutData* out, PF_ParamDef* params[],
+                                                                    PF_LayerDef* output, void*) {
+    Scene scene{in, out, params, output};
+    if (cmd == PF_Cmd_GLOBAL_SETUP) out->my_version = PF_VERSION(1, 0, 0, PF_Stage_DEVELOP, 1);
+    if (cmd == PF_Cmd_PARAMS_SETUP) out->num_params = 1;
+    PF_Err code = PF_Err_NONE;
+    if (isPlace(nameOf(cmd))) code = doIt(scene);
+    if (cmd == PF_Cmd_RENDER && code == PF_Err_NONE) code = render(scene);
+    return code;
+}

@@ -1,0 +1,161 @@
+// Every way to misbehave that Hostile.so has, through the built program: a sentence, in time, the right exit
+// code, no file that is not whole, and nothing that claims success without a picture.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdlib>
+
+#include "CommandLine.h"
+#include "Misdeeds.h"
+#include "PictureFiles.h"
+
+namespace perch::test {
+namespace {
+
+constexpr auto kInTime = std::chrono::seconds(60);
+const char kPlugin[] = "{plugins}/Hostile.so";
+const std::string kEndOfPng = "IEND\xAE\x42\x60\x82";
+
+// What the effect does is told to it by the environment.
+class Mode {
+public:
+    explicit Mode(const Misdeed& misdeed) { setenv(kName, misdeed.mode().c_str(), 1); }
+    ~Mode() { unsetenv(kName); }
+    Mode(const Mode&) = delete;
+    Mode& operator=(const Mode&) = delete;
+
+private:
+    static constexpr char kName[] = "PERCH_HOSTILE";
+};
+
+bool endsTheEffect(End end) {
+    return end != End::Failure && end != End::Tolerated;
+}
+
+// Under sanitizers a crash is an exit after a report of their own.
+std::vector<std::string> sentencesFor(const Misdeed& misdeed) {
+    switch (misdeed.end) {
+        case End::Crash:
+            return {"crashed", "ended the program"};
+        case End::Exit:
+            return {"ended the program"};
+        case End::Throw:
+            return {"let an exception out"};
+        case End::Hang:
+            return {"did not come back"};
+        case End::Signal:
+            return {"sent the program a signal"};
+        default:
+            return {};
+    }
+}
+
+// "the effect "Hostile.so" crashed at RENDER", in one of the words that do.
+bool tellsOfTheEnd(const std::string& text, const Misdeed& misdeed) {
+    const bool isInRender = misdeed.place == "pixel" || misdeed.place == "thread";
+    const std::string command = isInRender ? "RENDER" : misdeed.place;
+    for (const std::string& how : sentencesFor(misdeed))
+        for (const char* const when : {" at ", " after "})
+            if (text.find("the effect \"Hostile.so\" " + how + when + command) != std::string::npos)
+                return true;
+    return false;
+}
+
+std::string lastLine(const std::string& text) {
+    const std::size_t end = text.find_last_not_of('\n') + 1;
+    return text.substr(0, end).substr(text.rfind('\n', end - 1) + 1);
+}
+
+class MisdeedsTest : public testing::TestWithParam<Misdeed> {
+protected:
+    const CommandLine commandLine;
+
+    ProgramResult runInTime(const std::string& command) {
+        const Mode mode(GetParam());
+        const auto start = std::chrono::steady_clock::now();
+        ProgramResult result = commandLine.run(command);
+        EXPECT_LT(std::chrono::steady_clock::now() - start, kInTime);
+        return result;
+    }
+
+    void renderAndExpect(const std::string& options, int status) {
+        const std::vector<std::string> files = commandLine.files();
+        const ProgramResult result = runInTime("perch render --plugin " + std::string(kPlugin) +
+                                               " -i rgb8.png -o out.png --threads 3" + options +
+                                               (GetParam().end == End::Hang ? " --timeout-frame 0.5" : ""));
+        EXPECT_EQ(result.status, status) << result.err;
+        EXPECT_EQ(result.out, "");
+        std::vector<std::string> left = commandLine.files();
+        const bool hasPicture = std::erase(left, "out.png") == 1;
+        EXPECT_EQ(left, files);
+        EXPECT_TRUE(status != 0 || hasPicture) << "success without a picture";
+        EXPECT_TRUE(status == 0 || lastLine(result.err).starts_with("perch: ")) << result.err;
+        EXPECT_TRUE(!endsTheEffect(GetParam().end) || tellsOfTheEnd(lastLine(result.err), GetParam()))
+            << result.err;
+        EXPECT_EQ(result.err.find('\x1B'), std::string::npos);
+        EXPECT_TRUE(!hasPicture || bytesOf(commandLine.folder / "out.png").ends_with(kEndOfPng))
+            << "half a picture";
+        lastErr = result.err;
+    }
+
+    std::string lastErr;
+};
+
+class RenderMisdeedsTest : public MisdeedsTest {};
+class CheckMisdeedsTest : public MisdeedsTest {};
+
+TEST_P(RenderMisdeedsTest, RenderEndsWithASentence) {
+    const End end = GetParam().end;
+    renderAndExpect("", endsTheEffect(end) ? 8 : end == End::Failure ? 1 : 0);
+}
+
+TEST_P(RenderMisdeedsTest, StrictRenderNamesTheFault) {
+    const End end = GetParam().end;
+    const bool isFault = end == End::Failure || !GetParam().strict.empty();
+    renderAndExpect(" --strict", endsTheEffect(end) ? 8 : isFault ? 1 : 0);
+    EXPECT_NE(lastErr.find(GetParam().strict), std::string::npos) << lastErr;
+}
+
+// Every rule loads the effect and ends it; most of them render.
+TEST_P(CheckMisdeedsTest, CheckFailsTheRule) {
+    const ProgramResult result = runInTime("perch check " + std::string(kPlugin) + " --rule 3" +
+                                           (GetParam().end == End::Hang ? " --timeout 1" : ""));
+    const bool isFault =
+        endsTheEffect(GetParam().end) || GetParam().end == End::Failure || !GetParam().strict.empty();
+    // A limit on files is not in the way of frames that are not written.
+    const bool isPassed = !isFault || GetParam().deed == "file-limit";
+    EXPECT_EQ(result.status, isPassed ? 0 : 1) << result.out << result.err;
+    EXPECT_NE(result.out.find(isPassed ? " ok\n" : " FAILED: "), std::string::npos) << result.out;
+    EXPECT_TRUE(isPassed || !endsTheEffect(GetParam().end) || tellsOfTheEnd(result.out, GetParam()))
+        << result.out;
+}
+
+std::string nameOf(const testing::TestParamInfo<Misdeed>& test) {
+    std::string name = test.param.deed + "At" + test.param.place;
+    std::erase_if(name, [](unsigned char c) { return std::isalnum(c) == 0 && c != '_'; });
+    return name;
+}
+
+// A render loads the image library, which takes most of a test's time. Each end is rendered in RENDER, and a
+// part of them elsewhere; the rest runs with --gtest_also_run_disabled_tests.
+std::vector<Misdeed> rendered(bool isUsual) {
+    constexpr std::size_t kOneIn = 5;
+    std::vector<Misdeed> chosen;
+    for (std::size_t i = 0; i < misdeeds().size(); ++i) {
+        const bool isChosen =
+            !misdeeds()[i].isOfTheMatrix || misdeeds()[i].place == "RENDER" || i % kOneIn == 0;
+        if (isChosen == isUsual) chosen.push_back(misdeeds()[i]);
+    }
+    return chosen;
+}
+
+INSTANTIATE_TEST_SUITE_P(Hostile, RenderMisdeedsTest, testing::ValuesIn(rendered(true)), nameOf);
+INSTANTIATE_TEST_SUITE_P(DISABLED_Hostile, RenderMisdeedsTest, testing::ValuesIn(rendered(false)), nameOf);
+INSTANTIATE_TEST_SUITE_P(Hostile, CheckMisdeedsTest, testing::ValuesIn(misdeeds()), nameOf);
+
+TEST(MisdeedsListTest, HasAtLeastOneHundredAndThirtyWays) {
+    EXPECT_GE(misdeeds().size(), 130U);
+}
+
+}  // namespace
+}  // namespace perch::test

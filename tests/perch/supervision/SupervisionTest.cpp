@@ -1,0 +1,129 @@
+// The parent that waits for the worker: signals from outside, and outputs that cannot be written.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <optional>
+#include <thread>
+
+#include "CommandLine.h"
+#include "PictureFiles.h"
+
+namespace perch::test {
+namespace {
+
+const char kRender[] = "perch render --plugin {plugins}/Hostile.so -i rgb8.png -o out.png";
+
+struct EnvironmentMode {
+    explicit EnvironmentMode(const char* mode) { setenv("PERCH_HOSTILE", mode, 1); }
+    ~EnvironmentMode() { unsetenv("PERCH_HOSTILE"); }
+};
+
+// An effect that never comes back from its RENDER.
+struct HangingProgram {
+    HangingProgram() {
+        constexpr char kMark[] = "PERCH_HOSTILE_MARK";
+        const std::filesystem::path mark = commandLine.folder.parent_path() / "mark";
+        const EnvironmentMode mode("hang@RENDER");
+        setenv(kMark, mark.c_str(), 1);
+        program.emplace(commandLine.commandOf(kRender), commandLine.folder);
+        unsetenv(kMark);
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+        while (!std::filesystem::exists(mark) && std::chrono::steady_clock::now() < end)
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+
+    const CommandLine commandLine;
+    const std::vector<std::string> files = commandLine.files();
+    std::optional<RunningProgram> program;
+};
+
+TEST(SupervisionTest, SecondSignalEndsAnEffectThatDoesNotListen) {
+    for (const int signal : {SIGINT, SIGTERM}) {
+        HangingProgram hanging;
+        hanging.program->send(signal);
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        hanging.program->send(signal);
+        const ProgramResult result = hanging.program->finish();
+        EXPECT_EQ(result.status, 128 + signal);
+        EXPECT_NE(result.err.find("was interrupted twice and ended at RENDER"), std::string::npos)
+            << result.err;
+        EXPECT_EQ(hanging.commandLine.files(), hanging.files);
+    }
+}
+
+TEST(SupervisionTest, HangUpEndsTheWorkerAsWell) {
+    HangingProgram hanging;
+    hanging.program->send(SIGHUP);
+    const ProgramResult result = hanging.program->finish();
+    EXPECT_EQ(result.status, 128 + SIGHUP);
+    EXPECT_EQ(result.err, "perch: ended by SIGHUP\n");
+    EXPECT_EQ(hanging.commandLine.files(), hanging.files);
+}
+
+TEST(SupervisionTest, WorkerCannotBeStartedByHand) {
+    const CommandLine commandLine;
+    const ProgramResult result = commandLine.run("perch --worker=2 describe {plugins}/Hostile.so");
+    EXPECT_EQ(result.status, 2) << result.err;
+}
+
+// The count of parameters is at fault at PARAMS_SETUP, and the worker cannot tell it at the end.
+TEST(SupervisionTest, FindingsBeforeACrashAreTold) {
+    const CommandLine commandLine;
+    const EnvironmentMode mode("left-and-abort@GLOBAL_SETDOWN");
+    const ProgramResult result = commandLine.run(std::string(kRender) + " --strict");
+    EXPECT_EQ(result.status, 8);
+    EXPECT_NE(
+        result.err.find(
+            "perch: strict: GLOBAL_SETDOWN, host_dispose_handle: the handle has been disposed before\n"),
+        std::string::npos)
+        << result.err;
+}
+
+TEST(SupervisionTest, InProcessTheEffectRunsWithoutAParent) {
+    const CommandLine commandLine;
+    const EnvironmentMode mode("exit7@RENDER");
+    EXPECT_EQ(commandLine.run(std::string(kRender) + " --in-process").status, 7);
+}
+
+struct Unwritable {
+    const char* name;
+    const char* command;
+    int status;
+};
+
+class UnwritableOutputTest : public testing::TestWithParam<Unwritable> {};
+
+// The outputs are those of a shell that runs the command.
+TEST_P(UnwritableOutputTest, ChangesNoFailureIntoASuccessNorAnotherWayRound) {
+    const CommandLine commandLine;
+    std::string command = GetParam().command;
+    command.replace(0, 5, PERCH_PROGRAM);
+    const ProgramResult result = runProgram(
+        {"/bin/sh", "-c", commandLine.commandOf("perch \"" + command + "\"").at(1)}, commandLine.folder);
+    EXPECT_EQ(result.status, GetParam().status) << result.err;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Outputs, UnwritableOutputTest,
+    testing::Values(
+        Unwritable{"WrongUse", "perch bogus 2>/dev/full", 2},
+        Unwritable{"Help", "perch --help >/dev/full", 1},
+        Unwritable{"Version", "perch --version >/dev/full", 1},
+        Unwritable{"ClosedVersion", "perch --version >&-", 1},
+        Unwritable{"Describe", "perch describe {plugins}/Report.so >/dev/full", 1},
+        Unwritable{"DescribeJson", "perch describe --json {plugins}/Report.so >/dev/full", 1},
+        Unwritable{"Check", "perch check {plugins}/Report.so >/dev/full", 1},
+        Unwritable{"CommandHelp", "perch render --plugin {plugins}/Report.so --help >/dev/full", 1},
+        Unwritable{"Messages", "perch render --plugin {plugins}/Report.so -i rgb8.png -o out.png 2>/dev/full",
+                   0},
+        Unwritable{"ClosedMessages", "perch render --plugin {plugins}/Report.so -i rgb8.png -o out.png 2>&-",
+                   0},
+        Unwritable{"Failure", "perch render --plugin {plugins}/Report.so -i none.png -o out.png 2>/dev/full",
+                   1}),
+    [](const auto& test) { return std::string(test.param.name); });
+
+}  // namespace
+}  // namespace perch::test
