@@ -3,9 +3,9 @@
 // Use: construct, initialize() once on one thread, then getBlur()/getBlurInt() from any number of threads.
 // Radii are whole pixels in getBlurInt and 16.16 fixed point (65536 = one pixel) in getBlur. Positions are
 // source pixels and must lie in the image. The source holds straight colour, every channel 0 to full scale
-// (kOne; 15-bit codes beyond it give defined but arbitrary pixels); it is referenced, not copied, and must
-// outlive the blur, as must the context. An image without pixels has no blur: the constructor's
-// assertion fails.
+// (kOne; 15-bit codes beyond it spoil the pixels that read them, differently at each level, and do no other
+// harm); it is referenced, not copied, and must outlive the blur, as must the context. An image without
+// pixels has no blur: the constructor's assertion fails.
 #pragma once
 
 #include <cstddef>

@@ -52,7 +52,7 @@ struct RowToSum {
 };
 
 // The same summed twice: sums[i][x] = startTwice[i] + the running sums, from start[i] on, of pixels 0 to x.
-// `T` is 32 or 64 bits, in which the results wrap; the running sums themselves stay below 2^31 where `T`
+// `T` is 32 or 64 bits, in which the results wrap; the running sums themselves stay below 2^32 where `T`
 // has 64.
 template <class T>
 struct RowToSumTwice {

@@ -32,14 +32,15 @@ public:
           twice(4 * width),
           columns(4 * width),
           top(width) {
-        // The first running sums are of 32 bits, which hold those of rows up to this width.
-        constexpr std::int32_t kWidest = std::numeric_limits<std::int32_t>::max() / C::kOne;
+        // The kernels' first running sums are of 32 bits, which hold those of rows up to this width.
+        constexpr std::size_t kWidest =
+            std::numeric_limits<std::uint32_t>::max() / static_cast<std::uint32_t>(C::kOne);
         const DepthKernels& kernels = KernelsFor<C>(level);
         if constexpr (std::is_same_v<Cell, std::uint32_t>) {
             sumTwice = kernels.narrowSumsTwice;
             addDown = kernels.narrowAddDown;
         } else {
-            sumTwice = tableWidth <= kWidest ? kernels.wideSumsTwice : nullptr;
+            sumTwice = width <= kWidest ? kernels.wideSumsTwice : nullptr;
             addDown = kernels.wideAddDown;
         }
     }

@@ -97,6 +97,10 @@ TEST(RowKernelsTest, KernelsStandWhereTheyAreFaster) {
             EXPECT_EQ(level != SimdLevel::Scalar, kernels->box != nullptr) << number;
             EXPECT_EQ(level != SimdLevel::Scalar, kernels->narrowTent != nullptr) << number;
             EXPECT_EQ(level != SimdLevel::Scalar, kernels->wideTent != nullptr) << number;
+            EXPECT_EQ(level != SimdLevel::Scalar, kernels->narrowSumsTwice != nullptr) << number;
+            EXPECT_EQ(level != SimdLevel::Scalar, kernels->wideSumsTwice != nullptr) << number;
+            EXPECT_EQ(level != SimdLevel::Scalar, kernels->narrowAddDown != nullptr) << number;
+            EXPECT_EQ(level != SimdLevel::Scalar, kernels->wideAddDown != nullptr) << number;
             EXPECT_EQ(level >= SimdLevel::Avx2, kernels->blend != nullptr) << number;
         }
         EXPECT_EQ(level >= SimdLevel::Avx2, depth8.runningSums != nullptr) << number;
