@@ -17,7 +17,8 @@ public:
     SATExactTentBlur(PIContext& context, const FrameBuf<P>& source, int radiusX, int radiusY,
                      SimdLevel level = BestSimdLevel());
 
-    // Radii that getBlur never asks for, beyond half of the border, may be summed pixel by pixel.
+    // Radii that getBlur never asks for, more than one beyond half of the border, may be summed pixel by
+    // pixel.
     P getBlurInt(int x, int y, int radiusX, int radiusY) override;
 
     // Progress in two passes, as SATTentBlur's.

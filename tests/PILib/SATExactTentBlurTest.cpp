@@ -4,9 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <random>
+#include <utility>
 #include <variant>
+#include <vector>
 
 #include "ChannelTypes.h"
 #include "FakeContext.h"
@@ -153,43 +156,105 @@ TEST(SATExactTentBlurTest, ReadOutsAreThoseOfDirectSumsWhereDoublesRound) {
     EXPECT_LT(0, rounded) << "no double was rounded: the picture is too small to show anything";
 }
 
+// As large as it takes for doubles to round, read far from the upper left corner.
+TYPED_TEST(SATExactTentBlurTypedTest, LargeUniformOpaquePictureKeepsItsColour) {
+    using P = Pixel<TypeParam>;
+    constexpr int kWidth = 2300;
+    constexpr int kHeight = 1300;
+    constexpr auto kFull = static_cast<typename TypeParam::Type>(TypeParam::kOne);
+    const P colour(kFull, kFull, kFull / 3, 1);
+    const SimplePixelBuffer<P> source(kWidth, kHeight);
+    for (int y = 0; y < kHeight; ++y)
+        std::fill(source.row(y).begin(), source.row(y).end(), colour);
+    std::mt19937 random(44);
+    for (const int largest : {6, 40, 140}) {
+        SATExactTentBlur<P> blur(this->context, source, largest, largest);
+        blur.initialize();
+        for (int n = 0; n < 4000; ++n) {
+            const int x = kWidth - 1 - oracle::RandomUpTo(random, n == 0 ? 0 : 200);
+            const int y = kHeight - 1 - oracle::RandomUpTo(random, n == 0 ? 0 : 200);
+            const int radiusX = oracle::RandomUpTo(random, largest * 65536);
+            const int radiusY = oracle::RandomUpTo(random, largest * 65536);
+            ASSERT_EQ(colour, blur.getBlur(x, y, radiusX, radiusY))
+                << x << ", " << y << ", radii " << radiusX << "/65536, " << radiusY << "/65536";
+            ASSERT_EQ(colour, blur.getBlurInt(x, y, radiusX >> 16, radiusY >> 16))
+                << x << ", " << y << ", radii " << radiusX / 65536 << ", " << radiusY / 65536;
+        }
+    }
+}
+
 TYPED_TEST(SATExactTentBlurTypedTest, ProgressIsReportedInTheTwoPassesOfTheTentOfDoubles) {
     using P = Pixel<TypeParam>;
     const SimplePixelBuffer<P> source(3, 4);
-    FakeContext givenContext;
-    SATTentBlur<P>(givenContext, source, 2, 1).initialize();
-    SATExactTentBlur<P>(this->context, source, 2, 1).initialize();
-    EXPECT_EQ(givenContext.progressCalls, this->context.progressCalls);
+    for (const auto& [radiusX, radiusY] : {std::pair{2, 1}, {140, 140}}) {
+        FakeContext givenContext;
+        FakeContext exactContext;
+        SATTentBlur<P>(givenContext, source, radiusX, radiusY).initialize();
+        SATExactTentBlur<P>(exactContext, source, radiusX, radiusY).initialize();
+        EXPECT_EQ(givenContext.progressCalls, exactContext.progressCalls) << radiusX;
+    }
 }
 
-TYPED_TEST(SATExactTentBlurTypedTest, TablesOfNarrowAndWideCellsAreTheSameSumsAtEveryLevel) {
+template <class P>
+bool HasTheSumsOf(const SATTentBlur<P>& given, const SATExactTentBlur<P>& exact) {
+    const auto cells = static_cast<std::ptrdiff_t>(given.tableWidth) * given.tableHeight;
+    const auto equals = [cells](const auto& doubles, const auto& sums) {
+        return std::equal(doubles.get(), doubles.get() + cells, sums.get(), [](double expected, auto actual) {
+            return static_cast<decltype(actual)>(static_cast<std::uint64_t>(expected)) == actual;
+        });
+    };
+    return std::visit(
+        [&](const auto& sums) {
+            return equals(given.sumRed, sums.sumRed) && equals(given.sumGreen, sums.sumGreen) &&
+                   equals(given.sumBlue, sums.sumBlue) && equals(given.sumAlpha, sums.sumAlpha);
+        },
+        exact.tables);
+}
+
+// A third of zeros, and runs of equal values up to `longest`.
+template <class C>
+std::vector<typename C::Type> MapInRuns(std::mt19937& random, int width, int longest) {
+    std::vector<typename C::Type> map;
+    while (map.size() < static_cast<std::size_t>(width)) {
+        const auto value =
+            oracle::RandomUpTo(random, 2) == 0 ? 0U : oracle::RandomComponent(random, oracle::kFull<C>);
+        map.insert(map.end(), static_cast<std::size_t>(1 + oracle::RandomUpTo(random, longest - 1)),
+                   static_cast<typename C::Type>(value));
+    }
+    return map;
+}
+
+// The last radius of narrow cells and the first of wide ones, at every width up to some vectors and more.
+TYPED_TEST(SATExactTentBlurTypedTest, TablesAndRowsOfEveryLevelAreThoseOfTheTentOfDoubles) {
     using P = Pixel<TypeParam>;
+    constexpr int kHeight = 3;
+    constexpr int kLastNarrow = TypeParam::kOne == 255 ? 122 : 32;
+    constexpr int kLongestRuns[kHeight] = {1, 6, 60};
     std::mt19937 random(43);
     for (int width = 1; width <= 70; ++width) {
-        const SimplePixelBuffer<P> source(width, 3);
-        oracle::Store<TypeParam>(oracle::RandomImage(random, width, 3, oracle::kFull<TypeParam>), source);
-        for (const int radius : {width % 20, 200}) {
-            SATTentBlur<P> given(this->context, source, radius, 1);
+        const SimplePixelBuffer<P> source(width, kHeight);
+        oracle::Store<TypeParam>(oracle::RandomImage(random, width, kHeight, oracle::kFull<TypeParam>),
+                                 source);
+        for (const int radius : {kLastNarrow, kLastNarrow + 1}) {
+            SATTentBlur<P> given(this->context, source, radius, radius);
             given.initialize();
             for (const PILib::SimdLevel level : SupportedLevels()) {
-                SATExactTentBlur<P> exact(this->context, source, radius, 1, level);
+                SATExactTentBlur<P> exact(this->context, source, radius, radius, level);
                 exact.initialize();
-                const auto cells = static_cast<std::ptrdiff_t>(exact.tableWidth) * exact.tableHeight;
-                const auto equals = [cells](const auto& doubles, const auto& sums) {
-                    return std::equal(
-                        doubles.get(), doubles.get() + cells, sums.get(), [](double expected, auto actual) {
-                            return static_cast<decltype(actual)>(static_cast<std::uint64_t>(expected)) ==
-                                   actual;
-                        });
-                };
-                const bool areEqual = std::visit(
-                    [&](const auto& sums) {
-                        return equals(given.sumRed, sums.sumRed) && equals(given.sumGreen, sums.sumGreen) &&
-                               equals(given.sumBlue, sums.sumBlue) && equals(given.sumAlpha, sums.sumAlpha);
-                    },
-                    exact.tables);
-                ASSERT_TRUE(areEqual)
+                ASSERT_EQ(radius == kLastNarrow, HasNarrowCells(exact));
+                ASSERT_TRUE(HasTheSumsOf(given, exact))
                     << "width " << width << ", radius " << radius << ", level " << static_cast<int>(level);
+                for (int y = 0; y < kHeight; ++y) {
+                    const auto map = MapInRuns<TypeParam>(random, width, kLongestRuns[y]);
+                    const auto read = [&](PILib::SATBlur<P>& blur) {
+                        std::vector<P> row(static_cast<std::size_t>(width));
+                        blur.getBlurRow(0, y, map.data(), source.row(y).begin(), row.data(), width,
+                                        static_cast<float>(radius), static_cast<float>(radius) - 0.25F);
+                        return row;
+                    };
+                    ASSERT_EQ(read(given), read(exact)) << "width " << width << ", radius " << radius
+                                                        << ", level " << static_cast<int>(level);
+                }
             }
         }
     }

@@ -117,10 +117,11 @@ TYPED_TEST(KestrelTypedTest, RadiusZeroPremultipliesAndStraightensWhereTheMapIsN
     }
 }
 
-// Radii with fractions, up to and beyond the size of the image.
+// Radii with fractions, up to and beyond the size of the image; the last ones need a tent's wide cells.
 TYPED_TEST(KestrelTypedTest, BothBlursEqualTheReference) {
     for (const bool fine : {false, true}) {
-        for (const auto& [radiusX, radiusY] : {std::pair{7.3F, 2.0F}, {0.4F, 11.9F}, {25.0F, 25.0F}}) {
+        for (const auto& [radiusX, radiusY] :
+             {std::pair{7.3F, 2.0F}, {0.4F, 11.9F}, {25.0F, 25.0F}, {140.0F, 140.0F}}) {
             Scene<TypeParam> scene(13, 19, 4);
             const oracle::Image expected = scene.expected(fine, radiusX, radiusY);
             for (const PILib::SimdLevel level : SupportedLevels()) {
@@ -186,35 +187,38 @@ void ExpectBandsLikeRows(const Scene<C>& scene, bool fine, PILib::SimdLevel leve
 }
 
 // Wider than a strip and higher than a band, neither by a whole number of blocks. Without a radius, or
-// without vectors, rows are read out pixel by pixel.
+// without vectors, rows are read out pixel by pixel. A tent of the largest radius has wide cells.
 TYPED_TEST(KestrelTypedTest, BandsGiveThePixelsOfSingleRows) {
     const Scene<TypeParam> scene(531, 67, 31);
     for (const bool fine : {false, true}) {
-        for (const PILib::SimdLevel level : SupportedLevels())
-            ExpectBandsLikeRows(scene, fine, level, 9.5F);
+        for (const PILib::SimdLevel level : SupportedLevels()) {
+            for (const float radius : {9.5F, 130.0F})
+                ExpectBandsLikeRows(scene, fine, level, radius);
+        }
         ExpectBandsLikeRows(scene, fine, PILib::BestSimdLevel(), 0.0F);
     }
 }
 
-// Chunks of 150, 75, 50 and 22 rows, in strips of columns.
+// Chunks of 150, 75, 50 and 22 rows, in strips of columns; narrow cells and wide ones.
 TYPED_TEST(KestrelTypedTest, LargeFramesAreTheSameForAnyThreadCountAndOrder) {
     Scene<TypeParam> scene(531, 150, 32);
     FakeContext shuffled;
     shuffled.order = {3, 6, 0, 5, 1, 4, 2};
     shuffled.processors = 7;
-    for (const bool fine : {false, true}) {
-        const auto rendered = [&](PILib::PIContext& context) {
+    for (const auto& [fine, radius] : {std::pair{false, 9.5F}, {true, 9.5F}, {true, 130.0F}}) {
+        const auto rendered = [&, fine = fine, radius = radius](PILib::PIContext& context) {
             scene.output.clear();
-            Kestrel(context, scene.output, scene.input, scene.map, fine, 9.5F, 4.0F);
+            Kestrel(context, scene.output, scene.input, scene.map, fine, radius, radius - 5.5F);
             return oracle::Fetched(scene.output).values;
         };
         PILib::ThreadPoolContext one(1);
         const std::vector<oracle::Colour> expected = rendered(one);
         for (const int threads : {2, 3, 7}) {
             PILib::ThreadPoolContext pool(threads);
-            EXPECT_TRUE(expected == rendered(pool)) << "fine " << fine << ", " << threads << " threads";
+            EXPECT_TRUE(expected == rendered(pool))
+                << "fine " << fine << ", radius " << radius << ", " << threads << " threads";
         }
-        EXPECT_TRUE(expected == rendered(shuffled)) << "fine " << fine;
+        EXPECT_TRUE(expected == rendered(shuffled)) << "fine " << fine << ", radius " << radius;
     }
 }
 
@@ -357,17 +361,22 @@ TYPED_TEST(KestrelTypedTest, TablesTakeTheFirstQuarterOfTheProgressAndRowsTheRes
 }
 
 TYPED_TEST(KestrelTypedTest, ProgressOfAFineRenderRunsAheadAndFallsBack) {
-    Scene<TypeParam> scene(4, 3, 12);
-    PILib::ThreadPoolContext context(1);
-    std::vector<float> values;
-    context.onProgress([&](float done) { values.push_back(done); });
-    Kestrel(context, scene.output, scene.input, scene.map, true, 1.0F, 1.0F);
-    ASSERT_EQ(11U + 11U + 3U, values.size());  // 3 rows and two borders of 4
-    EXPECT_FLOAT_EQ(0.0F, values.front());
-    EXPECT_FLOAT_EQ(0.125F, values[11]);
-    EXPECT_FLOAT_EQ(0.125F + 0.25F * 10 / 11, values[21]);
-    EXPECT_FLOAT_EQ(0.25F, values[22]);
-    EXPECT_FLOAT_EQ(0.75F, values[24]);
+    for (const int radius : {1, 140}) {  // narrow cells, and wide ones
+        Scene<TypeParam> scene(4, 3, 12);
+        PILib::ThreadPoolContext context(1);
+        std::vector<float> values;
+        context.onProgress([&](float done) { values.push_back(done); });
+        const auto largest = static_cast<float>(radius);
+        Kestrel(context, scene.output, scene.input, scene.map, true, largest, largest);
+        const auto tableRows = static_cast<std::size_t>(3 + 2 * (radius + 3));
+        const auto rows = static_cast<float>(tableRows);
+        ASSERT_EQ(2 * tableRows + 3, values.size()) << radius;
+        EXPECT_FLOAT_EQ(0.0F, values.front()) << radius;
+        EXPECT_FLOAT_EQ(0.125F, values[tableRows]) << radius;
+        EXPECT_FLOAT_EQ(0.125F + 0.25F * (rows - 1) / rows, values[2 * tableRows - 1]) << radius;
+        EXPECT_FLOAT_EQ(0.25F, values[2 * tableRows]) << radius;
+        EXPECT_FLOAT_EQ(0.75F, values[2 * tableRows + 2]) << radius;
+    }
 }
 
 template <class P>

@@ -1,18 +1,19 @@
-// Both blurs at both depths against direct summation, bit for bit.
+// All blurs at both depths against direct summation, bit for bit.
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdint>
-#include <memory>
 #include <ostream>
 #include <random>
 #include <string>
+#include <type_traits>
 
 #include "NaiveBlur.h"
 #include "OracleBuffers.h"
 #include "RandomImage.h"
 #include "SATBlur.h"
+#include "SATExactTentBlur.h"
 #include "SATTentBlur.h"
 #include "ThreadPoolContext.h"
 
@@ -86,16 +87,7 @@ Request MakeRequest(int n, const Case& c, std::mt19937& random) {
             RandomRadius(random, c.radiusX), RandomRadius(random, c.radiusY)};
 }
 
-template <class C>
-std::unique_ptr<PILib::SATBlur<Pixel<C>>> NewBlur(Shape shape, PILib::PIContext& context,
-                                                  const PILib::FrameBuf<Pixel<C>>& source, const Case& c) {
-    using P = Pixel<C>;
-    if (shape == Shape::kBox)
-        return std::make_unique<PILib::SATBoxBlur<P>>(context, source, c.radiusX, c.radiusY);
-    return std::make_unique<PILib::SATTentBlur<P>>(context, source, c.radiusX, c.radiusY);
-}
-
-template <class C>
+template <class Blur, class C>
 void CompareCase(Shape shape, unsigned seed) {
     std::mt19937 random(seed);
     const Case c = MakeCase(seed, random);
@@ -103,8 +95,8 @@ void CompareCase(Shape shape, unsigned seed) {
     const PILib::SimplePixelBuffer<Pixel<C>> source(c.width, c.height);
     oracle::Store<C>(image, source);
     PILib::ThreadPoolContext context(1);
-    const auto blur = NewBlur<C>(shape, context, source, c);
-    blur->initialize();
+    Blur blur(context, source, c.radiusX, c.radiusY);
+    blur.initialize();
     const oracle::Blur expected = oracle::MakeBlur(shape, image, c.radiusX, c.radiusY);
 
     int taps = 0;
@@ -113,38 +105,43 @@ void CompareCase(Shape shape, unsigned seed) {
         const int wholeX = r.radiusX >> 16;
         const int wholeY = r.radiusY >> 16;
         ASSERT_EQ(oracle::ReadWhole(expected, r.x, r.y, wholeX, wholeY),
-                  oracle::ColourOf(blur->getBlurInt(r.x, r.y, wholeX, wholeY)))
+                  oracle::ColourOf(blur.getBlurInt(r.x, r.y, wholeX, wholeY)))
             << "getBlurInt, " << c << ": " << r;
         ASSERT_EQ(oracle::ReadFractional(expected, r.x, r.y, r.radiusX, r.radiusY),
-                  oracle::ColourOf(blur->getBlur(r.x, r.y, r.radiusX, r.radiusY)))
+                  oracle::ColourOf(blur.getBlur(r.x, r.y, r.radiusX, r.radiusY)))
             << "getBlur, " << c << ": " << r;
         taps += 2 * (2 * wholeX + 3) * (2 * wholeY + 3);
     }
 }
 
-template <class C, Shape kShape>
+template <template <class> class BlurOf, class C>
 struct Variant {
     using Channel = C;
-    static constexpr Shape shape = kShape;
+    using Blur = BlurOf<Pixel<C>>;
+    static constexpr bool kIsBox = std::is_same_v<Blur, PILib::SATBoxBlur<Pixel<C>>>;
+    static constexpr bool kIsExact = std::is_same_v<Blur, PILib::SATExactTentBlur<Pixel<C>>>;
+    static constexpr Shape kShape = kIsBox ? Shape::kBox : Shape::kTent;
 };
 
 struct VariantNames {
     template <class V>
     static std::string GetName(int /*index*/) {
         const std::string depth = V::Channel::kOne == 255 ? "At8Bits" : "At15Bits";
-        return (V::shape == Shape::kBox ? "Box" : "Tent") + depth;
+        return (V::kIsBox ? "Box" : V::kIsExact ? "ExactTent" : "Tent") + depth;
     }
 };
 
 template <class V>
 class BlurOracleTest : public testing::Test {};
-using Variants = testing::Types<Variant<Channel8, Shape::kBox>, Variant<Channel15, Shape::kBox>,
-                                Variant<Channel8, Shape::kTent>, Variant<Channel15, Shape::kTent>>;
+using Variants =
+    testing::Types<Variant<PILib::SATBoxBlur, Channel8>, Variant<PILib::SATBoxBlur, Channel15>,
+                   Variant<PILib::SATTentBlur, Channel8>, Variant<PILib::SATTentBlur, Channel15>,
+                   Variant<PILib::SATExactTentBlur, Channel8>, Variant<PILib::SATExactTentBlur, Channel15>>;
 TYPED_TEST_SUITE(BlurOracleTest, Variants, VariantNames);
 
 TYPED_TEST(BlurOracleTest, EqualsDirectSummation) {
     for (unsigned seed = 0; seed < kCasesPerVariant; ++seed) {
-        CompareCase<typename TypeParam::Channel>(TypeParam::shape, seed);
+        CompareCase<typename TypeParam::Blur, typename TypeParam::Channel>(TypeParam::kShape, seed);
         if (testing::Test::HasFatalFailure()) return;
     }
 }
