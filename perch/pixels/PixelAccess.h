@@ -38,6 +38,13 @@ std::span<P> pixelRow(const PF_EffectWorld& world, std::int32_t y) {
     return {rowOf<P>(world, y), static_cast<std::size_t>(world.width)};
 }
 
+// The pixel at whole coordinates; outside the source is transparent.
+template <class P>
+P pixelOrNothing(const PF_EffectWorld& from, std::int64_t x, std::int64_t y) {
+    if (x < 0 || y < 0 || x >= from.width || y >= from.height) return {};
+    return rowOf<P>(from, static_cast<std::int32_t>(y))[x];
+}
+
 // Full intensity of a pixel type.
 template <class P>
 inline constexpr std::uint32_t kWhite = 0;
@@ -51,6 +58,12 @@ inline constexpr bool kHasWholeChannels = kWhite<P> != 0;
 
 template <class P>
 using ChannelOf = decltype(P::alpha);
+
+// The pixel's colours under another alpha.
+template <class P>
+P keptAlpha(const P& p, ChannelOf<P> alpha) {
+    return {alpha, p.red, p.green, p.blue};
+}
 
 // The channels of pixels one behind the other, alpha first.
 template <class P>
