@@ -140,7 +140,7 @@ PF_Err checkinChannel(PF_ProgPtr, PF_ChannelRefPtr, PF_ChannelChunk*) {
 
 }  // namespace
 
-const void* findAppSuite(const char* name, A_long version) {
+std::span<const SuiteEntry> appSuites() {
     static const auto app6 = appSuite<PF_AEAppSuite6>();
     static const auto app7 = appSuiteWithLanguage<PF_AEAppSuite7>();
     static const auto app1 = appSuiteWithLanguage<PF_AEAppSuite1>();
@@ -152,7 +152,7 @@ const void* findAppSuite(const char* name, A_long version) {
         {"PF AE App Suite", 1, &app1},
         {"PF AE Channel Suite", 1, &channels},
     };
-    return findIn(entries, name, version);
+    return entries;
 }
 
 }  // namespace perch

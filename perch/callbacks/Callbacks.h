@@ -1,6 +1,9 @@
 // The tables that an effect is given. They are the same for every command.
 #pragma once
 
+#include <set>
+#include <string>
+
 #include "CallbackTables.h"
 #include "PF_Entry.h"
 #include "PF_FloatSuites.h"
@@ -40,10 +43,7 @@ PF_SmartRenderCallbacks* smartRenderCallbacks();
 
 // The table of a suite; null when the host has none of that name and version.
 const void* findSuite(const char* name, A_long version);
-const void* findPixelSuite(const char* name, A_long version);
-const void* findParameterSuite(const char* name, A_long version);
-const void* findProjectSuite(const char* name, A_long version);
-const void* findAppSuite(const char* name, A_long version);
-const void* findValueSuite(const char* name, A_long version);
+// Of all suites that the host has, each once.
+std::set<std::string> suiteNames();
 
 }  // namespace perch

@@ -191,7 +191,7 @@ PF_Err getConstSequenceData(PF_ProgPtr effectRef, PF_ConstHandle* data) {
 
 }  // namespace
 
-const void* findParameterSuite(const char* name, A_long version) {
+std::span<const SuiteEntry> parameterSuites() {
     static const PF_ParamUtilsSuite1 utilities1{
         updateParamUi,    getCurrentStateOfAll, hasParamChanged,  haveInputsChanged, isIdenticalCheckout,
         findKeyframeTime, getKeyframeCount,     checkoutKeyframe, checkinKeyframe,   keyIndexToTime};
@@ -205,7 +205,7 @@ const void* findParameterSuite(const char* name, A_long version) {
         {"PF Param Utils Suite", 3, &utilities3},
         {"PF Effect Sequence Data Suite", 1, &sequenceData},
     };
-    return findIn(entries, name, version);
+    return entries;
 }
 
 }  // namespace perch

@@ -51,7 +51,7 @@ PF_Err getPixelFormat(const PF_EffectWorld* world, PF_PixelFormat* format) {
 
 }  // namespace
 
-const void* findPixelSuite(const char* name, A_long version) {
+std::span<const SuiteEntry> pixelSuites() {
     static const PF_UtilCallbacks& utilities = *utilityCallbacks();
     static const PF_ANSICallbacksSuite1 ansi = utilities.ansi;
     static const PF_HandleSuite1 handles{utilities.host_new_handle,      utilities.host_lock_handle,
@@ -90,7 +90,7 @@ const void* findPixelSuite(const char* name, A_long version) {
         {"PF iterateFloat Suite", 1, &iterateFloat},
         {"PF iterateFloat Suite", 2, &iterateFloat},
     };
-    return findIn(entries, name, version);
+    return entries;
 }
 
 }  // namespace perch

@@ -174,7 +174,7 @@ Extended<Suite> extend(const Suite& declared) {
 
 }  // namespace
 
-const void* findProjectSuite(const char* name, A_long version) {
+std::span<const SuiteEntry> projectSuites() {
     static const auto utility7 = utilitySuite<AEGP_UtilitySuite3>();
     static const auto utility13 = extend(utilitySuite<AEGP_UtilitySuite13>());
     static const auto interface1 = interfaceSuite();
@@ -184,7 +184,9 @@ const void* findProjectSuite(const char* name, A_long version) {
     static const auto dynamic5 = extend(newDynamicStreamSuite());
     static const auto effect1 = effectSuite<AEGP_EffectSuite1>();
     static const auto effect4 = extend(effectSuite<AEGP_EffectSuite4>());
+    // Older versions are the first slots of newer ones.
     static const SuiteEntry entries[] = {
+        {"AEGP Utility Suite", 3, &utility7},        {"AEGP Utility Suite", 5, &utility7},
         {"AEGP Utility Suite", 7, &utility7},        {"AEGP Utility Suite", 13, &utility13},
         {"AEGP PF Interface Suite", 1, &interface1}, {"AEGP Stream Suite", 4, &stream4},
         {"AEGP Stream Suite", 11, &stream11},        {"AEGP Dynamic Stream Suite", 1, &dynamic1},
@@ -192,7 +194,7 @@ const void* findProjectSuite(const char* name, A_long version) {
         {"AEGP Effect Suite", 2, &effect4},          {"AEGP Effect Suite", 3, &effect4},
         {"AEGP Effect Suite", 4, &effect4},          {"AEGP Effect Suite", 5, &effect4},
     };
-    return findIn(entries, name, version);
+    return entries;
 }
 
 }  // namespace perch

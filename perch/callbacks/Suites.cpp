@@ -4,7 +4,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
+#include <span>
 
 #include "CallGuard.h"
 #include "Callbacks.h"
@@ -62,6 +64,10 @@ SPErr reallocateBlock(void* block, size_t size, void** moved) {
     });
 }
 
+std::array<std::span<const SuiteEntry>, 5> families() {
+    return {pixelSuites(), parameterSuites(), valueSuites(), appSuites(), projectSuites()};
+}
+
 SPErr undefined() {
     return refuse("Undefined");
 }
@@ -79,17 +85,18 @@ SPBasicSuite* basicSuite() {
 }
 
 const void* findSuite(const char* name, A_long version) {
-    if (const void* suite = findPixelSuite(name, version)) return suite;
-    if (const void* suite = findParameterSuite(name, version)) return suite;
-    if (const void* suite = findValueSuite(name, version)) return suite;
-    if (const void* suite = findAppSuite(name, version)) return suite;
-    return findProjectSuite(name, version);
+    for (const std::span<const SuiteEntry> family : families())
+        for (const SuiteEntry& entry : family)
+            if (entry.version == version && std::strcmp(entry.name, name) == 0) return entry.table;
+    return nullptr;
 }
 
-const void* findIn(std::span<const SuiteEntry> entries, const char* name, A_long version) {
-    for (const SuiteEntry& entry : entries)
-        if (entry.version == version && std::strcmp(entry.name, name) == 0) return entry.table;
-    return nullptr;
+std::set<std::string> suiteNames() {
+    std::set<std::string> names;
+    for (const std::span<const SuiteEntry> family : families())
+        for (const SuiteEntry& entry : family)
+            names.insert(entry.name);
+    return names;
 }
 
 }  // namespace perch

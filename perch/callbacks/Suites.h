@@ -15,8 +15,12 @@ struct SuiteEntry {
     const void* table;
 };
 
-// Null when the list has no such suite.
-const void* findIn(std::span<const SuiteEntry> entries, const char* name, A_long version);
+// What is offered, by family.
+std::span<const SuiteEntry> pixelSuites();
+std::span<const SuiteEntry> parameterSuites();
+std::span<const SuiteEntry> valueSuites();
+std::span<const SuiteEntry> appSuites();
+std::span<const SuiteEntry> projectSuites();
 
 // Answers any call with an error; the arguments are not looked at.
 PF_Err refuseSuiteCall();

@@ -64,7 +64,7 @@ PF_Err setOptionsButtonName(PF_ProgPtr effectRef, const A_char* name) {
 
 }  // namespace
 
-const void* findValueSuite(const char* name, A_long version) {
+std::span<const SuiteEntry> valueSuites() {
     static const PF_EffectUISuite1 button{setOptionsButtonName};
     static const PF_ColorParamSuite1 colors{floatColor};
     static const PF_PointParamSuite1 points{floatPoint};
@@ -75,7 +75,7 @@ const void* findValueSuite(const char* name, A_long version) {
         {"PF PointParamSuite", 1, &points},
         {"PF AngleParamSuite", 1, &angles},
     };
-    return findIn(entries, name, version);
+    return entries;
 }
 
 }  // namespace perch

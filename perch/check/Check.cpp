@@ -7,6 +7,7 @@
 #include <map>
 #include <utility>
 
+#include "Callbacks.h"
 #include "Declined.h"
 #include "Frame.h"
 #include "PF_Values.h"
@@ -276,11 +277,7 @@ void checkHosts(const fs::path& plugin) {
 
 // Each suite that this host offers, withheld, withheld: an error or a frame, and nothing left behind.
 void checkSuites(const fs::path& plugin) {
-    for (const char* const name :
-         {"PF Iterate8 Suite", "PF iterate16 Suite", "PF Param Utils Suite", "AEGP Utility Suite",
-          "AEGP PF Interface Suite", "AEGP Stream Suite", "AEGP Dynamic Stream Suite", "AEGP Effect Suite",
-          "PF ANSI Suite", "PF Handle Suite", "PF World Suite", "PF World Transform Suite",
-          "PF Fill Matte Suite", "PF Pixel Data Suite", "PF Effect Sequence Data Suite"}) {
+    for (const std::string& name : suiteNames()) {
         HostOptions options;
         options.withheldSuites.push_back({name, 0});
         try {

@@ -3,8 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <fstream>
+#include <set>
+#include <sstream>
 
 #include "AEGP_Suites.h"
+#include "Callbacks.h"
 #include "PF_AppSuite.h"
 #include "PF_ChannelSuite.h"
 #include "PF_CustomUI.h"
@@ -80,6 +84,8 @@ constexpr SuiteCase kSuites[] = {
     {"PF Fill Matte Suite", 2, 7},
     {"PF Pixel Data Suite", 1, 3},
     {"PF Effect Sequence Data Suite", 1, 1},
+    {"AEGP Utility Suite", 3, 9},
+    {"AEGP Utility Suite", 5, 19},
     {"AEGP Utility Suite", 7, 25},
     {"AEGP Utility Suite", 13, 40},
     {"AEGP PF Interface Suite", 1, 5},
@@ -104,6 +110,39 @@ TEST_F(SuitesTest, EveryListedSuiteIsHandedOutWithoutNullSlots) {
         }
     });
     EXPECT_THAT(found, IsEmpty());
+}
+
+// The parts between separators, without the spaces about them.
+std::vector<std::string> partsOf(const std::string& text, char separator) {
+    std::vector<std::string> parts;
+    std::istringstream stream(text);
+    for (std::string part; std::getline(stream, part, separator);) {
+        const std::size_t first = part.find_first_not_of(' ');
+        if (first != std::string::npos)
+            parts.push_back(part.substr(first, part.find_last_not_of(' ') - first + 1));
+    }
+    return parts;
+}
+
+// Rows as "| PF Iterate8 Suite, PF iterate16 Suite | 1, 2 | all |".
+TEST_F(SuitesTest, TheTableInTheDocumentsListsEverySuiteAndVersion) {
+    std::ifstream document(PERCH_SOURCES "/docs/perch.md");
+    std::set<std::pair<std::string, int>> documented;
+    for (std::string line; std::getline(document, line);) {
+        const std::vector<std::string> cells = partsOf(line, '|');
+        if (cells.size() != 3 || cells[0].find("Suite") == std::string::npos) continue;
+        for (const std::string& name : partsOf(cells[0], ','))
+            for (const std::string& version : partsOf(cells[1], ','))
+                documented.emplace(name, std::stoi(version));
+    }
+    std::set<std::pair<std::string, int>> listed;
+    std::set<std::string> names;
+    for (const SuiteCase& suite : kSuites) {
+        listed.emplace(suite.name, suite.version);
+        names.insert(suite.name);
+    }
+    EXPECT_EQ(documented, listed);
+    EXPECT_EQ(suiteNames(), names);
 }
 
 TEST_F(SuitesTest, OtherNamesAndVersionsAreRefused) {

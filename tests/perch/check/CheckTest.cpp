@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
+#include <string>
 #include <vector>
 
 namespace perch::test {
@@ -28,6 +30,16 @@ TEST(CheckTest, TheEffectKeepsToEveryRule) {
 
 TEST(CheckTest, EffectThatRendersTheSmartWayAloneKeepsToEveryRule) {
     expectEveryRuleKept(std::filesystem::path(PERCH_TEST_PLUGINS) / "Smart.so");
+}
+
+TEST(CheckTest, EffectWithAnotherPictureByEachWayDoesNot) {
+    for (const std::string bits : {"8", "16"}) {
+        const std::vector<std::string> failures =
+            failuresOf(std::filesystem::path(PERCH_TEST_PLUGINS) / ("TwoPictures" + bits + ".so"));
+        EXPECT_EQ(std::ranges::count(failures,
+                                     "at " + bits + " bits RENDER gives another picture than SMART_RENDER"),
+                  1);
+    }
 }
 
 TEST(CheckTest, AFaultyEffectDoesNot) {
