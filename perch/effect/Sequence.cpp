@@ -163,13 +163,16 @@ FrameRequest Sequence::completed(const FrameRequest& asked) const {
     const EffectDescription& description = effect.host->description;
     FrameRequest request = asked;
     if (request.input == nullptr) throw Error("a frame needs an input picture");
-    bool hasDeepPicture = request.input->isDeep();
-    for (const auto& [index, picture] : request.layers)
-        hasDeepPicture = hasDeepPicture || (picture != nullptr && picture->isDeep());
-    if (hasDeepPicture && !effect.supportsDeepColor())
+    if (request.input->isDeep() && !effect.supportsDeepColor())
         throw Error("the effect does not handle 16 bits per channel; give it 8-bit pictures");
     if (isFloat(request) && !effect.supportsFloatColor())
         throw Error("the effect does not handle floating-point channels; give it pictures of 8 or 16 bits");
+    for (const auto& [index, picture] : request.layers)
+        if (picture != nullptr && picture->depth() != request.input->depth())
+            throw Error(
+                fmt::format("the picture of parameter {} has another depth than the input; give "
+                            "both the same",
+                            index));
     if (request.outputWidth <= 0) request.outputWidth = request.input->width();
     if (request.outputHeight <= 0) request.outputHeight = request.input->height();
     if (request.values.empty())
@@ -227,20 +230,40 @@ void Sequence::sendWithValues(PF_Cmd command, ParameterValues& values, void* ext
     for (const Parameter& parameter : effect.host->description.parameters) {
         const auto place = static_cast<std::size_t>(parameter.index);
         keepUnlessChanged(command, values[place], parameter.index, call.values[place]);
+        if (isArbitrary(parameter)) takeArbitraryValue(command, parameter, call.values[place]);
         call.values[place].uu = parameter.definition.uu;
     }
     values = std::move(call.values);
 }
 
 // A value that the effect has changed counts where it says so, and while the user changes one.
-void Sequence::keepUnlessChanged(PF_Cmd command, const PF_ParamDef& given, PF_ParamIndex index,
-                                 PF_ParamDef& left) {
+bool Sequence::mayChange(PF_Cmd command, PF_ParamIndex index, const PF_ParamDef& left) {
     const bool isDeclared = (left.uu.change_flags & PF_ChangeFlag_CHANGED_VALUE) != 0;
-    if (isSameValue(given, left) || (command == PF_Cmd_USER_CHANGED_PARAM && isDeclared)) return;
+    if (command == PF_Cmd_USER_CHANGED_PARAM && isDeclared) return true;
     effect.host->ledger.fault("", fmt::format("parameter {} was changed {}; hosts pass over that", index,
                                               isDeclared ? "outside of USER_CHANGED_PARAM"
                                                          : "without PF_ChangeFlag_CHANGED_VALUE"));
-    takeValue(given, left);
+    return false;
+}
+
+void Sequence::keepUnlessChanged(PF_Cmd command, const PF_ParamDef& given, PF_ParamIndex index,
+                                 PF_ParamDef& left) {
+    if (!isSameValue(given, left) && !mayChange(command, index, left)) takeValue(given, left);
+}
+
+// The effect may put another instance in the place of its value, whether it disposes of the old one or not.
+void Sequence::takeArbitraryValue(PF_Cmd command, const Parameter& parameter, const PF_ParamDef& left) {
+    Host& host = *effect.host;
+    PF_ArbitraryH& kept = arbitraryValues[parameter.index];
+    const PF_ArbitraryH given = left.u.arb_d.value;
+    if (given == kept || !mayChange(command, parameter.index, left)) return;
+    if (!host.handles.isLive(given)) {
+        host.ledger.fault(
+            "", fmt::format("the new value of parameter {} is not a handle of the host", parameter.index));
+        return;
+    }
+    if (host.handles.isLive(kept)) ArbitraryData(host, parameter).dispose(kept);
+    kept = given;
 }
 
 CommandResult Sequence::send(PF_Cmd command, void* extra) {

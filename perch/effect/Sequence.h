@@ -47,6 +47,8 @@ private:
     void throwIfFailed(const Call& call);
     void setDown() noexcept;
     void sendWithValues(PF_Cmd command, ParameterValues& values, void* extra);
+    bool mayChange(PF_Cmd command, PF_ParamIndex index, const PF_ParamDef& left);
+    void takeArbitraryValue(PF_Cmd command, const Parameter& parameter, const PF_ParamDef& left);
     void keepUnlessChanged(PF_Cmd command, const PF_ParamDef& given, PF_ParamIndex index, PF_ParamDef& left);
 
     Effect& effect;

@@ -10,6 +10,7 @@
 #include "Error.h"
 #include "Host.h"
 #include "PF_Arbitrary.h"
+#include "ParameterText.h"
 #include "ScriptedEffect.h"
 #include "Sequence.h"
 #include "WorldPictures.h"
@@ -182,11 +183,54 @@ TEST_P(ArbitraryDataTest, SavedValueIsLoadedAndCompared) {
 TEST_P(ArbitraryDataTest, DefaultIsPrintedForTheDescription) {
     Effect effect(ScriptedEffect::enter, {}, strictOptions());
     effect.printDefaults();
-    EXPECT_EQ(effect.description().parameters[0].printedDefault, "0.25 to 0.75");
+    EXPECT_EQ(defaultText(effect.description().parameters[0]), "0.25 to 0.75");
     answerWith([](const EffectCall&) { return PF_Err{PF_Err_BAD_CALLBACK_PARAM}; });
     effect.printDefaults();
-    EXPECT_EQ(effect.description().parameters[0].printedDefault, "");
+    EXPECT_EQ(defaultText(effect.description().parameters[0]), "");
     answerWith(answer);
+}
+
+// The effect is asked before its sequence is flattened, so nothing has to be put back.
+TEST_P(ArbitraryDataTest, SavingThatFailsLeavesTheInstanceAsItWas) {
+    for (const PF_FunctionSelector failing : {PF_Arbitrary_FLATTEN_FUNC, PF_Arbitrary_COMPARE_FUNC}) {
+        Effect effect(ScriptedEffect::enter, {}, strictOptions());
+        {
+            Sequence sequence(effect);
+            answerWith([failing](const EffectCall& call) {
+                const auto& extra = *static_cast<PF_ArbParamsExtra*>(call.extra);
+                return extra.which_function == failing ? PF_Err{PF_Err_OUT_OF_MEMORY} : answer(call);
+            });
+            EXPECT_THROW(sequence.flatten(), EffectError);
+            sequence.render(request);
+        }
+        effect.close();
+        EXPECT_THAT(faults(effect), IsEmpty()) << failing;
+    }
+}
+
+TEST_P(ArbitraryDataTest, ValueThatTheEffectPutsInPlaceOfItsOwnIsKept) {
+    for (const bool isOldDisposedOf : {false, true}) {
+        script.on(PF_Cmd_USER_CHANGED_PARAM, [isOldDisposedOf](const EffectCall& call) {
+            PF_ArbitraryH& value = call.params[1]->u.arb_d.value;
+            if (isOldDisposedOf) call.utilities().host_dispose_handle(value);
+            value = newGradient(call.utilities(), {0.5, 1});
+            call.params[1]->uu.change_flags = PF_ChangeFlag_CHANGED_VALUE;
+            return PF_Err_NONE;
+        });
+        Effect effect(ScriptedEffect::enter, {}, strictOptions());
+        {
+            Sequence sequence(effect);
+            ParameterValues values = effect.defaultValues(4, 3);
+            sequence.userChangedParam(1, values);
+            const World frame = sequence.render(request).picture;
+            forDepth(frame.record(), [&]<class P>() {
+                EXPECT_EQ(rowOf<P>(frame.record(), 0)[0].red, kWhite<P> / 2);
+                EXPECT_EQ(rowOf<P>(frame.record(), 0)[3].red, kWhite<P>);
+            });
+        }
+        effect.close();
+        EXPECT_THAT(faults(effect), IsEmpty());
+    }
 }
 
 TEST_P(ArbitraryDataTest, EveryFunctionAnswers) {

@@ -216,6 +216,16 @@ TEST_F(FailureTest, DeepPictureIsRefusedWithoutTheFlag) {
     EXPECT_EQ(liveOnce(), "");
 }
 
+TEST_F(FailureTest, PicturesOfOneFrameHaveOneDepth) {
+    script.declareFlags(PF_OutFlag_DEEP_COLOR_AWARE);
+    script.declareParameters({parameterOfType(PF_Param_LAYER, "Layer")});
+    const World deep(4, 3, true);
+    request.layers[1] = &deep;
+    EXPECT_EQ(liveOnce(), "the picture of parameter 1 has another depth than the input; give both the same");
+    request.input = &deep;
+    EXPECT_EQ(liveOnce(), "");
+}
+
 TEST_F(FailureTest, InterruptIsSeenBeforeAFrameThatWasLeftAsItWas) {
     script.declareFlags(0, PF_OutFlag2_SUPPORTS_SMART_RENDER);
     const std::atomic<bool> cancelled = true;
