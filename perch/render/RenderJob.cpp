@@ -43,7 +43,8 @@ private:
     const std::chrono::nanoseconds start = timeOf(clock);
 };
 
-// Of a picture of `extent` pixels that is made smaller; nothing at its edge is cut off.
+// Of a picture of `extent` pixels that is made smaller. Nothing at its edge is cut off: where the extent is
+// not whole, the picture is stretched to the next pixel.
 std::int32_t smallerExtent(std::int32_t extent, const PF_RationalScale& scale) {
     return static_cast<std::int32_t>((std::int64_t{extent} * scale.num + scale.den - 1) / scale.den);
 }

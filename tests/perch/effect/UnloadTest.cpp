@@ -9,8 +9,10 @@
 namespace perch::test {
 namespace {
 
+class UnloadTest : public testing::TestWithParam<bool> {};
+
 // The main thread keeps its own: it does not end.
-TEST(UnloadTest, EffectsCodeStaysLoadedUntilTheWorkersHaveEnded) {
+TEST_P(UnloadTest, EffectsCodeStaysLoadedUntilTheWorkersHaveEnded) {
     constexpr int kThreads = 4;
     int ends[2];
     ASSERT_EQ(pipe(ends), 0);
@@ -19,7 +21,7 @@ TEST(UnloadTest, EffectsCodeStaysLoadedUntilTheWorkersHaveEnded) {
         options.threads = kThreads;
         Effect effect(std::filesystem::path(PERCH_TEST_PLUGINS) / "PerThread.so", options);
         Sequence sequence(effect);
-        const World input(2, 2, false);
+        const World input(2, 2, GetParam());
         FrameRequest request;
         request.input = &input;
         request.values = effect.defaultValues(2, 2);
@@ -32,6 +34,9 @@ TEST(UnloadTest, EffectsCodeStaysLoadedUntilTheWorkersHaveEnded) {
     close(ends[0]);
     EXPECT_EQ(told, std::string(kThreads - 1, 'x'));
 }
+
+INSTANTIATE_TEST_SUITE_P(Depth, UnloadTest, testing::Bool(),
+                         [](const auto& depth) { return depth.param ? "Bits16" : "Bits8"; });
 
 }  // namespace
 }  // namespace perch::test

@@ -50,6 +50,7 @@ extern "C" __attribute__((visibility("default"))) PF_Err EffectMain(PF_Cmd cmd, 
     switch (cmd) {
         case PF_Cmd_GLOBAL_SETUP:
             arrived = 0;
+            out_data->out_flags = PF_OutFlag_DEEP_COLOR_AWARE;
             return pthread_key_create(&key, destroy) == 0 ? PF_Err_NONE : PF_Err_OUT_OF_MEMORY;
         case PF_Cmd_PARAMS_SETUP:
             return declareParameters(*in_data, *out_data);

@@ -137,6 +137,15 @@ PF_Err declareParameters(const PF_InData& in, PF_OutData& out) {
     return PF_Err_NONE;
 }
 
+// A host that goes by another name than perch is told so.
+void reportApplication(A_long application, PF_OutData& out) {
+    if (application == static_cast<A_long>(PF_FOUR_CC('p', 'r', 'c', 'h'))) return;
+    const std::size_t length = std::strlen(out.return_msg);
+    std::snprintf(out.return_msg + length, sizeof out.return_msg - length, ", application %c%c%c%c",
+                  application >> 24 & 255, application >> 16 & 255, application >> 8 & 255,
+                  application & 255);
+}
+
 void report(PF_ParamDef* params[], PF_OutData& out) {
     const auto value = [&](Index index) -> const PF_ParamDefUnion& { return params[index]->u; };
     const PF_Pixel tint = value(kTint).cd.value;
@@ -181,6 +190,7 @@ PF_Err render(const PF_InData& in, PF_OutData& out, PF_ParamDef* params[], const
     }
     copyPixels(params[kInput]->u.ld, output);
     report(params, out);
+    reportApplication(in.appl_id, out);
     return PF_Err_NONE;
 }
 

@@ -9,12 +9,14 @@
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
+#include <limits>
 #include <optional>
 #include <string>
 #include <system_error>
 #include <thread>
 
 #include "PictureFiles.h"
+#include "PixelAccess.h"
 #include "RenderJob.h"
 #include "ScriptedEffect.h"
 #include "TemporaryFolder.h"
@@ -44,13 +46,14 @@ private:
     int events = inotify_init1(IN_CLOEXEC);
 };
 
-// in.1.png and so on, which are written, to out.1.png.
+// in.1.png and so on, which are written, to out.1.png. T is the type of their samples.
+template <typename T = std::uint8_t>
 FramePlan sequenceIn(const TemporaryFolder& folder, int frames) {
     FramePlan plan;
     plan.isSequence = true;
     for (int frame = 1; frame <= frames; ++frame) {
         const std::string name = std::to_string(frame) + ".png";
-        writeFile<std::uint8_t>(folder / ("in." + name), {}, {10, 20, 30, 255});
+        writeFile<T>(folder / ("in." + name), {}, {10, 20, 30, std::numeric_limits<T>::max()});
         plan.frames.push_back({frame, folder / ("in." + name), folder / ("out." + name), {}});
     }
     return plan;
@@ -119,11 +122,22 @@ TEST(RenderJobTest, FailedWriteEndsTheJobAtTheNextFrame) {
     EXPECT_LT(begun, static_cast<std::size_t>(kFrames) - 2);
 }
 
-// The user sets the first of three sliders; the effect answers by changing the second.
-TEST(RenderJobTest, SupervisedSettingsAreToldBeforeTheFirstFrameAndWhatTheyChangeHoldsForAll) {
+template <typename T>
+class SampleTypeTest : public testing::Test {
+protected:
+    SampleTypeTest() { script.declareFlags(PF_OutFlag_DEEP_COLOR_AWARE); }
+
     const TemporaryFolder folder;
-    const FramePlan plan = sequenceIn(folder, 2);
     ScriptedEffect script;
+};
+
+using SampleTypes = testing::Types<std::uint8_t, std::uint16_t>;
+TYPED_TEST_SUITE(SampleTypeTest, SampleTypes);
+
+// The user sets the first of three sliders; the effect answers by changing the second.
+TYPED_TEST(SampleTypeTest, SupervisedSettingsAreToldBeforeTheFirstFrameAndWhatTheyChangeHoldsForAll) {
+    const FramePlan plan = sequenceIn<TypeParam>(this->folder, 2);
+    ScriptedEffect& script = this->script;
     std::vector<PF_ParamDef> sliders(3, parameterOfType(PF_Param_SLIDER, "S"));
     sliders[0].flags = sliders[2].flags = PF_ParamFlag_SUPERVISE;
     script.declareParameters(sliders);
@@ -175,19 +189,38 @@ TEST(RenderJobTest, KeysGiveEachFrameTheValueOfItsNumber) {
     EXPECT_EQ(rendered, (std::vector<A_long>{60, 90})) << "whichever frames are rendered beside them";
 }
 
-TEST(RenderJobTest, PicturesAreMadeSmallerWhereThatIsAskedFor) {
-    const TemporaryFolder folder;
+// Four columns and three rows at a half, rounded up to two rows: a pixel of the first is the mean of two
+// columns, of all of row 0 and half of row 1, which weigh 1365 and 683 of 2048.
+TYPED_TEST(SampleTypeTest, PicturesAreMadeSmallerWhereThatIsAskedFor) {
+    constexpr TypeParam kMost = std::numeric_limits<TypeParam>::max();
+    const auto red = [](int x, int y) { return static_cast<TypeParam>(kMost / 16 * (x + 4 * y)); };
+    std::vector<TypeParam> samples;
+    for (int y = 0; y < 3; ++y)
+        for (int x = 0; x < 4; ++x)
+            samples.insert(samples.end(), {red(x, y), kMost, 0, kMost});
     FramePlan plan;
-    writeFile<std::uint8_t>(folder / "in.png", {.width = 5, .height = 3},
-                            std::vector<std::uint8_t>(5 * 3 * 4, 255));
-    plan.frames.push_back({0, folder / "in.png", folder / "out.png", {}});
-    ScriptedEffect script;
-    script.on(PF_Cmd_RENDER, [](const EffectCall& call) {
-        EXPECT_EQ(call.output->width, 3);
+    writeFile<TypeParam>(this->folder / "in.png", {.width = 4, .height = 3}, samples);
+    plan.frames.push_back({0, this->folder / "in.png", this->folder / "out.png", {}});
+    // As a code of a world.
+    const auto codeAt = [&](int x, int y) {
+        const std::uint32_t sample = red(x, y);
+        return sizeof(TypeParam) == 1 ? sample : (sample * 32768 + kMost / 2) / kMost;
+    };
+    this->script.on(PF_Cmd_RENDER, [&](const EffectCall& call) {
+        EXPECT_EQ(call.output->width, 2);
         EXPECT_EQ(call.output->height, 2);
-        EXPECT_EQ(call.in->width, 5);
+        EXPECT_EQ(call.in->width, 4);
         EXPECT_EQ(call.in->height, 3);
         EXPECT_EQ(call.in->downsample_x.den, 2U);
+        const PF_LayerDef& input = call.params[0]->u.ld;
+        forDepth(input, [&]<class P>() {
+            for (int x = 0; x < 2; ++x) {
+                const auto both = [&](int y) { return codeAt(2 * x, y) + codeAt(2 * x + 1, y); };
+                EXPECT_EQ(rowOf<P>(input, 0)[x].red, (1365 * both(0) + 683 * both(1) + 2048) / 4096);
+                EXPECT_EQ(rowOf<P>(input, 0)[x].green, kWhite<P>);
+                EXPECT_EQ(rowOf<P>(input, 0)[x].alpha, kWhite<P>);
+            }
+        });
         return PF_Err_NONE;
     });
     Effect effect(ScriptedEffect::enter, {}, strictOptions());
@@ -196,7 +229,7 @@ TEST(RenderJobTest, PicturesAreMadeSmallerWhereThatIsAskedFor) {
     settings.resizes = true;
     RenderReport report;
     renderFrames(effect, settings, {}, plan, {}, report);
-    EXPECT_EQ(readWorld(folder / "out.png").pixels.width(), 3);
+    EXPECT_EQ(readWorld(this->folder / "out.png").pixels.width(), 2);
 }
 
 }  // namespace
