@@ -1,4 +1,9 @@
-# How macos.cmake links a bundle; read after CMake has set its own rule.
+# How macos.cmake links a bundle; read after CMake has set its own rules.
+
+# CMake finds out about byte order and pointers with this flag; Zig refuses the one for Apple's compiler.
+set(CMAKE_C_VERBOSE_FLAG -v)
+set(CMAKE_CXX_VERBOSE_FLAG -v)
+
 set(runtime "${KESTREL_ZIG_ROOT}/runtime/${KESTREL_ZIG_TARGET}")
 # The linker itself is called, so that its options need no prefix.
 set(CMAKE_CXX_LINKER_WRAPPER_FLAG "")
