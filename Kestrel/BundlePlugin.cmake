@@ -16,6 +16,6 @@ function(kestrel_finish_plugin name folder)
     set_target_properties(${name} PROPERTIES
       LIBRARY_OUTPUT_DIRECTORY "${contents}/${CMAKE_SYSTEM_NAME}-${KESTREL_ARCHITECTURE}"
       LINK_DEPENDS "${exports}")
-    target_link_options(${name} PRIVATE "LINKER:--version-script=${exports}")
+    target_link_options(${name} PRIVATE "-Wl,--version-script=${exports}")
   endif()
 endfunction()
