@@ -18,7 +18,19 @@ fi
 SOURCE_DATE_EPOCH=$(scripts/source-date.sh)
 export SOURCE_DATE_EPOCH
 
+staged=build/staged
+rm -rf dist "$staged"
+mkdir -p dist
+
 scripts/install-zig.sh
+
+# Debian has a folder for the libraries of each kind of processor; elsewhere they are in lib.
+cmake --preset products -D CMAKE_INSTALL_LIBDIR="lib/$(gcc -print-multiarch)"
+cmake --build --preset products
+(cd build/products && cpack -G DEB -B "$OLDPWD/$staged/deb")
+cp "$staged"/deb/*.deb dist
+cmake --preset products -U CMAKE_INSTALL_LIBDIR
+
 for preset in tools products windows-x64 macos-arm64 macos-x64 linux-x64; do
     target=Kestrel
     [ "$preset" != tools ] || target=make-resources
@@ -26,10 +38,6 @@ for preset in tools products windows-x64 macos-arm64 macos-x64 linux-x64; do
     cmake --preset "$preset"
     cmake --build --preset "$preset" --target "$target"
 done
-
-staged=build/staged
-rm -rf dist "$staged"
-mkdir -p dist
 
 # stage SYSTEM: an empty folder with the system's README
 stage() {
@@ -82,9 +90,6 @@ cp build/products/perch.1 "$folder/share/man/man1"
     notice "JSON for Modern C++" "$documents/nlohmann-json3-dev/copyright"
 } >"$folder/NOTICES.txt"
 scripts/pack.py "dist/Kestrel-$version-linux-x64.tar.gz" "$folder"
-
-(cd build/products && cpack -G DEB -B "$OLDPWD/$staged/deb")
-cp "$staged"/deb/*.deb dist
 
 if git rev-parse --git-dir >/dev/null 2>&1; then
     folder="$staged/Kestrel-$version-source"

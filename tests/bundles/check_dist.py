@@ -6,6 +6,7 @@ Where LLVM's tools are installed they are asked the same, as a second opinion.
 
 import hashlib
 import pathlib
+import platform
 import plistlib
 import re
 import shutil
@@ -24,7 +25,7 @@ from binary import Malformed, require  # noqa: E402
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 PIPL_KEYS = ["8664", "aeFL", "catg", "eGL2", "eGLO", "eINF", "eMNA", "ePVR", "eSVR", "eVER", "kind", "ma64", "mi64", "name"]
-WINDOWS_LIBRARIES = {"kernel32.dll", "msvcrt.dll"}
+WINDOWS_LIBRARIES = {"advapi32.dll", "kernel32.dll", "msvcrt.dll"}
 LINUX_LIBRARIES = {"libc.so.6", "libm.so.6", "libdl.so.2", "libpthread.so.0", "ld-linux-x86-64.so.2"}
 LLVM_LIBRARIES = ("libc++", "libc++abi", "compiler_rt")
 HARDENED = 0x160  # any address, also above 4 GiB; data are not run
@@ -98,6 +99,12 @@ def second_opinion(what: str, ours: list[str], printed: str | None, pattern: str
         same(f"{what}, as LLVM reads it", sorted(set(ours)), sorted(set(re.findall(pattern, printed, re.M))))
 
 
+def check_vectors(what: str, path: pathlib.Path, *options: str) -> None:
+    """Every level's kernels are in a library for x86-64: the widest registers occur."""
+    printed = tool("llvm-objdump", "--disassemble", *options, str(path))
+    require(printed is None or "%zmm" in printed, f"{what} lacks the kernels of AVX-512")
+
+
 def check_windows(archive: pathlib.Path, folder: pathlib.Path) -> dict[str, object]:
     files = unpack(archive)
     same(f"{archive.name}, files", ["Kestrel.aex", "NOTICES.txt", "README.txt"], sorted(files))
@@ -123,6 +130,7 @@ def check_windows(archive: pathlib.Path, folder: pathlib.Path) -> dict[str, obje
 
     path = folder / "Kestrel.aex"
     path.write_bytes(content)
+    check_vectors("Kestrel.aex", path)
     printed = tool("llvm-readobj", "--coff-exports", str(path))
     second_opinion("Kestrel.aex, exports", library.exports(), printed, r"^  Name: (\S+)")
     printed = tool("llvm-readobj", "--coff-imports", str(path))
@@ -178,6 +186,8 @@ def check_macos(archive: pathlib.Path, folder: pathlib.Path) -> dict[str, object
         same(f"{name}, minimum system", MACOS_MINIMUM, library.minimum_system)
         require(library.is_signed or processor != "arm64", f"{name} is not signed")
         arch = f"--arch={processor}"
+        if processor == "x86_64":
+            check_vectors(name, path, "--macho", arch)
         printed = tool("llvm-objdump", "--macho", arch, "--exports-trie", str(path))
         second_opinion(f"{name}, exports", library.exports, printed, r"^0x[0-9A-F]+ +(\S+)")
         printed = tool("llvm-objdump", "--macho", arch, "--dylibs-used", str(path))
@@ -186,6 +196,17 @@ def check_macos(archive: pathlib.Path, folder: pathlib.Path) -> dict[str, object
         second_opinion(f"{name}, minimum system", [library.minimum_system], printed, r"^ +minos (\S+)")
         second_opinion(f"{name}, signature", ["LC_CODE_SIGNATURE"] * library.is_signed, printed, r"LC_CODE_SIGNATURE")
     return properties
+
+
+def check_runs(archive: pathlib.Path, folder: pathlib.Path) -> None:
+    """perch tries the plug-in beside it, and unloads it, where what is in the archive runs."""
+    if platform.system() != "Linux" or platform.machine() != "x86_64":
+        return
+    with tarfile.open(archive) as packed:
+        packed.extractall(folder)
+    program = folder / archive.name.removesuffix(".tar.gz") / "bin/perch"
+    result = subprocess.run([program, "check"], capture_output=True, text=True)
+    require(result.returncode == 0, f"perch check ends with {result.returncode}: {result.stdout}{result.stderr}")
 
 
 def check_linux(archive: pathlib.Path, folder: pathlib.Path) -> dict[str, object]:
@@ -203,6 +224,7 @@ def check_linux(archive: pathlib.Path, folder: pathlib.Path) -> dict[str, object
     same("Kestrel.so, processor", 62, library.machine)
     same("Kestrel.so, exports", ["PluginMain"], library.exports)
     same("Kestrel.so, run paths", [], library.run_paths)
+    require(library.binds_at_start and library.protects_addresses, "Kestrel.so keeps the addresses of calls writable")
     foreign = set(library.libraries) - LINUX_LIBRARIES
     require(not foreign, f"Kestrel.so needs {', '.join(foreign)}")
     for version in library.versions:
@@ -210,10 +232,12 @@ def check_linux(archive: pathlib.Path, folder: pathlib.Path) -> dict[str, object
         require(numbers <= (2, 17), f"Kestrel.so needs {version}")
     path = folder / "Kestrel.so"
     path.write_bytes(content)
+    check_vectors("Kestrel.so", path)
     printed = tool("llvm-readobj", "--needed-libs", str(path))
     second_opinion("Kestrel.so, needed libraries", library.libraries, printed, r"^  (\S+\.so\S*)$")
     printed = tool("llvm-readobj", "--version-info", str(path))
     second_opinion("Kestrel.so, versions", library.versions, printed, r"^ +Name: (GLIBC_\S+)$")
+    check_runs(archive, folder)
     return properties
 
 

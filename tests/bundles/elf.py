@@ -4,6 +4,8 @@ from binary import Bytes, require
 
 DYNAMIC_SYMBOLS, DYNAMIC, VERSION_NEEDS = 11, 6, 0x6FFFFFFE
 NEEDED, RUN_PATHS = 1, (15, 29)
+FLAGS, FLAGS_1 = 30, 0x6FFFFFFB
+RELRO = 0x6474E552
 
 
 class LinuxLibrary:
@@ -14,6 +16,9 @@ class LinuxLibrary:
         table, size, count = at.number(40, 8), at.number(58, 2), at.number(60, 2)
         self.sections = [table + size * i for i in range(count)]
         self.exports, self.libraries, self.run_paths, self.versions = [], [], [], set()
+        self.binds_at_start = False
+        headers, size, count = at.number(32, 8), at.number(54, 2), at.number(56, 2)
+        self.protects_addresses = any(at.number(headers + size * i, 4) == RELRO for i in range(count))
         for section in self.sections:
             kind = at.number(section + 4, 4)
             start, length = at.number(section + 24, 8), at.number(section + 32, 8)
@@ -26,11 +31,13 @@ class LinuxLibrary:
                         self.exports.append(at.text(strings + at.number(symbol, 4)))
             elif kind == DYNAMIC:
                 for entry in range(start, start + length, 16):
-                    tag, text = at.number(entry, 8), strings + at.number(entry + 8, 8)
+                    tag, value = at.number(entry, 8), at.number(entry + 8, 8)
                     if tag == NEEDED:
-                        self.libraries.append(at.text(text))
+                        self.libraries.append(at.text(strings + value))
                     elif tag in RUN_PATHS:
-                        self.run_paths.append(at.text(text))
+                        self.run_paths.append(at.text(strings + value))
+                    elif (tag, value & 8) == (FLAGS, 8) or (tag, value & 1) == (FLAGS_1, 1):
+                        self.binds_at_start = True
             else:
                 self.read_versions(start, strings, at.number(section + 44, 4))
 
