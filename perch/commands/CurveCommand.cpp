@@ -28,12 +28,15 @@ struct CurveOptions {
     std::string plugin;
     std::string frames;
     std::string plot;
+    std::string preset;
 };
 
 void addOwnOptions(CLI::App& app, CurveOptions& options) {
     addHelpFlag(app, options.wantsHelp);
     app.add_option("--frames", options.frames, "the frames, like 1-24 or 1-24x2")->type_name("RANGE");
     app.add_option("--plot", options.plot, "a drawing of the values to be written, as SVG")
+        ->type_name("FILE");
+    app.add_option("--preset", options.preset, "values and keys from a file; options replace them")
         ->type_name("FILE");
     app.add_option("--plugin", options.plugin, "the effect; without it, the only one beside the program")
         ->type_name("BUNDLE");
@@ -96,7 +99,7 @@ int runCurveCommand(const std::vector<std::string>& arguments) {
     parseAllArguments(app, arguments);
     if (own.frames.empty()) throw UsageError("--frames is missing; see perch curve --help");
     const std::vector<std::int32_t> frames = framesIn(parseFrameRange(own.frames));
-    const ParameterArguments given = takeParameterArguments(app, options, texts);
+    const ParameterArguments given = takeParameterArguments(app, options, texts, own.preset);
     if (given.curves.empty())
         throw UsageError("no parameter is given a value; for example --focal-point 1:20,48:70");
 

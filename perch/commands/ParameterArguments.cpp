@@ -3,10 +3,12 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 
 #include "Console.h"
 #include "CurveText.h"
 #include "ParameterText.h"
+#include "Preset.h"
 
 namespace perch {
 namespace {
@@ -46,10 +48,15 @@ void addParameterOptions(CLI::App& app, const std::vector<ParameterOption>& opti
 }
 
 ParameterArguments takeParameterArguments(const CLI::App& app, const std::vector<ParameterOption>& options,
-                                          const ParameterTexts& texts) {
+                                          const ParameterTexts& texts, const std::string& preset) {
     ParameterArguments result;
     for (const ParameterOption& option : options) {
         if (app.count("--" + option.name) > 0) takeParameter(option, texts.at(option.name), result);
+    }
+    if (preset.empty()) return result;
+    for (ParameterCurve& curve : readPreset(preset, options)) {
+        if (std::ranges::find(result.curves, curve.index, &ParameterCurve::index) == result.curves.end())
+            result.curves.push_back(std::move(curve));
     }
     return result;
 }

@@ -29,8 +29,9 @@ using ParameterTexts = std::map<std::string, std::string>;
 // Makes `app` take the options into `texts`, which must outlive it.
 void addParameterOptions(CLI::App& app, const std::vector<ParameterOption>& options, ParameterTexts& texts);
 
-// What the texts stand for, of the options that `app` met. Throws UsageError with what was expected.
+// What the texts stand for, of the options that `app` met; then, of the other parameters, what the preset
+// holds, if one is named. Throws UsageError with what was expected.
 ParameterArguments takeParameterArguments(const CLI::App& app, const std::vector<ParameterOption>& options,
-                                          const ParameterTexts& texts);
+                                          const ParameterTexts& texts, const std::string& preset);
 
 }  // namespace perch

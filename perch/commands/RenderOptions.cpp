@@ -34,6 +34,7 @@ struct Texts {
     std::string compression = std::to_string(kFastCompression);
     std::string frames;
     std::string frameLimit = "0";
+    std::string preset;
 };
 
 // "1/2". The numbers are read as unsigned ones, which takes digits alone: no sign and no space.
@@ -127,6 +128,9 @@ void addOwnOptions(CLI::App& app, Texts& texts) {
     app.add_option("--frames", texts.frames,
                    "the frames of the sequence, like 1-24 or 1-24x2 (default: all that exist)")
         ->type_name("RANGE");
+    app.add_option("--preset", texts.preset,
+                   "values and keys from a file, which perch preset writes; options replace them")
+        ->type_name("FILE");
     app.add_option("--plugin", texts.plugin, "the effect; without it, the only one beside the program")
         ->type_name("BUNDLE");
     app.add_option("--threads", texts.threads, "worker threads; 0 for one per processor (default 0)")
@@ -227,7 +231,7 @@ ParameterArguments parseParameterArguments(const std::vector<std::string>& argum
     addParameterOptions(app, options, texts);
     parseAllArguments(app, arguments);
 
-    return takeParameterArguments(app, options, texts);
+    return takeParameterArguments(app, options, texts, ownTexts.preset);
 }
 
 std::string renderHelp(const EffectDescription* effect) {

@@ -47,12 +47,28 @@ void writeSequences(const fs::path& folder) {
     writeBytes(folder / "torn.0002.png", "not a picture");
 }
 
+// look.json is whole; each other file has one mistake.
+void writePresets(const fs::path& folder) {
+    writeBytes(folder / "look.json",
+               "{\n  // comments are allowed\n  \"amount\": [{\"frame\": 1, \"value\": 20}, "
+               "{\"frame\": 3, \"value\": 70, \"key\": \"smooth\"}],\n  \"softness\": 0.1,\n"
+               "  \"invert-control\": true, \"centre\": [1, 2.5], \"tint\": \"2:#000000,3:#0a141e\",\n"
+               "  \"blur-type\": \"Fast\"\n}\n");
+    writeBytes(folder / "misspelt.json", "{\"amout\": 3}");
+    writeBytes(folder / "layer.json", "{\"matte\": \"matte.png\"}");
+    writeBytes(folder / "wide.json", "{\"amount\": 101}");
+    writeBytes(folder / "keyless.json", "{\"amount\": [{\"frame\": 1}]}");
+    writeBytes(folder / "list.json", "[1, 2]");
+    writeBytes(folder / "cut.json", "{\n\"amount\": 4,\n");
+}
+
 }  // namespace
 
 CommandLine::CommandLine() {
     fs::create_directory(folder);
     writeStills(folder);
     writeSequences(folder);
+    writePresets(folder);
     fs::create_directory(folder / "Empty.plugin");
 }
 

@@ -1,0 +1,134 @@
+#include "Preset.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+#include "CurveText.h"
+#include "Error.h"
+#include "FileBytes.h"
+#include "NearestName.h"
+#include "PF_Values.h"
+#include "ParameterText.h"
+
+namespace perch {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+// The text of a value as the command line takes it; none of what can be no value.
+std::string textOf(const Json& value) {
+    if (value.is_string()) return value.get<std::string>();
+    if (value.is_boolean()) return value.get<bool>() ? "on" : "off";
+    if (value.is_number_integer()) return fmt::format("{}", value.get<std::int64_t>());
+    if (value.is_number()) return fmt::format("{}", value.get<double>());
+    if (!value.is_array()) return "";
+    std::string text;
+    for (const Json& part : value)
+        text += fmt::format("{}{}", text.empty() ? "" : ",", textOf(part));
+    return text;
+}
+
+bool isKeys(const Json& value) {
+    return value.is_array() && !value.empty() && value.front().is_object();
+}
+
+// "1:20,48:70:smooth"
+std::string textOfKeys(const Json& keys, const std::string& name) {
+    std::string text;
+    for (const Json& key : keys) {
+        const bool isWhole = key.is_object() && key.contains("frame") && key.contains("value") &&
+                             key["frame"].is_number_integer();
+        if (!isWhole)
+            throw UsageError(
+                fmt::format("{}: a key is like {{\"frame\": 1, \"value\": 20, \"key\": \"smooth\"}}, not {}",
+                            name, key.dump()));
+        text += fmt::format("{}{}:{}", text.empty() ? "" : ",", textOf(key["frame"]), textOf(key["value"]));
+        if (key.contains("key")) text += fmt::format(":{}", textOf(key["key"]));
+    }
+    return text;
+}
+
+ParameterCurve curveOf(const ParameterOption& option, const Json& value, const std::string& name) {
+    if (isLayer(option.parameter))
+        throw UsageError(
+            fmt::format("{} is a layer, which a preset does not hold; give --{}", name, option.name));
+    const std::string text = isKeys(value) ? textOfKeys(value, name) : textOf(value);
+    return parseCurve(option.parameter, name, text);
+}
+
+Json parseJson(const std::filesystem::path& path) {
+    const auto bytes = pictures::readFile(path);
+    const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    try {
+        return Json::parse(text, nullptr, true, true);
+    } catch (const Json::parse_error& error) {
+        const std::string_view before = text.substr(0, error.byte);
+        throw UsageError(
+            fmt::format("preset \"{}\" is not JSON at line {}; a preset is like "
+                        "{{\"focal-point\": 40, \"blur-type\": \"Fine\"}}",
+                        path.string(), 1 + std::ranges::count(before, '\n')));
+    }
+}
+
+Json jsonOf(const Parameter& parameter, const std::array<double, 4>& numbers) {
+    switch (parameter.definition.param_type) {
+        case PF_Param_SLIDER:
+            return static_cast<std::int64_t>(numbers[0]);
+        case PF_Param_CHECKBOX:
+            return numbers[0] != 0;
+        case PF_Param_POPUP:
+        case PF_Param_COLOR:
+            return valueText(parameter, {parameter.index, numbers});
+        case PF_Param_POINT:
+            return {numbers[0], numbers[1]};
+        case PF_Param_POINT_3D:
+            return {numbers[0], numbers[1], numbers[2]};
+        default:
+            return numbers[0];
+    }
+}
+
+Json jsonOf(const Parameter& parameter, const ParameterCurve& curve) {
+    if (!curve.moves()) return jsonOf(parameter, curve.keys.front().numbers);
+    Json keys = Json::array();
+    for (const ParameterKey& key : curve.keys)
+        keys.push_back(
+            {{"frame", key.frame}, {"value", jsonOf(parameter, key.numbers)}, {"key", kindName(key.kind)}});
+    return keys;
+}
+
+}  // namespace
+
+std::vector<ParameterCurve> readPreset(const std::filesystem::path& path,
+                                       const std::vector<ParameterOption>& options) {
+    const Json json = parseJson(path);
+    if (!json.is_object())
+        throw UsageError(fmt::format(
+            "preset \"{}\" is not a list of names and values, like {{\"focal-point\": 40}}", path.string()));
+    std::vector<std::string> names;
+    for (const ParameterOption& option : options)
+        names.push_back(option.name);
+    std::vector<ParameterCurve> curves;
+    for (const auto& [name, value] : json.items()) {
+        const auto option = std::ranges::find(options, name, &ParameterOption::name);
+        if (option == options.end())
+            throw UsageError(fmt::format("preset \"{}\": the effect has no parameter \"{}\"{}", path.string(),
+                                         name, suggestion(name, names)));
+        curves.push_back(curveOf(*option, value, fmt::format("preset \"{}\": {}", path.string(), name)));
+    }
+    return curves;
+}
+
+std::string presetText(const std::vector<ParameterOption>& options,
+                       const std::vector<ParameterCurve>& curves) {
+    Json json = Json::object();
+    for (const ParameterOption& option : options) {
+        const auto curve = std::ranges::find(curves, option.parameter.index, &ParameterCurve::index);
+        if (curve != curves.end()) json[option.name] = jsonOf(option.parameter, *curve);
+    }
+    return json.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
+}
+
+}  // namespace perch

@@ -1,0 +1,31 @@
+// Presets: files that hold values and keys of an effect's parameters, by the names of their options.
+//
+//   {
+//     // the pull of shot 12
+//     "focal-point": [{"frame": 1, "value": 20}, {"frame": 48, "value": 70, "key": "smooth"}],
+//     "blur-type": "Fine",
+//     "maximum-blur": 30,
+//     "invert-control": true
+//   }
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "ParameterCurve.h"
+#include "ParameterOptions.h"
+
+namespace perch {
+
+// JSON with comments. A value is a number, a string as on the command line, true or false for a check box, or
+// a list of numbers for a colour or point. Throws UsageError, which names the file, for text that is not such
+// JSON, names that no option has, and values out of range; Error where the file cannot be read.
+std::vector<ParameterCurve> readPreset(const std::filesystem::path& path,
+                                       const std::vector<ParameterOption>& options);
+
+// The preset of these curves, one for each of some options, in their order.
+std::string presetText(const std::vector<ParameterOption>& options,
+                       const std::vector<ParameterCurve>& curves);
+
+}  // namespace perch
