@@ -123,6 +123,7 @@ class Report:
         self.print_kernels()
         self.print_passes()
         self.print_first_frames()
+        self.print_fine_over_coarse()
         self.print_ratios()
         self.print_all_frames()
 
@@ -227,6 +228,20 @@ class Report:
             table.add(kind.replace("/", " "), *(f"{time:.1f}" for time in frames), f"{frames[0] / frames[-1]:.2f}")
         table.print()
 
+    def print_fine_over_coarse(self):
+        """Of medians of one run, so that a busy machine disturbs them less than the times."""
+        mattes = ("ramp", "objects", "noise")
+        table = Table("Fine over Coarse: 1920x1080, radius 50, one thread, through the plug-in", "depth", *mattes)
+        for depth in ("8-bit", "16-bit"):
+            case = f"PluginFrame/{depth}/%s/1920x1080/radius:50/%s/threads:1"
+            ratios = [
+                ratio(self.cases.get(case % ("Fine", matte)), self.cases.get(case % ("Coarse", matte)))
+                for matte in mattes
+            ]
+            if set(ratios) != {"-"}:
+                table.add(depth, *ratios)
+        table.print()
+
     def print_ratios(self):
         table = Table("Radius 200 over radius 5: 8-bit Coarse, objects, one thread", "size", "pipeline", "plug-in")
         for size in dict.fromkeys(path[0] for path in below(self.cases, "PluginFrame", "8-bit", "Coarse")):
@@ -235,7 +250,6 @@ class Report:
             plugin = (self.cases.get(f"PluginFrame/{case % radius}") for radius in (200, 5))
             table.add(size, ratio(*pipeline), ratio(*plugin))
         table.print()
-
 
     def print_all_frames(self):
         """Of runs with every kind of frame at more than one size."""
