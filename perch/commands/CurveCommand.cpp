@@ -14,7 +14,7 @@
 #include "CurvePlot.h"
 #include "Effect.h"
 #include "Error.h"
-#include "FramePattern.h"
+#include "FrameList.h"
 #include "ParameterArguments.h"
 #include "ParameterText.h"
 #include "RenderOptions.h"
@@ -33,7 +33,7 @@ struct CurveOptions {
 
 void addOwnOptions(CLI::App& app, CurveOptions& options) {
     addHelpFlag(app, options.wantsHelp);
-    app.add_option("--frames", options.frames, "the frames, like 1-24 or 1-24x2")->type_name("RANGE");
+    app.add_option("--frames", options.frames, "the frames, like 1-24, 1-24x2 or 1,3,5-9")->type_name("LIST");
     app.add_option("--plot", options.plot, "a drawing of the values to be written, as SVG")
         ->type_name("FILE");
     app.add_option("--preset", options.preset, "values and keys from a file; options replace them")
@@ -41,13 +41,6 @@ void addOwnOptions(CLI::App& app, CurveOptions& options) {
     app.add_option("--plugin", options.plugin, "the effect; without it, the only one beside the program")
         ->type_name("BUNDLE");
     addInProcessFlag(app);
-}
-
-std::vector<std::int32_t> framesIn(const FrameRange& range) {
-    std::vector<std::int32_t> frames;
-    for (std::int32_t frame = range.first; frame <= range.last; frame += range.step)
-        frames.push_back(frame);
-    return frames;
 }
 
 // A field of a line of comma-separated values.
@@ -98,7 +91,7 @@ int runCurveCommand(const std::vector<std::string>& arguments) {
     app.clear();
     parseAllArguments(app, arguments);
     if (own.frames.empty()) throw UsageError("--frames is missing; see perch curve --help");
-    const std::vector<std::int32_t> frames = framesIn(parseFrameRange(own.frames));
+    const std::vector<std::int32_t> frames = parseFrameList(own.frames);
     const ParameterArguments given = takeParameterArguments(app, options, texts, own.preset);
     if (given.curves.empty())
         throw UsageError("no parameter is given a value; for example --focal-point 1:20,48:70");
@@ -106,7 +99,11 @@ int runCurveCommand(const std::vector<std::string>& arguments) {
     std::vector<PlottedCurve> curves;
     for (const ParameterCurve& curve : given.curves)
         curves.push_back({&*std::ranges::find(parameters, curve.index, &Parameter::index), &curve});
-    if (!own.plot.empty()) writePlot(own.plot, plotCurves(curves, frames));
+    if (!own.plot.empty()) {
+        std::vector<std::int32_t> ascending = frames;
+        std::ranges::sort(ascending);
+        writePlot(own.plot, plotCurves(curves, ascending));
+    }
     printResult(csvOf(curves, frames));
     return kDone;
 }

@@ -10,6 +10,7 @@
 
 #include "CommandLine.h"
 #include "Error.h"
+#include "FrameList.h"
 #include "NearestName.h"
 #include "PF_Values.h"
 
@@ -35,6 +36,7 @@ struct Texts {
     std::string frames;
     std::string frameLimit = "0";
     std::string preset;
+    bool noPattern = false;
 };
 
 // "1/2". The numbers are read as unsigned ones, which takes digits alone: no sign and no space.
@@ -118,16 +120,20 @@ std::chrono::nanoseconds parseFrameLimit(const std::string& text) {
 void addOwnOptions(CLI::App& app, Texts& texts) {
     addHelpFlag(app, texts.wantsHelp);
     app.add_option("-i,--input", texts.input,
-                   "the picture to be changed: PNG, TIFF or JPEG; a sequence by a name like in.####.png")
+                   "the picture to be changed: PNG, TIFF or JPEG; a sequence by a name like in.####.png or "
+                   "in.%04d.png")
         ->type_name("PICTURE");
     app.add_option(
            "-o,--output", texts.output,
-           "the picture to be written; the name gives the format, and like the input's has #### for a "
-           "sequence")
+           "the picture to be written; the name gives the format, and has a place for the frame number "
+           "where the input's has one")
         ->type_name("PICTURE");
-    app.add_option("--frames", texts.frames,
-                   "the frames of the sequence, like 1-24 or 1-24x2 (default: all that exist)")
-        ->type_name("RANGE");
+    app.add_option(
+           "--frames", texts.frames,
+           "the frames of the sequence in the order to render them, like 1-24, 1-24x2, 9-1 or 1,3,5-9 "
+           "(default: all that exist)")
+        ->type_name("LIST");
+    app.add_flag("--no-pattern", texts.noPattern, "take names with # and the like as those of single files");
     app.add_option("--preset", texts.preset,
                    "values and keys from a file, which perch preset writes; options replace them")
         ->type_name("FILE");
@@ -209,7 +215,8 @@ RenderOptions parseRenderOptions(const std::vector<std::string>& arguments) {
     options.load.application = parseApplication(texts.application);
     options.names.input = texts.input;
     options.names.output = texts.output;
-    if (!texts.frames.empty()) options.names.frames = parseFrameRange(texts.frames);
+    if (app.count("--frames") > 0) options.names.frames = parseFrameList(texts.frames);
+    options.names.areFiles = texts.noPattern;
     options.settings.quality = parseQuality(texts.quality);
     options.settings.smart = parseSmart(texts.smart);
     options.settings.downsample = parseDownsample(texts.downsample);

@@ -3,11 +3,13 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cctype>
 #include <charconv>
 #include <string_view>
 #include <system_error>
 
 #include "Error.h"
+#include "FrameNumber.h"
 
 namespace perch {
 namespace {
@@ -23,25 +25,63 @@ struct Place {
     std::size_t digits;
 };
 
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
+// A run of one character.
+std::optional<Place> runAt(std::string_view name, std::size_t begin, char c) {
+    const std::size_t length = std::min(name.find_first_not_of(c, begin), name.size()) - begin;
+    if (length == 0) return std::nullopt;
+    return Place{begin, length, length};
 }
 
-// The place that begins here: a run of '#', "%d" or "%04d".
-std::optional<Place> placeAt(std::string_view name, std::size_t begin) {
-    const std::string_view rest = name.substr(begin);
-    if (rest.starts_with('#')) {
-        const std::size_t length = std::min(rest.find_first_not_of('#'), rest.size());
-        return Place{begin, length, length};
-    }
-    if (rest.starts_with("%d")) return Place{begin, 2, 1};
-    if (!rest.starts_with("%0")) return std::nullopt;
+// "[####]".
+std::optional<Place> bracketsAt(std::string_view name, std::size_t begin) {
+    const std::optional<Place> inside = runAt(name, begin + 1, '#');
+    if (!inside || !name.substr(inside->begin + inside->length).starts_with(']')) return std::nullopt;
+    return Place{begin, inside->length + 2, inside->digits};
+}
+
+// What stands behind "%" or "$F": a number of digits, if any, up to `end`.
+std::optional<Place> countAt(std::string_view name, std::size_t begin, std::size_t numberBegin) {
     std::size_t digits = 0;
-    const std::from_chars_result number = std::from_chars(rest.data() + 2, rest.data() + rest.size(), digits);
-    const auto end = static_cast<std::size_t>(number.ptr - rest.data());
-    if (number.ec != std::errc() || digits == 0 || end >= rest.size() || rest[end] != 'd')
-        return std::nullopt;
-    return Place{begin, end + 1, digits};
+    const char* const text = name.data();
+    const std::from_chars_result number = std::from_chars(text + numberBegin, text + name.size(), digits);
+    if (number.ec != std::errc() || digits == 0) return std::nullopt;
+    return Place{begin, static_cast<std::size_t>(number.ptr - text) - begin, digits};
+}
+
+// "%d" or "%04d".
+std::optional<Place> percentAt(std::string_view name, std::size_t begin) {
+    if (name.substr(begin).starts_with("%d")) return Place{begin, 2, 1};
+    if (!name.substr(begin).starts_with("%0")) return std::nullopt;
+    std::optional<Place> place = countAt(name, begin, begin + 2);
+    if (!place || !name.substr(begin + place->length).starts_with('d')) return std::nullopt;
+    ++place->length;
+    return place;
+}
+
+// "$F4", or "$F" where no other letter or digit makes it another word.
+std::optional<Place> dollarAt(std::string_view name, std::size_t begin) {
+    if (!name.substr(begin).starts_with("$F")) return std::nullopt;
+    if (const std::optional<Place> place = countAt(name, begin, begin + 2)) return place;
+    const char next = begin + 2 < name.size() ? name[begin + 2] : '.';
+    const bool isWord = std::isalnum(static_cast<unsigned char>(next)) != 0 || next == '_';
+    return isWord ? std::nullopt : std::optional(Place{begin, 2, 1});
+}
+
+std::optional<Place> placeAt(std::string_view name, std::size_t begin) {
+    switch (name[begin]) {
+        case '#':
+            return runAt(name, begin, '#');
+        case '[':
+            return bracketsAt(name, begin);
+        case '@':
+            return name.substr(begin).starts_with("@@") ? runAt(name, begin, '@') : std::nullopt;
+        case '%':
+            return percentAt(name, begin);
+        case '$':
+            return dollarAt(name, begin);
+        default:
+            return std::nullopt;
+    }
 }
 
 std::vector<Place> placesIn(std::string_view name) {
@@ -53,24 +93,6 @@ std::vector<Place> placesIn(std::string_view name) {
         i += place->length - 1;
     }
     return places;
-}
-
-// A whole number of digits alone, up to kLastFrame; takes it off the front of the text.
-std::optional<std::int32_t> takeNumber(std::string_view& text) {
-    std::int32_t number = 0;
-    if (text.empty() || !isDigit(text.front())) return std::nullopt;
-    const std::from_chars_result parsed = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (parsed.ec != std::errc() || number > kLastFrame) return std::nullopt;
-    text.remove_prefix(static_cast<std::size_t>(parsed.ptr - text.data()));
-    return number;
-}
-
-// The number behind a sign, where the text goes on with it; `otherwise` where the text has ended.
-std::optional<std::int32_t> takeNumberBehind(char sign, std::string_view& text, std::int32_t otherwise) {
-    if (text.empty()) return otherwise;
-    if (text.front() != sign) return std::nullopt;
-    text.remove_prefix(1);
-    return takeNumber(text);
 }
 
 }  // namespace
@@ -106,7 +128,7 @@ fs::path FramePattern::pathOf(std::int32_t frame) const {
 std::optional<std::int32_t> FramePattern::frameOf(const std::string& fileName) const {
     if (!fileName.starts_with(before)) return std::nullopt;
     std::string_view rest = std::string_view(fileName).substr(before.size());
-    const std::optional<std::int32_t> frame = takeNumber(rest);
+    const std::optional<std::int32_t> frame = takeFrameNumber(rest);
     return frame && fileName == fileNameOf(*frame) ? frame : std::nullopt;
 }
 
@@ -122,20 +144,6 @@ std::vector<std::int32_t> FramePattern::framesOnDisk() const {
     }
     std::ranges::sort(frames);
     return frames;
-}
-
-FrameRange parseFrameRange(const std::string& text) {
-    std::string_view rest = text;
-    const std::optional<std::int32_t> first = takeNumber(rest);
-    const std::optional<std::int32_t> last = first ? takeNumberBehind('-', rest, *first) : std::nullopt;
-    const std::optional<std::int32_t> step = last ? takeNumberBehind('x', rest, 1) : std::nullopt;
-    if (!step || *step == 0 || *last < *first || !rest.empty()) {
-        throw UsageError(fmt::format(
-            "--frames takes FIRST-LAST or FIRST-LASTxSTEP, like 1-24 or 1-24x2, with numbers from "
-            "0 to {}, not \"{}\"",
-            kLastFrame, text));
-    }
-    return {*first, *last, *step};
 }
 
 }  // namespace perch

@@ -1,4 +1,4 @@
-// File names that stand for one file per frame, and ranges of frames.
+// File names that stand for one file per frame.
 #pragma once
 
 #include <cstdint>
@@ -9,12 +9,12 @@
 
 namespace perch {
 
-// Frames are numbered from 0 to this.
-constexpr std::int32_t kLastFrame = 999'999'999;
-
-// A name whose last part has a place for the frame's number: "shot/beauty.####.png", or
-// "shot/beauty.%04d.png". The number is written with at least as many digits as the place has, zeros in
-// front.
+// A name whose last part has a place for the frame's number, in one of these spellings:
+//
+//     a.####.png   a.[####].png   a.@@@@.png   a.%04d.png   a.$F4.png   frame 7 is a.0007.png, -7 a.-007.png
+//     a.#.png      a.[#].png                   a.%d.png     a.$F.png    frame 7 is a.7.png
+//
+// Longer numbers take the digits that they need. One '@' alone is no place, for names like "logo@2x.png".
 class FramePattern {
 public:
     // Absent where the name has no such place and stands for one file. Throws UsageError where it has two, or
@@ -37,17 +37,5 @@ private:
     std::string behind;
     std::size_t digitCount;
 };
-
-// Every `step`-th frame from `first` on, up to `last`.
-struct FrameRange {
-    std::int32_t first = 0;
-    std::int32_t last = 0;
-    std::int32_t step = 1;
-
-    bool operator==(const FrameRange&) const = default;
-};
-
-// "12", "1-24" or "1-24x2". Throws UsageError.
-FrameRange parseFrameRange(const std::string& text);
 
 }  // namespace perch

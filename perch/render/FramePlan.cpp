@@ -2,11 +2,13 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <set>
 #include <system_error>
 
 #include "Error.h"
 #include "FileIdentity.h"
+#include "FramePattern.h"
 
 namespace perch {
 namespace {
@@ -37,20 +39,23 @@ FrameFiles filesOf(const Patterns& patterns, std::int32_t frame) {
     return files;
 }
 
-// A missing file ends this, so that a range beyond all numbers takes no memory.
+// A file that is really named as a pattern.
+bool isFile(const std::string& name) {
+    std::error_code ignored;
+    return fs::exists(name, ignored);
+}
+
+Error noFileLike(const std::string& name) {
+    return Error(fmt::format("no file is named like \"{}\"{}", name,
+                             isFile(name) ? " with a number; --no-pattern takes the file of just this name"
+                                          : "; check the name and the folder"));
+}
+
 std::vector<FrameFiles> framesOf(const Patterns& patterns, const PictureNames& names) {
     std::vector<FrameFiles> frames;
-    if (!names.frames) {
-        for (const std::int32_t frame : patterns.input.framesOnDisk())
-            frames.push_back(filesOf(patterns, frame));
-    } else {
-        for (std::int64_t frame = names.frames->first; frame <= names.frames->last;
-             frame += names.frames->step)
-            frames.push_back(filesOf(patterns, static_cast<std::int32_t>(frame)));
-    }
-    if (frames.empty()) {
-        throw Error(fmt::format("no file is named like \"{}\"; check the name and the folder", names.input));
-    }
+    for (const std::int32_t frame : names.frames ? *names.frames : patterns.input.framesOnDisk())
+        frames.push_back(filesOf(patterns, frame));
+    if (frames.empty()) throw noFileLike(names.input);
     return frames;
 }
 
@@ -58,8 +63,9 @@ FramePattern outputPattern(const PictureNames& names, const FramePattern& input)
     const std::optional<FramePattern> output = FramePattern::parse(names.output);
     if (!output) {
         throw UsageError(fmt::format(
-            "\"{}\" would hold every frame; give --output a place for the frame number, like out.####.png",
-            names.output));
+            "\"{}\" would hold every frame; give --output a place for the frame number, like out.####.png{}",
+            names.output,
+            isFile(names.input) ? ", or take the file of just the input's name by --no-pattern" : ""));
     }
     if (output->digits() != input.digits()) {
         throw UsageError(
@@ -81,24 +87,29 @@ FramePlan planSequence(const PictureNames& names, const LayerNames& layers, cons
         }
     }
     plan.frames = framesOf(patterns, names);
+    plan.lastFrame = std::ranges::max(plan.frames, {}, &FrameFiles::frame).frame;
     return plan;
 }
 
-void requireOneFile(const std::string& name) {
-    if (!FramePattern::parse(name)) return;
-    throw UsageError(fmt::format(
-        "\"{}\" stands for many files and --input for one; give --input a place for the frame number too",
-        name));
+void requireOneFile(const std::string& name, bool areFiles) {
+    if (areFiles || !FramePattern::parse(name)) return;
+    throw UsageError(
+        fmt::format("\"{}\" stands for many files and --input for one; give --input a place for the frame "
+                    "number too, or take the names as they are by --no-pattern",
+                    name));
 }
 
 FramePlan planStill(const PictureNames& names, const LayerNames& layers) {
-    if (names.frames)
-        throw UsageError(
-            "--frames is for sequences; give --input a place for the frame number, like in.####.png");
-    requireOneFile(names.output);
+    if (names.frames) {
+        throw UsageError(names.areFiles
+                             ? "--frames is for sequences and --no-pattern for one picture; leave one"
+                             : "--frames is for sequences; give --input a place for the frame "
+                               "number, like in.####.png");
+    }
+    requireOneFile(names.output, names.areFiles);
     FramePlan plan{.isSequence = false, .frames = {{0, names.input, names.output, {}}}, .stillLayers = {}};
     for (const auto& [index, name] : layers) {
-        requireOneFile(name);
+        requireOneFile(name, names.areFiles);
         plan.stillLayers[index] = name;
     }
     return plan;
@@ -169,7 +180,8 @@ void refuseToOverwrite(const FramePlan& plan) {
 }  // namespace
 
 FramePlan planFrames(const PictureNames& names, const LayerNames& layers) {
-    const std::optional<FramePattern> input = FramePattern::parse(names.input);
+    const std::optional<FramePattern> input =
+        names.areFiles ? std::nullopt : FramePattern::parse(names.input);
     FramePlan plan = input ? planSequence(names, layers, *input) : planStill(names, layers);
     refuseToOverwrite(plan);
     return plan;

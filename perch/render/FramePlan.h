@@ -9,7 +9,6 @@
 #include <string>
 #include <vector>
 
-#include "FramePattern.h"
 #include "PF_Params.h"
 
 namespace perch {
@@ -18,7 +17,8 @@ namespace perch {
 struct PictureNames {
     std::string input;
     std::string output;
-    std::optional<FrameRange> frames;  // absent: all that the input's pattern finds
+    std::optional<std::vector<std::int32_t>> frames;  // absent: all that the input's pattern finds
+    bool areFiles = false;                            // whatever they look like
 };
 
 using LayerNames = std::map<PF_ParamIndex, std::string>;
@@ -32,7 +32,8 @@ struct FrameFiles {
 
 struct FramePlan {
     bool isSequence = false;
-    std::vector<FrameFiles> frames;                              // in the order of their numbers; never empty
+    std::vector<FrameFiles> frames;                              // in the order to render; never empty
+    std::int32_t lastFrame = 0;                                  // the greatest number
     std::map<PF_ParamIndex, std::filesystem::path> stillLayers;  // the same for every frame
     std::set<PF_ParamIndex> emptyLayers{};                       // that the user has set to none
 };

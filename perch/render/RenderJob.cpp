@@ -220,7 +220,7 @@ private:
         request.values = valuesFor(request.frame, input);
         // A frame has one time, whichever frames are rendered beside it.
         request.time = request.frame * request.timeStep;
-        request.totalTime = (plan.frames.back().frame + 1) * request.timeStep;
+        request.totalTime = (std::max(plan.lastFrame, 0) + 1) * request.timeStep;
         request.quality = settings.quality;
         request.smart = settings.smart;
         request.cancelled = watch.cancelled;

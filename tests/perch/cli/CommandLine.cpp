@@ -26,18 +26,21 @@ void writeStills(const fs::path& folder) {
     writeFile(folder / "rgba8.png", rgba, ramp<std::uint8_t>(96, 5));
     writeFile(folder / "rgba16.png", rgba, ramp<std::uint16_t>(96, 1237));
     writeFile(folder / "rgb8.png", rgb, ramp<std::uint8_t>(72, 3));
+    writeFile(folder / "take#2.png", rgb, ramp<std::uint8_t>(72, 3));
     writeFile(folder / "matte.png", {3, 2, 1}, ramp<std::uint16_t>(6, 9000));
     writeFile(folder / "float.exr", {1, 1, 4}, std::vector<float>(4));
     writeBytes(folder / "text.png", "not a picture");
     writeBytes(folder / "cut.png", bytesOf(folder / "rgba16.png").substr(0, 100));
 }
 
-// shot.0001.png to shot.0005.png without 0004; depth.01.png to depth.03.png; in torn.####.png 0002 is
-// damaged.
+// shot.0001.png to shot.0005.png without 0004; lead.-002.png to lead.0001.png; depth.01.png to depth.03.png;
+// in torn.####.png 0002 is damaged.
 void writeSequences(const fs::path& folder) {
     for (const unsigned frame : {1U, 2U, 3U, 5U})
         writeFile(folder / ("shot.000" + std::to_string(frame) + ".png"), {6, 4, 3},
                   ramp<std::uint8_t>(72, frame));
+    for (const char* const number : {"-002", "-001", "0000", "0001"})
+        writeFile(folder / ("lead." + std::string(number) + ".png"), {6, 4, 3}, ramp<std::uint8_t>(72, 7));
     for (const unsigned frame : {1U, 2U, 3U}) {
         writeFile(folder / ("depth.0" + std::to_string(frame) + ".png"), {3, 2, 1},
                   ramp<std::uint8_t>(6, 10 * frame));

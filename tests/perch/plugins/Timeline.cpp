@@ -23,11 +23,12 @@ PF_ParamDef parameter(PF_ParamType type, const char* name) {
     return definition;
 }
 
-// -1 stands for no time.
+constexpr A_long kNever = -1000;
+
 PF_ParamDef timeSlider(const char* name) {
     PF_ParamDef definition = parameter(PF_Param_SLIDER, name);
     PF_SliderDef& sd = definition.u.sd;
-    sd.valid_min = sd.slider_min = sd.dephault = -1;
+    sd.valid_min = sd.slider_min = sd.dephault = kNever;
     sd.valid_max = sd.slider_max = 1000;
     return definition;
 }

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "Error.h"
+#include "FrameNumber.h"
 #include "PictureFiles.h"
 #include "TemporaryFolder.h"
 
@@ -33,6 +34,21 @@ TEST(FramePatternTest, NumberStandsInItsPlaceWithItsDigits) {
         {"##/%d", 1, 3, "##/3"},
         {"/top.##", 2, 3, "/top.03"},
         {"a%4d##", 2, 3, "a%4d03"},
+        {"a.[####].png", 4, 7, "a.0007.png"},
+        {"a[#]", 1, 7, "a7"},
+        {"[a##]", 2, 7, "[a07]"},
+        {"a[##", 2, 7, "a[07"},
+        {"a.@@@@.png", 4, 7, "a.0007.png"},
+        {"a@2x.@@", 2, 7, "a@2x.07"},
+        {"a.$F4.png", 4, 7, "a.0007.png"},
+        {"$F04", 4, 7, "0007"},
+        {"a.$F.png", 1, 7, "a.7.png"},
+        {"a$F", 1, 7, "a7"},
+        {"$FF.##", 2, 7, "$FF.07"},
+        {"a.####.png", 4, -7, "a.-007.png"},
+        {"a.%04d.png", 4, -12345, "a.-12345.png"},
+        {"a#", 1, -7, "a-7"},
+        {"%09d", 9, kFirstFrame, "-999999999"},
     };
     for (const auto& [name, digits, frame, path] : names) {
         const std::optional<FramePattern> pattern = FramePattern::parse(name);
@@ -43,13 +59,16 @@ TEST(FramePatternTest, NumberStandsInItsPlaceWithItsDigits) {
 }
 
 TEST(FramePatternTest, NamesWithoutAPlaceAreOfOneFile) {
-    for (const char* const name : {"", "a.png", "a.0001.png", "a%.png", "a%0d.png", "a%04.png", "a%04", "%",
-                                   "####/a.png", "a%x.png", "a%-4d.png", "a%00d.png"})
+    for (const char* const name :
+         {"",           "a.png",   "a.0001.png", "a%.png",    "a%0d.png",    "a%04.png", "a%04", "%",
+          "####/a.png", "a%x.png", "a%-4d.png",  "a%00d.png", "logo@2x.png", "a[].png",  "a[",   "$FILE",
+          "$F_",        "$F0",     "$f4",        "$"})
         EXPECT_FALSE(FramePattern::parse(name)) << name;
 }
 
 TEST(FramePatternTest, TwoPlacesAndTooManyDigitsAreRefused) {
-    for (const char* const name : {"a.##.##.png", "#a#", "%d%d", "##%04d", "##########", "a%010d", "a%099d"})
+    for (const char* const name : {"a.##.##.png", "#a#", "%d%d", "##%04d", "##########", "a%010d", "a%099d",
+                                   "[##]##", "@@.@@", "$F4.####", "$F10"})
         EXPECT_THROW(FramePattern::parse(name), UsageError) << name;
 }
 
@@ -57,33 +76,19 @@ TEST(FramePatternTest, FilesOfItsFormAreFoundInOrder) {
     const TemporaryFolder folder;
     for (const char* const name :
          {"a.0010.png", "a.0002.png", "a.12345.png", "a.0000.png", "a.7.png", "a.00003.png", "b.0004.png",
-          "a.0005.tif", "a.-001.png", "a.0006.png.bak", "a..png", "a.9999999999.png", "a.+008.png"})
+          "a.0005.tif", "a.-001.png", "a.-1.png", "a.-000.png", "a.-2000.png", "a.0006.png.bak", "a..png",
+          "a.9999999999.png", "a.+008.png"})
         writeBytes(folder / name, "");
     std::filesystem::create_directory(folder / "a.0011.png");
     const auto framesOf = [&](const std::string& name) {
         return FramePattern::parse((folder / name).string())->framesOnDisk();
     };
-    EXPECT_THAT(framesOf("a.####.png"), ElementsAre(0, 2, 10, 12345));
-    EXPECT_THAT(framesOf("a.%04d.png"), ElementsAre(0, 2, 10, 12345));
-    EXPECT_THAT(framesOf("a.#.png"), ElementsAre(7, 12345));
-    EXPECT_THAT(framesOf("a.#####.png"), ElementsAre(3, 12345));
+    EXPECT_THAT(framesOf("a.####.png"), ElementsAre(-2000, -1, 0, 2, 10, 12345));
+    EXPECT_THAT(framesOf("a.%04d.png"), ElementsAre(-2000, -1, 0, 2, 10, 12345));
+    EXPECT_THAT(framesOf("a.#.png"), ElementsAre(-2000, -1, 7, 12345));
+    EXPECT_THAT(framesOf("a.#####.png"), ElementsAre(-2000, 3, 12345));
     EXPECT_THAT(framesOf("c.####.png"), IsEmpty());
     EXPECT_THAT(framesOf("none/a.####.png"), IsEmpty());
-}
-
-TEST(FrameRangeTest, FirstLastAndStepAreRead) {
-    EXPECT_EQ(parseFrameRange("12"), (FrameRange{12, 12, 1}));
-    EXPECT_EQ(parseFrameRange("1-24"), (FrameRange{1, 24, 1}));
-    EXPECT_EQ(parseFrameRange("0-0"), (FrameRange{0, 0, 1}));
-    EXPECT_EQ(parseFrameRange("0010-0100x5"), (FrameRange{10, 100, 5}));
-    EXPECT_EQ(parseFrameRange("0-999999999x999999999"), (FrameRange{0, kLastFrame, kLastFrame}));
-}
-
-TEST(FrameRangeTest, OtherTextsAreRefused) {
-    for (const char* const text :
-         {"", "-", "a", "1-", "-1", "1-2x", "1-2x0", "2-1", "1-2-3", "1x2 ", " 1", "1 ", "1--2", "1-+2",
-          "1000000000", "1-99999999999999999999", "1-2x-1", "1-2y3"})
-        EXPECT_THROW(parseFrameRange(text), UsageError) << '"' << text << '"';
 }
 
 }  // namespace

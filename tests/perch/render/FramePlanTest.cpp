@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "Error.h"
 #include "PictureFiles.h"
 #include "TemporaryFolder.h"
@@ -56,17 +58,17 @@ TEST_F(FramePlanTest, SequenceHasTheFramesThatThereAre) {
     EXPECT_EQ(plan.frames[2].output, folder / "out.04.png");
 }
 
-TEST_F(FramePlanTest, RangeAndStepChooseFrames) {
-    names.frames = FrameRange{1, 2, 1};
-    EXPECT_THAT(numbersOf(planFrames(names, layers)), ElementsAre(1, 2));
-    names.frames = FrameRange{2, 5, 2};
-    EXPECT_THAT(numbersOf(planFrames(names, layers)), ElementsAre(2, 4));
-    names.frames = FrameRange{1, kLastFrame, kLastFrame};
-    EXPECT_THAT(numbersOf(planFrames(names, layers)), ElementsAre(1));
+TEST_F(FramePlanTest, FramesAreThoseAskedForInTheirOrder) {
+    for (const std::vector<std::int32_t>& frames : {std::vector{1}, {2, 4}, {4, 1, 2}}) {
+        names.frames = frames;
+        const FramePlan plan = planFrames(names, layers);
+        EXPECT_EQ(numbersOf(plan), frames);
+        EXPECT_EQ(plan.lastFrame, std::ranges::max(frames));
+    }
 }
 
 TEST_F(FramePlanTest, LayersGoWithTheFrameOrStayTheSame) {
-    names.frames = FrameRange{1, 2, 1};
+    names.frames = {{1, 2}};
     layers = {{kMatte, in("depth.####.png")}, {kMatte + 1, in("still.png")}};
     const FramePlan plan = planFrames(names, layers);
     EXPECT_EQ(plan.frames[1].layers.at(kMatte), folder / "depth.0002.png");
@@ -75,7 +77,7 @@ TEST_F(FramePlanTest, LayersGoWithTheFrameOrStayTheSame) {
 }
 
 TEST_F(FramePlanTest, FirstMissingFileIsNamed) {
-    names.frames = FrameRange{1, kLastFrame, 1};
+    names.frames = {{1, 2, 3, 4}};
     EXPECT_THAT(refusal<Error>(), HasSubstr("frame 3 is missing: there is no file \"" + in("in.03.png")));
     names.frames.reset();
     layers[kMatte] = in("depth.####.png");
@@ -83,6 +85,25 @@ TEST_F(FramePlanTest, FirstMissingFileIsNamed) {
                 HasSubstr("frame 4 is missing: there is no file \"" + in("depth.0004.png")));
     names.input = in("none.##.png");
     EXPECT_THAT(refusal<Error>(), HasSubstr("no file is named like \"" + in("none.##.png")));
+}
+
+TEST_F(FramePlanTest, NamesAreThoseOfFilesWhereNoPatternIsWanted) {
+    writeBytes(folder / "take#2.png", "");
+    names.input = in("take#2.png");
+    names.output = in("out.####.png");
+    EXPECT_THAT(refusal<UsageError>(), HasSubstr("has 4 digits for the frame number and --input has 1"));
+    names.output = in("out.#.png");
+    EXPECT_THAT(refusal<Error>(), HasSubstr("--no-pattern takes the file of just this name"));
+    names.areFiles = true;
+    layers[kMatte] = in("depth.@@.png");
+    const FramePlan plan = planFrames(names, layers);
+    EXPECT_FALSE(plan.isSequence);
+    EXPECT_EQ(plan.frames[0].input, folder / "take#2.png");
+    EXPECT_EQ(plan.frames[0].output, folder / "out.#.png");
+    EXPECT_EQ(plan.stillLayers.at(kMatte), folder / "depth.@@.png");
+    names.frames = {{1, 2}};
+    EXPECT_THAT(refusal<UsageError>(),
+                HasSubstr("--frames is for sequences and --no-pattern for one picture"));
 }
 
 TEST_F(FramePlanTest, StillIsOneFrameWithAllItsLayers) {
@@ -106,7 +127,7 @@ TEST_F(FramePlanTest, NamesThatDoNotGoTogetherAreRefused) {
     layers[kMatte] = in("depth.####.png");
     EXPECT_THAT(refusal<UsageError>(), HasSubstr("stands for many files and --input for one"));
     layers.clear();
-    names.frames = FrameRange{1, 2, 1};
+    names.frames = {{1, 2}};
     EXPECT_THAT(refusal<UsageError>(), HasSubstr("--frames is for sequences"));
 }
 
