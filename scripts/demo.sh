@@ -10,7 +10,8 @@ cmake --build --preset release --target Kestrel perch
 folder=build/release/demo
 mkdir -p "$folder"
 for view in Normal Focus; do
-    build/release/bin/perch render --input samples/still/beauty.png --control-layer samples/still/depth.png \
+    build/release/bin/perch render --input samples/still/beauty.png \
+        --control-layer samples/still/depth.exr --control-range 1.5:16 \
         --blur-type Fine --focal-point 62 --in-focus-range 4 --maximum-blur 50 --view-mode "$view" \
         --output "$folder/still-$view.png"
 done

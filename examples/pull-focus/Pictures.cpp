@@ -2,9 +2,13 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <optional>
+#include <sstream>
 #include <vector>
 
 #include "CodeRows.h"
+#include "DepthRange.h"
+#include "PictureError.h"
 #include "PictureFile.h"
 #include "Resample.h"
 
@@ -56,8 +60,21 @@ void FromPixels(const PixelBuffer& pixels, pictures::Picture& picture) {
     }
 }
 
-SampleType TypeOf(const Picture& picture) {
-    return IsWide(picture) ? SampleType::Bits16 : SampleType::Bits8;
+// Floats are taken as they are stored, and the codes of buffers end at 1.
+void RequireShares(const std::string& path, const pictures::Picture& picture) {
+    const std::optional<pictures::Extent> extent = extentOf(picture);
+    if (!extent || (extent->least >= 0 && extent->greatest <= 1)) return;
+    std::ostringstream sentence;
+    sentence << "cannot read \"" << path << "\": its values are " << extent->least << " to "
+             << extent->greatest << ", not 0 to 1; convert it to 16 bits per channel";
+    throw pictures::PictureError(sentence.str());
+}
+
+// Of the files that the picture is written to.
+SampleType TypeOf(const std::string& path, const Picture& picture) {
+    const SampleType type = IsWide(picture) ? SampleType::Bits16 : SampleType::Bits8;
+    const auto format = pictures::formatOfName(path);
+    return format ? nearestType(*format, type).value_or(type) : type;
 }
 
 }  // namespace
@@ -74,12 +91,14 @@ Picture NewPictureLike(const Picture& picture) {
 
 Picture ReadPicture(const std::string& path) {
     const pictures::Picture picture = pictures::readPicture(path);
-    const bool isWide = picture.type() == SampleType::Bits16;
+    RequireShares(path, picture);
+    const bool isWide = picture.type() != SampleType::Bits8;
     return {ToPixels(picture, isWide, picture.width, picture.height), picture.hasAlpha()};
 }
 
 Picture ReadPictureLike(const std::string& path, const Picture& like) {
     const pictures::Picture picture = pictures::readPicture(path);
+    RequireShares(path, picture);
     return {ToPixels(picture, IsWide(like), like.pixels->width, like.pixels->height), picture.hasAlpha()};
 }
 
@@ -90,12 +109,13 @@ void PrepareOutput(const std::string& path, const std::vector<std::string>& inpu
 }
 
 void RequireWritable(const std::string& path, const Picture& picture) {
-    pictures::requireWritable(path, TypeOf(picture), picture.hasAlpha);
+    pictures::requireWritable(path, TypeOf(path, picture), picture.hasAlpha);
 }
 
 void WritePicture(const std::string& path, const Picture& picture) {
     pictures::Picture file = pictures::newPicture(picture.pixels->width, picture.pixels->height,
-                                                  picture.hasAlpha ? 4 : 3, TypeOf(picture));
+                                                  picture.hasAlpha ? 4 : 3, TypeOf(path, picture));
+    file.isPremultiplied = picture.hasAlpha && pictures::formatOfName(path) == pictures::FileFormat::OpenExr;
     if (IsWide(picture)) {
         FromPixels<Channel15>(*picture.pixels, file);
     } else {

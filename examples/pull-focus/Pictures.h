@@ -1,8 +1,8 @@
 // Picture files in and out of the library's buffers.
 //
 // A file's 8 bits per channel become Channel8, its 16 bits Channel15: codes 0 to 65535 are mapped to 0 to
-// 32768 and back, rounded to the nearest, so that every Channel15 value survives a file. Alpha is straight in
-// buffers and in the files written.
+// 32768 and back, rounded to the nearest, so that every Channel15 value survives a file. Floats of 0 to 1
+// become Channel15 as they are stored. Alpha is straight in buffers, and in all files but OpenEXR.
 //
 // Failures are pictures::PictureError, whose what() is one sentence that names the file and how to mend it.
 #pragma once
@@ -36,6 +36,6 @@ void PrepareOutput(const std::string& path, const std::vector<std::string>& inpu
 // Throws unless a file of this name can be expected to hold the picture.
 void RequireWritable(const std::string& path, const Picture& picture);
 
-// Writes PNG, TIFF or JPEG by the ending, RGB or RGBA at the picture's depth. The file appears whole or not
-// at all, and only then replaces one of the same name.
+// Writes the format of the ending, RGB or RGBA at the picture's depth, or the nearest that the format has.
+// The file appears whole or not at all, and only then replaces one of the same name.
 void WritePicture(const std::string& path, const Picture& picture);

@@ -7,7 +7,9 @@
 
 #include "Console.h"
 #include "CurveText.h"
+#include "Error.h"
 #include "ParameterText.h"
+#include "PictureFile.h"
 #include "Preset.h"
 
 namespace perch {
@@ -24,6 +26,16 @@ void addParameterOption(CLI::App& app, const ParameterOption& option, std::strin
     if (isCheckBox(parameter)) added->expected(0, 1)->type_name("[on|off]");
 }
 
+void addRangeOption(CLI::App& app, const ParameterOption& layer, std::string& text) {
+    app.add_option(
+           "--" + layer.rangeName, text,
+           fmt::format("of depths in the picture of --{}: NEAR:FAR become white and black, by even steps of "
+                       "1/Z with :reciprocal; auto finds them in the first frame",
+                       layer.name))
+        ->group("Parameters of the effect")
+        ->type_name("RANGE");
+}
+
 void takeParameter(const ParameterOption& option, const std::string& text, ParameterArguments& arguments) {
     if (!isLayer(option.parameter)) {
         // A bare flag is on.
@@ -32,15 +44,37 @@ void takeParameter(const ParameterOption& option, const std::string& text, Param
     } else if (text == "none") {
         arguments.emptyLayers.insert(option.parameter.index);
     } else {
-        arguments.layers[option.parameter.index] = text;
+        const pictures::ChannelOfFile named = pictures::parseChannelOfFile(text);
+        arguments.layers[option.parameter.index] = named.path;
+        arguments.readings[option.parameter.index].channel = named.channel;
+    }
+}
+
+void takeRange(const ParameterOption& layer, const std::string& text, ParameterArguments& arguments) {
+    LayerReading& reading = arguments.readings[layer.parameter.index];
+    reading.rangeOption = "--" + layer.rangeName;
+    if (text.empty()) return;
+    if (!arguments.layers.contains(layer.parameter.index)) {
+        throw UsageError(
+            fmt::format("{} is of the picture of --{}, which is missing", reading.rangeOption, layer.name));
+    }
+    reading.hasUsualRange = text == "auto";
+    if (reading.hasUsualRange) return;
+    reading.range = pictures::parseDepthRange(text);
+    if (!reading.range) {
+        throw UsageError(
+            fmt::format("{} takes two depths, as 2.5:40 or 2.5:40:reciprocal, or auto, not \"{}\"",
+                        reading.rangeOption, text));
     }
 }
 
 }  // namespace
 
 void addParameterOptions(CLI::App& app, const std::vector<ParameterOption>& options, ParameterTexts& texts) {
-    for (const ParameterOption& option : options)
+    for (const ParameterOption& option : options) {
         addParameterOption(app, option, texts[option.name]);
+        if (isLayer(option.parameter)) addRangeOption(app, option, texts[option.rangeName]);
+    }
     app.footer(
         "A parameter takes one value, or keys over time with commas between them: FRAME:VALUE, and :hold,\n"
         ":linear (the default) or :smooth behind it. --focal-point 1:20,48:70:smooth pulls focus from 20 at\n"
@@ -52,6 +86,7 @@ ParameterArguments takeParameterArguments(const CLI::App& app, const std::vector
     ParameterArguments result;
     for (const ParameterOption& option : options) {
         if (app.count("--" + option.name) > 0) takeParameter(option, texts.at(option.name), result);
+        if (isLayer(option.parameter)) takeRange(option, texts.at(option.rangeName), result);
     }
     if (preset.empty()) return result;
     for (ParameterCurve& curve : readPreset(preset, options)) {

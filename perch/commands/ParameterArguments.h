@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "FramePlan.h"
+#include "LayerReading.h"
 #include "ParameterCurve.h"
 #include "ParameterOptions.h"
 
@@ -20,6 +21,7 @@ namespace perch {
 struct ParameterArguments {
     std::vector<ParameterCurve> curves;
     LayerNames layers;
+    LayerReadings readings;  // of all layers
     std::set<PF_ParamIndex> emptyLayers;
 };
 

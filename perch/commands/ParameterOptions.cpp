@@ -30,6 +30,12 @@ std::string uniqueName(const std::string& name, const std::set<std::string>& tak
     return unique;
 }
 
+std::string rangeName(const std::string& layer) {
+    constexpr std::string_view kLayer = "-layer";
+    const bool isCalledLayer = layer.ends_with(kLayer);
+    return (isCalledLayer ? layer.substr(0, layer.size() - kLayer.size()) : layer) + "-range";
+}
+
 }  // namespace
 
 std::string optionName(std::string_view parameterName) {
@@ -57,7 +63,12 @@ std::vector<ParameterOption> parameterOptions(const std::vector<Parameter>& para
         if (std::ranges::find(reserved, name) != reserved.end()) name = "effect-" + name;
         name = uniqueName(name, taken);
         taken.insert(name);
-        options.push_back({name, parameter});
+        options.push_back({name, parameter, ""});
+    }
+    for (ParameterOption& option : options) {
+        if (!isLayer(option.parameter)) continue;
+        option.rangeName = uniqueName(rangeName(option.name), taken);
+        taken.insert(option.rangeName);
     }
     return options;
 }

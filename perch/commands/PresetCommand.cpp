@@ -38,7 +38,8 @@ void addOwnOptions(CLI::App& app, PresetOptions& options) {
 
 // Adds the defaults of the parameters that are not given. Points have none in pixels.
 void complete(std::vector<ParameterCurve>& curves, const std::vector<ParameterOption>& options) {
-    for (const auto& [name, parameter] : options) {
+    for (const ParameterOption& option : options) {
+        const Parameter& parameter = option.parameter;
         if (std::ranges::find(curves, parameter.index, &ParameterCurve::index) != curves.end()) continue;
         if (const auto setting = parseSetting(parameter, defaultText(parameter)))
             curves.push_back(constantCurve(*setting));

@@ -146,6 +146,19 @@ void reportTiming(const RenderReport& report, std::chrono::steady_clock::duratio
     sayAsItIs(fmt::format("wall      {:8.2f} s\n", Seconds(wall).count()));
 }
 
+// What did not fail and should be known.
+void reportNotes(const RenderReport& report, std::optional<pictures::Transfer> transfer) {
+    for (const std::string& note : report.notes.all())
+        fmt::print(stderr, "perch: note: {}\n", note);
+    if (report.pixelsClipped == 0) return;
+    const bool isLog = transfer == pictures::Transfer::Log;
+    fmt::print(
+        stderr,
+        "perch: note: {:.2g} % of the pixels of {} frames are below 0 or above {} and were clipped{}\n",
+        100.0 * static_cast<double>(report.pixelsClipped) / static_cast<double>(report.pixelsRead),
+        report.framesWritten.load(), isLog ? "64" : "1", isLog ? "" : "; --encode log keeps up to 64");
+}
+
 int reportInterrupt(const RenderReport& report, std::size_t count) {
     const std::size_t written = report.framesWritten;
     const std::string outcome =
@@ -194,11 +207,14 @@ int runRenderCommand(const std::vector<std::string>& arguments) {
     const ParameterArguments parameters = parseParameterArguments(arguments, effect.description().parameters);
     FramePlan plan = planFrames(options.names, parameters.layers);
     plan.emptyLayers = parameters.emptyLayers;
+    RenderSettings settings = options.settings;
+    settings.layers = parameters.readings;
     catchInterrupts();
     pictures::watchTemporaryFiles({.appears = noteTemporary, .isGone = forgetTemporary});
     RenderReport report;
-    if (!render(effect, options.settings, parameters.curves, plan, display, report))
+    if (!render(effect, settings, parameters.curves, plan, display, report))
         return reportInterrupt(report, plan.frames.size());
+    reportNotes(report, settings.transfer);
     effect.close();
     if (options.wantsTiming) reportTiming(report, std::chrono::steady_clock::now() - start);
     return reportFindings(effect) ? kFailed : kDone;

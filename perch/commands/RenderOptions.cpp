@@ -30,7 +30,9 @@ struct Texts {
     std::string quality = "best";
     std::string smart = "auto";
     std::string downsample = "1/1";
-    std::string depth;
+    std::string depth = "auto";
+    std::string outputDepth;
+    std::string encode;
     std::string threads = "0";
     std::string compression = std::to_string(kFastCompression);
     std::string frames;
@@ -76,10 +78,29 @@ A_AppID parseApplication(const std::string& text) {
 }
 
 std::optional<Depth> parseDepth(const std::string& text) {
-    if (text.empty()) return std::nullopt;
+    if (text == "auto") return std::nullopt;
     if (text == "8") return Depth::Bits8;
     if (text == "16") return Depth::Bits16;
-    throw UsageError(fmt::format("--depth takes 8 or 16, not \"{}\"", text));
+    throw UsageError(fmt::format("--depth takes 8, 16 or auto, not \"{}\"", text));
+}
+
+std::optional<pictures::SampleType> parseOutputDepth(const std::string& text) {
+    using pictures::SampleType;
+    if (text.empty()) return std::nullopt;
+    if (text == "8") return SampleType::Bits8;
+    if (text == "16") return SampleType::Bits16;
+    if (text == "half") return SampleType::Half;
+    if (text == "float") return SampleType::Float;
+    throw UsageError(fmt::format("--output-depth takes 8, 16, half or float, not \"{}\"", text));
+}
+
+std::optional<pictures::Transfer> parseTransfer(const std::string& text) {
+    using pictures::Transfer;
+    if (text.empty()) return std::nullopt;
+    if (text == "linear") return Transfer::Linear;
+    if (text == "srgb") return Transfer::Srgb;
+    if (text == "log") return Transfer::Log;
+    throw UsageError(fmt::format("--encode takes linear, srgb or log, not \"{}\"", text));
 }
 
 // A whole number from 0 to `most`.
@@ -120,8 +141,8 @@ std::chrono::nanoseconds parseFrameLimit(const std::string& text) {
 void addOwnOptions(CLI::App& app, Texts& texts) {
     addHelpFlag(app, texts.wantsHelp);
     app.add_option("-i,--input", texts.input,
-                   "the picture to be changed: PNG, TIFF or JPEG; a sequence by a name like in.####.png or "
-                   "in.%04d.png")
+                   "the picture to be changed: PNG, TIFF, OpenEXR, DPX, TGA, JPEG or WebP; a sequence by a "
+                   "name like in.####.png or in.%04d.png")
         ->type_name("PICTURE");
     app.add_option(
            "-o,--output", texts.output,
@@ -161,8 +182,17 @@ void addOwnOptions(CLI::App& app, Texts& texts) {
     app.add_option("--application", texts.application,
                    "four characters that the host calls itself by, for effects that ask (default prch)")
         ->type_name("CODE");
-    app.add_option("--depth", texts.depth, "bits per channel, 8 or 16 (default: those of the input)")
+    app.add_option(
+           "--depth", texts.depth,
+           "bits per channel of the effect's work, 8, 16 or auto: the deepest picture's (default auto)")
         ->type_name("BITS");
+    app.add_option("--output-depth", texts.outputDepth,
+                   "of the files written: 8, 16, half or float (default: that of the input)")
+        ->type_name("DEPTH");
+    app.add_option("--encode", texts.encode,
+                   "how light becomes the effect's codes and back: linear, as stored; srgb; log, up to 64 "
+                   "times white (default: srgb for files of floats, else linear)")
+        ->type_name("CURVE");
     app.add_option("--timeout-frame", texts.frameLimit,
                    "ends an effect that takes longer for one command; 0 for any time (default 0)")
         ->type_name("SECONDS");
@@ -222,6 +252,8 @@ RenderOptions parseRenderOptions(const std::vector<std::string>& arguments) {
     options.settings.downsample = parseDownsample(texts.downsample);
     options.settings.resizes = texts.resizes;
     options.settings.depth = parseDepth(texts.depth);
+    options.settings.outputType = parseOutputDepth(texts.outputDepth);
+    options.settings.transfer = parseTransfer(texts.encode);
     options.settings.compression = parseNumber("--compression", texts.compression, kMostCompression);
     options.frameLimit = parseFrameLimit(texts.frameLimit);
     options.settings.framesAhead = framesAheadFor(options.load.threads);

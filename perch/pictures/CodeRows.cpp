@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <type_traits>
 
 namespace pictures {
 namespace {
@@ -9,7 +10,9 @@ namespace {
 constexpr std::uint32_t kWide = 65535;  // 16 bits, on which colours are divided by alpha
 
 template <typename T>
-constexpr std::uint32_t kMost = std::numeric_limits<T>::max();
+constexpr std::uint32_t kMost = std::is_integral_v<T>
+                                    ? static_cast<std::uint32_t>(std::numeric_limits<T>::max())
+                                    : 1U;
 
 // The pixel of `kChannels` samples, alpha straight. The white is a constant where it is one of the two that
 // worlds have, so that the divisions become multiplications.
@@ -46,51 +49,146 @@ void fillRow(const T* samples, bool isPremultiplied, std::uint32_t white, std::s
     fill(white);
 }
 
+template <typename Samples>
+auto* rowOf(Samples& samples, const Picture& picture, std::int32_t y) {
+    return samples.data() + static_cast<std::size_t>(y) * picture.rowSamples();
+}
+
+constexpr std::size_t kGreyChannels = 2;  // at most
+
+// As light: every sample by itself, through the curve.
 template <typename T>
-T* rowOf(std::vector<T>& samples, const Picture& picture, std::int32_t y) {
-    return samples.data() +
-           static_cast<std::size_t>(y) * static_cast<std::size_t>(picture.width) * picture.channels;
+std::int32_t fillRowOfLight(const T* samples, const Picture& picture, std::uint32_t white,
+                            std::span<Codes> row, Transfer transfer) {
+    std::int32_t clipped = 0;
+    const bool withAlpha = picture.hasAlpha();
+    const std::size_t green = picture.channels > kGreyChannels ? 1 : 0;
+    for (Codes& codes : row) {
+        bool isClipped = false;
+        const auto code = [&](double value) {
+            isClipped = isClipped || value > 1 || value < 0;
+            // Not a number fails both comparisons.
+            return static_cast<std::uint16_t>((value > 0 ? std::min(value, 1.0) : 0) * white + 0.5);
+        };
+        const double share = withAlpha ? static_cast<double>(samples[picture.channels - 1]) / kMost<T> : 1;
+        codes.alpha = code(share);
+        isClipped = false;
+        const double scale = picture.isPremultiplied && share > 0 ? 1 / share : 1;
+        const auto colour = [&](std::size_t channel) {
+            return code(codeOfLight(transfer, static_cast<double>(samples[channel]) / kMost<T> * scale));
+        };
+        codes.red = colour(0);
+        codes.green = green != 0 ? colour(green) : codes.red;
+        codes.blue = green != 0 ? colour(2) : codes.red;
+        clipped += isClipped ? 1 : 0;
+        samples += picture.channels;
+    }
+    return clipped;
+}
+
+// One sample of a file for a share of 0 to 1, or of more light.
+template <typename T>
+T sampleOf(double share) {
+    if constexpr (std::is_floating_point_v<T>) return static_cast<T>(share);
+    return static_cast<T>(std::clamp(share, 0.0, 1.0) * kMost<T> + 0.5);
 }
 
 template <typename T>
-const T* rowOf(const std::vector<T>& samples, const Picture& picture, std::int32_t y) {
-    return samples.data() +
-           static_cast<std::size_t>(y) * static_cast<std::size_t>(picture.width) * picture.channels;
+void writeRowOfLight(std::span<const Codes> row, std::uint32_t white, Picture& picture, Transfer transfer,
+                     T* next) {
+    for (const Codes& codes : row) {
+        const auto share = [white](std::uint32_t code) {
+            return static_cast<double>(std::min(code, white)) / white;
+        };
+        const double alpha = share(codes.alpha);
+        const double scale = picture.isPremultiplied ? alpha : 1;
+        const auto sample = [&](std::uint32_t code) {
+            return sampleOf<T>(lightOfCode(transfer, share(code)) * scale);
+        };
+        *next++ = sample(codes.red);
+        if (picture.channels > kGreyChannels) {
+            *next++ = sample(codes.green);
+            *next++ = sample(codes.blue);
+        }
+        if (picture.hasAlpha()) *next++ = sampleOf<T>(alpha);
+    }
+}
+
+template <typename T>
+void writeRow(std::span<const Codes> row, std::uint32_t white, const Picture& picture, T* next) {
+    const auto sample = [white](std::uint32_t code) {
+        return static_cast<T>(rescale(std::min(code, white), white, kMost<T>));
+    };
+    for (const Codes& codes : row) {
+        *next++ = sample(codes.red);
+        if (picture.channels > kGreyChannels) {
+            *next++ = sample(codes.green);
+            *next++ = sample(codes.blue);
+        }
+        if (picture.hasAlpha()) *next++ = sample(codes.alpha);
+    }
 }
 
 }  // namespace
 
-void readCodes(const Picture& picture, std::int32_t y, std::uint32_t white, std::span<Codes> row) {
-    std::visit(
-        [&]<typename T>(const std::vector<T>& samples) {
-            constexpr decltype(&fillRow<1, T>) kFill[] = {fillRow<1, T>, fillRow<2, T>, fillRow<3, T>,
-                                                          fillRow<4, T>};
-            kFill[picture.channels - 1](rowOf(samples, picture, y), picture.isPremultiplied, white, row);
+std::int32_t readCodes(const Picture& picture, std::int32_t y, std::uint32_t white, std::span<Codes> row,
+                       Transfer transfer) {
+    return std::visit(
+        [&]<typename T>(const std::vector<T>& samples) -> std::int32_t {
+            const T* const first = rowOf(samples, picture, y);
+            if constexpr (std::is_integral_v<T>) {
+                if (transfer == Transfer::Linear) {
+                    constexpr decltype(&fillRow<1, T>) kFill[] = {fillRow<1, T>, fillRow<2, T>, fillRow<3, T>,
+                                                                  fillRow<4, T>};
+                    kFill[picture.channels - 1](first, picture.isPremultiplied, white, row);
+                    return 0;
+                }
+            }
+            return fillRowOfLight(first, picture, white, row, transfer);
         },
         picture.samples);
 }
 
-void writeCodes(std::span<const Codes> row, std::uint32_t white, std::int32_t y, Picture& picture) {
+void writeCodes(std::span<const Codes> row, std::uint32_t white, std::int32_t y, Picture& picture,
+                Transfer transfer) {
     std::visit(
         [&]<typename T>(std::vector<T>& samples) {
-            const bool withAlpha = picture.hasAlpha();
-            const auto fill = [&](std::uint32_t constantWhite) {
-                const auto sample = [constantWhite](std::uint32_t code) {
-                    return static_cast<T>(rescale(std::min(code, constantWhite), constantWhite, kMost<T>));
-                };
-                T* next = rowOf(samples, picture, y);
-                for (const Codes& codes : row) {
-                    *next++ = sample(codes.red);
-                    *next++ = sample(codes.green);
-                    *next++ = sample(codes.blue);
-                    if (withAlpha) *next++ = sample(codes.alpha);
+            T* const first = rowOf(samples, picture, y);
+            if constexpr (std::is_integral_v<T>) {
+                if (transfer == Transfer::Linear && !picture.isPremultiplied) {
+                    // Constants, so that the divisions become multiplications.
+                    if (white == 255) return writeRow(row, 255, picture, first);
+                    if (white == 32768) return writeRow(row, 32768, picture, first);
+                    return writeRow(row, white, picture, first);
                 }
-            };
-            if (white == 255) return fill(255);
-            if (white == 32768) return fill(32768);
-            fill(white);
+            }
+            writeRowOfLight(row, white, picture, transfer, first);
         },
         picture.samples);
+}
+
+void copyPixels(const Picture& from, std::span<const std::uint8_t> isCopied, std::int32_t y, Picture& to) {
+    std::visit(
+        [&]<typename T>(std::vector<T>& samples) {
+            const T* source = rowOf(std::get<std::vector<T>>(from.samples), from, y);
+            T* target = rowOf(samples, to, y);
+            const std::size_t green = from.channels > kGreyChannels ? 1 : 0;
+            for (const std::uint8_t copied : isCopied) {
+                if (copied != 0) {
+                    target[0] = source[0];
+                    if (to.channels > kGreyChannels) {
+                        target[1] = source[green];
+                        target[2] = source[2 * green];
+                    }
+                    if (to.hasAlpha())
+                        target[to.channels - 1] =
+                            from.hasAlpha() ? source[from.channels - 1] : static_cast<T>(kMost<T>);
+                }
+                source += from.channels;
+                target += to.channels;
+            }
+        },
+        to.samples);
 }
 
 }  // namespace pictures

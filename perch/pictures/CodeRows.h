@@ -7,6 +7,7 @@
 #include <span>
 
 #include "Picture.h"
+#include "Transfer.h"
 
 namespace pictures {
 
@@ -23,11 +24,20 @@ constexpr std::uint32_t rescale(std::uint32_t value, std::uint32_t from, std::ui
     return (value * to + from / 2) / from;
 }
 
-// Fills a row of the picture's width. Without alpha a picture is opaque; premultiplied colours are divided by
-// it.
-void readCodes(const Picture& picture, std::int32_t y, std::uint32_t white, std::span<Codes> row);
+// Fills a row of the picture's width and returns how many of its pixels have a colour that the codes do not
+// reach and that was clipped. Without alpha a picture is opaque; premultiplied colours are divided by it.
+// What is no number is 0.
+std::int32_t readCodes(const Picture& picture, std::int32_t y, std::uint32_t white, std::span<Codes> row,
+                       Transfer transfer = Transfer::Linear);
 
-// Into a picture of 3 or 4 channels. Codes above white are taken for white.
-void writeCodes(std::span<const Codes> row, std::uint32_t white, std::int32_t y, Picture& picture);
+// Into a picture of any channels; grey takes red. Codes above white are taken for white, and `transfer` is
+// undone.
+void writeCodes(std::span<const Codes> row, std::uint32_t white, std::int32_t y, Picture& picture,
+                Transfer transfer = Transfer::Linear);
+
+// Copies the pixels of a row for which `isCopied` is not 0, bit by bit. The pictures have the same size and
+// type, and both or neither are premultiplied. Grey becomes red, green and blue; alpha that one of them lacks
+// is full.
+void copyPixels(const Picture& from, std::span<const std::uint8_t> isCopied, std::int32_t y, Picture& to);
 
 }  // namespace pictures

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <span>
+#include <string>
 #include <vector>
 
 #include "FileFormat.h"
@@ -25,7 +26,9 @@ public:
     Codec(const Codec&) = delete;
     Codec& operator=(const Codec&) = delete;
 
-    virtual Picture decode(std::span<const unsigned char> bytes, FileFormat format) const = 0;
+    // With a channel, "Z" or "depth.Z", the picture is that channel alone, in grey, of whichever part has it.
+    virtual Picture decode(std::span<const unsigned char> bytes, FileFormat format,
+                           const std::string& channel) const = 0;
     virtual std::vector<unsigned char> encode(const Picture& picture, const Encoding& encoding) const = 0;
 };
 

@@ -3,33 +3,52 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <variant>
 #include <vector>
 
 namespace pictures {
 
-enum class SampleType { Bits8, Bits16 };  // unsigned; the greatest value is white
+// Whole numbers, whose greatest value is white, or floating point, where 1 is.
+enum class SampleType { Bits8, Bits16, Half, Float };
+
+constexpr bool isFloat(SampleType type) {
+    return type == SampleType::Half || type == SampleType::Float;
+}
+
+// What a file says of its picture beside the samples. Only the codec looks inside.
+class Metadata;
 
 struct Picture {
-    SampleType type() const { return samples.index() == 0 ? SampleType::Bits8 : SampleType::Bits16; }
-    bool hasAlpha() const { return channels % 2 == 0; }
-    std::size_t sampleCount() const {
-        return static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * channels;
+    SampleType type() const {
+        if (samples.index() == 0) return SampleType::Bits8;
+        if (samples.index() == 1) return SampleType::Bits16;
+        return isHalf ? SampleType::Half : SampleType::Float;
     }
+    bool hasAlpha() const { return channels % 2 == 0; }
+    std::size_t rowSamples() const { return static_cast<std::size_t>(width) * channels; }
 
     std::int32_t width = 0;
     std::int32_t height = 0;
     std::size_t channels = 0;      // 1 grey, 2 grey and alpha, 3 RGB, 4 RGBA
     bool isPremultiplied = false;  // colours are multiplied by alpha
-    std::variant<std::vector<std::uint8_t>, std::vector<std::uint16_t>> samples;
+    bool isHalf = false;           // each float is one of 16 bits
+    int parts = 1;                 // of the file; the picture is the first, or that of the channel asked for
+    std::variant<std::vector<std::uint8_t>, std::vector<std::uint16_t>, std::vector<float>> samples;
+    std::shared_ptr<const Metadata> metadata;  // may be null
 };
 
-// Black and transparent.
+// Black and transparent, and not premultiplied.
 inline Picture newPicture(std::int32_t width, std::int32_t height, std::size_t channels, SampleType type) {
-    Picture picture{
-        .width = width, .height = height, .channels = channels, .isPremultiplied = false, .samples = {}};
+    Picture picture;
+    picture.width = width;
+    picture.height = height;
+    picture.channels = channels;
+    picture.isHalf = type == SampleType::Half;
     if (type == SampleType::Bits16) picture.samples.emplace<std::vector<std::uint16_t>>();
-    std::visit([&](auto& samples) { samples.resize(picture.sampleCount()); }, picture.samples);
+    if (isFloat(type)) picture.samples.emplace<std::vector<float>>();
+    const std::size_t count = picture.rowSamples() * static_cast<std::size_t>(height);
+    std::visit([&](auto& samples) { samples.resize(count); }, picture.samples);
     return picture;
 }
 

@@ -19,35 +19,51 @@ FileFormat requireFormat(const fs::path& path, std::span<const unsigned char> by
     if (const std::optional<FileFormat> format = formatOfBytes(bytes)) return *format;
     const std::string_view foreign = foreignFormatOf(bytes);
     if (foreign.empty()) {
-        refuseToRead(path, "it is not a picture, or a damaged one; name a PNG, TIFF or JPEG file");
+        refuseToRead(
+            path,
+            "it is not a picture, or a damaged one; name a PNG, TIFF, OpenEXR, DPX, TGA, JPEG or WebP file");
     }
-    refuseToRead(path, fmt::format("it is {} file; convert it to PNG, TIFF or JPEG", foreign));
+    refuseToRead(path, fmt::format("it is {} file; convert it to PNG, TIFF or OpenEXR", foreign));
 }
 
 FileFormat requireFormat(const fs::path& path) {
-    if (const std::optional<FileFormat> format = formatOfName(path)) return *format;
-    refuseToWrite(path, "its name must end in .png, .tif, .tiff, .jpg or .jpeg");
+    const std::optional<FileFormat> format = formatOfName(path);
+    if (format && isWritten(*format)) return *format;
+    refuseToWrite(path, "its name must end in .png, .tif, .tiff, .exr, .dpx, .tga, .jpg or .jpeg");
 }
 
 }  // namespace
 
-Picture readPicture(const fs::path& path) {
+Picture readPicture(const fs::path& path, const std::string& channel) {
     const FileBytes bytes = readFile(path);
     const FileFormat format = requireFormat(path, bytes);
     try {
-        return codec().decode(bytes, format);
+        return codec().decode(bytes, format, channel);
     } catch (const PictureError& error) {
         refuseToRead(path, error.what());
     }
 }
 
+// A file whose name has a colon is that file.
+ChannelOfFile parseChannelOfFile(const std::string& text) {
+    std::error_code ignored;
+    const std::size_t colon = text.rfind(':');
+    if (colon == std::string::npos || fs::exists(text, ignored)) return {text, ""};
+    const std::string path = text.substr(0, colon);
+    if (!formatOfName(path)) return {text, ""};
+    return {path, text.substr(colon + 1)};
+}
+
 void requireWritable(const fs::path& path, SampleType type, bool withAlpha) {
     const FileFormat format = requireFormat(path);
     if (!holds(format, type)) {
-        refuseToWrite(path, "JPEG holds 8 bits per channel and the picture has 16; use .png or .tif");
+        refuseToWrite(path,
+                      fmt::format("{} holds {} per channel and the picture has {}; use {}", nameOf(format),
+                                  typesOf(format), nameOf(type), isFloat(type) ? ".exr" : ".png or .tif"));
     }
     if (withAlpha && !holdsAlpha(format)) {
-        refuseToWrite(path, "JPEG holds no alpha and the picture has one; use .png or .tif");
+        refuseToWrite(
+            path, fmt::format("{} holds no alpha and the picture has one; use .png or .tif", nameOf(format)));
     }
     std::error_code ignored;
     const fs::path folder = folderOf(path);

@@ -1,11 +1,12 @@
-// Picture files: PNG, TIFF and JPEG of 8 or 16 bits per channel, grey or RGB, with or without alpha.
-// Profiles, orientation and other metadata are neither applied nor carried over.
+// Picture files: PNG, TIFF, OpenEXR, DPX, TGA, JPEG and, read alone, WebP; grey or RGB, with or without
+// alpha, or one named channel of any file.
 //
 // Failures are PictureError: one sentence that names the file and how to mend it. Any thread.
 #pragma once
 
 #include <filesystem>
 #include <span>
+#include <string>
 
 #include "Codec.h"
 #include "Picture.h"
@@ -16,7 +17,15 @@ namespace pictures {
 constexpr std::int32_t kLargestExtent = 30000;
 
 // Opens the file once and decodes its bytes from memory.
-Picture readPicture(const std::filesystem::path& path);
+// Without the name of a channel the picture is the file's first.
+Picture readPicture(const std::filesystem::path& path, const std::string& channel = {});
+
+// A file and one of its channels, as "depth.####.exr:Z" names them.
+struct ChannelOfFile {
+    std::string path;
+    std::string channel;  // empty: the file's picture
+};
+ChannelOfFile parseChannelOfFile(const std::string& text);
 
 // Throws unless a file of this name can be expected to hold such a picture: its format by the ending must
 // have the type and alpha, and its folder must exist.

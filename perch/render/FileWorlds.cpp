@@ -3,20 +3,25 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstring>
+#include <utility>
 #include <vector>
 
 #include "CodeRows.h"
 #include "Error.h"
 #include "PictureError.h"
 #include "PixelAccess.h"
+#include "PixelOps.h"
 
 namespace perch {
 namespace {
 
 namespace fs = std::filesystem;
 using pictures::Codes;
+using pictures::FileFormat;
 using pictures::Picture;
 using pictures::SampleType;
+using pictures::Transfer;
 
 // What the pictures report is a failure of the host as any other.
 template <typename F>
@@ -28,31 +33,48 @@ auto asError(const F& body) {
     }
 }
 
-SampleType typeOf(Depth depth) {
-    return depth == Depth::Bits16 ? SampleType::Bits16 : SampleType::Bits8;
-}
-
 template <typename P>
-void fillWorld(const Picture& picture, const World& world) {
+std::int64_t fillWorld(const Picture& picture, Transfer transfer, const World& world) {
+    std::int64_t clipped = 0;
     std::vector<Codes> row(static_cast<std::size_t>(picture.width));
     for (std::int32_t y = 0; y < picture.height; ++y) {
-        readCodes(picture, y, kWhite<P>, row);
+        clipped += readCodes(picture, y, kWhite<P>, row, transfer);
         std::ranges::transform(row, pixelRow<P>(world.record(), y).begin(), [](const Codes& codes) {
             return P{static_cast<ChannelOf<P>>(codes.alpha), static_cast<ChannelOf<P>>(codes.red),
                      static_cast<ChannelOf<P>>(codes.green), static_cast<ChannelOf<P>>(codes.blue)};
         });
     }
+    return clipped;
 }
 
 template <typename P>
-void fillPicture(const World& world, Picture& picture) {
+void fillPicture(const World& world, Transfer transfer, Picture& picture) {
     std::vector<Codes> row(static_cast<std::size_t>(picture.width));
     for (std::int32_t y = 0; y < picture.height; ++y) {
         std::ranges::transform(pixelRow<P>(world.record(), y), row.begin(), [](const P& pixel) {
             return Codes{pixel.alpha, pixel.red, pixel.green, pixel.blue};
         });
-        writeCodes(row, kWhite<P>, y, picture);
+        writeCodes(row, kWhite<P>, y, picture, transfer);
     }
+}
+
+// Where the effect returned a pixel as it got it, the file's own samples are more exact than its codes.
+template <typename P>
+void keepSamples(const World& world, const FileWorld& source, Picture& picture) {
+    std::vector<std::uint8_t> isSame(static_cast<std::size_t>(picture.width));
+    for (std::int32_t y = 0; y < picture.height; ++y) {
+        std::ranges::transform(pixelRow<P>(world.record(), y), pixelRow<P>(source.pixels.record(), y),
+                               isSame.begin(), [](const P& after, const P& before) {
+                                   return std::memcmp(&after, &before, sizeof(P)) == 0 ? 1 : 0;
+                               });
+        copyPixels(*source.source, isSame, y, picture);
+    }
+}
+
+bool canKeepSamples(const World& world, const FileWorld& source, const Picture& picture) {
+    const Picture& from = *source.source;
+    return from.width == picture.width && from.height == picture.height && from.type() == picture.type() &&
+           from.isPremultiplied == picture.isPremultiplied && world.isDeep() == source.pixels.isDeep();
 }
 
 template <typename P>
@@ -64,18 +86,78 @@ bool needsNoAlphaAs(const World& world) {
     return true;
 }
 
+template <typename P>
+bool isGreyAs(const World& world) {
+    for (std::int32_t y = 0; y < world.height(); ++y) {
+        const auto isColour = [](const P& pixel) {
+            return pixel.red != pixel.green || pixel.red != pixel.blue;
+        };
+        if (std::ranges::any_of(pixelRow<P>(world.record(), y), isColour)) return false;
+    }
+    return true;
+}
+
+bool isGrey(const World& world) {
+    return world.isDeep() ? isGreyAs<PF_Pixel16>(world) : isGreyAs<PF_Pixel>(world);
+}
+
+void fill(const World& world, Transfer transfer, Picture& picture) {
+    if (world.isDeep()) {
+        fillPicture<PF_Pixel16>(world, transfer, picture);
+    } else {
+        fillPicture<PF_Pixel>(world, transfer, picture);
+    }
+}
+
+std::int32_t smallerExtent(std::int32_t extent, const PF_RationalScale& scale) {
+    return static_cast<std::int32_t>((std::int64_t{extent} * scale.num + scale.den - 1) / scale.den);
+}
+
+// Light in floats stays encoded as sRGB in files of codes, whose readers expect that; a logarithm nobody
+// expects.
+Transfer transferToUndo(const FileWorld& source, SampleType written) {
+    const bool staysEncoded =
+        source.transfer == Transfer::Srgb && isFloat(source.source->type()) && !isFloat(written);
+    return staysEncoded ? Transfer::Linear : source.transfer;
+}
+
+// TIFF has both, and keeps what it was.
+bool isWrittenPremultiplied(const fs::path& path, const Picture& source) {
+    const std::optional<FileFormat> format = pictures::formatOfName(path);
+    return format == FileFormat::OpenExr || (format == FileFormat::Tiff && source.isPremultiplied);
+}
+
 }  // namespace
 
-FileWorld readWorld(const fs::path& path, std::optional<Depth> depth) {
-    const Picture picture = asError([&] { return pictures::readPicture(path); });
-    const bool isDeep = depth ? *depth == Depth::Bits16 : picture.type() == SampleType::Bits16;
-    FileWorld world{World(picture.width, picture.height, isDeep), picture.hasAlpha()};
-    if (isDeep) {
-        fillWorld<PF_Pixel16>(picture, world.pixels);
-    } else {
-        fillWorld<PF_Pixel>(picture, world.pixels);
-    }
+SharedPicture readPictureFile(const fs::path& path, const std::string& channel) {
+    return asError([&] { return std::make_shared<const Picture>(pictures::readPicture(path, channel)); });
+}
+
+Depth depthOf(const Picture& picture) {
+    return picture.type() == SampleType::Bits8 ? Depth::Bits8 : Depth::Bits16;
+}
+
+FileWorld worldOf(const SharedPicture& picture, Depth depth, Transfer transfer) {
+    const bool isDeep = depth == Depth::Bits16;
+    FileWorld world{World(picture->width, picture->height, isDeep), picture, transfer, 0};
+    world.clippedPixels = isDeep ? fillWorld<PF_Pixel16>(*picture, transfer, world.pixels)
+                                 : fillWorld<PF_Pixel>(*picture, transfer, world.pixels);
     return world;
+}
+
+FileWorld resized(FileWorld picture, const PF_RationalScale& scale) {
+    if (scale.num == static_cast<A_long>(scale.den)) return picture;
+    World& pixels = picture.pixels;
+    World smaller(smallerExtent(pixels.width(), scale), smallerExtent(pixels.height(), scale),
+                  pixels.isDeep());
+    copyWorldFiltered(pixels.record(), nullptr, smaller.record(), nullptr);
+    pixels = std::move(smaller);
+    return picture;
+}
+
+FileWorld readWorld(const fs::path& path, std::optional<Depth> depth) {
+    const SharedPicture picture = readPictureFile(path);
+    return worldOf(picture, depth.value_or(depthOf(*picture)));
 }
 
 bool needsNoAlpha(const World& world) {
@@ -86,26 +168,42 @@ void prepareOutputs(std::span<const fs::path> paths) {
     asError([&] { pictures::prepareOutputs(paths); });
 }
 
-void requireWritable(const fs::path& path, Depth depth, bool withAlpha) {
-    const auto format = pictures::formatOfName(path);
-    if (format && !pictures::holds(*format, typeOf(depth))) {
-        throw Error(
-            fmt::format("cannot write \"{}\": JPEG holds 8 bits per channel and the picture has 16; use "
-                        ".png or .tif, or --depth 8",
-                        path.string()));
+void requireOutput(const fs::path& path, SampleType type, bool withAlpha) {
+    try {
+        pictures::requireWritable(path, type, withAlpha);
+    } catch (const pictures::PictureError& error) {
+        const std::optional<FileFormat> format = pictures::formatOfName(path);
+        const bool isOfDepth = format && isWritten(*format) && !holds(*format, type);
+        throw Error(isOfDepth ? fmt::format("{}, or another --output-depth", error.what()) : error.what());
     }
-    asError([&] { pictures::requireWritable(path, typeOf(depth), withAlpha); });
+}
+
+void writeWorld(const fs::path& path, const World& world, const FileWorld& source,
+                const OutputFormat& format) {
+    // An effect may make an opaque picture transparent.
+    const bool withAlpha = source.source->hasAlpha() || !needsNoAlpha(world);
+    requireOutput(path, format.type, withAlpha);
+    const bool staysGrey = source.source->channels < 3 && isGrey(world);
+    Picture picture = pictures::newPicture(world.width(), world.height(),
+                                           (staysGrey ? 1U : 3U) + (withAlpha ? 1U : 0U), format.type);
+    picture.isPremultiplied = withAlpha && isWrittenPremultiplied(path, *source.source);
+    picture.metadata = source.source->metadata;
+    fill(world, transferToUndo(source, format.type), picture);
+    if (canKeepSamples(world, source, picture)) {
+        if (world.isDeep()) {
+            keepSamples<PF_Pixel16>(world, source, picture);
+        } else {
+            keepSamples<PF_Pixel>(world, source, picture);
+        }
+    }
+    asError([&] { pictures::writePicture(path, picture, format.compression); });
 }
 
 void writeWorld(const fs::path& path, const World& world, bool withAlpha, int compression) {
-    requireWritable(path, world.isDeep() ? Depth::Bits16 : Depth::Bits8, withAlpha);
-    Picture picture = pictures::newPicture(world.width(), world.height(), withAlpha ? 4 : 3,
-                                           world.isDeep() ? SampleType::Bits16 : SampleType::Bits8);
-    if (world.isDeep()) {
-        fillPicture<PF_Pixel16>(world, picture);
-    } else {
-        fillPicture<PF_Pixel>(world, picture);
-    }
+    const SampleType type = world.isDeep() ? SampleType::Bits16 : SampleType::Bits8;
+    requireOutput(path, type, withAlpha);
+    Picture picture = pictures::newPicture(world.width(), world.height(), withAlpha ? 4 : 3, type);
+    fill(world, Transfer::Linear, picture);
     asError([&] { pictures::writePicture(path, picture, compression); });
 }
 

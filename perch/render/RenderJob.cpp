@@ -5,23 +5,20 @@
 
 #include <algorithm>
 #include <memory>
-#include <mutex>
 #include <type_traits>
 #include <utility>
 
 #include "Error.h"
+#include "LayerReader.h"
 #include "OrderedTasks.h"
 #include "PF_Values.h"
-#include "PixelOps.h"
 #include "Sequence.h"
+#include "StillLayers.h"
 
 namespace perch {
 namespace {
 
 namespace fs = std::filesystem;
-
-using SharedPicture = std::shared_ptr<const FileWorld>;
-using LayerPictures = std::map<PF_ParamIndex, SharedPicture>;
 
 std::chrono::nanoseconds timeOf(clockid_t clock) {
     timespec now{};
@@ -43,59 +40,15 @@ private:
     const std::chrono::nanoseconds start = timeOf(clock);
 };
 
-// Of a picture of `extent` pixels that is made smaller. Nothing at its edge is cut off: where the extent is
-// not whole, the picture is stretched to the next pixel.
-std::int32_t smallerExtent(std::int32_t extent, const PF_RationalScale& scale) {
-    return static_cast<std::int32_t>((std::int64_t{extent} * scale.num + scale.den - 1) / scale.den);
-}
-
-// A picture as it was read, or made smaller where the job asks for that.
-FileWorld resized(FileWorld picture, const RenderSettings& settings) {
-    if (!settings.resizes) return picture;
-    World& pixels = picture.pixels;
-    World smaller(smallerExtent(pixels.width(), settings.downsample),
-                  smallerExtent(pixels.height(), settings.downsample), pixels.isDeep());
-    copyWorldFiltered(pixels.record(), nullptr, smaller.record(), nullptr);
-    pixels = std::move(smaller);
-    return picture;
-}
-
-// The pictures of layers that stay the same, each read once per depth. Any thread.
-class StillLayers {
-public:
-    StillLayers(const std::map<PF_ParamIndex, fs::path>& paths, const RenderSettings& settings)
-        : paths(paths), settings(settings) {}
-
-    LayerPictures read(Depth depth) {
-        const std::lock_guard lock(mutex);
-        LayerPictures& layers = pictures[depth];
-        for (const auto& [index, path] : paths) {
-            SharedPicture& layer = layers[index];
-            if (layer == nullptr)
-                layer = std::make_shared<const FileWorld>(resized(readWorld(path, depth), settings));
-        }
-        return layers;
-    }
-
-private:
-    const std::map<PF_ParamIndex, fs::path>& paths;
-    const RenderSettings& settings;
-    std::mutex mutex;
-    std::map<Depth, LayerPictures> pictures;
-};
-
-// What a frame is rendered from.
+// What a frame is rendered from, and the form in which it is written.
 struct FramePictures {
-    FileWorld input;
-    LayerPictures layers{};
+    std::shared_ptr<const FileWorld> input;
+    LayerWorlds layers{};
     // Of the input where it has been made smaller; else 0.
     std::int32_t fullWidth = 0;
     std::int32_t fullHeight = 0;
+    OutputFormat output;
 };
-
-Depth depthOf(const World& world) {
-    return world.isDeep() ? Depth::Bits16 : Depth::Bits8;
-}
 
 void requireDepth(const Effect& effect, const World& input) {
     if (!input.isDeep() || effect.supportsDeepColor()) return;
@@ -123,14 +76,15 @@ public:
             readAhead();
             RenderedFrame result = render(index, pictures);
             throwIfCancelled(index);
-            startWriting(index, std::move(result), pictures.input.hasAlpha);
+            startWriting(index, std::move(result), pictures);
         }
         while (!writes.isEmpty())
             writes.next();
     }
 
 private:
-    void prepare() const {
+    void prepare() {
+        layerReader.findRanges(plan);
         std::vector<fs::path> outputs;
         for (const FrameFiles& files : plan.frames)
             outputs.push_back(files.output);
@@ -156,25 +110,70 @@ private:
     FramePictures read(std::size_t index) {
         const Timer timer(CLOCK_THREAD_CPUTIME_ID, report.decodeTime);
         const FrameFiles& files = plan.frames[index];
-        FileWorld input = readWorld(files.input, settings.depth);
-        const std::int32_t fullWidth = settings.resizes ? input.pixels.width() : 0;
-        const std::int32_t fullHeight = settings.resizes ? input.pixels.height() : 0;
-        FramePictures pictures{
-            .input = resized(std::move(input), settings), .fullWidth = fullWidth, .fullHeight = fullHeight};
-        requireDepth(effect, pictures.input.pixels);
-        const Depth depth = depthOf(pictures.input.pixels);
-        requireWritable(files.output, depth, pictures.input.hasAlpha);
-        pictures.layers = stillLayers.read(depth);
+        const SharedPicture picture = readPictureFile(files.input);
+        if (picture->parts > 1) report.notes.add("parts", partsNote(files.input, picture->parts));
+        FramePictures pictures;
+        pictures.output = {outputType(files.output, *picture), settings.compression};
+        requireOutput(files.output, pictures.output.type, picture->hasAlpha());
+        LayerPictures layers;
         for (const auto& [layer, path] : files.layers)
+            layers[layer] = layerReader.read(layer, path);
+        const Depth depth = chooseDepth(*picture, layers, stillLayers.read());
+        pictures.input =
+            std::make_shared<const FileWorld>(resized(worldOf(picture, depth, transferFor(*picture)), scale));
+        requireDepth(effect, pictures.input->pixels);
+        if (settings.resizes) {
+            pictures.fullWidth = picture->width;
+            pictures.fullHeight = picture->height;
+        }
+        report.pixelsRead += std::int64_t{picture->width} * picture->height;
+        report.pixelsClipped += pictures.input->clippedPixels;
+        pictures.layers = stillLayers.worlds(depth);
+        for (const auto& [layer, layerPicture] : layers) {
             pictures.layers[layer] =
-                std::make_shared<const FileWorld>(resized(readWorld(path, depth), settings));
+                std::make_shared<const FileWorld>(resized(worldOf(layerPicture, depth), scale));
+        }
         return pictures;
+    }
+
+    // The deepest, so that a matte of 16 bits stays one beside a beauty of 8.
+    Depth chooseDepth(const pictures::Picture& input, const LayerPictures& layers,
+                      const LayerPictures& still) const {
+        if (settings.depth) return *settings.depth;
+        if (!effect.supportsDeepColor()) return depthOf(input);
+        Depth depth = depthOf(input);
+        for (const LayerPictures* const some : {&layers, &still}) {
+            for (const auto& [index, picture] : *some)
+                depth = std::max(depth, depthOf(*picture));
+        }
+        return depth;
+    }
+
+    // The input's, unless another is asked for; the nearest that the format has.
+    pictures::SampleType outputType(const fs::path& path, const pictures::Picture& input) const {
+        if (settings.outputType) return *settings.outputType;
+        pictures::SampleType type = input.type();
+        if (settings.depth && (!isFloat(type) || *settings.depth == Depth::Bits8))
+            type =
+                *settings.depth == Depth::Bits16 ? pictures::SampleType::Bits16 : pictures::SampleType::Bits8;
+        const auto format = pictures::formatOfName(path);
+        return format ? nearestType(*format, type).value_or(type) : type;
+    }
+
+    pictures::Transfer transferFor(const pictures::Picture& input) {
+        if (settings.transfer) return *settings.transfer;
+        if (!isFloat(input.type())) return pictures::Transfer::Linear;
+        report.notes.add(
+            "transfer",
+            "the pictures hold light in floats, which the effect gets by the curve of sRGB, as with "
+            "--encode srgb");
+        return pictures::Transfer::Srgb;
     }
 
     RenderedFrame render(std::size_t index, const FramePictures& pictures) {
         const Timer timer(CLOCK_MONOTONIC, report.renderTime);
         if (watch.frameBegins) watch.frameBegins(index);
-        if (index == 0) tellTheUsersChoices(pictures.input.pixels);
+        if (index == 0) tellTheUsersChoices(pictures.input->pixels);
         return sequence.render(requestFor(index, pictures));
     }
 
@@ -206,7 +205,7 @@ private:
     }
 
     FrameRequest requestFor(std::size_t index, const FramePictures& pictures) const {
-        const World& input = pictures.input.pixels;
+        const World& input = pictures.input->pixels;
         FrameRequest request;
         request.frame = plan.frames[index].frame;
         request.input = &input;
@@ -238,19 +237,18 @@ private:
         return values;
     }
 
-    void startWriting(std::size_t index, RenderedFrame result, bool inputHasAlpha) {
+    void startWriting(std::size_t index, RenderedFrame result, const FramePictures& pictures) {
         while (writes.isFull() || writes.isNextReady())
             writes.next();
-        writes.start([this, index, inputHasAlpha, result = std::move(result)] {
-            named(index, [&] { write(index, result.picture, inputHasAlpha); });
-        });
+        writes.start(
+            [this, index, input = pictures.input, output = pictures.output, result = std::move(result)] {
+                named(index, [&] { write(index, result.picture, *input, output); });
+            });
     }
 
-    void write(std::size_t index, const World& picture, bool inputHasAlpha) {
+    void write(std::size_t index, const World& picture, const FileWorld& input, const OutputFormat& output) {
         const Timer timer(CLOCK_THREAD_CPUTIME_ID, report.encodeTime);
-        // An effect may make an opaque picture transparent.
-        writeWorld(plan.frames[index].output, picture, inputHasAlpha || !needsNoAlpha(picture),
-                   settings.compression);
+        writeWorld(plan.frames[index].output, picture, input, output);
         ++report.framesWritten;
     }
 
@@ -265,7 +263,10 @@ private:
     const FramePlan& plan;
     const RenderWatch& watch;
     RenderReport& report;
-    StillLayers stillLayers{plan.stillLayers, settings};
+    const PF_RationalScale scale =  // that pictures are resized by
+        settings.resizes ? settings.downsample : PF_RationalScale{1, 1};
+    LayerReader layerReader{settings.layers, report.notes};
+    StillLayers stillLayers{plan.stillLayers, layerReader, scale};
     Sequence sequence{effect};
     std::map<std::size_t, PF_ParamDef> changedByEffect;  // values, by index
     std::size_t nextRead = 0;

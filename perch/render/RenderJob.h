@@ -5,6 +5,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <vector>
@@ -12,6 +13,8 @@
 #include "Effect.h"
 #include "FileWorlds.h"
 #include "FramePlan.h"
+#include "LayerReading.h"
+#include "Notes.h"
 #include "ParameterCurve.h"
 #include "SmartUse.h"
 
@@ -19,7 +22,10 @@ namespace perch {
 
 // The same for all frames of a job.
 struct RenderSettings {
-    std::optional<Depth> depth;  // absent: that of the input
+    LayerReadings layers;
+    std::optional<Depth> depth;                      // absent: the deepest of the frame's pictures
+    std::optional<pictures::SampleType> outputType;  // absent: that of the input, or of a depth that is given
+    std::optional<pictures::Transfer> transfer;      // absent: of floats srgb, else linear
     PF_Quality quality = PF_Quality_HI;
     SmartUse smart = SmartUse::Auto;
     PF_RationalScale downsample{1, 1};  // the pictures are this much smaller than the layer
@@ -44,6 +50,9 @@ struct RenderReport {
     using Time = std::atomic<std::chrono::nanoseconds::rep>;
 
     std::atomic<std::size_t> framesWritten{0};
+    std::atomic<std::int64_t> pixelsRead{0};
+    std::atomic<std::int64_t> pixelsClipped{0};  // of the input, with light that the codes do not reach
+    Notes notes;
     Time decodeTime{0};  // processor time
     Time renderTime{0};  // elapsed
     Time encodeTime{0};  // processor time

@@ -49,8 +49,8 @@ protected:
             WriteRaw(folder.file(name), Noise<std::uint8_t>(20, 10, 3, 1));
         }
         WriteRaw(folder.file("rgb16.png"), Noise<std::uint16_t>(20, 10, 3, 1));
-        WriteRaw(folder.file("float.tif"), Raw<float>{1, 1, 3, {0.5F, 0.5F, 0.5F}});
-        WriteRaw(folder.file("float.exr"), Raw<float>{1, 1, 1, {0.5F}});
+        WriteRaw(folder.file("float.tif"), Raw<float>{1, 1, 3, {0.5F, 1.5F, 0.5F}});
+        WriteRaw(folder.file("float.exr"), Raw<float>{1, 1, 1, {5.5F}});
         WriteRaw(folder.file("int32.tif"), Raw<std::uint32_t>{1, 1, 1, {5}});
         WriteRaw(folder.file("five.tif"), Raw<std::uint8_t>{1, 1, 5, {1, 2, 3, 4, 5}});
     }
@@ -74,8 +74,10 @@ std::string CaseName(const testing::TestParamInfo<Case>& info) {
 
 const std::string kSeeHelp = " (see pull-focus --help)";
 const std::string kDamaged = "\": it is damaged or cut short; save or copy it again";
-const std::string kNoPicture = "\": it is not a picture, or a damaged one; name a PNG, TIFF or JPEG file";
-const std::string kConvert = " channels; convert it to 8 or 16 bits per channel";
+const std::string kNoPicture =
+    "\": it is not a picture, or a damaged one; name a PNG, TIFF, OpenEXR, DPX, TGA, JPEG or "
+    "WebP file";
+const std::string kConvert = " channels; convert it to 8 or 16 bits per channel, or floats";
 
 INSTANTIATE_TEST_SUITE_P(
     Input, RefusalTest,
@@ -97,16 +99,18 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"HalfControl", "rgb.png half_rgba.png out.png", kFailed,
              "cannot read \"half_rgba.png" + kDamaged},
         Case{"HalfTiff", "half_rgb.tif rgb.png out.png", kFailed, "cannot read \"half_rgb.tif" + kDamaged},
-        Case{"FloatTiff", "float.tif rgb.png out.png", kFailed,
-             "cannot read \"float.tif\": it has 32-bit floating-point" + kConvert},
-        Case{"FloatControl", "rgb.png float.exr out.png", kFailed,
-             "cannot read \"float.exr\": it is an OpenEXR file; convert it to PNG, TIFF or JPEG"},
+        Case{"BrightFloats", "float.tif rgb.png out.png", kFailed,
+             "cannot read \"float.tif\": its values are 0.5 to 1.5, not 0 to 1; convert it to 16 bits per "
+             "channel"},
+        Case{"SceneDepths", "rgb.png float.exr out.png", kFailed,
+             "cannot read \"float.exr\": its values are 5.5 to 5.5, not 0 to 1; convert it to 16 bits per "
+             "channel"},
         Case{"Integers", "int32.tif rgb.png out.png", kFailed,
              "cannot read \"int32.tif\": it has 32-bit integer" + kConvert},
         Case{"FiveChannels", "five.tif rgb.png out.png", kFailed,
              "cannot read \"five.tif\": it has 5 channels; convert it to grey or RGB, with or without alpha"},
         Case{"OtherFormat", "other.bmp rgb.png out.png", kFailed,
-             "cannot read \"other.bmp\": it is a BMP file; convert it to PNG, TIFF or JPEG"}),
+             "cannot read \"other.bmp\": it is a BMP file; convert it to PNG, TIFF or OpenEXR"}),
     CaseName);
 
 INSTANTIATE_TEST_SUITE_P(
@@ -129,12 +133,13 @@ INSTANTIATE_TEST_SUITE_P(
              "its disk"},
         Case{"FolderOfThisName", "rgb.png rgb.png folder.png", kFailed,
              "cannot write \"folder.png\": a folder has this name; choose another"},
-        Case{"UnknownFormat", "rgb.png rgb.png out.exr", kFailed,
-             "cannot write \"out.exr\": its name must end in .png, .tif, .tiff, .jpg or .jpeg"},
+        Case{"UnknownFormat", "rgb.png rgb.png out.webp", kFailed,
+             "cannot write \"out.webp\": its name must end in .png, .tif, .tiff, .exr, .dpx, .tga, .jpg or "
+             ".jpeg"},
         Case{"JpegWithAlpha", "rgba.png rgb.png out.jpg", kFailed,
              "cannot write \"out.jpg\": JPEG holds no alpha and the picture has one; use .png or .tif"},
         Case{"DeepJpeg", "rgb16.png rgb.png out.jpg", kFailed,
-             "cannot write \"out.jpg\": JPEG holds 8 bits per channel and the picture has 16; "
+             "cannot write \"out.jpg\": JPEG holds 8 bits per channel and the picture has 16 bits; "
              "use .png or .tif"}),
     CaseName);
 

@@ -98,11 +98,12 @@ TEST_F(WritePictureTest, FormatsThatCannotHoldThePictureAreRefused) {
                                                "\": JPEG holds no alpha and the picture has one; " +
                                                "use .png or .tif");
     EXPECT_EQ(refusal("a.jpeg", wide), "cannot write \"" + folder.file("a.jpeg") +
-                                           "\": JPEG holds 8 bits per channel and the picture has 16; " +
+                                           "\": JPEG holds 8 bits per channel and the picture has 16 bits; " +
                                            "use .png or .tif");
-    for (const std::string name : {"a", "a.bmp", "a.exr", "png", ".png"}) {
-        EXPECT_EQ(refusal(name, withAlpha), "cannot write \"" + folder.file(name) +
-                                                "\": its name must end in .png, .tif, .tiff, .jpg or .jpeg");
+    for (const std::string name : {"a", "a.bmp", "a.webp", "png", ".png"}) {
+        EXPECT_EQ(refusal(name, withAlpha),
+                  "cannot write \"" + folder.file(name) +
+                      "\": its name must end in .png, .tif, .tiff, .exr, .dpx, .tga, .jpg or .jpeg");
     }
     EXPECT_TRUE(folder.names().empty());
 }

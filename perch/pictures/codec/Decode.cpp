@@ -4,13 +4,18 @@
 #include <OpenImageIO/imageio.h>
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <limits>
 #include <memory>
+#include <numeric>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <variant>
 #include <vector>
 
 #include "LibraryName.h"
+#include "Metadata.h"
 #include "PictureEnd.h"
 #include "PictureError.h"
 #include "PictureFile.h"
@@ -21,27 +26,140 @@ namespace {
 constexpr char kDamaged[] = "it is damaged or cut short; save or copy it again";
 constexpr char kEmpty[] = "it has no pixels; save it again";
 
+// The channels of the file that become those of the picture.
+using Channels = std::vector<int>;
+
 std::string_view typeName(OIIO::TypeDesc type) {
-    if (type == OIIO::TypeHalf) return "16-bit floating-point";
-    if (type == OIIO::TypeFloat) return "32-bit floating-point";
     if (type == OIIO::TypeInt32 || type == OIIO::TypeUInt32) return "32-bit integer";
     return type.c_str();
 }
 
-void requireSupported(const OIIO::ImageSpec& layout) {
-    if (layout.format != OIIO::TypeUInt8 && layout.format != OIIO::TypeUInt16) {
-        throw PictureError(fmt::format("it has {} channels; convert it to 8 or 16 bits per channel",
-                                       typeName(layout.format)));
-    }
-    if (layout.width <= 0 || layout.height <= 0) throw PictureError(kEmpty);
-    if (layout.width > kLargestExtent || layout.height > kLargestExtent) {
+// The widest of the channels, which OpenEXR files store each in its own type.
+OIIO::TypeDesc typeOf(const OIIO::ImageSpec& layout, const Channels& channels) {
+    OIIO::TypeDesc widest = layout.channelformat(channels.front());
+    for (const int channel : channels)
+        widest = OIIO::TypeDesc(OIIO::TypeDesc::basetype_merge(widest, layout.channelformat(channel)));
+    return widest;
+}
+
+std::optional<SampleType> sampleTypeOf(OIIO::TypeDesc type) {
+    if (type == OIIO::TypeUInt8) return SampleType::Bits8;
+    if (type == OIIO::TypeUInt16) return SampleType::Bits16;
+    if (type == OIIO::TypeHalf) return SampleType::Half;
+    if (type == OIIO::TypeFloat) return SampleType::Float;
+    return std::nullopt;
+}
+
+// In memory halves are floats.
+OIIO::TypeDesc memoryType(SampleType type) {
+    if (type == SampleType::Bits8) return OIIO::TypeUInt8;
+    return type == SampleType::Bits16 ? OIIO::TypeUInt16 : OIIO::TypeFloat;
+}
+
+// The size of the picture: in OpenEXR files the pixels that there are can be fewer or more than the picture
+// has.
+struct Window {
+    int x = 0;
+    int y = 0;
+    int width = 0;
+    int height = 0;
+};
+
+Window windowOf(const OIIO::ImageSpec& layout, FileFormat format) {
+    if (format == FileFormat::OpenExr && layout.full_width > 0 && layout.full_height > 0)
+        return {layout.full_x, layout.full_y, layout.full_width, layout.full_height};
+    return {layout.x, layout.y, layout.width, layout.height};
+}
+
+bool covers(const OIIO::ImageSpec& layout, const Window& window) {
+    return layout.x <= window.x && layout.y <= window.y &&
+           layout.x + layout.width >= window.x + window.width &&
+           layout.y + layout.height >= window.y + window.height;
+}
+
+void requireSize(int width, int height) {
+    if (width <= 0 || height <= 0) throw PictureError(kEmpty);
+    if (width > kLargestExtent || height > kLargestExtent) {
         throw PictureError(fmt::format("it has {} x {} pixels, the largest is {} x {}; make it smaller",
-                                       layout.width, layout.height, kLargestExtent, kLargestExtent));
+                                       width, height, kLargestExtent, kLargestExtent));
     }
-    if (layout.nchannels < 1 || layout.nchannels > 4) {
+}
+
+int channelNamed(const OIIO::ImageSpec& layout, std::string_view name) {
+    const auto found = std::ranges::find(layout.channelnames, name);
+    return found == layout.channelnames.end() ? -1 : static_cast<int>(found - layout.channelnames.begin());
+}
+
+bool isGrey(const OIIO::ImageSpec& layout, const Channels& channels) {
+    return channels.front() == channelNamed(layout, "Y");
+}
+
+// Of files of few channels all, in their order. OpenEXR files name theirs: red, green, blue and alpha of all.
+Channels firstChannels(const OIIO::ImageSpec& layout, FileFormat format) {
+    constexpr int kMostChannels = 4;
+    if (format == FileFormat::OpenExr) {
+        Channels channels;
+        for (const char* const name : {"R", "G", "B"}) {
+            if (const int channel = channelNamed(layout, name); channel >= 0) channels.push_back(channel);
+        }
+        if (const int grey = channelNamed(layout, "Y"); channels.empty() && grey >= 0)
+            channels.push_back(grey);
+        const int alpha = channelNamed(layout, "A");
+        const bool isWhole = channels.size() == 3 || channels.size() == 1;
+        if (isWhole && alpha >= 0) channels.push_back(alpha);
+        if (isWhole) return channels;
+        if (layout.nchannels > 1) {
+            throw PictureError(fmt::format("it has the channels {}; name one of them after the file, as :{}",
+                                           fmt::join(layout.channelnames, ", "),
+                                           layout.channelnames.front()));
+        }
+    }
+    if (layout.nchannels < 1 || layout.nchannels > kMostChannels) {
         throw PictureError(fmt::format("it has {} channels; convert it to grey or RGB, with or without alpha",
                                        layout.nchannels));
     }
+    Channels channels(static_cast<std::size_t>(layout.nchannels));
+    std::iota(channels.begin(), channels.end(), 0);
+    return channels;
+}
+
+std::string partName(const OIIO::ImageSpec& layout) {
+    return layout.get_string_attribute("oiio:subimagename");
+}
+
+// The name that tells a channel from those of other parts.
+std::string fullName(const OIIO::ImageSpec& layout, const std::string& channel, bool hasParts) {
+    const std::string part = hasParts ? partName(layout) : "";
+    return part.empty() || channel.starts_with(part + ".") ? channel : part + "." + channel;
+}
+
+// Which part of a file has the picture, and which of its channels it is made of.
+struct Source {
+    int part = 0;
+    Channels channels;
+};
+
+// The part that has the channel, by its own name or with the part's before it.
+Source findChannel(OIIO::ImageInput& file, const std::string& wanted, int parts) {
+    std::vector<std::string> names;
+    for (int part = 0; part < parts && file.seek_subimage(part, 0); ++part) {
+        const OIIO::ImageSpec& layout = file.spec();
+        for (int channel = 0; channel < layout.nchannels; ++channel) {
+            const std::string& name = layout.channelnames[static_cast<std::size_t>(channel)];
+            names.push_back(fullName(layout, name, parts > 1));
+            if (wanted == name || wanted == names.back()) return {part, {channel}};
+        }
+    }
+    throw PictureError(fmt::format("it has no channel \"{}\"; it has {}", wanted, fmt::join(names, ", ")));
+}
+
+int countParts(OIIO::ImageInput& file, FileFormat format) {
+    if (format != FileFormat::Tiff && format != FileFormat::OpenExr) return 1;
+    int parts = 1;
+    while (file.seek_subimage(parts, 0))
+        ++parts;
+    file.geterror();  // there is no next part
+    return parts;
 }
 
 // An unspecified fourth channel is taken for straight alpha.
@@ -49,9 +167,98 @@ bool isPremultiplied(const OIIO::ImageSpec& layout) {
     return layout.alpha_channel >= 0 && layout.get_int_attribute(kAlphaIsStraight) == 0;
 }
 
+// Of the file, what has to be read for some of its channels.
+struct ChannelRange {
+    explicit ChannelRange(const Channels& channels)
+        : begin(*std::ranges::min_element(channels)), end(*std::ranges::max_element(channels) + 1) {}
+    int begin;
+    int end;
+};
+
+// What the picture has of the file's pixels; the rest stays transparent. Where nothing was rendered there is
+// no depth.
+template <typename T>
+void place(const std::vector<T>& pixels, const OIIO::ImageSpec& layout, const ChannelRange& range,
+           const Channels& channels, const Window& window, std::vector<T>& samples, const Picture& picture) {
+    const auto read = static_cast<std::size_t>(range.end - range.begin);
+    for (int y = std::max(window.y, layout.y);
+         y < std::min(window.y + window.height, layout.y + layout.height); ++y) {
+        for (int x = std::max(window.x, layout.x);
+             x < std::min(window.x + window.width, layout.x + layout.width); ++x) {
+            const auto at = [&](int left, int top, int width) {
+                return static_cast<std::size_t>(y - top) * static_cast<std::size_t>(width) +
+                       static_cast<std::size_t>(x - left);
+            };
+            const T* const source = &pixels[at(layout.x, layout.y, layout.width) * read];
+            T* const target = &samples[at(window.x, window.y, window.width) * picture.channels];
+            for (std::size_t i = 0; i < channels.size(); ++i)
+                target[i] = source[channels[i] - range.begin];
+            if (channels.size() < picture.channels) target[channels.size()] = T{1};
+        }
+    }
+}
+
+template <typename T>
+bool readSamples(OIIO::ImageInput& file, const Source& source, const Window& window, std::vector<T>& samples,
+                 const Picture& picture) {
+    const OIIO::ImageSpec layout = file.spec();
+    const Channels& channels = source.channels;
+    const ChannelRange range(channels);
+    const OIIO::TypeDesc type = memoryType(picture.type());
+    const auto read = [&](T* data) {
+        return file.read_image(source.part, 0, range.begin, range.end, type, data);
+    };
+    const auto channelCount = static_cast<std::size_t>(range.end - range.begin);
+    const bool isWhole = channelCount == picture.channels && std::ranges::is_sorted(channels) &&
+                         layout.width == window.width && layout.height == window.height &&
+                         covers(layout, window);
+    if (isWhole) return read(samples.data());
+    requireSize(layout.width, layout.height);
+    std::vector<T> pixels(layout.image_pixels() * channelCount);
+    if (!read(pixels.data())) return false;
+    place(pixels, layout, range, channels, window, samples, picture);
+    return true;
+}
+
+std::shared_ptr<const Metadata> metadataOf(const OIIO::ImageSpec& layout, FileFormat format) {
+    auto metadata = std::make_shared<Metadata>();
+    metadata->format = format;
+    metadata->attributes = layout.extra_attribs;
+    return metadata;
+}
+
+Picture readPart(OIIO::ImageInput& file, FileFormat format, const Source& source) {
+    const OIIO::ImageSpec& layout = file.spec();
+    const Channels& channels = source.channels;
+    const OIIO::TypeDesc stored = typeOf(layout, channels);
+    const std::optional<SampleType> type = sampleTypeOf(stored);
+    if (!type) {
+        throw PictureError(fmt::format(
+            "it has {} channels; convert it to 8 or 16 bits per channel, or floats", typeName(stored)));
+    }
+    const Window window = windowOf(layout, format);
+    requireSize(window.width, window.height);
+    const bool isDepth = channels.size() == 1 && isFloat(*type) && !isGrey(layout, channels);
+    // Outside of what was rendered a picture is transparent, so that it has alpha there.
+    const bool needsAlpha = channels.size() % 2 == 1 && !isDepth && !covers(layout, window);
+    Picture picture = newPicture(window.width, window.height, channels.size() + (needsAlpha ? 1 : 0), *type);
+    picture.isPremultiplied = picture.hasAlpha() && (needsAlpha || isPremultiplied(layout));
+    if (isDepth) {
+        std::ranges::fill(std::get<std::vector<float>>(picture.samples),
+                          std::numeric_limits<float>::quiet_NaN());
+    }
+    const bool isRead = std::visit(
+        [&](auto& samples) { return readSamples(file, source, window, samples, picture); }, picture.samples);
+    // The error is asked for as well: the reader leaves missing parts of a TIFF file black and reports
+    // success.
+    if (const std::string error = file.geterror(); !isRead || !error.empty()) throw PictureError(kDamaged);
+    picture.metadata = metadataOf(layout, format);
+    return picture;
+}
+
 }  // namespace
 
-Picture decode(std::span<const unsigned char> bytes, FileFormat format) {
+Picture decode(std::span<const unsigned char> bytes, FileFormat format, const std::string& channel) {
     if (!reachesItsEnd(bytes, format)) throw PictureError(kDamaged);
     if (isEmptyPng(bytes, format)) throw PictureError(kEmpty);
     OIIO::Filesystem::IOMemReader memory(bytes.data(), bytes.size());
@@ -63,20 +270,14 @@ Picture decode(std::span<const unsigned char> bytes, FileFormat format) {
     file->set_ioproxy(&memory);
     if (!file->open("picture", layout, keepAlpha)) {
         file->geterror();  // an error not fetched is printed at exit
-        throw PictureError("it is damaged; save or copy it again");
+        throw PictureError(kDamaged);
     }
-    requireSupported(layout);
-    Picture picture = newPicture(layout.width, layout.height, static_cast<std::size_t>(layout.nchannels),
-                                 layout.format == OIIO::TypeUInt16 ? SampleType::Bits16 : SampleType::Bits8);
-    picture.isPremultiplied = isPremultiplied(layout);
-    const bool isRead = std::visit(
-        [&](auto& samples) {
-            return file->read_image(0, 0, 0, layout.nchannels, layout.format, samples.data());
-        },
-        picture.samples);
-    // The error is asked for as well: the reader leaves missing parts of a TIFF file black and reports
-    // success.
-    if (const std::string error = file->geterror(); !isRead || !error.empty()) throw PictureError(kDamaged);
+    const int parts = countParts(*file, format);
+    const Source source =
+        channel.empty() ? Source{0, firstChannels(layout, format)} : findChannel(*file, channel, parts);
+    file->seek_subimage(source.part, 0);
+    Picture picture = readPart(*file, format, source);
+    picture.parts = parts;
     return picture;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <span>
+#include <string>
 
 #include "FileFormat.h"
 #include "Picture.h"
@@ -9,6 +10,6 @@
 namespace pictures {
 
 // As Codec::decode.
-Picture decode(std::span<const unsigned char> bytes, FileFormat format);
+Picture decode(std::span<const unsigned char> bytes, FileFormat format, const std::string& channel);
 
 }  // namespace pictures

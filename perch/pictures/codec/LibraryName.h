@@ -13,6 +13,14 @@ constexpr const char* libraryName(FileFormat format) {
             return "tiff";
         case FileFormat::Jpeg:
             return "jpeg";
+        case FileFormat::OpenExr:
+            return "openexr";
+        case FileFormat::Dpx:
+            return "dpx";
+        case FileFormat::Targa:
+            return "targa";
+        case FileFormat::WebP:
+            return "webp";
     }
     return "";
 }

@@ -53,9 +53,8 @@ struct EarlyEnd {
 const EarlyEnd kEarlyEnds[] = {
     {"DamagedInput",
      "perch render --plugin {plugins}/Timeline.so -i torn.####.png -o out.####.png",
-     "frame 2: cannot read \"torn.0002.png\": it is not a picture, or a damaged one; name a PNG, TIFF or "
-     "JPEG "
-     "file",
+     "frame 2: cannot read \"torn.0002.png\": it is not a picture, or a damaged one; name a PNG, TIFF, "
+     "OpenEXR, DPX, TGA, JPEG or WebP file",
      {"out.0001.png"}},
     {"FailingEffect",
      "perch render --plugin {plugins}/Timeline.so -i shot.####.png -o out.####.png --fail-at 3",

@@ -57,6 +57,17 @@ TEST(ParameterOptionsTest, NameIsLowerCaseWithOneDashPerRunOfOtherCharacters) {
         EXPECT_EQ(optionName(name), option) << name;
 }
 
+TEST(ParameterOptionsTest, RangesOfLayersGiveWayToOtherNames) {
+    const std::vector<Parameter> parameters{named("Control Layer", PF_Param_LAYER),
+                                            named("Matte", PF_Param_LAYER), named("Matte Range"),
+                                            named("Zoom Layer", PF_Param_LAYER)};
+    const std::vector<std::string> reserved{"zoom-range"};
+    std::vector<std::string> ranges;
+    for (const ParameterOption& option : parameterOptions(parameters, reserved))
+        ranges.push_back(option.rangeName);
+    EXPECT_EQ(ranges, (std::vector<std::string>{"control-range", "matte-range-2", "", "zoom-range-2"}));
+}
+
 TEST(ParameterOptionsTest, ParametersWithoutAValueAreLeftOut) {
     const std::vector<Parameter> parameters{
         named("A", PF_Param_GROUP_START), named("B", PF_Param_FLOAT_SLIDER),   named("C", PF_Param_GROUP_END),

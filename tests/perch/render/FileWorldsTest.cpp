@@ -82,7 +82,7 @@ TEST_F(FileWorldsTest, EveryCodeOfADeepWorldSurvivesAFile) {
         writeWorld(folder / name, folded, true);
         const FileWorld read = readWorld(folder / name);
         ASSERT_TRUE(read.pixels.isDeep()) << name;
-        EXPECT_TRUE(read.hasAlpha) << name;
+        EXPECT_TRUE(read.source->hasAlpha()) << name;
         for (std::int32_t y = 0; y < 3; ++y) {
             for (std::size_t x = 0; x < kCodes / 3; ++x) {
                 ASSERT_EQ(codesOf(pixelRow<PF_Pixel16>(read.pixels.record(), y)[x]),
@@ -119,7 +119,7 @@ TEST_F(FileWorldsTest, SixteenBitFileCodesAreRoundedToTheNearestOfADeepWorld) {
         samples[i] = static_cast<std::uint16_t>(i);
     writeFile(folder / "grey.png", {kSide, kSide, 1}, samples);
     const FileWorld read = readWorld(folder / "grey.png");
-    EXPECT_FALSE(read.hasAlpha);
+    EXPECT_FALSE(read.source->hasAlpha());
     for (std::uint32_t code = 0; code < samples.size(); ++code) {
         const PF_Pixel16& pixel =
             pixelRow<PF_Pixel16>(read.pixels.record(), static_cast<std::int32_t>(code / kSide))[code % kSide];
@@ -152,7 +152,7 @@ TEST_F(FileWorldsTest, ChannelsOfTheFileBecomeThoseOfTheWorld) {
         writeFile(folder / c.name, c.shape, c.samples);
         const FileWorld read = readWorld(folder / c.name);
         EXPECT_EQ(onePixel(read), c.codes) << c.name;
-        EXPECT_EQ(read.hasAlpha, c.hasAlpha) << c.name;
+        EXPECT_EQ(read.source->hasAlpha(), c.hasAlpha) << c.name;
         EXPECT_FALSE(read.pixels.isDeep()) << c.name;
     }
 }
@@ -168,22 +168,19 @@ TEST_F(FileWorldsTest, DepthIsConvertedWhenAskedFor) {
 TEST_F(FileWorldsTest, FilesThatAreNoPicturesAreRefusedAndTheSentenceSaysHowToMendIt) {
     writeBytes(folder / "text.png", "not a picture");
     writeBytes(folder / "empty.png", "");
-    writeFile<float>(folder / "float.tif", {}, {0, 0, 0, 1});
-    writeFile<float>(folder / "half.exr", {}, {0, 0, 0, 1});
     writeFile<std::uint32_t>(folder / "wide.tif", {}, {0, 0, 0, 1});
     writeFile<std::uint8_t>(folder / "five.tif", {1, 1, 5}, {1, 2, 3, 4, 5});
     writeFile<std::uint8_t>(folder / "other.bmp", {1, 1, 3}, {1, 2, 3});
-    const std::string notPicture = "it is not a picture, or a damaged one; name a PNG, TIFF or JPEG file";
+    const std::string notPicture =
+        "it is not a picture, or a damaged one; name a PNG, TIFF, OpenEXR, DPX, TGA, JPEG or WebP file";
     const std::pair<const char*, std::string> cases[] = {
         {"absent.png", "there is no such file; check the name"},
         {".", "it is a folder; name a picture file"},
         {"text.png", notPicture},
         {"empty.png", notPicture},
-        {"float.tif", "it has 32-bit floating-point channels; convert it to 8 or 16 bits per channel"},
-        {"half.exr", "it is an OpenEXR file; convert it to PNG, TIFF or JPEG"},
-        {"wide.tif", "it has 32-bit integer channels; convert it to 8 or 16 bits per channel"},
+        {"wide.tif", "it has 32-bit integer channels; convert it to 8 or 16 bits per channel, or floats"},
         {"five.tif", "it has 5 channels; convert it to grey or RGB, with or without alpha"},
-        {"other.bmp", "it is a BMP file; convert it to PNG, TIFF or JPEG"},
+        {"other.bmp", "it is a BMP file; convert it to PNG, TIFF or OpenEXR"},
     };
     for (const auto& [name, reason] : cases)
         EXPECT_EQ(failureToRead(name), sentence("read", name, reason));
@@ -217,12 +214,16 @@ TEST_F(FileWorldsTest, OutputsThatCannotBeAreRefusedAndTheSentenceSaysHowToMendI
         bool withAlpha;
         std::string reason;
     };
-    const std::string extensions = "its name must end in .png, .tif, .tiff, .jpg or .jpeg";
+    const std::string extensions = "its name must end in .png, .tif, .tiff, .exr, .dpx, .tga, .jpg or .jpeg";
     const Case cases[] = {
         {"a", eight, false, extensions},
-        {"a.exr", eight, false, extensions},
+        {"a.webp", eight, false, extensions},
+        {"a.exr", eight, false,
+         "OpenEXR holds half floats or floats per channel and the picture has 8 bits; use .png or .tif, or "
+         "another --output-depth"},
         {"a.jpg", deep, false,
-         "JPEG holds 8 bits per channel and the picture has 16; use .png or .tif, or --depth 8"},
+         "JPEG holds 8 bits per channel and the picture has 16 bits; use .png or .tif, or another "
+         "--output-depth"},
         {"a.jpeg", eight, true, "JPEG holds no alpha and the picture has one; use .png or .tif"},
         {"none/a.png", eight, false,
          "there is no folder \"" + (folder / "none").string() + "\"; create it first"},
@@ -311,7 +312,7 @@ TEST_F(FileWorldsTest, WithoutAlphaTheFileHasThreeChannels) {
     pixelRow<PF_Pixel>(world.record(), 0)[0] = {9, 1, 2, 3};
     writeWorld(folder / "a.png", world, false);
     const FileWorld read = readWorld(folder / "a.png");
-    EXPECT_FALSE(read.hasAlpha);
+    EXPECT_FALSE(read.source->hasAlpha());
     EXPECT_EQ(onePixel(read), (Codes{255, 1, 2, 3}));
 }
 

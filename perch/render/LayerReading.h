@@ -1,0 +1,22 @@
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+
+#include "DepthRange.h"
+#include "PF_Params.h"
+
+namespace perch {
+
+// How the pictures of a layer parameter are read.
+struct LayerReading {
+    std::string channel;      // empty: the file's picture
+    std::string rangeOption;  // "--control-range"
+    std::optional<pictures::DepthRange> range;
+    bool hasUsualRange = false;  // then the range is found in the first frame
+};
+
+using LayerReadings = std::map<PF_ParamIndex, LayerReading>;
+
+}  // namespace perch

@@ -1,0 +1,246 @@
+// Pictures as renderers hand them over, through the built program and the effect beside it.
+#include <OpenImageIO/imageio.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include "Program.h"
+#include "TemporaryFolder.h"
+#include "ToolRun.h"
+
+namespace perch::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+// The samples of the first part, as floats; halves, 8 and 16 bits are exact in them.
+struct Samples {
+    int channels = 0;
+    OIIO::TypeDesc type;
+    std::vector<float> values;
+};
+
+Samples samplesOf(const fs::path& path) {
+    OIIO::ImageSpec keepAlpha;
+    keepAlpha["oiio:UnassociatedAlpha"] = 1;
+    const auto file = OIIO::ImageInput::open(path.string(), &keepAlpha);
+    if (!file) throw std::runtime_error("cannot open " + path.string() + ": " + OIIO::geterror());
+    const OIIO::ImageSpec& layout = file->spec();
+    Samples samples{layout.nchannels, layout.format,
+                    std::vector<float>(layout.image_pixels() * static_cast<std::size_t>(layout.nchannels))};
+    if (!file->read_image(0, 0, 0, layout.nchannels, OIIO::TypeFloat, samples.values.data()))
+        throw std::runtime_error("cannot read " + path.string() + ": " + file->geterror());
+    return samples;
+}
+
+class PictureJobsTest : public testing::Test {
+protected:
+    ProgramResult perch(const std::string& arguments) const {
+        std::vector<std::string> command{PERCH_PROGRAM, "render"};
+        std::istringstream words(arguments);
+        for (std::string word; words >> word;)
+            command.push_back(word);
+        return runProgram(command, folder / "work");
+    }
+
+    void make(const std::string& line) const { runTool(folder / "work", line); }
+    Samples samples(const std::string& name) const { return samplesOf(folder / "work" / name); }
+
+    PictureJobsTest() { fs::create_directory(folder / "work"); }
+
+    TemporaryFolder folder;
+};
+
+// Noise with highlights and alpha, and a matte.
+const std::string kNoise = "oiiotool --create 62x43 4 --noise:type=uniform:min=0:max=1:seed=7 ";
+
+TEST_F(PictureJobsTest, PixelsThatTheEffectLeavesAloneKeepTheFilesSamples) {
+    const struct {
+        const char* name;
+        std::string make;
+        std::vector<std::string> encodes{""};
+    } cases[] = {
+        {"a8.png", kNoise + "-d uint8 -o a8.png"},
+        {"a16.png", kNoise + "-d uint16 -o a16.png", {"", " --encode srgb", " --encode log"}},
+        {"a8.tif", kNoise + "-d uint8 -o a8.tif"},  // associated alpha
+        {"a16.tif", kNoise + "-d uint16 -o a16.tif"},
+        {"grey16.png",
+         "oiiotool --create 62x43 1 --noise:type=uniform:min=0:max=1:seed=7 -d uint16 -o grey16.png"},
+        {"half.exr",
+         kNoise + "--mulc 9,9,9,1 -d half -o half.exr",
+         {"", " --encode linear", " --encode log"}},
+        {"float.exr",
+         kNoise + "--mulc 900,9,9,1 --subc 0.1,0,0,0 -d float -o float.exr",
+         {"", " --encode log"}},
+        {"float.tif", kNoise + "-d float -o float.tif"},
+        {"a.dpx", "oiiotool --create 62x43 3 --noise:type=uniform:min=0:max=1:seed=7 -d uint16 -o a.dpx"},
+    };
+    make("oiiotool --create 62x43 1 --noise:type=uniform:min=0:max=1:seed=3 -d uint16 -o matte.png");
+    for (const auto& c : cases) {
+        make(c.make);
+        for (const std::string& encode : c.encodes) {
+            const std::string out = "out" + fs::path(c.name).extension().string();
+            const ProgramResult result =
+                perch("-i " + std::string(c.name) + " -o " + out +
+                      " --control-layer matte.png --maximum-blur 9 --blend-with-original 100" + encode);
+            ASSERT_EQ(result.status, 0) << c.name << encode << ": " << result.err;
+            const Samples before = samples(c.name);
+            const Samples after = samples(out);
+            EXPECT_EQ(after.type, before.type) << c.name << encode;
+            EXPECT_EQ(after.channels, before.channels) << c.name << encode;
+            EXPECT_EQ(after.values, before.values) << c.name << encode;
+        }
+    }
+}
+
+TEST_F(PictureJobsTest, DepthsNeedARangeAndTheRefusalSuggestsOne) {
+    make("oiiotool --pattern fill:top=2:bottom=30 4x9 1 --chnames Z -d float -o z.exr && " + kNoise +
+         "-d uint8 -o in.png");
+    const ProgramResult refused = perch("-i in.png -o out.png --control-layer z.exr");
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_EQ(
+        refused.err,
+        "perch: cannot take \"z.exr\" for a layer: its values are 2 to 30, not 0 to 1; say which are near "
+        "and far with --control-range NEAR:FAR, as 2:30\n");
+    const ProgramResult found = perch("-i in.png -o out.png --control-layer z.exr --control-range auto");
+    EXPECT_EQ(found.status, 0);
+    EXPECT_EQ(found.err, "perch: note: --control-range auto is --control-range 2:30\n");
+    const ProgramResult wrong = perch("-i in.png -o out.png --control-layer z.exr --control-range 2");
+    EXPECT_EQ(wrong.status, 2);
+    EXPECT_EQ(
+        wrong.err,
+        "perch: --control-range takes two depths, as 2.5:40 or 2.5:40:reciprocal, or auto, not \"2\"\n");
+    const ProgramResult alone = perch("-i in.png -o out.png --control-range 2:30");
+    EXPECT_EQ(alone.status, 2);
+    EXPECT_EQ(alone.err, "perch: --control-range is of the picture of --control-layer, which is missing\n");
+}
+
+TEST_F(PictureJobsTest, DepthsMakeTheMatteThatTheyStandFor) {
+    // The same scene in metres, in centimetres, along an axis towards the viewer, and as a matte.
+    make(
+        "oiiotool --pattern fill:left=2:right=30 62x43 1 --chnames Z -d float -o m.exr && "
+        "oiiotool m.exr --mulc 100 -o cm.exr && oiiotool m.exr --mulc -1 -o axis.exr && "
+        "oiiotool m.exr --subc 30 --divc -28 -d uint16 -o matte.png && " +
+        kNoise + "-d uint16 -o in.png");
+    const std::string job = " --maximum-blur 9 --blur-type Fine --focal-point 40 --control-layer ";
+    ASSERT_EQ(perch("-i in.png -o matte-out.png" + job + "matte.png").status, 0);
+    const Samples expected = samples("matte-out.png");
+    for (const std::string layer : {"m.exr --control-range 2:30", "cm.exr --control-range 200:3000",
+                                    "axis.exr:Z --control-range -2:-30"}) {
+        ASSERT_EQ(perch("-i in.png -o out.png" + job + layer).status, 0) << layer;
+        EXPECT_EQ(samples("out.png").values, expected.values) << layer;
+    }
+    ASSERT_EQ(perch("-i in.png -o out.png" + job + "m.exr --control-range 2:30:reciprocal").status, 0);
+    EXPECT_NE(samples("out.png").values, expected.values);
+}
+
+TEST_F(PictureJobsTest, LaterFrameOutsideTheRangeOfTheFirstIsToldOnce) {
+    make(
+        "oiiotool --pattern fill:top=2:bottom=30 4x40 1 --chnames Z -d float -o z.1.exr && cp z.1.exr "
+        "z.2.exr && "
+        "oiiotool z.1.exr --mulc 2 -o z.3.exr && cp z.3.exr z.4.exr && " +
+        kNoise +
+        "-d uint8 -o in.1.png && cp in.1.png in.2.png && cp in.1.png in.3.png && cp in.1.png in.4.png");
+    const ProgramResult result =
+        perch("-i in.#.png -o out.#.png --control-layer z.#.exr --control-range auto --threads 1");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(
+        result.err,
+        "perch: note: --control-range auto is --control-range 2:30\n"
+        "perch: note: \"z.3.exr\" has depths of 4:60, outside the 2:30 that --control-range auto found in "
+        "the first frame\n");
+}
+
+TEST_F(PictureJobsTest, PartsOfOneFileAreBeautyAndDepth) {
+    make(kNoise +
+         "--mulc 9,9,9,0 --addc 0,0,0,1 -d half -o beauty.exr && "
+         "oiiotool --pattern fill:left=2:right=30 62x43 1 --chnames Z -d float -o z.exr && "
+         "oiiotool beauty.exr z.exr --siappend -o parts.exr");
+    const ProgramResult result = perch(
+        "-i parts.exr -o out.exr --control-layer parts.exr:Z --control-range 2:30 --encode log "
+        "--maximum-blur 9");
+    ASSERT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(
+        result.err,
+        "perch: note: \"parts.exr\" has 2 parts and the first is read; a layer's file can be followed by the "
+        "channel of another, as NAME:Z\n");
+    const Samples out = samples("out.exr");
+    EXPECT_EQ(out.type, OIIO::TypeHalf);
+    EXPECT_GT(*std::ranges::max_element(out.values), 4);  // highlights stay above white
+    const Samples before = samples("beauty.exr");
+    EXPECT_NE(out.values, before.values);
+}
+
+TEST_F(PictureJobsTest, ClippedLightIsCountedOnce) {
+    make(
+        "oiiotool --create 10x10 3 --fill:color=2,0.5,0.5 10x3+0+0 -d half -o in.1.exr && cp in.1.exr "
+        "in.2.exr");
+    const std::string job = "-i in.#.exr -o out.#.exr --blend-with-original 100";
+    EXPECT_EQ(
+        perch(job).err,
+        "perch: note: the pictures hold light in floats, which the effect gets by the curve of sRGB, as with "
+        "--encode srgb\n"
+        "perch: note: 30 % of the pixels of 2 frames are below 0 or above 1 and were clipped; --encode log "
+        "keeps up to 64\n");
+    EXPECT_EQ(perch(job + " --encode log").err, "");
+}
+
+TEST_F(PictureJobsTest, OutputHasTheDepthOfTheInputOrTheOneAskedFor) {
+    make(kNoise + "-d uint8 -o in8.png && " + kNoise + "-d uint16 -o in16.png && " + kNoise +
+         "-d half -o in.exr && "
+         "oiiotool --create 62x43 1 --noise:type=uniform:min=0:max=1:seed=3 -d uint16 -o matte16.png");
+    struct Case {
+        const char* arguments;
+        const char* output;
+        OIIO::TypeDesc type;
+    };
+    const Case cases[] = {
+        {"-i in8.png --control-layer matte16.png", "a.png", OIIO::TypeUInt8},
+        {"-i in8.png --depth 16", "b.png", OIIO::TypeUInt16},
+        {"-i in16.png --depth 8", "c.png", OIIO::TypeUInt8},
+        {"-i in16.png --output-depth 8", "d.png", OIIO::TypeUInt8},
+        {"-i in8.png --output-depth 16", "e.tif", OIIO::TypeUInt16},
+        {"-i in8.png --output-depth float", "f.tif", OIIO::TypeFloat},
+        {"-i in8.png", "g.exr", OIIO::TypeHalf},
+        {"-i in16.png", "h.exr", OIIO::TypeFloat},
+        {"-i in.exr", "i.exr", OIIO::TypeHalf},
+        {"-i in.exr --output-depth float", "j.exr", OIIO::TypeFloat},
+        {"-i in.exr", "k.png", OIIO::TypeUInt16},
+        {"-i in.exr", "l.tif", OIIO::TypeFloat},
+    };
+    for (const Case& c : cases) {
+        const ProgramResult result = perch(std::string(c.arguments) + " --maximum-blur 5 -o " + c.output);
+        EXPECT_EQ(result.status, 0) << c.arguments << ": " << result.err;
+        EXPECT_EQ(samples(c.output).type, c.type) << c.arguments;
+    }
+    const ProgramResult refused = perch("-i in8.png -o out.png --output-depth half");
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_EQ(refused.err,
+              "perch: cannot write \"out.png\": PNG holds 8 or 16 bits per channel and the picture has half "
+              "floats; "
+              "use .exr, or another --output-depth\n");
+}
+
+// At 8 bits the steps of a matte of 16 would be rounded away, and with them the slow change of the blur.
+TEST_F(PictureJobsTest, DeepMatteStaysOneBesideAnEightBitPicture) {
+    make(kNoise +
+         "-d uint8 -o in.png && "
+         "oiiotool --pattern fill:left=0.5:right=0.52 62x43 1 -d uint16 -o matte.png");
+    const std::string job =
+        "-i in.png --control-layer matte.png --view-mode Focus --focal-point 50 --output-depth 16 -o ";
+    ASSERT_EQ(perch(job + "auto.png").status, 0);
+    ASSERT_EQ(perch(job + "eight.png --depth 8").status, 0);
+    const auto steps = [](std::vector<float> values) {
+        std::ranges::sort(values);
+        return std::unique(values.begin(), values.end()) - values.begin();
+    };
+    EXPECT_GE(steps(samples("auto.png").values), steps(samples("eight.png").values));
+    ASSERT_EQ(perch(job + "sixteen.png --depth 16").status, 0);
+    EXPECT_EQ(samples("auto.png").values, samples("sixteen.png").values);
+}
+
+}  // namespace
+}  // namespace perch::test
