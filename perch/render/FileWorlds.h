@@ -40,8 +40,8 @@ Depth depthOf(const pictures::Picture& picture);
 FileWorld worldOf(const SharedPicture& picture, Depth depth,
                   pictures::Transfer transfer = pictures::Transfer::Linear);
 
-// A picture made smaller by the scale, or as it is for 1/1. Nothing at its edge is cut off: where an extent is
-// not whole, the picture is stretched to the next pixel.
+// A picture made smaller by the scale, or as it is for 1/1. Nothing at its edge is cut off: where an extent
+// is not whole, the picture is stretched to the next pixel.
 FileWorld resized(FileWorld picture, const PF_RationalScale& scale);
 
 // `depth` is that of the world; absent: the file's.

@@ -28,16 +28,20 @@ TEST(DocumentTest, CommandsDoWhatTheyShow) {
     const fs::path folder = parent / "work";
     fs::create_directories(folder / "out");
     fs::create_directory_symlink(fs::path(PERCH_SOURCES) / "samples", folder / "samples");
-    const std::vector<std::string> commands = commandsShownIn(fs::path(PERCH_SOURCES) / "docs" / "perch.md");
-    EXPECT_GE(commands.size(), 5U);
+    std::vector<std::string> commands;
+    for (const char* const document : {"perch.md", "guide.md"}) {
+        const std::vector<std::string> shown = commandsShownIn(fs::path(PERCH_SOURCES) / "docs" / document);
+        EXPECT_GE(shown.size(), 4U) << document;
+        commands.insert(commands.end(), shown.begin(), shown.end());
+    }
     for (const std::string& command : commands) {
         std::vector<std::string> words = wordsOf(command);
         words.front() = PERCH_PROGRAM;
         const ProgramResult result = runProgram(words, folder);
         EXPECT_EQ(result.status, 0) << command << '\n' << result.err;
     }
-    for (const char* const name :
-         {"still.png", "shot.0001.png", "shot.0024.png", "half.0001.tif", "half.0023.tif"})
+    for (const char* const name : {"still.png", "shot.0001.png", "shot.0024.png", "half.0001.tif",
+                                   "half.0023.tif", "metres.png", "near-black.png", "lens.png", "auto.png"})
         EXPECT_TRUE(fs::exists(folder / "out" / name)) << name;
     EXPECT_FALSE(fs::exists(folder / "out" / "half.0002.tif"));
 }
