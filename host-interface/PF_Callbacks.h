@@ -109,9 +109,9 @@ PF_AT(PF_ANSICallbacksBlock, acos, 144);
 PF_AT(PF_ANSICallbacksBlock, unused_longA, 152);
 
 /*
- * Colour conversions of 8-bit pixels. HLS: hue in degrees, lightness and saturation from 0 to 1, all 16.16.
- * YIQ: each from -1 to 1, 16.16. Luminance is 100 times that of the pixel; hue, lightness and saturation
- * alone run from 0 to 255.
+ * Colour conversions of 8-bit pixels. HLS: each from 0 to 1, 16.16; a hue of 1 is the whole circle.
+ * YIQ: 16.16, Y from 0 to 1, I to 0.5959 and Q to 0.5227 to both sides. Luminance is 100 times that of the
+ * pixel; hue, lightness and saturation alone run from 0 to 255.
  */
 typedef struct PF_ColorCallbacks {
     PF_Err (*RGBtoHLS)(PF_ProgPtr effect_ref, PF_Pixel* rgb, PF_Fixed* hls);

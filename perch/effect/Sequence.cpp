@@ -55,7 +55,7 @@ void Sequence::makeArbitraryValues() {
         for (const Parameter& parameter : effect.host->description.parameters)
             if (isArbitrary(parameter))
                 arbitraryValues[parameter.index] = ArbitraryData(*effect.host, parameter).makeDefault();
-    } catch (const Error&) {
+    } catch (...) {
         setDown();
         throw;
     }

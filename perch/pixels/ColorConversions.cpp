@@ -47,13 +47,13 @@ Hls hlsOf(const PF_Pixel& rgb) {
 
 void toHls(const PF_Pixel& rgb, PF_Fixed (&hls)[3]) {
     const Hls color = hlsOf(rgb);
-    hls[0] = fixed(color.hue);
+    hls[0] = fixed(color.hue / 360);
     hls[1] = fixed(color.lightness);
     hls[2] = fixed(color.saturation);
 }
 
 void fromHls(const PF_Fixed (&hls)[3], PF_Pixel& rgb) {
-    const double hue = hls[0] / kFixedOne;
+    const double hue = hls[0] / kFixedOne * 360;
     const double lightness = hls[1] / kFixedOne;
     const double chroma = (1 - std::abs(2 * lightness - 1)) * (hls[2] / kFixedOne);
     // Each primary falls from its own hue to both sides over a sixth of the circle, after a plateau of
@@ -74,17 +74,17 @@ void toYiq(const PF_Pixel& rgb, PF_Fixed (&yiq)[3]) {
     const double green = rgb.green / 255.0;
     const double blue = rgb.blue / 255.0;
     yiq[0] = fixed(0.299 * red + 0.587 * green + 0.114 * blue);
-    yiq[1] = fixed(0.596 * red - 0.274 * green - 0.322 * blue);
-    yiq[2] = fixed(0.211 * red - 0.523 * green + 0.312 * blue);
+    yiq[1] = fixed(0.5959 * red - 0.2746 * green - 0.3213 * blue);
+    yiq[2] = fixed(0.2115 * red - 0.5227 * green + 0.3112 * blue);
 }
 
 void fromYiq(const PF_Fixed (&yiq)[3], PF_Pixel& rgb) {
     const double y = yiq[0] / kFixedOne;
     const double i = yiq[1] / kFixedOne;
     const double q = yiq[2] / kFixedOne;
-    rgb.red = byte(y + 0.956 * i + 0.621 * q);
-    rgb.green = byte(y - 0.272 * i - 0.647 * q);
-    rgb.blue = byte(y - 1.106 * i + 1.703 * q);
+    rgb.red = byte(y + 0.9563 * i + 0.6210 * q);
+    rgb.green = byte(y - 0.2721 * i - 0.6474 * q);
+    rgb.blue = byte(y - 1.1070 * i + 1.7046 * q);
 }
 
 A_long luminance100(const PF_Pixel& rgb) {

@@ -197,8 +197,11 @@ A_long gaussianDiameter(double radius) {
 
 PF_Err makeGaussian(double radius, PF_KernelFlags flags, double multiplier, void* kernel) {
     const Element element = elementOf(flags);
-    if (gaussianDiameter(radius) == 0 || element == Element::Unknown || !std::isfinite(multiplier))
+    const A_long diameter = gaussianDiameter(radius);
+    if (diameter == 0 || countOf(flags, diameter) > kMostElements || element == Element::Unknown ||
+        !std::isfinite(multiplier)) {
         return PF_Err_BAD_CALLBACK_PARAM;
+    }
     const std::vector<double> bell = bellOf(radius);
     std::vector<double> values = bell;
     if (!isLine(flags)) {

@@ -28,8 +28,9 @@ PF_Err convolveWorld(const PF_EffectWorld& from, const PF_Rect* area, const Kern
 A_long gaussianDiameter(double radius);
 
 // Fills the kernel, of gaussianDiameter elements or their square, with a bell that falls to exp(-9/2) at the
-// radius: normalised to a mean element of one, exactly but for chars that do not reach so far, or else with
-// one in the middle. Both times `multiplier`.
+// radius: normalised to a mean element of one, exactly except for chars, which end at 255, or else with one
+// in the middle. Both times `multiplier`. PF_Err_BAD_CALLBACK_PARAM, and nothing is written, for a kernel
+// that convolveWorld would not take.
 PF_Err makeGaussian(double radius, PF_KernelFlags flags, double multiplier, void* kernel);
 
 }  // namespace perch

@@ -115,9 +115,11 @@ double saturation(const Colour& c) {
     return std::max({c.red, c.green, c.blue}) - std::min({c.red, c.green, c.blue});
 }
 
-// Brings a colour back between 0 and 1 towards its own luminance.
+// Brings a colour back between 0 and 1 towards its own luminance, or all the way where that is outside too,
+// as it can be in worlds of floats.
 Colour withinRange(const Colour& c) {
     const double grey = luminance(c);
+    if (grey <= 0 || grey >= 1) return {held(grey), held(grey), held(grey)};
     const double low = std::min({c.red, c.green, c.blue});
     const double high = std::max({c.red, c.green, c.blue});
     double share = 1;

@@ -30,7 +30,9 @@ TEST_P(UnloadTest, EffectsCodeStaysLoadedUntilTheWorkersHaveEnded) {
     }
     close(ends[1]);
     std::string told(16, '\0');
-    told.resize(static_cast<std::size_t>(read(ends[0], told.data(), told.size())));
+    const ssize_t length = read(ends[0], told.data(), told.size());
+    ASSERT_GE(length, 0);
+    told.resize(static_cast<std::size_t>(length));
     close(ends[0]);
     EXPECT_EQ(told, std::string(kThreads - 1, 'x'));
 }

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "ColorConversions.h"
 #include "PixelAccess.h"
 #include "World.h"
@@ -69,7 +71,7 @@ TEST(ColorConversionsTest, PrimariesHaveTheirHues) {
           Case{{255, 0, 0, 255}, 240}, Case{{255, 255, 0, 255}, 300}}) {
         PF_Fixed hls[3];
         toHls(c.color, hls);
-        EXPECT_EQ(hls[0], c.hue * kOne);
+        EXPECT_EQ(hls[0], std::lround(c.hue / 360.0 * kOne));
         EXPECT_EQ(hls[2], kOne);
     }
 }
