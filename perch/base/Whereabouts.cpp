@@ -54,14 +54,15 @@ void noteTemporary(const std::string& path) {
     for (Whereabouts::Temporary& place : whereabouts().temporaries) {
         if (place.isTaken.exchange(true)) continue;
         place.path.set(path);
+        place.isWhole = true;
         return;
     }
 }
 
 void forgetTemporary(const std::string& path) {
     for (Whereabouts::Temporary& place : whereabouts().temporaries) {
-        if (place.path.get() != path) continue;
-        place.path.set("");
+        if (!place.isWhole || place.path.get() != path) continue;
+        place.isWhole = false;
         place.isTaken = false;
         return;
     }

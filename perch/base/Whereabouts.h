@@ -39,23 +39,25 @@ private:
 };
 
 struct Whereabouts {
+    std::atomic<std::int32_t> supervisor{0};  // process identifier
     // The job's end, written last of all. Nothing else is an end.
     std::atomic<bool> isFinished{false};
     std::atomic<std::int32_t> status{0};
     SharedText<4096> sentence;  // why the job failed; empty where everything has been told
 
     std::atomic<std::int64_t> limit{0};  // nanoseconds that one command may take; 0: any time
-    std::atomic<std::int64_t> busySince{
-        0};  // nanoseconds of the monotonic clock; 0: the effect's code does not run
+    // In nanoseconds of the monotonic clock; 0: the effect's code does not run.
+    std::atomic<std::int64_t> busySince{0};
     std::atomic<std::int64_t> frame{-1};  // of the command; -1: none
     SharedText<256> effect;               // file name; empty before one is loaded
     SharedText<64> command;               // the last, also once it has ended
     SharedText<64> callback;              // the last that the command called; empty without one
     SharedText<65536> findings;           // of strict mode so far, a line each
 
-    // Files that are to be removed. A place is free while its path is empty.
+    // Files that are to be removed: those whose path is whole.
     struct Temporary {
         std::atomic<bool> isTaken{false};
+        std::atomic<bool> isWhole{false};
         SharedText<4096> path;
     };
     std::array<Temporary, 32> temporaries;

@@ -68,7 +68,8 @@ void requireLoadable(const std::filesystem::path& path) {
     if (!isOfThisMachine)
         throw Error(fmt::format("\"{}\" is made for {}; this program runs on {}", name,
                                 machineName(header.e_machine), machineName(own.e_machine)));
-    if (header.e_type != ET_DYN) throw Error(fmt::format("\"{}\" is not a shared object", name));
+    if (header.e_type != ET_DYN || header.e_phentsize != sizeof(Segment))
+        throw Error(fmt::format("\"{}\" is not a shared object", name));
     std::vector<Segment> segments(header.e_phnum);
     file.seekg(static_cast<std::streamoff>(header.e_phoff));
     file.read(reinterpret_cast<char*>(segments.data()),

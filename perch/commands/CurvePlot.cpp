@@ -8,6 +8,7 @@
 #include <limits>
 #include <string_view>
 
+#include "Console.h"
 #include "PF_Values.h"
 #include "ParameterText.h"
 
@@ -73,7 +74,7 @@ public:
     }
 
     std::string draw() const {
-        std::string out = text(kLeft, top - 12, "start", parameter.name, "font-weight=\"bold\"");
+        std::string out = text(kLeft, top - 12, "start", printable(parameter.name), "font-weight=\"bold\"");
         out += fmt::format(
             "<rect x=\"{}\" y=\"{}\" width=\"{}\" height=\"{}\" fill=\"none\" stroke=\"#bbb\"/>\n", kLeft,
             top, kWidth - kLeft - kRight, kPlotHeight);

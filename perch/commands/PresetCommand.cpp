@@ -59,7 +59,7 @@ int runPresetCommand(const std::vector<std::string>& arguments) {
     PresetOptions own;
     addOwnOptions(app, own);
     parseArguments(app, arguments);
-    const Effect effect(chooseBundle(own.plugin), HostOptions{});
+    Effect effect(chooseBundle(own.plugin), HostOptions{});
     const std::vector<ParameterOption> options = optionsOf(effect.description().parameters);
     ParameterTexts texts;
     addParameterOptions(app, options, texts);
@@ -72,6 +72,7 @@ int runPresetCommand(const std::vector<std::string>& arguments) {
     std::vector<ParameterCurve> curves = takeParameterArguments(app, options, texts, own.preset).curves;
     complete(curves, options);
     const std::string text = presetText(options, curves);
+    effect.close();
     if (own.output.empty()) {
         printResult(text);
     } else {

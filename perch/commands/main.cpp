@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <csignal>
 #include <exception>
 #include <new>
 #include <string>
@@ -116,6 +117,8 @@ Ending runSupervised(const Arguments& arguments) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    // A write to a pipe that nobody reads is an error with an exit code.
+    std::signal(SIGPIPE, SIG_IGN);
     perch::occupyStandardDescriptors();
     Arguments arguments(argv + std::min(argc, 1), argv + argc);
     if (!arguments.empty() && perch::becomeWorker(arguments.front())) {

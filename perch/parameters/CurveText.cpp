@@ -71,7 +71,9 @@ std::optional<Kind> takeKind(std::string_view& text) {
 }
 
 [[noreturn]] void refuseKind(std::string_view name, std::string_view kind) {
-    const std::array<std::string, 3> names{"hold", "linear", "smooth"};
+    std::vector<std::string> names;
+    for (const auto& known : kKindNames)
+        names.emplace_back(known.first);
     throw UsageError(fmt::format("{}: a key is hold, linear or smooth, not \"{}\"{}", name, kind,
                                  suggestion(kind, names)));
 }

@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <system_error>
 
@@ -25,25 +26,32 @@ bool writeAll(int descriptor, std::string_view text) {
     return true;
 }
 
-// Beyond the descriptors that an effect may close because it counts on their numbers; the same where there is
-// none.
+// Beyond the descriptors that an effect may close because it counts on their numbers, if there are so many;
+// -1 where there is none at all.
 int duplicated(int descriptor) {
     constexpr int kFirst = 200;
     const int copy = fcntl(descriptor, F_DUPFD_CLOEXEC, kFirst);
-    return copy >= 0 ? copy : descriptor;
+    return copy >= 0 ? copy : fcntl(descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
 }
 
 }  // namespace
 
 std::string printable(std::string_view text) {
     std::string clean;
+    int following = 0;  // bytes of a character in UTF-8
     for (std::size_t i = 0; i < text.size(); ++i) {
         const auto c = static_cast<unsigned char>(text[i]);
         const auto next = static_cast<unsigned char>(i + 1 < text.size() ? text[i + 1] : '\0');
         // In UTF-8 the control characters from U+0080 to U+009F are 0xC2 and a byte below 0xA0.
         const bool isHighControl = c == 0xC2 && next >= 0x80 && next < 0xA0;
-        clean += c < ' ' || c == 0x7F || isHighControl ? '?' : text[i];
-        if (isHighControl) ++i;
+        // A terminal of 8-bit characters takes these bytes for control characters where they stand alone.
+        const bool isLone = c >= 0x80 && c < 0xA0 && following == 0;
+        clean += c < ' ' || c == 0x7F || isHighControl || isLone ? '?' : text[i];
+        following = c >= 0xF0 ? 3 : c >= 0xE0 ? 2 : c >= 0xC0 ? 1 : std::max(0, following - 1);
+        if (isHighControl) {
+            following = 0;
+            ++i;
+        }
     }
     return clean;
 }
@@ -74,8 +82,11 @@ void occupyStandardDescriptors() {
 }
 
 void keepOutputsApart() {
-    gResults = duplicated(STDOUT_FILENO);
-    gMessages = duplicated(STDERR_FILENO);
+    const int results = duplicated(STDOUT_FILENO);
+    const int messages = duplicated(STDERR_FILENO);
+    if (messages >= 0) gMessages = messages;
+    if (results < 0) return;
+    gResults = results;
     dup2(STDERR_FILENO, STDOUT_FILENO);
 }
 

@@ -25,10 +25,14 @@ void* mapShared(int descriptor) {
 SharedMemory::SharedMemory() : descriptor(memfd_create("perch", 0)) {
     const bool isLarge = descriptor >= 0 && ftruncate(descriptor, sizeof(Whereabouts)) == 0;
     void* const mapped = isLarge ? mapShared(descriptor) : nullptr;
-    if (mapped == nullptr)
+    if (mapped == nullptr) {
+        const int reason = errno;
+        if (descriptor >= 0) close(descriptor);
         throw Error(fmt::format("cannot share memory with a child: {}; --in-process does without one",
-                                std::generic_category().message(errno)));
+                                std::generic_category().message(reason)));
+    }
     memory = new (mapped) Whereabouts;
+    memory->supervisor = getpid();
 }
 
 SharedMemory::~SharedMemory() {

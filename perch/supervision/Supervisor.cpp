@@ -149,7 +149,7 @@ private:
 
     void removeTemporaries() const {
         for (const Whereabouts::Temporary& temporary : shared.memory->temporaries) {
-            if (const std::string path = temporary.path.get(); !path.empty()) unlink(path.c_str());
+            if (temporary.isWhole) unlink(temporary.path.get().c_str());
         }
     }
 

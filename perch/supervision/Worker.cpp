@@ -6,6 +6,7 @@
 
 #include <charconv>
 #include <cstdio>
+#include <cstdlib>
 
 #include "Console.h"
 #include "SharedMemory.h"
@@ -23,13 +24,18 @@ bool becomeWorker(const std::string& option) {
     const std::string number = option.substr(sizeof kWorkerOption - 1);
     int descriptor = -1;
     const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), descriptor);
-    if (error != std::errc() || !SharedMemory::adopt(descriptor)) return false;
+    if (error != std::errc() || end != number.data() + number.size() || !SharedMemory::adopt(descriptor))
+        return false;
     prctl(PR_SET_PDEATHSIG, SIGKILL);
+    // The parent may have ended before that line.
+    if (getppid() != whereabouts().supervisor) _exit(EXIT_FAILURE);
     keepOutputsApart();
     setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
     // A write that cannot be done is an error with a sentence.
     signal(SIGPIPE, SIG_IGN);
     signal(SIGXFSZ, SIG_IGN);
+    // The worker is in a process group of its own, whose messages a terminal may be set to stop.
+    signal(SIGTTOU, SIG_IGN);
     gWorker = getpid();
     return true;
 }

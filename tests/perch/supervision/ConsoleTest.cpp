@@ -17,6 +17,10 @@ TEST(ConsoleTest, ControlCharactersBecomeQuestionMarks) {
          "31m",
          "?31m"},                                  // the same as an escape and a bracket
         {"\xC2\xA0\xC3\xA4", "\xC2\xA0\xC3\xA4"},  // a blank that does not break, and a letter
+        {"\x9B"
+         "31m",
+         "?31m"},  // the same to a terminal of 8-bit characters
+        {"\xE2\x80\x9Cquoted", "\xE2\x80\x9Cquoted"},
         {"cut \xC2", "cut \xC2"},
     };
     for (const auto& [text, clean] : cases)
