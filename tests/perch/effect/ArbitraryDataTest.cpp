@@ -192,6 +192,11 @@ TEST_P(ArbitraryDataTest, DefaultIsPrintedForTheDescription) {
 
 // The effect is asked before its sequence is flattened, so nothing has to be put back.
 TEST_P(ArbitraryDataTest, SavingThatFailsLeavesTheInstanceAsItWas) {
+    script.declareFlags(PF_OutFlag_DEEP_COLOR_AWARE | PF_OutFlag_SEQUENCE_DATA_NEEDS_FLATTENING);
+    script.on(PF_Cmd_SEQUENCE_FLATTEN, [](const EffectCall&) {
+        ADD_FAILURE() << "flattened all the same";
+        return PF_Err_NONE;
+    });
     for (const PF_FunctionSelector failing : {PF_Arbitrary_FLATTEN_FUNC, PF_Arbitrary_COMPARE_FUNC}) {
         Effect effect(ScriptedEffect::enter, {}, strictOptions());
         {
