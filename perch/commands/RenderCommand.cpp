@@ -42,8 +42,12 @@ void catchInterrupts() {
     struct sigaction action {};
     action.sa_handler = endSoon;
     action.sa_flags = SA_RESTART;
-    sigaction(SIGINT, &action, nullptr);
-    sigaction(SIGTERM, &action, nullptr);
+    for (const int signal : {SIGINT, SIGTERM}) {
+        struct sigaction before {};
+        sigaction(signal, nullptr, &before);
+        // Whoever has started the program may have it ignore one.
+        if (before.sa_handler != SIG_IGN) sigaction(signal, &action, nullptr);
+    }
 }
 
 // To the beginning of the line, and all of it blank.

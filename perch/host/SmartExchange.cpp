@@ -63,8 +63,9 @@ void SmartExchange::makeOutput(const PF_LRect& rect) {
     const std::int32_t strictPadding = ledger.isStrict() ? kStrictRowPadding * pixelSize(depth) : 0;
     const std::int32_t padding = request.outputRowPadding > 0 ? request.outputRowPadding : strictPadding;
     output.emplace(rect.right - rect.left, rect.bottom - rect.top, depth, padding);
-    output->record().origin_x = rect.left;
-    output->record().origin_y = rect.top;
+    outputRecord = output->record();
+    outputRecord.origin_x = rect.left;
+    outputRecord.origin_y = rect.top;
 }
 
 // The pixels that were promised: the picture itself where it is all of it and nobody watches, else a copy.
@@ -122,7 +123,7 @@ PF_Err SmartExchange::checkOutOutput(PF_EffectWorld*& pixels) {
     if (!layers.empty() && std::ranges::none_of(layers, isTaken))
         ledger.fault("checkout_output", "the output is checked out before any layer");
     isOutputTaken = true;
-    pixels = &output->record();
+    pixels = &outputRecord;
     return PF_Err_NONE;
 }
 

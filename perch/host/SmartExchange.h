@@ -61,6 +61,7 @@ private:
     const FrameRequest& request;
     std::map<A_long, Layer> layers;  // by the effect's id
     std::optional<World> output;
+    PF_EffectWorld outputRecord{};  // as handed out: the effect may write into it
     bool isOutputTaken = false;
 };
 

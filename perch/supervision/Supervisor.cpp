@@ -28,11 +28,18 @@ constexpr std::int64_t kSecond = 1'000'000'000;
 // How long the parent sleeps at most while there is a limit to look after.
 constexpr std::int64_t kTick = kSecond / 20;
 
+bool isIgnored(int signal) {
+    struct sigaction action {};
+    return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
+
+// Those that whoever has started the program has it ignore, as nohup does, stay ignored.
 sigset_t watchedSignals() {
     sigset_t signals;
     sigemptyset(&signals);
-    for (const int signal : {SIGCHLD, SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP})
-        sigaddset(&signals, signal);
+    sigaddset(&signals, SIGCHLD);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP})
+        if (!isIgnored(signal)) sigaddset(&signals, signal);
     return signals;
 }
 
@@ -125,13 +132,22 @@ private:
             if (++interrupts == 1) kill(worker, signal);
             if (interrupts == 2) endWorker();
         } else if (signal == SIGTSTP) {
-            kill(-worker, SIGSTOP);
-            raise(SIGSTOP);
-            kill(-worker, SIGCONT);
+            pause();
         } else {
             endedBy = signal;
             endWorker();
         }
+    }
+
+    // The time until somebody has the program go on does not count.
+    void pause() {
+        kill(-worker, SIGSTOP);
+        const std::int64_t begin = monotonicNanoseconds();
+        raise(SIGSTOP);
+        const std::int64_t length = monotonicNanoseconds() - begin;
+        if (deadline != 0) deadline += length;
+        if (shared.memory->busySince != 0) shared.memory->busySince += length;
+        kill(-worker, SIGCONT);
     }
 
     void endWhenLate() {
@@ -198,8 +214,8 @@ private:
 
     const HeldSignals held;
     const SharedMemory shared;
-    const std::int64_t deadline;  // of the whole run; 0: none
-    const double wholeLimit;      // seconds
+    std::int64_t deadline;    // of the whole run; 0: none
+    const double wholeLimit;  // seconds
     const bool mayHaveLimit;
     const pid_t worker;
     int interrupts = 0;

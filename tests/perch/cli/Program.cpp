@@ -41,6 +41,9 @@ void sendTo(const std::filesystem::path& path, int descriptor) {
     for (const std::string& argument : command)
         arguments.push_back(const_cast<char*>(argument.c_str()));
     arguments.push_back(nullptr);
+    // As at a prompt, whatever the tests are run by: shells have background jobs ignore interrupts.
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP})
+        std::signal(signal, SIG_DFL);
     execv(arguments.front(), arguments.data());
     _exit(127);
 }

@@ -16,6 +16,9 @@ namespace {
 
 const char kRender[] = "perch render --plugin {plugins}/Hostile.so -i rgb8.png -o out.png";
 
+// Until it is cancelled.
+const char kWaiting[] = "perch render --plugin {plugins}/Report.so -i rgba8.png -o out.png --wait-for-cancel";
+
 struct EnvironmentMode {
     explicit EnvironmentMode(const char* mode) { setenv("PERCH_HOSTILE", mode, 1); }
     ~EnvironmentMode() { unsetenv("PERCH_HOSTILE"); }
@@ -61,6 +64,31 @@ TEST(SupervisionTest, HangUpEndsTheWorkerAsWell) {
     EXPECT_EQ(result.status, 128 + SIGHUP);
     EXPECT_EQ(result.err, "perch: ended by SIGHUP\n");
     EXPECT_EQ(hanging.commandLine.files(), hanging.files);
+}
+
+// As under nohup.
+TEST(SupervisionTest, SignalsThatTheStarterIgnoresStayIgnored) {
+    const CommandLine commandLine;
+    std::vector<std::string> command{"/bin/sh", "-c", "trap '' HUP; exec \"$0\" \"$@\""};
+    for (const std::string& word : commandLine.commandOf(kWaiting))
+        command.push_back(word);
+    RunningProgram program(command, commandLine.folder);
+    ASSERT_TRUE(program.waitUntilItCatches(SIGINT)) << program.finish().err;
+    program.send(SIGHUP);
+    program.send(SIGINT);
+    EXPECT_EQ(program.finish().status, 130);
+}
+
+TEST(SupervisionTest, TimeThatTheProgramIsStoppedDoesNotCount) {
+    const CommandLine commandLine;
+    RunningProgram program(commandLine.commandOf(std::string(kWaiting) + " --timeout-frame 2"),
+                           commandLine.folder);
+    ASSERT_TRUE(program.waitUntilItCatches(SIGINT)) << program.finish().err;
+    program.send(SIGTSTP);
+    std::this_thread::sleep_for(std::chrono::milliseconds(2200));
+    program.send(SIGCONT);
+    program.send(SIGINT);
+    EXPECT_EQ(program.finish().status, 130);
 }
 
 TEST(SupervisionTest, WorkerCannotBeStartedByHand) {
