@@ -65,19 +65,19 @@ void Sequence::makeArbitraryValues() {
 void Sequence::saveArbitraryValues() {
     for (auto& [index, value] : arbitraryValues) {
         const auto& parameters = effect.host->description.parameters;
-        ArbitraryData data(*effect.host, parameters[static_cast<std::size_t>(index) - 1]);
-        const PF_ArbitraryH loaded = data.unflatten(data.flatten(value));
+        ArbitraryData arbitrary(*effect.host, parameters[static_cast<std::size_t>(index) - 1]);
+        const PF_ArbitraryH loaded = arbitrary.unflatten(arbitrary.flatten(value));
         try {
-            if (data.compare(value, loaded) != PF_ArbCompare_EQUAL)
+            if (arbitrary.compare(value, loaded) != PF_ArbCompare_EQUAL)
                 effect.host->ledger.fault(
                     "UNFLATTEN_FUNC",
                     fmt::format("the value of parameter {} is another one after it was saved and loaded",
                                 index));
         } catch (const Error&) {
-            data.dispose(loaded);
+            arbitrary.dispose(loaded);
             throw;
         }
-        data.dispose(value);
+        arbitrary.dispose(value);
         value = loaded;
     }
 }
