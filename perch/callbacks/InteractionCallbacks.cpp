@@ -1,6 +1,8 @@
 // The callbacks that tie an effect to the user and to the composition.
 #include <fmt/format.h>
 
+#include <mutex>
+
 #include "CallGuard.h"
 #include "Callbacks.h"
 #include "Error.h"
@@ -60,6 +62,9 @@ PF_Err declare(Host& host, PF_ParamIndex index, const PF_ParamDef& definition) {
         host.ledger.fault("add_param", "parameters are declared at PARAMS_SETUP only");
         return PF_Err_INVALID_CALLBACK;
     }
+    // Effects may declare them on threads of their own, though they are not to.
+    static std::mutex mutex;
+    const std::lock_guard lock(mutex);
     auto& parameters = host.description.parameters;
     const auto next = static_cast<PF_ParamIndex>(parameters.size()) + 1;
     if (index != -1 && (index < 1 || index > next)) {

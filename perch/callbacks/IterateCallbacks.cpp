@@ -5,6 +5,7 @@
 #include "CallGuard.h"
 #include "Callbacks.h"
 #include "PixelAccess.h"
+#include "PixelMemory.h"
 
 namespace perch {
 namespace {
@@ -71,9 +72,12 @@ P* pixelAt(const PF_EffectWorld& world, std::int64_t x, std::int64_t y) {
     return rowOf<P>(world, static_cast<std::int32_t>(y)) + x;
 }
 
+// Why a call for pixels of this type cannot go over the world; null where it can.
 template <typename P>
-bool holds(const PF_EffectWorld& world) {
-    return world.data != nullptr && depthOf(world) == kDepthOf<P>;
+const char* flawFor(const PF_EffectWorld* world) {
+    if (const char* const flaw = flawOf(world)) return flaw;
+    if (world->data == nullptr) return "a world has no pixels";
+    return depthOf(*world) == kDepthOf<P> ? nullptr : "a world is of another depth than the call";
 }
 
 // What becomes of destination pixels that the source, shifted by `origin`, does not lie under: they are left
@@ -125,9 +129,10 @@ template <typename P>
 PF_Err iterateWorld(const Iteration<P>& iteration) {
     return answer(iteration.callback, Caller::MainThread, [&](Host& host) -> PF_Err {
         if (iteration.dst == nullptr || iteration.function == nullptr) return PF_Err_BAD_CALLBACK_PARAM;
-        if (!holds<P>(*iteration.dst) || (iteration.src != nullptr && !holds<P>(*iteration.src))) {
-            host.ledger.fault(iteration.callback,
-                              "a world has no pixels, or is of another depth than the call");
+        const char* flaw = flawFor<P>(iteration.dst);
+        if (flaw == nullptr && iteration.src != nullptr) flaw = flawFor<P>(iteration.src);
+        if (flaw != nullptr) {
+            host.ledger.fault(iteration.callback, flaw);
             return PF_Err_BAD_CALLBACK_PARAM;
         }
         const PF_Rect area = areaOf(iteration);

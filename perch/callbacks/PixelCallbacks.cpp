@@ -9,18 +9,13 @@
 #include "Callbacks.h"
 #include "Convolve.h"
 #include "PixelAccess.h"
+#include "PixelMemory.h"
 #include "PixelOps.h"
 #include "TransferModes.h"
 #include "Transform.h"
 
 namespace perch {
 namespace {
-
-// Why no operation can work on a world; null where one can.
-const char* flawOf(const PF_EffectWorld* world) {
-    if (world == nullptr) return "a world is null";
-    return lacksPixels(*world) ? "a world has a size and no pixels" : nullptr;
-}
 
 // Serves a call that works on worlds, all without a flaw, by `body`, a function from Host& to a code. The
 // operations refuse what they cannot do.
@@ -102,6 +97,11 @@ PF_Err compositeRect(PF_ProgPtr effectRef, PF_Rect* area, A_long opacity, PF_Eff
     });
 }
 
+// The world of a mask, or one that is looked at anyway where there is none.
+const PF_EffectWorld* worldOf(const PF_MaskWorld* mask, const PF_EffectWorld* otherwise) {
+    return mask != nullptr && mask->mask.data != nullptr ? &mask->mask : otherwise;
+}
+
 // A null mode is a copy; each depth has an opacity of its own. A mask without pixels is none.
 Placement placementOf(const PF_CompositeMode* mode, const PF_MaskWorld* mask, const PF_EffectWorld& dst) {
     if (mask != nullptr && mask->mask.data == nullptr) mask = nullptr;
@@ -115,7 +115,7 @@ PF_Err transferRect(PF_ProgPtr effectRef, PF_Quality, PF_ModeFlags, PF_Field fie
                     const PF_EffectWorld* src, const PF_CompositeMode* mode, const PF_MaskWorld* mask,
                     A_long x, A_long y, PF_EffectWorld* dst) {
     const char* const name = "transfer_rect";
-    return answerForWorlds(name, effectRef, {src, dst}, [&](Host& host) -> PF_Err {
+    return answerForWorlds(name, effectRef, {src, worldOf(mask, src), dst}, [&](Host& host) -> PF_Err {
         const Placement placement = placementOf(mode, mask, *dst);
         if (!isOffered(host, name, placement.mode, field)) return PF_Err_BAD_CALLBACK_PARAM;
         return compositeWorld(*src, area, placement, x, y, *dst, &host.pool);
@@ -128,7 +128,7 @@ PF_Err transformPicture(PF_ProgPtr effectRef, PF_Quality, PF_ModeFlags, PF_Field
                         const PF_Rect* area, PF_EffectWorld* dst) {
     constexpr A_long kMostMatrices = 1024;
     const char* const name = "transform_world";
-    return answerForWorlds(name, effectRef, {src, dst}, [&](Host& host) -> PF_Err {
+    return answerForWorlds(name, effectRef, {src, worldOf(mask, src), dst}, [&](Host& host) -> PF_Err {
         const Placement placement = placementOf(mode, mask, *dst);
         if (!isOffered(host, name, placement.mode, field) || matrices == nullptr || matrixCount < 1 ||
             matrixCount > kMostMatrices) {

@@ -8,6 +8,7 @@
 #include "Callbacks.h"
 #include "PF_Suites.h"
 #include "PixelAccess.h"
+#include "PixelMemory.h"
 #include "Suites.h"
 
 namespace perch {
@@ -43,7 +44,7 @@ PF_Err disposeWorld(PF_ProgPtr effectRef, PF_EffectWorld* world) {
 
 PF_Err getPixelFormat(const PF_EffectWorld* world, PF_PixelFormat* format) {
     return answer("PF_GetPixelFormat", Caller::AnyThread, [&](Host&) -> PF_Err {
-        if (world == nullptr || format == nullptr) return PF_Err_BAD_CALLBACK_PARAM;
+        if (!isInMemory(world) || format == nullptr) return PF_Err_BAD_CALLBACK_PARAM;
         *format = std::ranges::find(kFormats, depthOf(*world), &Format::depth)->format;
         return PF_Err_NONE;
     });

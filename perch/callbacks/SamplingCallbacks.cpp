@@ -5,19 +5,24 @@
 #include "CallGuard.h"
 #include "Callbacks.h"
 #include "ColorConversions.h"
+#include "PixelMemory.h"
 #include "Sampling.h"
 
 namespace perch {
 namespace {
 
-bool hasSource(const PF_SampPB* params) {
-    return params != nullptr && params->src != nullptr;
+// Whether there is a world to take samples from; strict mode is told of one that cannot be followed.
+bool hasSource(Host& host, const char* callback, const PF_SampPB* params) {
+    if (params == nullptr || params->src == nullptr) return false;
+    const char* const flaw = flawOf(*params->src);
+    if (flaw != nullptr) host.ledger.fault(callback, flaw);
+    return flaw == nullptr;
 }
 
 // Nothing is prepared: samples are taken from the world as it is at each call.
 PF_Err announceSampling(const char* callback, PF_ProgPtr effectRef, const PF_SampPB* params) {
-    return answer(callback, Caller::MainThread, effectRef, [&](Host&) -> PF_Err {
-        return hasSource(params) ? PF_Err_NONE : PF_Err_BAD_CALLBACK_PARAM;
+    return answer(callback, Caller::MainThread, effectRef, [&](Host& host) -> PF_Err {
+        return hasSource(host, callback, params) ? PF_Err_NONE : PF_Err_BAD_CALLBACK_PARAM;
     });
 }
 
@@ -32,8 +37,8 @@ PF_Err endSampling(PF_ProgPtr effectRef, PF_Quality, PF_ModeFlags, PF_SampPB* pa
 template <typename P>
 PF_Err subpixelSample(PF_ProgPtr effectRef, PF_Fixed x, PF_Fixed y, const PF_SampPB* params, P* sample) {
     const char* const name = sizeof(P) == sizeof(PF_Pixel16) ? "subpixel_sample16" : "subpixel_sample";
-    return answer(name, Caller::AnyThread, effectRef, [&](Host&) -> PF_Err {
-        if (!hasSource(params) || sample == nullptr) return PF_Err_BAD_CALLBACK_PARAM;
+    return answer(name, Caller::AnyThread, effectRef, [&](Host& host) -> PF_Err {
+        if (!hasSource(host, name, params) || sample == nullptr) return PF_Err_BAD_CALLBACK_PARAM;
         return sampleLinear(*params->src, x, y, *sample);
     });
 }
@@ -41,8 +46,8 @@ PF_Err subpixelSample(PF_ProgPtr effectRef, PF_Fixed x, PF_Fixed y, const PF_Sam
 template <typename P>
 PF_Err areaSample(PF_ProgPtr effectRef, PF_Fixed x, PF_Fixed y, const PF_SampPB* params, P* sample) {
     const char* const name = sizeof(P) == sizeof(PF_Pixel16) ? "area_sample16" : "area_sample";
-    return answer(name, Caller::AnyThread, effectRef, [&](Host&) -> PF_Err {
-        if (!hasSource(params) || sample == nullptr) return PF_Err_BAD_CALLBACK_PARAM;
+    return answer(name, Caller::AnyThread, effectRef, [&](Host& host) -> PF_Err {
+        if (!hasSource(host, name, params) || sample == nullptr) return PF_Err_BAD_CALLBACK_PARAM;
         return sampleArea(*params->src, x, y, params->x_radius, params->y_radius, *sample);
     });
 }

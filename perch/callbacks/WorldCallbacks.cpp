@@ -2,6 +2,7 @@
 #include "CallGuard.h"
 #include "Callbacks.h"
 #include "PixelAccess.h"
+#include "PixelMemory.h"
 
 namespace perch {
 namespace {
@@ -25,7 +26,7 @@ PF_Err disposeWorld(PF_ProgPtr effectRef, PF_EffectWorld* world) {
 template <typename P>
 PF_Err pixelData(const char* callback, PF_EffectWorld* world, PF_PixelPtr pixel, P** address) {
     return answer(callback, Caller::AnyThread, [&](Host&) -> PF_Err {
-        if (world == nullptr || address == nullptr) return PF_Err_BAD_CALLBACK_PARAM;
+        if (!isInMemory(world) || address == nullptr) return PF_Err_BAD_CALLBACK_PARAM;
         PF_PixelPtr found = pixel != nullptr ? pixel : world->data;
         *address = depthOf(*world) == kDepthOf<P> ? static_cast<P*>(static_cast<void*>(found)) : nullptr;
         return PF_Err_NONE;

@@ -34,6 +34,7 @@ const World* SmartExchange::pictureOf(PF_ParamIndex index) const {
 
 PF_Err SmartExchange::checkOut(PF_ParamIndex index, A_long id, const PF_RenderRequest& asked,
                                PF_CheckoutResult& result) {
+    const std::lock_guard lock(mutex);
     const char* const callback = "checkout_layer";
     const auto place = static_cast<std::size_t>(index);
     if (index < 0 || place >= request.values.size() || request.values[place].param_type != PF_Param_LAYER) {
@@ -89,6 +90,7 @@ void SmartExchange::fill(Layer& layer) const {
 }
 
 PF_Err SmartExchange::checkOutPixels(A_long id, PF_EffectWorld*& pixels) {
+    const std::lock_guard lock(mutex);
     const char* const callback = "checkout_layer_pixels";
     const auto found = layers.find(id);
     if (found == layers.end()) {
@@ -108,6 +110,7 @@ PF_Err SmartExchange::checkOutPixels(A_long id, PF_EffectWorld*& pixels) {
 }
 
 PF_Err SmartExchange::checkInPixels(A_long id) {
+    const std::lock_guard lock(mutex);
     const char* const callback = "checkin_layer_pixels";
     const auto found = layers.find(id);
     if (found == layers.end() || !found->second.wasTaken) {
@@ -119,6 +122,7 @@ PF_Err SmartExchange::checkInPixels(A_long id) {
 }
 
 PF_Err SmartExchange::checkOutOutput(PF_EffectWorld*& pixels) {
+    const std::lock_guard lock(mutex);
     const auto isTaken = [](const auto& entry) { return entry.second.wasTaken; };
     if (!layers.empty() && std::ranges::none_of(layers, isTaken))
         ledger.fault("checkout_output", "the output is checked out before any layer");

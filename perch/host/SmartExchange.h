@@ -1,12 +1,13 @@
 // What passes between the host and an effect that renders one frame by rectangles: which parts of which
 // layers it asks for at SMART_PRE_RENDER, and their pixels and the output's at SMART_RENDER. Layers are
 // handed out as worlds of the size that was promised; private copies in strict mode and wherever a part is
-// asked for. Used on the thread of the command.
+// asked for. The effect's calls may come from any thread.
 #pragma once
 
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <optional>
 
 #include "FrameRequest.h"
@@ -59,6 +60,7 @@ private:
 
     Ledger& ledger;
     const FrameRequest& request;
+    std::mutex mutex;                // of what follows: workers may check out as well
     std::map<A_long, Layer> layers;  // by the effect's id
     std::optional<World> output;
     PF_EffectWorld outputRecord{};  // as handed out: the effect may write into it

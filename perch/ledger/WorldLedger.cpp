@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "PF_Values.h"
+#include "PixelMemory.h"
 
 namespace perch {
 
@@ -23,6 +24,10 @@ PF_Err WorldLedger::allocate(std::int32_t width, std::int32_t height, PixelDepth
 }
 
 PF_Err WorldLedger::dispose(PF_EffectWorld* world, const char* callback) {
+    if (world != nullptr && !isInMemory(world)) {
+        ledger.fault(callback, "a world's record is not in memory");
+        return PF_Err_BAD_CALLBACK_PARAM;
+    }
     const std::lock_guard lock(mutex);
     const void* data = world != nullptr ? world->data : nullptr;
     const auto entry = worlds.find(data);

@@ -9,6 +9,7 @@
 
 #include "PF_World.h"
 #include "PixelDepth.h"
+#include "PixelMemory.h"
 
 namespace perch {
 
@@ -50,7 +51,7 @@ private:
     const unsigned char* row(std::int32_t y) const;
     void pointAtPixels();
 
-    std::vector<unsigned char> memory;
+    std::vector<unsigned char, PixelAllocator<unsigned char>> memory;
     PF_EffectWorld world{};
     PixelDepth pixelDepth;
 };

@@ -187,9 +187,22 @@ TEST_F(IterateTest, WorldOfAnotherDepthIsRefused) {
     Effect effect(ScriptedEffect::enter, {}, strictOptions());
     Sequence sequence(effect);
     EXPECT_THROW(sequence.render(request), EffectError);
-    EXPECT_THAT(
-        faults(effect),
-        ElementsAre("RENDER, iterate16: a world has no pixels, or is of another depth than the call"));
+    EXPECT_THAT(faults(effect), ElementsAre("RENDER, iterate16: a world is of another depth than the call"));
+}
+
+TEST_F(IterateTest, WorldThatLeadsElsewhereIsRefused) {
+    script.on(PF_Cmd_RENDER, [](const EffectCall& call) {
+        PF_EffectWorld taller = *call.output;
+        taller.height = 100000;
+        const auto leave = [](void*, A_long, A_long, PF_Pixel*, PF_Pixel*) { return PF_Err{0}; };
+        EXPECT_NE(call.utilities().iterate(call.in, 0, 3, nullptr, nullptr, nullptr, leave, &taller), 0);
+        return call.utilities().iterate(call.in, 0, 3, &taller, nullptr, nullptr, leave, call.output);
+    });
+    Effect effect(ScriptedEffect::enter, {}, strictOptions());
+    Sequence sequence(effect);
+    EXPECT_THROW(sequence.render(request), EffectError);
+    EXPECT_THAT(faults(effect),
+                ElementsAre("RENDER, iterate: a world's record extends past the memory of its pixels"));
 }
 
 TEST_F(IterateTest, CodeOfThePixelFunctionComesBack) {

@@ -122,23 +122,57 @@ TEST_F(PixelCallbacksTest, NullWorldIsNamed) {
     }
 }
 
+struct Forgery {
+    void (*change)(PF_EffectWorld& record);
+    const char* flaw;
+};
+
+const Forgery kForgeries[] = {
+    {[](PF_EffectWorld& record) { record.data = nullptr; }, "a world has a size and no pixels"},
+    {[](PF_EffectWorld& record) { record.data = reinterpret_cast<PF_PixelPtr>(std::uintptr_t{0x1230}); },
+     "a world's pixels are not in memory"},
+    {[](PF_EffectWorld& record) { record.height = 100000; },
+     "a world's record extends past the memory of its pixels"},
+};
+
 // Records of the effect's own, in the place of the source and of the output.
-TEST_F(PixelCallbacksTest, WorldWithASizeAndNoPixelsIsNamed) {
+TEST_F(PixelCallbacksTest, WorldThatCannotBeFollowedIsNamed) {
     for (const Operation& operation : kOperations) {
-        SCOPED_TRACE(operation.name);
+        for (const Forgery& forgery : kForgeries) {
+            SCOPED_TRACE(std::string(operation.name) + ": " + forgery.flaw);
+            render([&](const EffectCall& call) {
+                PF_EffectWorld* const input = &call.params[0]->u.ld;
+                PF_EffectWorld forged = *call.output;
+                forgery.change(forged);
+                EXPECT_EQ(operation.apply(call, input, &forged), PF_Err_BAD_CALLBACK_PARAM);
+                const bool hasSource = std::string(operation.name) != "fill";
+                if (hasSource) {
+                    EXPECT_EQ(operation.apply(call, &forged, call.output), PF_Err_BAD_CALLBACK_PARAM);
+                }
+                return PF_Err_NONE;
+            });
+            EXPECT_THAT(found, ElementsAre(std::string("RENDER, ") + operation.name + ": " + forgery.flaw));
+        }
+    }
+}
+
+TEST_F(PixelCallbacksTest, MasksThatCannotBeFollowedAreNamed) {
+    for (const Forgery& forgery : kForgeries) {
+        if (std::string(forgery.flaw) == "a world has a size and no pixels") continue;  // no mask
         render([&](const EffectCall& call) {
-            PF_EffectWorld* const input = &call.params[0]->u.ld;
-            PF_EffectWorld bare = *call.output;
-            bare.data = nullptr;
-            EXPECT_EQ(operation.apply(call, input, &bare), PF_Err_BAD_CALLBACK_PARAM);
-            const bool hasSource = std::string(operation.name) != "fill";
-            if (hasSource) {
-                EXPECT_EQ(operation.apply(call, &bare, call.output), PF_Err_BAD_CALLBACK_PARAM);
-            }
+            PF_MaskWorld mask{};
+            mask.mask = call.params[0]->u.ld;
+            forgery.change(mask.mask);
+            PF_CompositeMode mode{};
+            mode.opacity = 255;
+            mode.xfer = PF_Xfer_COPY;
+            EXPECT_EQ(
+                call.utilities().transfer_rect(call.in->effect_ref, PF_Quality_HI, 0, PF_Field_FRAME, nullptr,
+                                               &call.params[0]->u.ld, &mode, &mask, 0, 0, call.output),
+                PF_Err_BAD_CALLBACK_PARAM);
             return PF_Err_NONE;
         });
-        EXPECT_THAT(found, ElementsAre(std::string("RENDER, ") + operation.name +
-                                       ": a world has a size and no pixels"));
+        EXPECT_THAT(found, ElementsAre(std::string("RENDER, transfer_rect: ") + forgery.flaw));
     }
 }
 
@@ -182,6 +216,11 @@ TEST_F(PixelCallbacksTest, SamplesAreTakenFromTheAnnouncedWorld) {
         EXPECT_EQ(call.utilities().area_sample(call.in->effect_ref, 1 << 16, 0, &params, &sample), 0);
         EXPECT_EQ(sample.blue, 200);
         EXPECT_EQ(call.utilities().end_sampling(call.in->effect_ref, PF_Quality_HI, 0, &params), 0);
+        PF_EffectWorld forged = call.params[0]->u.ld;
+        forged.data = reinterpret_cast<PF_PixelPtr>(std::uintptr_t{0x1230});
+        params.src = &forged;
+        EXPECT_NE(call.utilities().subpixel_sample(call.in->effect_ref, 0, 0, &params, &sample), 0);
+        EXPECT_NE(call.utilities().area_sample(call.in->effect_ref, 0, 0, &params, &sample), 0);
         params.src = nullptr;
         EXPECT_NE(call.utilities().subpixel_sample(call.in->effect_ref, 0, 0, &params, &sample), 0);
         return PF_Err_NONE;
