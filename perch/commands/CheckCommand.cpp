@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <charconv>
+#include <chrono>
 #include <nlohmann/json.hpp>
 #include <optional>
 
@@ -35,14 +36,6 @@ void addOptions(CLI::App& app, CheckOptions& options) {
     app.add_option("--timeout", options.limit, "that a rule may take; 0 for any time (default 60)")
         ->type_name("SECONDS");
     addInProcessFlag(app);
-}
-
-double parseSeconds(const std::string& text) {
-    double seconds = 0;
-    const char* const end = text.data() + text.size();
-    const auto parsed = std::from_chars(text.data(), end, seconds);
-    if (parsed.ec == std::errc() && parsed.ptr == end && seconds >= 0 && seconds <= 1e6) return seconds;
-    throw UsageError(fmt::format("--timeout takes seconds from 0 to 1000000, not \"{}\"", text));
 }
 
 // From 0; all of them without a text.
@@ -87,7 +80,7 @@ private:
 };
 
 // The rule in a child of its own, so that its crash or hang is no other's.
-Outcome tryInChild(std::size_t number, const std::string& plugin, double limit) {
+Outcome tryInChild(std::size_t number, const std::string& plugin, std::chrono::nanoseconds limit) {
     return superviseWorker({"check", "--in-process", "--rule", std::to_string(number + 1), plugin}, limit);
 }
 
@@ -107,7 +100,7 @@ int runCheckCommand(const std::vector<std::string>& arguments) {
         printResult(app.help());
         return kDone;
     }
-    const double limit = parseSeconds(options.limit);
+    const std::chrono::nanoseconds limit = parseSeconds("--timeout", options.limit);
     const std::optional<std::size_t> only = parseRule(options.rule);
     const std::string plugin = chooseBundle(options.plugin).string();
     if (isWorker()) {

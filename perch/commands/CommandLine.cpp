@@ -4,6 +4,8 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <charconv>
+#include <cmath>
 #include <string_view>
 
 #include "Error.h"
@@ -38,6 +40,22 @@ void addHelpFlag(CLI::App& app, bool& wantsHelp) {
 
 void addInProcessFlag(CLI::App& app) {
     app.add_flag(kInProcessOption)->description("run the effect in this process, as debuggers like it");
+}
+
+void addTimeout(CLI::App& app, std::string& seconds) {
+    app.add_option("--timeout", seconds,
+                   "that the effect may take for one command; 0 for any time (default 0)")
+        ->type_name("SECONDS");
+}
+
+std::chrono::nanoseconds parseSeconds(std::string_view option, const std::string& text) {
+    constexpr double kMostSeconds = 1e6;
+    double seconds = 0;
+    const char* const end = text.data() + text.size();
+    const auto parsed = std::from_chars(text.data(), end, seconds);
+    if (parsed.ec == std::errc() && parsed.ptr == end && seconds >= 0 && seconds <= kMostSeconds)
+        return std::chrono::nanoseconds(std::llround(seconds * 1e9));
+    throw UsageError(fmt::format("{} takes seconds from 0 to {}, not \"{}\"", option, kMostSeconds, text));
 }
 
 std::vector<std::string> parseArguments(CLI::App& app, const std::vector<std::string>& arguments) {

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <CLI/App.hpp>
+#include <chrono>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace perch {
@@ -13,6 +15,11 @@ void addHelpFlag(CLI::App& app, bool& wantsHelp);
 // Runs the effect in this process. main() acts on it.
 constexpr char kInProcessOption[] = "--in-process";
 void addInProcessFlag(CLI::App& app);
+
+// The time that the effect may take for one command.
+void addTimeout(CLI::App& app, std::string& seconds);
+// What an option with seconds, which may have a fraction, says. Throws UsageError.
+std::chrono::nanoseconds parseSeconds(std::string_view option, const std::string& text);
 
 // Returns the arguments that belong to no option of `app`, in their order. Throws UsageError with one
 // sentence. The last of an option given several times counts.

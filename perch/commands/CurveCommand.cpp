@@ -19,6 +19,7 @@
 #include "ParameterText.h"
 #include "RenderOptions.h"
 #include "ReplacedFile.h"
+#include "Whereabouts.h"
 
 namespace perch {
 namespace {
@@ -29,6 +30,7 @@ struct CurveOptions {
     std::string frames;
     std::string plot;
     std::string preset;
+    std::string timeout = "0";
 };
 
 void addOwnOptions(CLI::App& app, CurveOptions& options) {
@@ -40,6 +42,7 @@ void addOwnOptions(CLI::App& app, CurveOptions& options) {
         ->type_name("FILE");
     app.add_option("--plugin", options.plugin, "the effect; without it, the only one beside the program")
         ->type_name("BUNDLE");
+    addTimeout(app, options.timeout);
     addInProcessFlag(app);
 }
 
@@ -79,7 +82,9 @@ int runCurveCommand(const std::vector<std::string>& arguments) {
     CurveOptions own;
     addOwnOptions(app, own);
     parseArguments(app, arguments);
-    const Effect effect(chooseBundle(own.plugin), HostOptions{});
+    whereabouts().limit = parseSeconds("--timeout", own.timeout).count();
+    Effect effect(chooseBundle(own.plugin), HostOptions{});
+    effect.close();
     const std::vector<Parameter>& parameters = effect.description().parameters;
     const std::vector<ParameterOption> options = optionsOf(parameters);
     ParameterTexts texts;

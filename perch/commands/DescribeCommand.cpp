@@ -7,6 +7,7 @@
 #include "Description.h"
 #include "Effect.h"
 #include "RenderOptions.h"
+#include "Whereabouts.h"
 
 namespace perch {
 
@@ -15,18 +16,22 @@ int runDescribeCommand(const std::vector<std::string>& arguments) {
     bool wantsHelp = false;
     bool wantsJson = false;
     std::string plugin;
+    std::string timeout = "0";
     addHelpFlag(app, wantsHelp);
     app.add_option("PLUGIN", plugin, "the effect; without it, the only one beside the program")
         ->type_name("");
     app.add_flag("--json", wantsJson, "print JSON");
+    addTimeout(app, timeout);
     addInProcessFlag(app);
     parseAllArguments(app, arguments);
     if (wantsHelp) {
         printResult(app.help());
         return kDone;
     }
+    whereabouts().limit = parseSeconds("--timeout", timeout).count();
     Effect effect(chooseBundle(plugin), HostOptions{});
     effect.printDefaults();
+    effect.close();
     const EffectDescription& description = effect.description();
     const std::vector<ParameterOption> options = optionsOf(description.parameters);
     printResult(wantsJson ? describeAsJson(description, options) : describeAsText(description, options));

@@ -15,6 +15,7 @@
 #include "Preset.h"
 #include "RenderOptions.h"
 #include "ReplacedFile.h"
+#include "Whereabouts.h"
 
 namespace perch {
 namespace {
@@ -24,6 +25,7 @@ struct PresetOptions {
     std::string plugin;
     std::string preset;
     std::string output;
+    std::string timeout = "0";
 };
 
 void addOwnOptions(CLI::App& app, PresetOptions& options) {
@@ -33,6 +35,7 @@ void addOwnOptions(CLI::App& app, PresetOptions& options) {
     app.add_option("--preset", options.preset, "a preset to begin with")->type_name("FILE");
     app.add_option("--plugin", options.plugin, "the effect; without it, the only one beside the program")
         ->type_name("BUNDLE");
+    addTimeout(app, options.timeout);
     addInProcessFlag(app);
 }
 
@@ -59,7 +62,9 @@ int runPresetCommand(const std::vector<std::string>& arguments) {
     PresetOptions own;
     addOwnOptions(app, own);
     parseArguments(app, arguments);
+    whereabouts().limit = parseSeconds("--timeout", own.timeout).count();
     Effect effect(chooseBundle(own.plugin), HostOptions{});
+    effect.close();
     const std::vector<ParameterOption> options = optionsOf(effect.description().parameters);
     ParameterTexts texts;
     addParameterOptions(app, options, texts);

@@ -114,7 +114,8 @@ int printHelp(const LoadOptions& options) {
         return kDone;
     }
     Display display;
-    const Effect effect(bundle, hostOptions(options, display));
+    Effect effect(bundle, hostOptions(options, display));
+    effect.close();
     printResult(renderHelp(&effect.description()));
     return kDone;
 }
@@ -187,6 +188,7 @@ bool render(Effect& effect, const RenderSettings& settings, const std::vector<Pa
     };
     try {
         renderFrames(effect, settings, parameters, plan, watch, report);
+        effect.close();
     } catch (const Cancelled&) {
         display.line.clear();
         return false;
@@ -204,8 +206,8 @@ bool render(Effect& effect, const RenderSettings& settings, const std::vector<Pa
 int runRenderCommand(const std::vector<std::string>& arguments) {
     const auto start = std::chrono::steady_clock::now();
     const RenderOptions options = parseRenderOptions(arguments);
-    if (options.wantsHelp) return printHelp(options.load);
     whereabouts().limit = options.frameLimit.count();
+    if (options.wantsHelp) return printHelp(options.load);
     Display display;
     Effect effect(chooseBundle(options.load.plugin), hostOptions(options.load, display));
     const ParameterArguments parameters = parseParameterArguments(arguments, effect.description().parameters);
@@ -219,7 +221,6 @@ int runRenderCommand(const std::vector<std::string>& arguments) {
     if (!render(effect, settings, parameters.curves, plan, display, report))
         return reportInterrupt(report, plan.frames.size());
     reportNotes(report, settings.transfer);
-    effect.close();
     if (options.wantsTiming) reportTiming(report, std::chrono::steady_clock::now() - start);
     return reportFindings(effect) ? kFailed : kDone;
 }

@@ -5,7 +5,6 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <charconv>
-#include <cmath>
 #include <thread>
 
 #include "CommandLine.h"
@@ -126,18 +125,6 @@ std::size_t framesAheadFor(int threads) {
     return std::clamp(wanted, 1U, kMostFramesAhead);
 }
 
-// Seconds, with a fraction if need be.
-std::chrono::nanoseconds parseFrameLimit(const std::string& text) {
-    constexpr double kMostSeconds = 1e6;
-    double seconds = 0;
-    const char* const end = text.data() + text.size();
-    const auto parsed = std::from_chars(text.data(), end, seconds);
-    if (parsed.ec == std::errc() && parsed.ptr == end && seconds >= 0 && seconds <= kMostSeconds)
-        return std::chrono::nanoseconds(std::llround(seconds * 1e9));
-    throw UsageError(
-        fmt::format("--timeout-frame takes seconds from 0 to {}, not \"{}\"", kMostSeconds, text));
-}
-
 void addOwnOptions(CLI::App& app, Texts& texts) {
     addHelpFlag(app, texts.wantsHelp);
     app.add_option("-i,--input", texts.input,
@@ -194,7 +181,7 @@ void addOwnOptions(CLI::App& app, Texts& texts) {
                    "times white (default: srgb for files of floats, else linear)")
         ->type_name("CURVE");
     app.add_option("--timeout-frame", texts.frameLimit,
-                   "ends an effect that takes longer for one command; 0 for any time (default 0)")
+                   "that the effect may take for one command; 0 for any time (default 0)")
         ->type_name("SECONDS");
     addInProcessFlag(app);
 }
@@ -235,6 +222,7 @@ RenderOptions parseRenderOptions(const std::vector<std::string>& arguments) {
     const std::vector<std::string> others = parseArguments(app, arguments);
     options.wantsHelp = texts.wantsHelp;
     options.load.plugin = texts.plugin;
+    options.frameLimit = parseSeconds("--timeout-frame", texts.frameLimit);
     if (options.wantsHelp) return options;
 
     requireOption(texts.input, "input", others);
@@ -255,7 +243,6 @@ RenderOptions parseRenderOptions(const std::vector<std::string>& arguments) {
     options.settings.outputType = parseOutputDepth(texts.outputDepth);
     options.settings.transfer = parseTransfer(texts.encode);
     options.settings.compression = parseNumber("--compression", texts.compression, kMostCompression);
-    options.frameLimit = parseFrameLimit(texts.frameLimit);
     options.settings.framesAhead = framesAheadFor(options.load.threads);
     return options;
 }

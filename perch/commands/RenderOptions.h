@@ -22,7 +22,7 @@ struct LoadOptions {
 };
 
 struct RenderOptions {
-    bool wantsHelp = false;  // then only load.plugin is set
+    bool wantsHelp = false;  // then only load.plugin and frameLimit are set
     bool wantsTiming = false;
     std::chrono::nanoseconds frameLimit{0};  // that the effect may take for one command; 0: any time
     LoadOptions load;

@@ -54,7 +54,8 @@ public:
     // Any command, outside of a frame, with the current data; for hostile orders. Never throws for errors.
     CommandResult send(PF_Cmd command, void* extra = nullptr);
 
-    // GLOBAL_SETDOWN now, so that findings are complete; the effect takes no commands afterwards.
+    // GLOBAL_SETDOWN now, so that findings are complete; the effect takes no commands afterwards. Throws
+    // EffectBroke where the effect let an exception out in a command whose failure nobody was told of.
     void close();
     // What strict mode has found so far, in order. Readable after close().
     const std::vector<Finding>& findings() const;

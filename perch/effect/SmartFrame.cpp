@@ -36,18 +36,15 @@ PF_RenderRequest wholeFrame(const FrameRequest& request) {
 // What the effect keeps from the first command to the second; released when this ends, whatever happens.
 class PreRenderData {
 public:
-    explicit PreRenderData(Ledger& ledger) : ledger(ledger) {}
+    explicit PreRenderData(Host& host) : host(host) {}
     ~PreRenderData() {
         if (output.pre_render_data == nullptr) return;
-        try {
-            if (output.delete_pre_render_data_func != nullptr) {
-                output.delete_pre_render_data_func(output.pre_render_data);
-            } else {
-                std::free(output.pre_render_data);
-            }
-        } catch (...) {
-            ledger.fault("delete_pre_render_data_func", "an exception left the effect's function");
+        if (output.delete_pre_render_data_func == nullptr) {
+            std::free(output.pre_render_data);
+            return;
         }
+        host.callOutside("delete_pre_render_data_func",
+                         [this] { output.delete_pre_render_data_func(output.pre_render_data); });
     }
     PreRenderData(const PreRenderData&) = delete;
     PreRenderData& operator=(const PreRenderData&) = delete;
@@ -55,7 +52,7 @@ public:
     PF_PreRenderOutput output{};
 
 private:
-    Ledger& ledger;
+    Host& host;
 };
 
 bool contains(const PF_LRect& outer, const PF_LRect& inner) {
@@ -86,7 +83,7 @@ RenderedFrame emptyFrame(const FrameRequest& request) {
 
 RenderedFrame renderSmart(Host& host, const FrameRequest& request, PF_Handle& sequenceData) {
     SmartExchange exchange(host.ledger, request);
-    PreRenderData kept(host.ledger);
+    PreRenderData kept(host);
 
     PF_PreRenderInput preInput{};
     preInput.output_request = wholeFrame(request);

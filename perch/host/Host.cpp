@@ -7,6 +7,7 @@
 #include <cstring>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 #include "ArbitraryData.h"
 #include "CommandName.h"
@@ -127,6 +128,7 @@ void Host::close() {
     memory.reportLeaks();
     references.reportLeaks();
     suites.reportHeld();
+    if (!untoldBreakage.empty()) throw EffectBroke(std::exchange(untoldBreakage, {}));
 }
 
 // The defaults that the effect has declared are the host's from then on.
@@ -193,6 +195,7 @@ void Host::send(Call& sent) {
         process.enterCommand();
         enter(sent, in);
     }
+    if (!sent.breakage.empty()) untoldBreakage = sent.breakage;
     process.leaveCommand();
     carryOver(sent, given, in);
     if (sent.out.return_msg[sizeof sent.out.return_msg - 1] != '\0')
@@ -214,8 +217,21 @@ void Host::enter(Call& sent, PF_InData& in) {
         hasThrown = true;
         sent.code = PF_Err_INTERNAL_STRUCT_DAMAGED;
     }
-    if (hasThrown.exchange(false))
-        sent.breakage = describeEffectEnd(whereabouts(), "let an exception out", "");
+    if (hasThrown.exchange(false)) sent.breakage = describeException();
+}
+
+std::string Host::describeException() const {
+    return describeEffectEnd(whereabouts(), "let an exception out", "");
+}
+
+void Host::callOutside(const char* function, const std::function<void()>& body) {
+    const InEffect inEffect(function);
+    try {
+        body();
+    } catch (...) {
+        ledger.fault(function, "an exception left the effect's function");
+        untoldBreakage = describeException();
+    }
 }
 
 void Host::carryOver(Call& sent, const PF_InData& given, const PF_InData& in) {
@@ -232,13 +248,16 @@ void Host::carryOver(Call& sent, const PF_InData& given, const PF_InData& in) {
         keep("frame_data", keptHandle(given.frame_data, in.frame_data, sent.out.frame_data), *sent.frameData);
 }
 
-void Host::throwIfFailed(const Call& sent) const {
+void Host::throwIfFailed(const Call& sent) {
     std::string message = resultOf(sent).message;
     if (message.empty() && sent.code != PF_Err_NONE) message = sent.refusal;
     const std::string name = commandName(sent.command);
     const std::optional<std::int32_t> frame =
         sent.frame != nullptr ? std::optional(sent.frame->frame) : std::nullopt;
-    if (!sent.breakage.empty()) throw EffectBroke(sent.breakage);
+    if (!sent.breakage.empty()) {
+        untoldBreakage.clear();
+        throw EffectBroke(sent.breakage);
+    }
     const bool isAskedFor =
         sent.frame != nullptr && sent.frame->cancelled != nullptr && sent.frame->cancelled->load();
     if (sent.code == PF_Interrupt_CANCEL && isAskedFor) throw Cancelled(name, sent.code, message, frame);

@@ -7,6 +7,7 @@
 #pragma once
 
 #include <atomic>
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -47,15 +48,18 @@ public:
     // effect answers is in call.code and is not thrown. Throws Error on any other thread.
     void send(Call& call);
     // Throws what the effect answered, or passes its message on.
-    void throwIfFailed(const Call& call) const;
+    void throwIfFailed(const Call& call);
 
     // Notes a failed tear-down, which throws nothing: the caller could do nothing about it.
     void reportFailedTearDown(const Call& call);
 
     // GLOBAL_SETUP and PARAMS_SETUP. Throws as throwIfFailed does.
     void setUp();
-    // GLOBAL_SETDOWN after a set-up, once; then the leaks are noted.
+    // GLOBAL_SETDOWN after a set-up, once; then the leaks are noted. Throws EffectBroke where the effect let
+    // an exception out in a command whose failure nobody was told of.
     void close();
+    // Calls a function of the effect's that no command stands for, by its name.
+    void callOutside(const char* function, const std::function<void()>& body);
 
     PF_ProgPtr token() { return reinterpret_cast<PF_ProgPtr>(this); }
     bool isMainThread() const { return std::this_thread::get_id() == mainThread; }
@@ -97,6 +101,7 @@ private:
     void enter(Call& call, PF_InData& in);
     void carryOver(Call& call, const PF_InData& given, const PF_InData& in);
     void comparePropertyList();
+    std::string describeException() const;
     void disposeDeclaredValues();
 
     const PF_EntryPoint entryPoint;
@@ -105,6 +110,7 @@ private:
     const std::thread::id mainThread = std::this_thread::get_id();
     PF_Handle globalData = nullptr;
     bool isSetUp = false;
+    std::string untoldBreakage;  // a sentence, of a command whose failure nobody waits for
     std::mutex callCountMutex;
     std::map<std::string, int, std::less<>> callCounts;
 };

@@ -33,6 +33,7 @@ void ProcessGuard::enterCommand() {
 }
 
 void ProcessGuard::leaveCommand() {
+    watch.endIfCopied();
     restoreFolder();
     restoreRounding();
     restoreTables();

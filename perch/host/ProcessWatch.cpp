@@ -5,7 +5,9 @@
 #include <fmt/format.h>
 #include <string.h>
 #include <sys/prctl.h>
+#include <unistd.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <system_error>
@@ -18,6 +20,12 @@ namespace {
 constexpr char kNameDuringCommands[] = "perch-effect";
 
 }  // namespace
+
+ProcessWatch::ProcessWatch() : process(getpid()) {}
+
+void ProcessWatch::endIfCopied() const {
+    if (getpid() != process) _exit(EXIT_SUCCESS);
+}
 
 void ProcessWatch::enterCommand() {
     prctl(PR_SET_NAME, kNameDuringCommands);
@@ -55,6 +63,10 @@ int ProcessWatch::countThreadsLeft() {
 #else
 
 namespace perch {
+
+ProcessWatch::ProcessWatch() = default;
+
+void ProcessWatch::endIfCopied() const {}
 
 void ProcessWatch::enterCommand() {}
 

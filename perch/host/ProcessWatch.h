@@ -6,6 +6,8 @@
 #include <vector>
 
 #if defined(__linux__)
+#include <sys/types.h>
+
 #include <csignal>
 #include <map>
 #endif
@@ -14,6 +16,9 @@ namespace perch {
 
 class ProcessWatch {
 public:
+    ProcessWatch();
+    // After each command: a copy of the process that the effect has made does not go on with the host's work.
+    void endIfCopied() const;
     void enterCommand();
     // Sets back what was changed, and names it.
     std::vector<std::string> leaveCommand();
@@ -22,6 +27,7 @@ public:
 
 private:
 #if defined(__linux__)
+    const pid_t process;
     std::map<int, struct sigaction> handlers;  // by signal
 #endif
 };

@@ -9,13 +9,13 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cmath>
 #include <sstream>
 #include <system_error>
 
 #include "EffectEnd.h"
 #include "Error.h"
 #include "ExitStatus.h"
+#include "Orphans.h"
 #include "SharedMemory.h"
 #include "Whereabouts.h"
 #include "Worker.h"
@@ -87,11 +87,11 @@ pid_t startWorker(const std::vector<std::string>& arguments, int descriptor, con
 
 class Supervisor {
 public:
-    Supervisor(const std::vector<std::string>& arguments, double limit)
-        : deadline(limit > 0 ? monotonicNanoseconds() + std::llround(limit * kSecond) : 0),
+    Supervisor(const std::vector<std::string>& arguments, std::int64_t limit)
+        : deadline(limit > 0 ? monotonicNanoseconds() + limit : 0),
           wholeLimit(limit),
           mayHaveLimit(std::ranges::any_of(
-              arguments, [](const std::string& word) { return word.starts_with("--timeout-frame"); })),
+              arguments, [](const std::string& word) { return word.starts_with("--timeout"); })),
           worker(startWorker(arguments, shared.descriptor, held.before)) {}
 
     Outcome run() {
@@ -101,6 +101,7 @@ public:
         kill(-worker, SIGKILL);
         int status = 0;
         waitpid(worker, &status, 0);
+        orphans.end();
         removeTemporaries();
         return outcomeOf(status);
     }
@@ -191,9 +192,10 @@ private:
             outcome.status = 128 + interruptedBy;
             outcome.sentence = "interrupted; nothing was written";
         } else if (isLate) {
-            const double limit = isLateAtCommand ? static_cast<double>(at.limit) / kSecond : wholeLimit;
+            const std::int64_t limit = isLateAtCommand ? at.limit.load() : wholeLimit;
             outcome.sentence =
-                describeEffectEnd(at, "did not come back", fmt::format("ended after {} s", limit));
+                describeEffectEnd(at, "did not come back",
+                                  fmt::format("ended after {} s", static_cast<double>(limit) / kSecond));
         } else if (sentByEffect != 0) {
             outcome.sentence = describeEffectEnd(at, "sent the program a signal",
                                                  fmt::format("SIG{}", sigabbrev_np(sentByEffect)));
@@ -214,8 +216,9 @@ private:
 
     const HeldSignals held;
     const SharedMemory shared;
-    std::int64_t deadline;    // of the whole run; 0: none
-    const double wholeLimit;  // seconds
+    const Orphans orphans;
+    std::int64_t deadline;  // of the whole run; 0: none
+    const std::int64_t wholeLimit;
     const bool mayHaveLimit;
     const pid_t worker;
     int interrupts = 0;
@@ -228,8 +231,8 @@ private:
 
 }  // namespace
 
-Outcome superviseWorker(const std::vector<std::string>& arguments, double limit) {
-    return Supervisor(arguments, limit).run();
+Outcome superviseWorker(const std::vector<std::string>& arguments, std::chrono::nanoseconds limit) {
+    return Supervisor(arguments, limit.count()).run();
 }
 
 }  // namespace perch

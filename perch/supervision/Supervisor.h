@@ -8,6 +8,7 @@
 // Whatever the effect does, the parent says one sentence, and removes what was being written.
 #pragma once
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -20,8 +21,9 @@ struct Outcome {
     std::vector<std::string> findings;  // of strict mode, where the worker could not tell them itself
 };
 
-// Runs the program with these arguments as a worker, to its end. `limit` is the seconds that all of it may
-// take, 0 for any time. Throws Error where no process can be started.
-Outcome superviseWorker(const std::vector<std::string>& arguments, double limit = 0);
+// Runs the program with these arguments as a worker, to its end. `limit` is the time that all of it may
+// take, 0 for any. Throws Error where no process can be started.
+Outcome superviseWorker(const std::vector<std::string>& arguments,
+                        std::chrono::nanoseconds limit = std::chrono::nanoseconds(0));
 
 }  // namespace perch

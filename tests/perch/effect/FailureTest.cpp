@@ -269,6 +269,23 @@ TEST_F(FailureTest, ThrownExceptionIsAnError) {
     EXPECT_THROW(Sequence(effect).render(request), EffectBroke);
 }
 
+// A tear-down has nobody to answer to, until the effect is closed.
+TEST_F(FailureTest, ExceptionOfATearDownIsToldAtTheEnd) {
+    for (const auto& [command, name] : {std::pair{PF_Cmd_SEQUENCE_SETDOWN, "SEQUENCE_SETDOWN"},
+                                        std::pair{PF_Cmd_GLOBAL_SETDOWN, "GLOBAL_SETDOWN"}}) {
+        ScriptedEffect throwing;
+        throwing.on(command, [](const EffectCall&) -> PF_Err { throw 5; });
+        Effect effect(ScriptedEffect::enter, {}, options());
+        Sequence(effect).render(request);
+        try {
+            effect.close();
+            FAIL() << name;
+        } catch (const EffectBroke& end) {
+            EXPECT_EQ(end.what(), std::string("the effect let an exception out at ") + name);
+        }
+    }
+}
+
 TEST_F(FailureTest, CommandSentAsItIsThrowsNothing) {
     failAt(PF_Cmd_EVENT, 99, "what event");
     Effect effect(ScriptedEffect::enter, {}, options());

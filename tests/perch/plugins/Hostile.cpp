@@ -8,6 +8,7 @@
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cfenv>
@@ -19,6 +20,7 @@
 #include <string>
 #include <string_view>
 #include <thread>
+#include <vector>
 
 #include "HostInterface.h"
 
@@ -46,6 +48,25 @@ int useUpTheStack(int depth) {
 [[noreturn]] void waitForEver() {
     for (;;)
         pause();
+}
+
+const char* markPath() {
+    return std::getenv("PERCH_HOSTILE_MARK");
+}
+
+// In a session of its own, without the process that started it; its number is in the file that marks the
+// deed.
+[[noreturn]] void becomeDaemon() {
+    setsid();
+    if (fork() != 0) _exit(0);
+    if (const int mark = open(markPath(), O_WRONLY); mark >= 0) dprintf(mark, "%d", getpid());
+    waitForEver();
+}
+
+void waitForMark() {
+    struct stat mark {};
+    while (stat(markPath(), &mark) == 0 && mark.st_size == 0)
+        usleep(1000);
 }
 
 struct Named {
@@ -157,6 +178,24 @@ const Named kDeeds[] = {
          if (fork() == 0) waitForEver();
          return 0;
      }},
+    {"daemon",
+     [](const Scene&) -> PF_Err {
+         if (fork() == 0) becomeDaemon();
+         waitForMark();
+         return 0;
+     }},
+    {"daemon-and-abort",
+     [](const Scene&) -> PF_Err {
+         if (fork() == 0) becomeDaemon();
+         waitForMark();
+         std::abort();
+     }},
+    {"end-while-writing",
+     [](const Scene&) -> PF_Err {
+         std::signal(SIGXFSZ, SIG_DFL);
+         const rlimit few{16, 16};
+         return setrlimit(RLIMIT_FSIZE, &few);
+     }},
     {"two-of-us", [](const Scene&) -> PF_Err { return fork() < 0 ? 1 : 0; }},
     {"folder", [](const Scene&) -> PF_Err { return chdir("/"); }},
     {"rounding", [](const Scene&) -> PF_Err { return std::fesetround(FE_UPWARD); }},
@@ -258,6 +297,52 @@ const Named kDeeds[] = {
          s.in->utils->fill(s.in->effect_ref, &color, nullptr, &world);
          return s.in->utils->dispose_world(s.in->effect_ref, &world) != 0 ? 0 : 1;
      }},
+    {"world-nowhere",
+     [](const Scene& s) -> PF_Err {
+         auto* const wild = reinterpret_cast<PF_EffectWorld*>(std::uintptr_t{0x1230});
+         s.in->utils->copy(s.in->effect_ref, wild, s.output, nullptr, nullptr);
+         return s.in->utils->dispose_world(s.in->effect_ref, wild) != 0 ? 0 : 1;
+     }},
+    {"world-twice",
+     [](const Scene& s) -> PF_Err {
+         PF_EffectWorld world{};
+         s.in->utils->new_world(s.in->effect_ref, 4, 4, 0, &world);
+         PF_EffectWorld again = world;
+         s.in->utils->dispose_world(s.in->effect_ref, &world);
+         return s.in->utils->dispose_world(s.in->effect_ref, &again) != 0 ? 0 : 1;
+     }},
+    {"sample-wild",
+     [](const Scene& s) -> PF_Err {
+         PF_EffectWorld wild = *s.output;
+         wild.data = reinterpret_cast<PF_PixelPtr>(std::uintptr_t{0x1230});
+         PF_SampPB params{};
+         params.src = &wild;
+         PF_Pixel sample{};
+         return s.in->utils->subpixel_sample(s.in->effect_ref, 0, 0, &params, &sample) != 0 ? 0 : 1;
+     }},
+    {"iterate-grown",
+     [](const Scene& s) -> PF_Err {
+         PF_EffectWorld larger = *s.output;
+         larger.height = 100000;
+         const auto leave = [](void*, A_long, A_long, PF_Pixel*, PF_Pixel*) { return PF_Err{0}; };
+         return s.in->utils->iterate(s.in, 0, 1, nullptr, nullptr, nullptr, leave, &larger) != 0 ? 0 : 1;
+     }},
+    {"block-wild",
+     [](const Scene& s) -> PF_Err {
+         void* moved = nullptr;
+         s.in->pica_basicP->ReallocateBlock(reinterpret_cast<void*>(std::uintptr_t{0x1230}), 8, &moved);
+         return s.in->pica_basicP->FreeBlock(reinterpret_cast<void*>(std::uintptr_t{0x1230})) != 0 ? 0 : 1;
+     }},
+    {"parameters-on-threads",
+     [](const Scene& s) -> PF_Err {
+         std::vector<std::thread> threads;
+         for (int i = 0; i < 4; ++i)
+             threads.emplace_back([&s] { addParameters(s, 100); });
+         for (std::thread& thread : threads)
+             thread.join();
+         s.out->num_params = 401;
+         return 0;
+     }},
     {"world-grown",
      [](const Scene& s) -> PF_Err {
          PF_EffectWorld grown{};
@@ -316,7 +401,7 @@ bool isPlace(std::string_view place) {
 
 PF_Err doIt(const Scene& scene) {
     const std::string_view name = wanted().substr(0, wanted().find('@'));
-    if (const char* const mark = std::getenv("PERCH_HOSTILE_MARK")) close(creat(mark, 0600));
+    if (const char* const mark = markPath()) close(creat(mark, 0600));
     for (const Named& named : kDeeds)
         if (named.name == name) return named.deed(scene);
     std::fprintf(stderr, "there is no deed like %s\n", std::string(wanted()).c_str());

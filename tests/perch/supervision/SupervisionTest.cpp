@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <optional>
 #include <thread>
+#include <utility>
 
 #include "CommandLine.h"
 #include "PictureFiles.h"
@@ -24,15 +25,23 @@ struct EnvironmentMode {
     ~EnvironmentMode() { unsetenv("PERCH_HOSTILE"); }
 };
 
+// Has the effect mark its deed by a file beside the command line's folder.
+struct MarkedMode : EnvironmentMode {
+    MarkedMode(const char* mode, const CommandLine& commandLine)
+        : EnvironmentMode(mode), mark(commandLine.folder.parent_path() / "mark") {
+        setenv("PERCH_HOSTILE_MARK", mark.c_str(), 1);
+    }
+    ~MarkedMode() { unsetenv("PERCH_HOSTILE_MARK"); }
+
+    const std::filesystem::path mark;
+};
+
 // An effect that never comes back from its RENDER.
 struct HangingProgram {
     HangingProgram() {
-        constexpr char kMark[] = "PERCH_HOSTILE_MARK";
-        const std::filesystem::path mark = commandLine.folder.parent_path() / "mark";
-        const EnvironmentMode mode("hang@RENDER");
-        setenv(kMark, mark.c_str(), 1);
+        const MarkedMode mode("hang@RENDER", commandLine);
+        const std::filesystem::path& mark = mode.mark;
         program.emplace(commandLine.commandOf(kRender), commandLine.folder);
-        unsetenv(kMark);
         const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
         while (!std::filesystem::exists(mark) && std::chrono::steady_clock::now() < end)
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
@@ -89,6 +98,44 @@ TEST(SupervisionTest, TimeThatTheProgramIsStoppedDoesNotCount) {
     program.send(SIGCONT);
     program.send(SIGINT);
     EXPECT_EQ(program.finish().status, 130);
+}
+
+// One that has left the worker's group and session, and whose parent has ended.
+TEST(SupervisionTest, ProcessesThatTheEffectHasStartedEndWithIt) {
+    for (const auto& [deed, status] :
+         {std::pair{"daemon@RENDER", 0}, std::pair{"daemon-and-abort@RENDER", 8}}) {
+        const CommandLine commandLine;
+        const MarkedMode mode(deed, commandLine);
+        EXPECT_EQ(commandLine.run(kRender).status, status);
+        const int daemon = std::atoi(bytesOf(mode.mark).c_str());
+        ASSERT_GT(daemon, 0) << deed;
+        EXPECT_NE(kill(daemon, 0), 0) << deed;
+    }
+}
+
+TEST(SupervisionTest, PictureThatWasBeingWrittenIsRemoved) {
+    const CommandLine commandLine;
+    const std::vector<std::string> files = commandLine.files();
+    const EnvironmentMode mode("end-while-writing@FRAME_SETDOWN");
+    const ProgramResult result = commandLine.run(kRender);
+    EXPECT_EQ(result.status, 8);
+    EXPECT_NE(result.err.find("crashed after FRAME_SETDOWN (SIGXFSZ"), std::string::npos) << result.err;
+    EXPECT_EQ(commandLine.files(), files);
+}
+
+TEST(SupervisionTest, TimeLimitEndsEveryCommandThatLoadsAnEffect) {
+    const CommandLine commandLine;
+    const EnvironmentMode mode("hang@PARAMS_SETUP");
+    for (const char* const command :
+         {"perch describe {plugins}/Hostile.so --timeout 0.2",
+          "perch curve --plugin {plugins}/Hostile.so --frames 1-2 --timeout 0.2",
+          "perch preset --plugin {plugins}/Hostile.so --timeout 0.2",
+          "perch render --plugin {plugins}/Hostile.so --help --timeout-frame 0.2"}) {
+        const ProgramResult result = commandLine.run(command);
+        EXPECT_EQ(result.status, 8) << command;
+        EXPECT_NE(result.err.find("did not come back at PARAMS_SETUP (ended after 0.2 s"), std::string::npos)
+            << result.err;
+    }
 }
 
 TEST(SupervisionTest, WorkerCannotBeStartedByHand) {
