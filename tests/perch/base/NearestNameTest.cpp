@@ -27,6 +27,8 @@ TEST(NearestNameTest, WordsFarFromAllNamesFindNone) {
         EXPECT_EQ(suggestion(word, names), "") << word;
     }
     EXPECT_FALSE(nearestName("Fast", {}));
+    const std::vector<std::string> shortName{"ab"};
+    EXPECT_FALSE(nearestName("xy", shortName)) << "not a letter of it";
 }
 
 TEST(NearestNameTest, SuggestionQuotesTheName) {

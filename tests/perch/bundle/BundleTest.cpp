@@ -84,6 +84,13 @@ TEST_F(BundleTest, EntryPointOfABundleIsThatOfItsPropertyList) {
     EXPECT_NE(loaded.entryPoint, nullptr);
 }
 
+TEST_F(BundleTest, LibraryNamedAsTheBundleIsTakenAmongSeveral) {
+    const fs::path path = makeBundle("Made.plugin", kReport);
+    const fs::path code = path / "Contents" / "Linux-" PERCH_ARCHITECTURE;
+    fs::copy_file(kShallow, code / "Helper.so");
+    EXPECT_EQ(loadLibrary(openBundle(path)).symbol, "EffectMain");
+}
+
 TEST_F(BundleTest, BundleWithoutResourcesIsLoadedLikeABareLibrary) {
     EXPECT_EQ(failure(makeBundle("Made.plugin", kReport)), "nothing was thrown");
 }

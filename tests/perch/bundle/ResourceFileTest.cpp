@@ -97,6 +97,8 @@ INSTANTIATE_TEST_SUITE_P(
                                "its list of references extends past the end of the resource map"},
                     DamageCase{"ReferencesBeyondTheMap", kFirstType + 6, bigEndian(0xFFFF, 2),
                                "its list of references extends past the end of the resource map"},
+                    DamageCase{"ReferencesOverTheLastType", kFirstType + 6, bigEndian(3 * 8, 2),
+                               "its list of references extends past the end of the resource map"},
                     DamageCase{"ReferencesThatLoopBackToTheTypes", kFirstType + 6, bigEndian(0, 2),
                                "its list of references extends past the end of the resource map"},
                     DamageCase{"ResourceBeyondTheData", kFirstReference + 5, bigEndian(0xFFFFFF, 3),

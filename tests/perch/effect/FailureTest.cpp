@@ -118,6 +118,18 @@ TEST_F(FailureTest, FailedResetUpFreesTheSavedBytesAndSetsNothingDown) {
     EXPECT_THAT(faults(effect), IsEmpty());
 }
 
+TEST_F(FailureTest, EffectThatMayWriteItsInputWritesACopy) {
+    script.declareFlags(PF_OutFlag_I_WRITE_INPUT_BUFFER);
+    script.on(PF_Cmd_RENDER, [](const EffectCall& call) {
+        std::memset(call.params[0]->u.ld.data, 0x5A, 4);
+        return PF_Err{PF_Err_NONE};
+    });
+    const std::uint64_t before = request.input->checksum();
+    Effect effect(ScriptedEffect::enter, {}, HostOptions{});
+    Sequence(effect).render(request);
+    EXPECT_EQ(request.input->checksum(), before);
+}
+
 TEST_F(FailureTest, NextFrameRendersAfterAFailedOne) {
     int renders = 0;
     script.on(PF_Cmd_RENDER, [&](const EffectCall&) {

@@ -358,6 +358,24 @@ protected:
     }
 };
 
+// A record is known by its place, so that an effect may calculate in it.
+TEST(StrictModeCheckoutTest, RecordThatWasWrittenIsCheckedIn) {
+    ScriptedEffect script;
+    script.declareParameters({parameterOfType(PF_Param_SLIDER, "S")});
+    script.on(PF_Cmd_RENDER, [](const EffectCall& call) {
+        PF_ParamDef param = checkedOut(call, 1);
+        param.u.sd.value += 7;
+        return call.in->inter.checkin_param(call.in->effect_ref, &param);
+    });
+    Effect effect(ScriptedEffect::enter, {}, strictOptions());
+    const World input(4, 2, false);
+    FrameRequest request;
+    request.input = &input;
+    Sequence(effect).render(request);
+    effect.close();
+    EXPECT_THAT(faults(effect), IsEmpty());
+}
+
 TEST_P(StrictModeTest, MisdeedIsNamedWithCommandAndCallback) {
     EXPECT_EQ(commit(GetParam(), strictOptions()), GetParam().faults);
 }

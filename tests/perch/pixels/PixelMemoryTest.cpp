@@ -1,11 +1,12 @@
 #include "PixelMemory.h"
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
 #include <cstdint>
 #include <functional>
 #include <string>
-#include <vector>
 
 #include "World.h"
 
@@ -92,15 +93,20 @@ TEST(PixelMemoryTest, WorldsAreKnownForAsLongAsTheyLast) {
 }
 
 TEST(PixelMemoryTest, MemoryOfTheEffectsOwnWillDo) {
-    std::vector<PF_Pixel> pixels(12);
+    // Two pages, of which the second is given back.
+    const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    void* const pages = mmap(nullptr, 2 * page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    ASSERT_NE(pages, MAP_FAILED);
+    munmap(static_cast<char*>(pages) + page, page);
     PF_EffectWorld record{};
-    record.data = reinterpret_cast<PF_PixelPtr>(pixels.data());
+    record.data = static_cast<PF_PixelPtr>(pages);
     record.width = 4;
-    record.height = 3;
+    record.height = static_cast<A_long>(page / 16);
     record.rowbytes = 16;
     EXPECT_EQ(flawText(&record), "");
-    record.height = 1 << 30;
+    ++record.height;
     EXPECT_EQ(flawText(&record), kNotThere);
+    munmap(pages, page);
 }
 
 TEST(PixelMemoryTest, RecordsThatAreNowhereAreNamed) {
