@@ -236,13 +236,16 @@ TEST_F(CommandOrderTest, FrameIsDescribedToTheEffect) {
     request.time = 48;
     request.timeScale = 24;
     request.downsampleX = {1, 2};
+    request.downsampleY = {1, 3};
     request.outputWidth = 6;
     request.outputOriginX = 1;
     const RenderedFrame frame = sequence.render(request);
     EXPECT_EQ(seen.current_time, 48);
     EXPECT_EQ(seen.time_scale, 24U);
     EXPECT_EQ(seen.width, 8);
-    EXPECT_EQ(seen.height, 3);
+    EXPECT_EQ(seen.height, 9);
+    EXPECT_EQ(seen.downsample_x.den, 2U);
+    EXPECT_EQ(seen.downsample_y.den, 3U);
     EXPECT_EQ(seen.output_origin_x, 1);
     EXPECT_EQ(seen.extent_hint.right, 6);
     EXPECT_EQ(seen.num_params, 1);

@@ -130,6 +130,37 @@ TEST_F(FailureTest, EffectThatMayWriteItsInputWritesACopy) {
     EXPECT_EQ(request.input->checksum(), before);
 }
 
+TEST_F(FailureTest, WorldsAreUpTo30000PixelsWideAndHigh) {
+    script.on(PF_Cmd_RENDER, [](const EffectCall& call) {
+        const auto make = [&](A_long width, A_long height) {
+            PF_EffectWorld world{};
+            const PF_Err error = call.utilities().new_world(call.in->effect_ref, width, height, 0, &world);
+            if (error == PF_Err_NONE) call.utilities().dispose_world(call.in->effect_ref, &world);
+            return error;
+        };
+        EXPECT_EQ(make(30000, 1), PF_Err_NONE);
+        EXPECT_EQ(make(1, 30000), PF_Err_NONE);
+        EXPECT_NE(make(30001, 1), PF_Err_NONE);
+        EXPECT_NE(make(1, 30001), PF_Err_NONE);
+        return PF_Err{PF_Err_NONE};
+    });
+    Effect effect(ScriptedEffect::enter, {}, HostOptions{});
+    Sequence(effect).render(request);
+}
+
+TEST_F(FailureTest, SuiteIsReleasedAsOftenAsItWasAcquired) {
+    script.on(PF_Cmd_RENDER, [](const EffectCall& call) {
+        const void* suite = nullptr;
+        SPBasicSuite& basic = *call.in->pica_basicP;
+        EXPECT_EQ(basic.AcquireSuite("PF World Suite", 2, &suite), 0);
+        EXPECT_EQ(basic.ReleaseSuite("PF World Suite", 2), 0);
+        EXPECT_NE(basic.ReleaseSuite("PF World Suite", 2), 0);
+        return PF_Err{PF_Err_NONE};
+    });
+    Effect effect(ScriptedEffect::enter, {}, HostOptions{});
+    Sequence(effect).render(request);
+}
+
 TEST_F(FailureTest, NextFrameRendersAfterAFailedOne) {
     int renders = 0;
     script.on(PF_Cmd_RENDER, [&](const EffectCall&) {
