@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <fstream>
 #include <system_error>
+#include <thread>
 
 namespace perch {
 namespace {
@@ -21,7 +22,12 @@ constexpr char kNameDuringCommands[] = "perch-effect";
 
 }  // namespace
 
-ProcessWatch::ProcessWatch() : process(getpid()) {}
+ProcessWatch::ProcessWatch() : process(getpid()) {
+#if defined(__SANITIZE_THREAD__)
+    // The sanitizer starts a thread of its own with the program's first; it is not to be the effect's.
+    std::thread([] {}).join();
+#endif
+}
 
 void ProcessWatch::endIfCopied() const {
     if (getpid() != process) _exit(EXIT_SUCCESS);
