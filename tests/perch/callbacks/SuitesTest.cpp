@@ -8,7 +8,6 @@
 #include <sstream>
 
 #include "AEGP_Suites.h"
-#include "Callbacks.h"
 #include "PF_AppSuite.h"
 #include "PF_ChannelSuite.h"
 #include "PF_CustomUI.h"
@@ -16,6 +15,7 @@
 #include "PF_Suites.h"
 #include "PF_ValueSuites.h"
 #include "ScriptedEffect.h"
+#include "Suites.h"
 
 namespace perch::test {
 namespace {
