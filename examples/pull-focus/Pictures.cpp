@@ -121,5 +121,5 @@ void WritePicture(const std::string& path, const Picture& picture) {
     } else {
         FromPixels<Channel8>(*picture.pixels, file);
     }
-    pictures::writePicture(path, file, kCompression);
+    pictures::writePicture(path, file, {.compression = kCompression});
 }

@@ -40,6 +40,10 @@ PF_UtilCallbacks makeTable() {
 
 }  // namespace
 
+CallbackTables callbackTables() {
+    return {.interaction = interactionCallbacks(), .utilities = utilityCallbacks(), .suites = basicSuite()};
+}
+
 PF_UtilCallbacks* utilityCallbacks() {
     static PF_UtilCallbacks table = makeTable();
     return &table;

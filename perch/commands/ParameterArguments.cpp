@@ -4,6 +4,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <filesystem>
 
 #include "Console.h"
 #include "CurveText.h"
@@ -85,7 +86,13 @@ ParameterArguments takeParameterArguments(const CLI::App& app, const std::vector
                                           const ParameterTexts& texts, const std::string& preset) {
     ParameterArguments result;
     for (const ParameterOption& option : options) {
-        if (app.count("--" + option.name) > 0) takeParameter(option, texts.at(option.name), result);
+        if (app.count("--" + option.name) > 0) {
+            const std::string& text = texts.at(option.name);
+            takeParameter(option, text, result);
+            const bool isPicture = isLayer(option.parameter);
+            result.given += fmt::format(" --{} {}", option.name,
+                                        isPicture ? std::filesystem::path(text).filename().string() : text);
+        }
         if (isLayer(option.parameter)) takeRange(option, texts.at(option.rangeName), result);
     }
     if (preset.empty()) return result;

@@ -23,6 +23,7 @@ struct ParameterArguments {
     LayerNames layers;
     LayerReadings readings;  // of all layers
     std::set<PF_ParamIndex> emptyLayers;
+    std::string given;  // the options as they were given, of pictures the file names alone
 };
 
 // What was given, by the option's name.

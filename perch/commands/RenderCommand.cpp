@@ -215,6 +215,10 @@ int runRenderCommand(const std::vector<std::string>& arguments) {
     plan.emptyLayers = parameters.emptyLayers;
     RenderSettings settings = options.settings;
     settings.layers = parameters.readings;
+    if (options.hasProvenance) {
+        settings.encoding.software =
+            fmt::format("perch {}, {}:{}", PERCH_VERSION, effect.description().name, parameters.given);
+    }
     catchInterrupts();
     pictures::watchTemporaryFiles({.appears = noteTemporary, .isGone = forgetTemporary});
     RenderReport report;

@@ -4,7 +4,9 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <array>
 #include <charconv>
+#include <limits>
 #include <thread>
 
 #include "CommandLine.h"
@@ -33,7 +35,11 @@ struct Texts {
     std::string outputDepth;
     std::string encode;
     std::string threads = "0";
-    std::string compression = std::to_string(kFastCompression);
+    std::string compression;
+    std::string jpegQuality;
+    std::string mostPixels;
+    std::string mostMemory;
+    bool hasNoProvenance = false;
     std::string frames;
     std::string frameLimit = "0";
     std::string preset;
@@ -102,18 +108,48 @@ std::optional<pictures::Transfer> parseTransfer(const std::string& text) {
     throw UsageError(fmt::format("--encode takes linear, srgb or log, not \"{}\"", text));
 }
 
-// A whole number from 0 to `most`.
-int parseNumber(std::string_view option, const std::string& text, int most) {
+int parseNumber(std::string_view option, const std::string& text, int least, int most) {
     int number = 0;
     const char* const end = text.data() + text.size();
     const auto parsed = std::from_chars(text.data(), end, number);
-    if (parsed.ec == std::errc() && parsed.ptr == end && number >= 0 && number <= most) return number;
-    throw UsageError(fmt::format("{} takes a whole number from 0 to {}, not \"{}\"", option, most, text));
+    if (parsed.ec == std::errc() && parsed.ptr == end && number >= least && number <= most) return number;
+    throw UsageError(
+        fmt::format("{} takes a whole number from {} to {}, not \"{}\"", option, least, most, text));
 }
 
 int parseThreads(const std::string& text) {
     constexpr int kMostThreads = 1024;
-    return parseNumber("--threads", text, kMostThreads);
+    return parseNumber("--threads", text, 0, kMostThreads);
+}
+
+constexpr std::array kOpenExrCompressions{"none",  "rle", "zips", "zip",  "piz",
+                                          "pxr24", "b44", "b44a", "dwaa", "dwab"};
+
+void takeCompression(const std::string& text, pictures::EncodingOptions& encoding) {
+    if (text.empty()) return;
+    if (std::ranges::find(kOpenExrCompressions, text) != kOpenExrCompressions.end()) {
+        encoding.openExrCompression = text;
+        return;
+    }
+    const bool isNumber = text.find_first_not_of("0123456789") == std::string::npos;
+    if (!isNumber) {
+        throw UsageError(
+            fmt::format("--compression takes a whole number from 0 to {}, or for OpenEXR one of {}, not "
+                        "\"{}\"",
+                        kMostCompression, fmt::join(kOpenExrCompressions, ", "), text));
+    }
+    encoding.compression = parseNumber("--compression", text, 0, kMostCompression);
+}
+
+// What is read ahead, rendered and written at once shares the memory: each frame's input and one layer.
+void takeLimits(const Texts& texts, RenderSettings& settings) {
+    constexpr int kMost = std::numeric_limits<int>::max();
+    if (!texts.mostPixels.empty())
+        settings.limits.pixels = parseNumber("--max-pixels", texts.mostPixels, 1, kMost);
+    if (texts.mostMemory.empty()) return;
+    const auto pictures = static_cast<std::int64_t>(2 * (2 * settings.framesAhead + 1));
+    settings.limits.bytes =
+        (std::int64_t{parseNumber("--max-memory", texts.mostMemory, 1, kMost)} << 20) / pictures;
 }
 
 // One frame for each thread of the effect, so that reading and writing keep up with it; no more than this,
@@ -149,10 +185,21 @@ void addOwnOptions(CLI::App& app, Texts& texts) {
         ->type_name("BUNDLE");
     app.add_option("--threads", texts.threads, "worker threads; 0 for one per processor (default 0)")
         ->type_name("N");
-    app.add_option("--compression", texts.compression,
-                   fmt::format("of PNG and TIFF files, 0 for none to {} for the smallest (default {})",
-                               kMostCompression, kFastCompression))
+    app.add_option(
+           "--compression", texts.compression,
+           fmt::format("of PNG and TIFF files, 0 for none to {} for the smallest (default {}); of OpenEXR "
+                       "files a name: {} (default zip)",
+                       kMostCompression, kFastCompression, fmt::join(kOpenExrCompressions, ", ")))
         ->type_name("LEVEL");
+    app.add_option("--jpeg-quality", texts.jpegQuality, "of JPEG files, 1 to 100")->type_name("QUALITY");
+    app.add_option("--max-pixels", texts.mostPixels,
+                   "that a picture read may have, against files that claim too much (default 268435456)")
+        ->type_name("N");
+    app.add_option("--max-memory", texts.mostMemory,
+                   "for the samples of all pictures that are in memory at once, in MB (default: any)")
+        ->type_name("MB");
+    app.add_flag("--no-provenance", texts.hasNoProvenance,
+                 "do not tell in the files written which program and parameters made them");
     app.add_flag("--timing", texts.wantsTiming, "tell how long reading, rendering and writing took");
     app.add_flag("--strict", texts.strict, "watch for breaches of the interface's rules; any is a failure");
     app.add_option("--quality", texts.quality, "draft or best (default best)")->type_name("QUALITY");
@@ -242,8 +289,12 @@ RenderOptions parseRenderOptions(const std::vector<std::string>& arguments) {
     options.settings.depth = parseDepth(texts.depth);
     options.settings.outputType = parseOutputDepth(texts.outputDepth);
     options.settings.transfer = parseTransfer(texts.encode);
-    options.settings.compression = parseNumber("--compression", texts.compression, kMostCompression);
+    takeCompression(texts.compression, options.settings.encoding);
+    if (!texts.jpegQuality.empty())
+        options.settings.encoding.jpegQuality = parseNumber("--jpeg-quality", texts.jpegQuality, 1, 100);
+    options.hasProvenance = !texts.hasNoProvenance;
     options.settings.framesAhead = framesAheadFor(options.load.threads);
+    takeLimits(texts, options.settings);
     return options;
 }
 

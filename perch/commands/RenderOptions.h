@@ -24,6 +24,7 @@ struct LoadOptions {
 struct RenderOptions {
     bool wantsHelp = false;  // then only load.plugin and frameLimit are set
     bool wantsTiming = false;
+    bool hasProvenance = true;               // files written tell what made them
     std::chrono::nanoseconds frameLimit{0};  // that the effect may take for one command; 0: any time
     LoadOptions load;
     PictureNames names;

@@ -7,7 +7,6 @@
 #include "Error.h"
 #include "Host.h"
 #include "PF_Values.h"
-#include "Suites.h"
 #include "Whereabouts.h"
 
 namespace perch {
@@ -27,10 +26,6 @@ EffectDescription describeBundle(const Bundle& bundle, const std::string& symbol
     description.propertyListFlags = list.flags;
     description.propertyListFlags2 = list.flags2;
     return description;
-}
-
-CallbackTables callbackTables() {
-    return {.interaction = interactionCallbacks(), .utilities = utilityCallbacks(), .suites = basicSuite()};
 }
 
 std::unique_ptr<Host> loadHost(const std::filesystem::path& plugin, HostOptions options) {

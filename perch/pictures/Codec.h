@@ -7,14 +7,16 @@
 #include <string>
 #include <vector>
 
+#include "EncodingOptions.h"
 #include "FileFormat.h"
 #include "Picture.h"
+#include "ReadLimits.h"
 
 namespace pictures {
 
 struct Encoding {
     FileFormat format = FileFormat::Png;
-    int compression = 0;  // of PNG and TIFF, from 0, none, to 9
+    EncodingOptions options;
 };
 
 // Any thread. Failures are PictureError, with the reason and how to mend it alone: whose bytes they are, the
@@ -28,7 +30,7 @@ public:
 
     // With a channel, "Z" or "depth.Z", the picture is that channel alone, in grey, of whichever part has it.
     virtual Picture decode(std::span<const unsigned char> bytes, FileFormat format,
-                           const std::string& channel) const = 0;
+                           const std::string& channel, const ReadLimits& limits) const = 0;
     virtual std::vector<unsigned char> encode(const Picture& picture, const Encoding& encoding) const = 0;
 };
 

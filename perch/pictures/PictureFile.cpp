@@ -34,11 +34,11 @@ FileFormat requireFormat(const fs::path& path) {
 
 }  // namespace
 
-Picture readPicture(const fs::path& path, const std::string& channel) {
+Picture readPicture(const fs::path& path, const std::string& channel, const ReadLimits& limits) {
     const FileBytes bytes = readFile(path);
     const FileFormat format = requireFormat(path, bytes);
     try {
-        return codec().decode(bytes, format, channel);
+        return codec().decode(bytes, format, channel, limits);
     } catch (const PictureError& error) {
         refuseToRead(path, error.what());
     }
@@ -90,11 +90,11 @@ void requireNotRead(const fs::path& output, std::span<const fs::path> inputs) {
     }
 }
 
-void writePicture(const fs::path& path, const Picture& picture, int compression) {
+void writePicture(const fs::path& path, const Picture& picture, const EncodingOptions& options) {
     requireWritable(path, picture.type(), picture.hasAlpha());
     FileBytes bytes;
     try {
-        bytes = codec().encode(picture, {.format = requireFormat(path), .compression = compression});
+        bytes = codec().encode(picture, {.format = requireFormat(path), .options = options});
     } catch (const PictureError& error) {
         refuseToWrite(path, error.what());
     }

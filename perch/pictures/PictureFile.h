@@ -18,7 +18,8 @@ constexpr std::int32_t kLargestExtent = 30000;
 
 // Opens the file once and decodes its bytes from memory.
 // Without the name of a channel the picture is the file's first.
-Picture readPicture(const std::filesystem::path& path, const std::string& channel = {});
+Picture readPicture(const std::filesystem::path& path, const std::string& channel = {},
+                    const ReadLimits& limits = {});
 
 // A file and one of its channels, as "depth.####.exr:Z" names them.
 struct ChannelOfFile {
@@ -39,14 +40,9 @@ void prepareOutputs(std::span<const std::filesystem::path> paths);
 // Throws where the output is one of the inputs, however the two are spelled and through any links.
 void requireNotRead(const std::filesystem::path& output, std::span<const std::filesystem::path> inputs);
 
-// Of PNG and TIFF files, which lose nothing at any level: from 0, none, to the most. The fast one takes much
-// less time than the encoders' own choice, 6, for files somewhat larger; docs/perch.md has the figures.
-constexpr int kFastCompression = 2;
-constexpr int kMostCompression = 9;
-
 // Writes the picture in the format of the ending. The file appears whole or not at all, and only then
 // replaces one of the same name.
 void writePicture(const std::filesystem::path& path, const Picture& picture,
-                  int compression = kFastCompression);
+                  const EncodingOptions& options = {});
 
 }  // namespace pictures

@@ -129,8 +129,10 @@ bool isWrittenPremultiplied(const fs::path& path, const Picture& source) {
 
 }  // namespace
 
-SharedPicture readPictureFile(const fs::path& path, const std::string& channel) {
-    return asError([&] { return std::make_shared<const Picture>(pictures::readPicture(path, channel)); });
+SharedPicture readPictureFile(const fs::path& path, const std::string& channel,
+                              const pictures::ReadLimits& limits) {
+    return asError(
+        [&] { return std::make_shared<const Picture>(pictures::readPicture(path, channel, limits)); });
 }
 
 Depth depthOf(const Picture& picture) {
@@ -196,15 +198,16 @@ void writeWorld(const fs::path& path, const World& world, const FileWorld& sourc
             keepSamples<PF_Pixel>(world, source, picture);
         }
     }
-    asError([&] { pictures::writePicture(path, picture, format.compression); });
+    asError([&] { pictures::writePicture(path, picture, format.encoding); });
 }
 
-void writeWorld(const fs::path& path, const World& world, bool withAlpha, int compression) {
+void writeWorld(const fs::path& path, const World& world, bool withAlpha,
+                const pictures::EncodingOptions& encoding) {
     const SampleType type = world.isDeep() ? SampleType::Bits16 : SampleType::Bits8;
     requireOutput(path, type, withAlpha);
     Picture picture = pictures::newPicture(world.width(), world.height(), withAlpha ? 4 : 3, type);
     fill(world, Transfer::Linear, picture);
-    asError([&] { pictures::writePicture(path, picture, compression); });
+    asError([&] { pictures::writePicture(path, picture, encoding); });
 }
 
 }  // namespace perch

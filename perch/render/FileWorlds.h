@@ -32,7 +32,8 @@ struct FileWorld {
 
 using SharedPicture = std::shared_ptr<const pictures::Picture>;
 
-SharedPicture readPictureFile(const std::filesystem::path& path, const std::string& channel = {});
+SharedPicture readPictureFile(const std::filesystem::path& path, const std::string& channel = {},
+                              const pictures::ReadLimits& limits = {});
 
 // That keeps the most of the picture.
 Depth depthOf(const pictures::Picture& picture);
@@ -52,7 +53,7 @@ void prepareOutputs(std::span<const std::filesystem::path> paths);
 
 struct OutputFormat {
     pictures::SampleType type = pictures::SampleType::Bits8;
-    int compression = kFastCompression;
+    pictures::EncodingOptions encoding;
 };
 
 // Throws unless a file of this name can be expected to hold such a picture.
@@ -67,7 +68,7 @@ void writeWorld(const std::filesystem::path& path, const World& world, const Fil
 
 // The same for a world that comes from no file.
 void writeWorld(const std::filesystem::path& path, const World& world, bool withAlpha,
-                int compression = kFastCompression);
+                const pictures::EncodingOptions& encoding = {});
 
 // Whether a file without alpha shows the same: no alpha is below white. Codes above white are written as
 // white.

@@ -36,7 +36,7 @@ void LayerReader::findRanges(const FramePlan& plan) {
     for (auto& [index, reading] : readings) {
         const fs::path* const path = firstFileOf(plan, index);
         if (!reading.hasUsualRange || path == nullptr) continue;
-        reading.range = pictures::usualRange(*readPictureFile(*path, reading.channel));
+        reading.range = pictures::usualRange(*readPictureFile(*path, reading.channel, limits));
         if (!reading.range) {
             throw Error(
                 fmt::format("cannot find near and far in \"{}\": it has one depth at most; give {} "
@@ -51,7 +51,7 @@ void LayerReader::findRanges(const FramePlan& plan) {
 SharedPicture LayerReader::read(PF_ParamIndex index, const fs::path& path) const {
     const auto found = readings.find(index);
     const LayerReading reading = found != readings.end() ? found->second : LayerReading{};
-    const SharedPicture picture = readPictureFile(path, reading.channel);
+    const SharedPicture picture = readPictureFile(path, reading.channel, limits);
     if (picture->parts > 1 && reading.channel.empty()) notes.add("parts", partsNote(path, picture->parts));
     if (reading.range) {
         if (reading.hasUsualRange) compare(path, *picture, reading);

@@ -14,7 +14,8 @@ namespace perch {
 class LayerReader {
 public:
     // `notes` outlives the reader.
-    LayerReader(const LayerReadings& readings, Notes& notes) : readings(readings), notes(notes) {}
+    LayerReader(const LayerReadings& readings, const pictures::ReadLimits& limits, Notes& notes)
+        : readings(readings), limits(limits), notes(notes) {}
 
     // Finds the ranges that are left to the first frame, before any picture is read.
     void findRanges(const FramePlan& plan);
@@ -28,6 +29,7 @@ private:
                  const LayerReading& reading) const;
 
     LayerReadings readings;
+    pictures::ReadLimits limits;
     Notes& notes;
 };
 

@@ -110,10 +110,10 @@ private:
     FramePictures read(std::size_t index) {
         const Timer timer(CLOCK_THREAD_CPUTIME_ID, report.decodeTime);
         const FrameFiles& files = plan.frames[index];
-        const SharedPicture picture = readPictureFile(files.input);
+        const SharedPicture picture = readPictureFile(files.input, "", settings.limits);
         if (picture->parts > 1) report.notes.add("parts", partsNote(files.input, picture->parts));
         FramePictures pictures;
-        pictures.output = {outputType(files.output, *picture), settings.compression};
+        pictures.output = {outputType(files.output, *picture), settings.encoding};
         requireOutput(files.output, pictures.output.type, picture->hasAlpha());
         LayerPictures layers;
         for (const auto& [layer, path] : files.layers)
@@ -265,7 +265,7 @@ private:
     RenderReport& report;
     const PF_RationalScale scale =  // that pictures are resized by
         settings.resizes ? settings.downsample : PF_RationalScale{1, 1};
-    LayerReader layerReader{settings.layers, report.notes};
+    LayerReader layerReader{settings.layers, settings.limits, report.notes};
     StillLayers stillLayers{plan.stillLayers, layerReader, scale};
     Sequence sequence{effect};
     std::map<std::size_t, PF_ParamDef> changedByEffect;  // values, by index

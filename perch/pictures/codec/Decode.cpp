@@ -19,6 +19,8 @@
 #include "PictureEnd.h"
 #include "PictureError.h"
 #include "PictureFile.h"
+#include "PngChunks.h"
+#include "TiffStrips.h"
 
 namespace pictures {
 namespace {
@@ -77,12 +79,64 @@ bool covers(const OIIO::ImageSpec& layout, const Window& window) {
            layout.y + layout.height >= window.y + window.height;
 }
 
-void requireSize(int width, int height) {
+void requireSize(int width, int height, std::size_t sampleBytes, const ReadLimits& limits) {
     if (width <= 0 || height <= 0) throw PictureError(kEmpty);
     if (width > kLargestExtent || height > kLargestExtent) {
         throw PictureError(fmt::format("it has {} x {} pixels, the largest is {} x {}; make it smaller",
                                        width, height, kLargestExtent, kLargestExtent));
     }
+    const std::int64_t pixels = std::int64_t{width} * height;
+    if (pixels > limits.pixels) {
+        throw PictureError(
+            fmt::format("it has {} x {} pixels, {} in all, and --max-pixels allows {}; make it smaller, "
+                        "or allow more",
+                        width, height, pixels, limits.pixels));
+    }
+    if (pixels > limits.bytes / static_cast<std::int64_t>(sampleBytes)) {
+        throw PictureError(
+            fmt::format("its {} x {} pixels take more memory than --max-memory leaves to each "
+                        "picture, {} MB; make it smaller, allow more, or use fewer --threads",
+                        width, height, limits.bytes >> 20));
+    }
+}
+
+// How many bytes of samples a byte of the file can stand for at most; 0 where that is not known.
+std::size_t mostExpansion(const OIIO::ImageSpec& layout, FileFormat format) {
+    constexpr std::size_t kDeflated = 1032;
+    const std::string compression = layout.get_string_attribute("compression");
+    switch (format) {
+        case FileFormat::Png:
+            return kDeflated;
+        case FileFormat::Tiff:
+        case FileFormat::OpenExr:
+            if (compression == "none") return 1;
+            return compression.starts_with("zip") ? kDeflated : 0;
+        case FileFormat::Jpeg:
+            return 8 * 64 * 3;  // a bit for each block of 64 pixels, of three channels
+        case FileFormat::Dpx:
+            return 2;  // packed
+        case FileFormat::Targa:
+            return 256;  // runs of 128 pixels in two bytes, and four bytes for each in a palette
+        case FileFormat::WebP:
+            return 0;
+    }
+    return 0;
+}
+
+void requireBytesFor(const OIIO::ImageSpec& layout, FileFormat format, std::size_t fileSize) {
+    constexpr std::size_t kSamplesOfOneBit = 8;
+    const std::size_t expansion = mostExpansion(layout, format);
+    if (expansion != 0 && layout.image_bytes(true) / kSamplesOfOneBit / expansion > fileSize)
+        throw PictureError(kDamaged);
+}
+
+// The reader takes a strip whole, and counts its samples in an int.
+void requireStrips(const OIIO::ImageSpec& layout) {
+    const std::int64_t rows =
+        std::min(layout.get_int_attribute("tiff:RowsPerStrip", layout.height), layout.height);
+    const std::int64_t samples = std::max<std::int64_t>(rows, 1) * layout.width * layout.nchannels;
+    if (samples > std::numeric_limits<int>::max())
+        throw PictureError("its strips are too large; save it with more strips, or with tiles");
 }
 
 int channelNamed(const OIIO::ImageSpec& layout, std::string_view name) {
@@ -198,67 +252,107 @@ void place(const std::vector<T>& pixels, const OIIO::ImageSpec& layout, const Ch
     }
 }
 
+// Some rows at a time: the library holds them a second time while it converts them.
 template <typename T>
-bool readSamples(OIIO::ImageInput& file, const Source& source, const Window& window, std::vector<T>& samples,
-                 const Picture& picture) {
+bool readRows(OIIO::ImageInput& file, int part, const ChannelRange& range, T* data) {
+    constexpr int kRows = 64;
+    const OIIO::ImageSpec layout = file.spec();
+    const OIIO::TypeDesc type(OIIO::BaseTypeFromC<T>::value);
+    if (layout.tile_width > 0) return file.read_image(part, 0, range.begin, range.end, type, data);
+    const auto rowSamples =
+        static_cast<std::size_t>(layout.width) * static_cast<std::size_t>(range.end - range.begin);
+    const int end = layout.y + layout.height;
+    for (int y = layout.y; y < end; y += kRows) {
+        const int rows = std::min(kRows, end - y);
+        if (!file.read_scanlines(part, 0, y, y + rows, 0, range.begin, range.end, type, data)) return false;
+        data += rowSamples * static_cast<std::size_t>(rows);
+    }
+    return true;
+}
+
+template <typename T>
+bool readSamples(OIIO::ImageInput& file, const Source& source, const Window& window, const ReadLimits& limits,
+                 std::vector<T>& samples, const Picture& picture) {
     const OIIO::ImageSpec layout = file.spec();
     const Channels& channels = source.channels;
     const ChannelRange range(channels);
-    const OIIO::TypeDesc type = memoryType(picture.type());
-    const auto read = [&](T* data) {
-        return file.read_image(source.part, 0, range.begin, range.end, type, data);
-    };
     const auto channelCount = static_cast<std::size_t>(range.end - range.begin);
     const bool isWhole = channelCount == picture.channels && std::ranges::is_sorted(channels) &&
                          layout.width == window.width && layout.height == window.height &&
                          covers(layout, window);
-    if (isWhole) return read(samples.data());
-    requireSize(layout.width, layout.height);
+    if (isWhole) return readRows(file, source.part, range, samples.data());
+    requireSize(layout.width, layout.height, channelCount * sizeof(T), limits);
     std::vector<T> pixels(layout.image_pixels() * channelCount);
-    if (!read(pixels.data())) return false;
+    if (!readRows(file, source.part, range, pixels.data())) return false;
     place(pixels, layout, range, channels, window, samples, picture);
     return true;
 }
 
-std::shared_ptr<const Metadata> metadataOf(const OIIO::ImageSpec& layout, FileFormat format) {
+std::shared_ptr<const Metadata> metadataOf(const OIIO::ImageSpec& layout, FileFormat format,
+                                           std::span<const unsigned char> bytes, bool isGrey) {
     auto metadata = std::make_shared<Metadata>();
     metadata->format = format;
+    metadata->isGrey = isGrey;
+    const Window window = windowOf(layout, format);
+    metadata->originX = window.x;
+    metadata->originY = window.y;
     metadata->attributes = layout.extra_attribs;
+    if (format == FileFormat::Png) metadata->pngChunks = describingChunks(bytes);
     return metadata;
 }
 
-Picture readPart(OIIO::ImageInput& file, FileFormat format, const Source& source) {
+SampleType requireType(const OIIO::ImageSpec& layout, const Channels& channels) {
+    const OIIO::TypeDesc stored = typeOf(layout, channels);
+    if (const std::optional<SampleType> type = sampleTypeOf(stored)) return *type;
+    throw PictureError(fmt::format("it has {} channels; convert it to 8 or 16 bits per channel, or floats",
+                                   typeName(stored)));
+}
+
+// Some decoders hold the whole picture as well.
+std::size_t copiesHeld(const OIIO::ImageSpec& layout, FileFormat format) {
+    const bool isHeld = format == FileFormat::Targa || format == FileFormat::WebP ||
+                        (format == FileFormat::Png && layout.get_int_attribute("png:interlaced") != 0);
+    return isHeld ? 2 : 1;
+}
+
+// Throws where the size is more than is allowed or than the file's length can stand for.
+void requireBelievable(const OIIO::ImageSpec& layout, FileFormat format, const Channels& channels,
+                       std::size_t fileSize, const ReadLimits& limits) {
+    const SampleType type = requireType(layout, channels);
+    const Window window = windowOf(layout, format);
+    const std::size_t pixelBytes = (channels.size() + 1) * memoryType(type).size();
+    requireSize(window.width, window.height, pixelBytes * copiesHeld(layout, format), limits);
+    requireBytesFor(layout, format, fileSize);
+    if (format == FileFormat::Tiff) requireStrips(layout);
+}
+
+Picture readPart(OIIO::ImageInput& file, FileFormat format, const Source& source, const ReadLimits& limits) {
     const OIIO::ImageSpec& layout = file.spec();
     const Channels& channels = source.channels;
-    const OIIO::TypeDesc stored = typeOf(layout, channels);
-    const std::optional<SampleType> type = sampleTypeOf(stored);
-    if (!type) {
-        throw PictureError(fmt::format(
-            "it has {} channels; convert it to 8 or 16 bits per channel, or floats", typeName(stored)));
-    }
+    const SampleType type = requireType(layout, channels);
     const Window window = windowOf(layout, format);
-    requireSize(window.width, window.height);
-    const bool isDepth = channels.size() == 1 && isFloat(*type) && !isGrey(layout, channels);
+    const bool isDepth = channels.size() == 1 && isFloat(type) && !isGrey(layout, channels);
     // Outside of what was rendered a picture is transparent, so that it has alpha there.
     const bool needsAlpha = channels.size() % 2 == 1 && !isDepth && !covers(layout, window);
-    Picture picture = newPicture(window.width, window.height, channels.size() + (needsAlpha ? 1 : 0), *type);
+    Picture picture = newPicture(window.width, window.height, channels.size() + (needsAlpha ? 1 : 0), type);
     picture.isPremultiplied = picture.hasAlpha() && (needsAlpha || isPremultiplied(layout));
     if (isDepth) {
         std::ranges::fill(std::get<std::vector<float>>(picture.samples),
                           std::numeric_limits<float>::quiet_NaN());
     }
-    const bool isRead = std::visit(
-        [&](auto& samples) { return readSamples(file, source, window, samples, picture); }, picture.samples);
+    const bool isRead =
+        std::visit([&](auto& samples) { return readSamples(file, source, window, limits, samples, picture); },
+                   picture.samples);
     // The error is asked for as well: the reader leaves missing parts of a TIFF file black and reports
     // success.
     if (const std::string error = file.geterror(); !isRead || !error.empty()) throw PictureError(kDamaged);
-    picture.metadata = metadataOf(layout, format);
     return picture;
 }
 
 }  // namespace
 
-Picture decode(std::span<const unsigned char> bytes, FileFormat format, const std::string& channel) {
+Picture decode(std::span<const unsigned char> bytes, FileFormat format, const std::string& channel,
+               const ReadLimits& limits) {
     if (!reachesItsEnd(bytes, format)) throw PictureError(kDamaged);
     if (isEmptyPng(bytes, format)) throw PictureError(kEmpty);
     OIIO::Filesystem::IOMemReader memory(bytes.data(), bytes.size());
@@ -276,7 +370,10 @@ Picture decode(std::span<const unsigned char> bytes, FileFormat format, const st
     const Source source =
         channel.empty() ? Source{0, firstChannels(layout, format)} : findChannel(*file, channel, parts);
     file->seek_subimage(source.part, 0);
-    Picture picture = readPart(*file, format, source);
+    requireBelievable(file->spec(), format, source.channels, bytes.size(), limits);
+    if (format == FileFormat::Tiff && hasDamagedStrip(bytes, source.part)) throw PictureError(kDamaged);
+    Picture picture = readPart(*file, format, source, limits);
+    picture.metadata = metadataOf(file->spec(), format, bytes, picture.channels < 3);
     picture.parts = parts;
     return picture;
 }

@@ -6,10 +6,12 @@
 
 #include "FileFormat.h"
 #include "Picture.h"
+#include "ReadLimits.h"
 
 namespace pictures {
 
 // As Codec::decode.
-Picture decode(std::span<const unsigned char> bytes, FileFormat format, const std::string& channel);
+Picture decode(std::span<const unsigned char> bytes, FileFormat format, const std::string& channel,
+               const ReadLimits& limits);
 
 }  // namespace pictures

@@ -2,6 +2,7 @@
 
 #include <OpenImageIO/filesystem.h>
 #include <OpenImageIO/imageio.h>
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <memory>
@@ -12,6 +13,7 @@
 #include "LibraryName.h"
 #include "Metadata.h"
 #include "PictureError.h"
+#include "PngChunks.h"
 
 namespace pictures {
 namespace {
@@ -25,11 +27,26 @@ void describePng(int compression, OIIO::ImageSpec& layout) {
     if (compression <= kLastFastLevel) layout["png:filter"] = kDifferences;
 }
 
-void describeTiff(int compression, OIIO::ImageSpec& layout) {
-    layout["compression"] = compression > 0 ? "zip" : "none";
+// Its own compression a TIFF file keeps, except one that loses something.
+std::string tiffCompression(const Metadata* source, int level) {
+    if (level == 0) return "none";
+    if (source == nullptr || source->format != FileFormat::Tiff) return "zip";
+    const std::string own = source->attributes.get_string("compression");
+    return own == "lzw" || own == "packbits" || own == "none" ? own : "zip";
+}
+
+void describeTiff(const Metadata* source, int compression, OIIO::ImageSpec& layout) {
+    layout["compression"] = tiffCompression(source, compression);
     if (compression > 0) layout["tiff:zipquality"] = compression;
-    // The time of writing otherwise, and the same pixels would not give the same bytes.
-    if (layout.find_attribute("DateTime") == nullptr) layout["DateTime"] = "1970:01:01 00:00:00";
+    // The encoder invents a date where there is none of any kind, and writes none that is no text.
+    if (layout.find_attribute("DateTime") == nullptr) layout["DateTime"] = 0;
+}
+
+void describeOpenExr(const Metadata* source, const std::string& compression, OIIO::ImageSpec& layout) {
+    layout["compression"] = compression;
+    if (source == nullptr || source->format != FileFormat::OpenExr) return;
+    layout.x = layout.full_x = source->originX;
+    layout.y = layout.full_y = source->originY;
 }
 
 // What says how the samples of the source were stored, which is decided anew.
@@ -41,21 +58,32 @@ bool isOfStorage(std::string_view name) {
                                            "planarconfig",
                                            "compression",
                                            "CompressionQuality",
-                                           "openexr:chunkCount",
+                                           "Software",
+                                           "Exif:ImageHistory",
                                            "name",
-                                           "view"};
+                                           "view",
+                                           "dpx:Packing",
+                                           "dpx:ImageDescriptor",
+                                           "dpx:Encoding"};
     return std::ranges::find(kNames, name) != std::end(kNames) || name.starts_with("tiff:") ||
-           name.starts_with("png:") || name.starts_with("dpx:") || name.starts_with("targa:") ||
-           name.starts_with("openexr:") || name.starts_with("jpeg:");
+           name.starts_with("png:") || name.starts_with("targa:") || name.starts_with("openexr:") ||
+           name.starts_with("jpeg:");
 }
 
-void keepMetadata(const Metadata& metadata, OIIO::ImageSpec& layout) {
-    // Readers suppose a colour space where the file names none.
-    const bool isColorSpaceKnown = metadata.format == FileFormat::OpenExr;
-    for (const OIIO::ParamValue& value : metadata.attributes) {
-        const std::string name = value.name().string();
-        if (isOfStorage(name) || (name == "oiio:ColorSpace" && !isColorSpaceKnown)) continue;
-        layout.extra_attribs.add_or_replace(value);
+// A profile of grey means nothing to colours. Of formats other than OpenEXR readers suppose a colour space
+// where the file names none.
+bool isKept(const Metadata& metadata, std::string_view name, const Picture& picture, FileFormat format) {
+    if (isOfStorage(name)) return false;
+    if (name == "ICCProfile") return metadata.isGrey == (picture.channels < 3);
+    const bool isSameFormat = metadata.format == format;
+    if (name == "oiio:ColorSpace") return isSameFormat && format == FileFormat::OpenExr;
+    return isSameFormat || !name.starts_with("dpx:");
+}
+
+void keepMetadata(const Picture& picture, FileFormat format, OIIO::ImageSpec& layout) {
+    for (const OIIO::ParamValue& value : picture.metadata->attributes) {
+        if (isKept(*picture.metadata, value.name().string(), picture, format))
+            layout.extra_attribs.add_or_replace(value);
     }
 }
 
@@ -80,11 +108,16 @@ OIIO::ImageSpec layoutOf(const Picture& picture, const Encoding& encoding) {
         layout.channelnames = {"Y", "A"};
         layout.alpha_channel = 1;
     }
-    if (picture.metadata != nullptr) keepMetadata(*picture.metadata, layout);
+    const Metadata* const source = picture.metadata.get();
+    const EncodingOptions& options = encoding.options;
+    if (source != nullptr) keepMetadata(picture, encoding.format, layout);
     if (!picture.isPremultiplied) layout[kAlphaIsStraight] = 1;
-    if (encoding.format == FileFormat::Png) describePng(encoding.compression, layout);
-    if (encoding.format == FileFormat::Tiff) describeTiff(encoding.compression, layout);
-    if (encoding.format == FileFormat::OpenExr) layout["compression"] = "zip";
+    if (!options.software.empty()) layout["Software"] = options.software;
+    if (encoding.format == FileFormat::Png) describePng(options.compression, layout);
+    if (encoding.format == FileFormat::Tiff) describeTiff(source, options.compression, layout);
+    if (encoding.format == FileFormat::OpenExr) describeOpenExr(source, options.openExrCompression, layout);
+    if (encoding.format == FileFormat::Jpeg && options.jpegQuality > 0)
+        layout["compression"] = fmt::format("jpeg:{}", options.jpegQuality);
     return layout;
 }
 
@@ -109,7 +142,10 @@ std::vector<unsigned char> encode(const Picture& picture, const Encoding& encodi
         file->open("picture", layout) && std::visit(writeSamples, picture.samples) && file->close();
     const std::string error = file->geterror();
     if (!isWritten) throw PictureError("its encoder failed: " + firstLine(error));
-    return bytes;
+    const Metadata* const source = picture.metadata.get();
+    if (encoding.format != FileFormat::Png || source == nullptr || source->format != FileFormat::Png)
+        return bytes;
+    return describedBy(source->pngChunks, source->isGrey == (picture.channels < 3), bytes);
 }
 
 }  // namespace pictures

@@ -14,9 +14,9 @@ public:
         OIIO::attribute("threads", 1);  // frames are decoded beside one another; a pool would only be started
     }
 
-    Picture decode(std::span<const unsigned char> bytes, FileFormat format,
-                   const std::string& channel) const override {
-        return pictures::decode(bytes, format, channel);
+    Picture decode(std::span<const unsigned char> bytes, FileFormat format, const std::string& channel,
+                   const ReadLimits& limits) const override {
+        return pictures::decode(bytes, format, channel, limits);
     }
 
     std::vector<unsigned char> encode(const Picture& picture, const Encoding& encoding) const override {

@@ -1,8 +1,10 @@
 #include "PictureEnd.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <string_view>
+#include <vector>
+
+#include "PngChunks.h"
 
 namespace pictures {
 namespace {
@@ -13,20 +15,6 @@ std::uint32_t numberAt(std::string_view bytes, std::size_t offset, std::size_t s
     for (const char byte : bytes.substr(offset, size))
         number = number << 8 | static_cast<unsigned char>(byte);
     return number;
-}
-
-// Chunk after chunk (length, name, data, check sum) up to the one that ends the file.
-bool hasPngEnd(std::string_view bytes) {
-    constexpr std::size_t kSignature = 8;
-    constexpr std::size_t kAroundData = 12;
-    std::string_view rest = bytes.substr(std::min(kSignature, bytes.size()));
-    while (rest.size() >= kAroundData) {
-        if (rest.substr(4, 4) == "IEND") return true;
-        const std::size_t length = numberAt(rest, 0, 4);
-        if (length > rest.size() - kAroundData) return false;
-        rest.remove_prefix(kAroundData + length);
-    }
-    return false;
 }
 
 // Segment after segment up to the first scan; the end marker follows it. Thumbnails, which end with the same
@@ -47,7 +35,10 @@ bool hasJpegEnd(std::string_view bytes) {
 
 bool reachesItsEnd(std::span<const unsigned char> bytes, FileFormat format) {
     const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-    if (format == FileFormat::Png) return hasPngEnd(text);
+    if (format == FileFormat::Png) {
+        const std::vector<PngChunk> chunks = pngChunks(bytes);
+        return !chunks.empty() && chunks.back().name == "IEND";
+    }
     if (format == FileFormat::Jpeg) return hasJpegEnd(text);
     return true;
 }

@@ -8,7 +8,8 @@
 
 namespace pictures {
 
-// Files of formats other than PNG and JPEG are taken to be whole.
+// Every chunk of a PNG must have its check sum too. Files of formats other than PNG and JPEG are taken to be
+// whole.
 bool reachesItsEnd(std::span<const unsigned char> bytes, FileFormat format);
 
 // Whether a PNG that reaches its end says that it is 0 pixels wide or high, which its decoder complains about

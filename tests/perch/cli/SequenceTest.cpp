@@ -13,7 +13,8 @@ namespace perch::test {
 namespace {
 
 const char kSequence[] =
-    "perch render --plugin {plugins}/Timeline.so -i shot.####.png -o out.####.png --compression 6";
+    "perch render --plugin {plugins}/Timeline.so -i shot.####.png -o out.####.png --compression 6 "
+    "--no-provenance";
 
 std::vector<std::string> outputsIn(const CommandLine& commandLine) {
     std::vector<std::string> outputs;

@@ -3,7 +3,8 @@
 #include <fmt/format.h>
 
 #include "CallGuard.h"
-#include "SuiteEntry.h"
+#include "Callbacks.h"
+#include "Suites.h"
 
 namespace perch {
 namespace {

@@ -4,8 +4,9 @@
 #include <algorithm>
 
 #include "CallGuard.h"
+#include "Callbacks.h"
 #include "PF_ValueSuites.h"
-#include "SuiteEntry.h"
+#include "Suites.h"
 
 namespace perch {
 namespace {

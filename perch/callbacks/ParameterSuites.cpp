@@ -5,8 +5,9 @@
 #include <string_view>
 
 #include "CallGuard.h"
+#include "Callbacks.h"
 #include "PF_Suites.h"
-#include "SuiteEntry.h"
+#include "Suites.h"
 
 namespace perch {
 namespace {

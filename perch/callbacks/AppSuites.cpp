@@ -3,9 +3,10 @@
 #include <cstring>
 
 #include "CallGuard.h"
+#include "Callbacks.h"
 #include "PF_AppSuite.h"
 #include "PF_ChannelSuite.h"
-#include "SuiteEntry.h"
+#include "Suites.h"
 
 namespace perch {
 namespace {

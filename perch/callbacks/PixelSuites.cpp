@@ -9,7 +9,7 @@
 #include "PF_Suites.h"
 #include "PixelAccess.h"
 #include "PixelMemory.h"
-#include "SuiteEntry.h"
+#include "Suites.h"
 
 namespace perch {
 namespace {

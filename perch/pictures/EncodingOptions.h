@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+
+namespace pictures {
+
+// Of PNG and TIFF files, which lose nothing at any level: from 0, none, to the most. The fast one takes much
+// less time than the encoders' own choice, 6, for files somewhat larger; docs/perch.md has the figures.
+constexpr int kFastCompression = 2;
+constexpr int kMostCompression = 9;
+
+// How a picture is written, whatever its format.
+struct EncodingOptions {
+    int compression = kFastCompression;  // of PNG and TIFF
+    std::string openExrCompression = "zip";
+    int jpegQuality = 0;     // 1 to 100; 0: the encoder's own
+    std::string software{};  // what the file says that it was made by; empty: nothing
+};
+
+}  // namespace pictures

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <cstdint>
+#include <limits>
+
+namespace pictures {
+
+// What a file may claim before any memory is asked for.
+struct ReadLimits {
+    std::int64_t pixels = std::int64_t{1} << 28;
+    std::int64_t bytes = std::numeric_limits<std::int64_t>::max();  // of samples as they are in memory
+};
+
+}  // namespace pictures

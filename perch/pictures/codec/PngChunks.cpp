@@ -1,0 +1,84 @@
+#include "PngChunks.h"
+
+#include <zlib.h>
+
+#include <algorithm>
+
+namespace pictures {
+namespace {
+
+constexpr std::size_t kSignature = 8;
+constexpr std::size_t kAroundData = 12;
+
+// The big-endian number of 4 bytes.
+std::uint32_t numberAt(std::string_view bytes, std::size_t offset) {
+    std::uint32_t number = 0;
+    for (const char byte : bytes.substr(offset, 4))
+        number = number << 8 | static_cast<unsigned char>(byte);
+    return number;
+}
+
+std::uint32_t checkSumOf(std::string_view bytes) {
+    return static_cast<std::uint32_t>(
+        crc32_z(0, reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size()));
+}
+
+bool isText(std::string_view name) {
+    return name == "tEXt" || name == "zTXt" || name == "iTXt";
+}
+
+bool isDescribing(const PngChunk& chunk) {
+    constexpr std::string_view kNames[] = {"gAMA", "cHRM", "sRGB", "iCCP", "cICP",
+                                           "mDCv", "cLLi", "pHYs", "eXIf"};
+    if (isText(chunk.name)) return !chunk.data.starts_with(std::string_view("Software\0", 9));
+    return std::ranges::find(kNames, chunk.name) != std::end(kNames);
+}
+
+std::string_view textOf(std::span<const unsigned char> bytes) {
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
+// Up to the end chunk, or to the first that is cut or has a wrong check sum.
+std::vector<PngChunk> chunksOf(std::string_view rest) {
+    std::vector<PngChunk> chunks;
+    while (rest.size() >= kAroundData) {
+        const std::size_t length = numberAt(rest, 0);
+        if (length > rest.size() - kAroundData) break;
+        const std::string_view whole = rest.substr(0, kAroundData + length);
+        if (checkSumOf(whole.substr(4, 4 + length)) != numberAt(whole, 8 + length)) break;
+        chunks.push_back({whole.substr(4, 4), whole.substr(8, length), whole});
+        if (chunks.back().name == "IEND") break;
+        rest.remove_prefix(whole.size());
+    }
+    return chunks;
+}
+
+}  // namespace
+
+std::vector<PngChunk> pngChunks(std::span<const unsigned char> bytes) {
+    return chunksOf(textOf(bytes).substr(std::min(kSignature, bytes.size())));
+}
+
+std::string describingChunks(std::span<const unsigned char> bytes) {
+    std::string result;
+    for (const PngChunk& chunk : pngChunks(bytes)) {
+        if (isDescribing(chunk)) result += chunk.whole;
+    }
+    return result;
+}
+
+std::vector<unsigned char> describedBy(const std::string& chunks, bool keepsProfile,
+                                       std::span<const unsigned char> bytes) {
+    std::string result(textOf(bytes).substr(0, kSignature));
+    for (const PngChunk& chunk : pngChunks(bytes)) {
+        if (isDescribing(chunk)) continue;
+        result += chunk.whole;
+        if (chunk.name != "IHDR") continue;
+        for (const PngChunk& describing : chunksOf(chunks)) {
+            if (keepsProfile || describing.name != "iCCP") result += describing.whole;
+        }
+    }
+    return {result.begin(), result.end()};
+}
+
+}  // namespace pictures

@@ -1,0 +1,205 @@
+// Files with flipped bits, cut ends and false sizes: each is an error or the right picture, in no more memory
+// than it may have.
+#include <gtest/gtest.h>
+#include <malloc.h>
+
+#include <algorithm>
+#include <array>
+#include <fstream>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "Codec.h"
+#include "FileBytes.h"
+#include "PictureError.h"
+#include "PictureFiles.h"
+#include "TemporaryFolder.h"
+#include "ToolRun.h"
+
+namespace pictures {
+namespace {
+
+using perch::test::runTool;
+using perch::test::TemporaryFolder;
+
+// What the file's own check sums cover.
+enum class Covered { All, Pixels, Nothing };
+
+struct Format {
+    const char* name;
+    FileFormat format;
+    Covered covered;
+};
+
+constexpr Format kFormats[] = {
+    {"8.png", FileFormat::Png, Covered::All},           {"16.png", FileFormat::Png, Covered::All},
+    {"zip.tif", FileFormat::Tiff, Covered::Pixels},     {"tiles.tif", FileFormat::Tiff, Covered::Pixels},
+    {"lzw.tif", FileFormat::Tiff, Covered::Nothing},    {"zip.exr", FileFormat::OpenExr, Covered::Pixels},
+    {"piz.exr", FileFormat::OpenExr, Covered::Nothing}, {"a.dpx", FileFormat::Dpx, Covered::Nothing},
+    {"a.tga", FileFormat::Targa, Covered::Nothing},     {"a.jpg", FileFormat::Jpeg, Covered::Nothing},
+    {"a.webp", FileFormat::WebP, Covered::Nothing},
+};
+
+constexpr std::int64_t kMostPixels = 1 << 21;
+constexpr std::int64_t kSlack = 1 << 20;  // bytes, of the decoders themselves
+
+// The command that makes a file of each format from oiiotool's picture.
+constexpr char kLarge[] = "large-";
+std::string makeAll(const std::string& prefix, const std::string& picture) {
+    const auto write = [&](const std::string& options, std::initializer_list<const char*> names) {
+        std::string words = " " + options;
+        for (const char* const name : names)
+            words += " -o " + prefix + name;
+        return words;
+    };
+    return "oiiotool " + picture + write("-d uint8", {"8.png", "a.dpx", "a.jpg", "a.webp", "a.tga"}) +
+           write("--compression lzw", {"lzw.tif"}) +
+           write("--compression zip -d uint16", {"16.png", "zip.tif"}) + write("-d half", {"zip.exr"}) +
+           write("--compression piz", {"piz.exr"}) +
+           write("--compression zip --tile 16 16 -d uint8", {"tiles.tif"});
+}
+
+class DamageTest : public testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        folder = std::make_unique<TemporaryFolder>();
+        runTool(folder->path,
+                makeAll("", "--create 64x48 3 --noise:type=uniform:min=0:max=1:seed=7 --blur 5x5"));
+    }
+    static void TearDownTestSuite() { folder.reset(); }
+
+    static Picture decodeWithin(const FileBytes& bytes, FileFormat format) {
+        return codec().decode(bytes, format, "", {.pixels = kMostPixels});
+    }
+
+    // Whether the picture was refused.
+    static bool isRefused(const FileBytes& bytes, FileFormat format, Picture* picture = nullptr) {
+        try {
+            Picture read = decodeWithin(bytes, format);
+            EXPECT_LE(std::int64_t{read.width} * read.height, kMostPixels);
+            if (picture != nullptr) *picture = std::move(read);
+            return false;
+        } catch (const PictureError& error) {
+            EXPECT_STRNE(error.what(), "");
+            return true;
+        }
+    }
+
+    static std::unique_ptr<TemporaryFolder> folder;
+};
+
+std::unique_ptr<TemporaryFolder> DamageTest::folder;
+
+TEST_F(DamageTest, FlippedBitsAreFoundWhereTheFileHasCheckSums) {
+    constexpr int kFlips = 40;
+    std::mt19937 random(1);
+    for (const Format& format : kFormats) {
+        const FileBytes whole = readFile(*folder / format.name);
+        const Picture right = decodeWithin(whole, format.format);
+        int refused = 0;
+        for (int flip = 0; flip < kFlips; ++flip) {
+            FileBytes bytes = whole;
+            // The pixels are most of the file; its directory is at the beginning or the end.
+            const std::size_t margin = format.covered == Covered::Pixels ? bytes.size() / 4 : 0;
+            const std::size_t place = margin + random() % (bytes.size() - 2 * margin);
+            bytes[place] = static_cast<unsigned char>(bytes[place] ^ (1U << random() % 8));
+            Picture picture;
+            const bool isFound = isRefused(bytes, format.format, &picture);
+            refused += isFound ? 1 : 0;
+            if (!isFound && format.covered != Covered::Nothing) {
+                EXPECT_EQ(picture.samples, right.samples) << format.name << ", byte " << place;
+            }
+        }
+        std::printf("%-10s %2d of %d flips refused\n", format.name, refused, kFlips);
+    }
+}
+
+TEST_F(DamageTest, CutFilesAreRefusedUnlessTheyHaveThePictureStill) {
+    for (const Format& format : kFormats) {
+        const FileBytes whole = readFile(*folder / format.name);
+        const Picture right = decodeWithin(whole, format.format);
+        for (std::size_t part = 0; part < 20; ++part) {
+            const auto end = whole.begin() + static_cast<std::ptrdiff_t>(whole.size() * part / 20);
+            Picture picture;
+            if (!isRefused(FileBytes(whole.begin(), end), format.format, &picture)) {
+                EXPECT_EQ(picture.samples, right.samples) << format.name << ", " << part << " twentieths";
+            }
+        }
+    }
+}
+
+TEST_F(DamageTest, ClaimedSizesAreNotBelieved) {
+    // Width, height and check sum of a PNG whose few bytes cannot hold as much, and the size of a TGA.
+    FileBytes png = readFile(*folder / "8.png");
+    const std::array<unsigned char, 17> claim{0x00, 0x00, 0x30, 0x39, 0x00, 0x00, 0x30, 0x39, 8,
+                                              2,    0,    0,    0,    0x83, 0x73, 0xFA, 0x9C};
+    std::ranges::copy(claim, png.begin() + 16);
+    EXPECT_THROW(codec().decode(png, FileFormat::Png, "", {}), PictureError);
+    FileBytes tga = readFile(*folder / "a.tga");
+    tga[12] = tga[14] = 0x30;
+    tga[13] = tga[15] = 0x75;
+    try {
+        codec().decode(tga, FileFormat::Targa, "", {});
+        ADD_FAILURE() << "nothing was thrown";
+    } catch (const PictureError& error) {
+        EXPECT_STREQ(
+            error.what(),
+            "it has 30000 x 30000 pixels, 900000000 in all, and --max-pixels allows 268435456; make it "
+            "smaller, or allow more");
+    }
+    EXPECT_FALSE(isRefused(readFile(*folder / "8.png"), FileFormat::Png));
+    EXPECT_THROW(codec().decode(readFile(*folder / "8.png"), FileFormat::Png, "", {.bytes = 9000}),
+                 PictureError);
+}
+
+// What the process holds, in bytes: a field of the system's file about it.
+std::int64_t heldMemory(const std::string& field) {
+    std::ifstream status("/proc/self/status");
+    std::int64_t kilobytes = 0;
+    for (std::string word; status >> word;)
+        if (word == field + ":") status >> kilobytes;
+    return kilobytes << 10;
+}
+
+// How much more memory `body` has at its peak than before.
+template <typename F>
+std::int64_t memoryTakenBy(const F& body) {
+    malloc_trim(0);
+    std::ofstream("/proc/self/clear_refs") << 5;  // the peak begins anew
+    const std::int64_t before = heldMemory("VmRSS");
+    body();
+    return heldMemory("VmHWM") - before;
+}
+
+// Some decoders hold the whole picture themselves.
+bool isHeldTwice(FileFormat format) {
+    return format == FileFormat::Targa || format == FileFormat::WebP;
+}
+
+TEST_F(DamageTest, ReadingTakesLittleMoreMemoryThanThePicture) {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "what is freed stays held here";
+#endif
+    runTool(folder->path, makeAll(kLarge, "--create 1500x1000 3 --fill:color=1,0.5,0.25 900x700+9+9"));
+    for (const Format& format : kFormats) {
+        const FileBytes whole = readFile(*folder / (kLarge + std::string(format.name)));
+        const Picture small = decodeWithin(readFile(*folder / format.name), format.format);
+        const std::int64_t sampleBytes = isFloat(small.type())                ? 4
+                                         : small.type() == SampleType::Bits16 ? 2
+                                                                              : 1;
+        const std::int64_t allowed = sampleBytes * 3 * 1500 * 1000;
+        for (const std::size_t part : {4U, 3U}) {
+            const auto end = whole.begin() + static_cast<std::ptrdiff_t>(whole.size() * part / 4);
+            const FileBytes bytes(whole.begin(), end);
+            const std::int64_t taken = memoryTakenBy([&] { isRefused(bytes, format.format); });
+            std::printf("%-10s %d quarters: %.2f times its pixels\n", format.name, static_cast<int>(part),
+                        static_cast<double>(taken) / static_cast<double>(allowed));
+            EXPECT_LE(taken, allowed * (isHeldTwice(format.format) ? 4 : 3) / 2 + kSlack) << format.name;
+        }
+    }
+}
+
+}  // namespace
+}  // namespace pictures

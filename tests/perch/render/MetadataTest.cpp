@@ -1,0 +1,151 @@
+// What a file says of its picture, format by format.
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "FileWorlds.h"
+#include "PictureFiles.h"
+#include "TemporaryFolder.h"
+#include "ToolRun.h"
+
+namespace perch {
+namespace {
+
+using test::bytesOf;
+using test::runTool;
+using test::TemporaryFolder;
+
+// What exiftool reads of a file. A line has a column for each, "-" for what the file does not say.
+constexpr char kTags[] =
+    "-ProfileCopyright -Gamma -WhitePointX -RedX -SRGBRendering -PixelsPerUnitX -XResolution "
+    "-Orientation -Artist -Description -ImageDescription -ModifyDate -Compression";
+
+// Files that other programs have written, and how many of the tags they have.
+struct Described {
+    std::string file;
+    int tags;
+};
+
+const Described kDescribed[] = {
+    {"8.png", 9}, {"16.png", 7}, {"grey.png", 7}, {"8.tif", 7}, {"16.tif", 5}, {"a.jpg", 5},
+};
+
+constexpr const char* kExrAttributes[] = {
+    "PixelAspectRatio: 2",          "FramesPerSecond: 24/1",
+    "Copyright: \"Ada\"",           "ImageDescription: \"Gradient\"",
+    "full/display origin: 100, 50", "my.attribute: 7",
+    "smpte:TimeCode: 01:02:03:04",  "oiio:ColorSpace",
+};
+
+class MetadataTest : public testing::Test {
+protected:
+    // As a job does that changes nothing.
+    void copy(const std::string& from, const std::string& to) const {
+        const SharedPicture picture = readPictureFile(folder / from);
+        const FileWorld world = worldOf(picture, Depth::Bits16, pictures::Transfer::Linear);
+        writeWorld(folder / to, world.pixels, world,
+                   {.type = picture->type(), .encoding = {.software = "perch"}});
+    }
+
+    std::string listOf(const std::string& name, const std::string& command) const {
+        runTool(folder.path, command + " " + name);
+        return bytesOf(folder / "tool.log");
+    }
+
+    TemporaryFolder folder;
+};
+
+// A header, and a text for its one tag, at 144.
+std::string smallProfile() {
+    std::string profile(160, '\0');
+    profile[3] = static_cast<char>(profile.size());
+    profile[8] = 2;  // version
+    profile.replace(12, 12, "mntrRGB XYZ ");
+    profile.replace(36, 4, "acsp");
+    profile.replace(128, 16, std::string("\0\0\0\1cprt\0\0\0\x90\0\0\0\x10", 16));
+    profile.replace(144, 4, "text");
+    profile.replace(152, 4, "free");
+    return profile;
+}
+
+std::vector<std::string> linesOf(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+int tagsIn(const std::string& line) {
+    std::istringstream stream(line);
+    int tags = 0;
+    for (std::string tag; std::getline(stream, tag, '\t');)
+        tags += tag == "-" ? 0 : 1;
+    return tags;
+}
+
+TEST_F(MetadataTest, WhatDescribesThePictureSurvivesFormatByFormat) {
+    test::writeBytes(folder / "p.icc", smallProfile());
+    runTool(folder.path,
+            "convert -size 9x7 gradient:red-blue -depth 8 a8.png && "
+            "convert a8.png -density 72 -units PixelsPerCentimeter -set Artist Ada -set Description Gradient "
+            "8.png && convert -size 9x7 gradient:red-blue -depth 16 -density 72 -units PixelsPerCentimeter "
+            "-set Artist Ada 16.png && convert -size 9x7 gradient: -depth 8 -density 72 "
+            "-units PixelsPerCentimeter -set Artist Ada grey.png && "
+            "convert a8.png -density 72 -units PixelsPerCentimeter -compress LZW 8.tif && "
+            "convert -size 9x7 gradient:red-blue -depth 16 -density 72 -compress LZW 16.tif && "
+            "convert a8.png -density 72 -units PixelsPerInch a.jpg && "
+            "exiftool -q -overwrite_original -Artist=Ada -ImageDescription=Gradient 16.tif && "
+            "exiftool -q -overwrite_original -Artist=Ada -ImageDescription=Gradient -Orientation#=6 "
+            "\"-ICC_Profile<=p.icc\" 8.tif a.jpg && "
+            "exiftool -q -overwrite_original \"-ICC_Profile<=p.icc\" 8.png && "
+            "exiftool -q -overwrite_original \"-ModifyDate=2001:02:03 04:05:06\" 8.tif");
+    std::string files;
+    for (const Described& described : kDescribed) {
+        copy(described.file, "out-" + described.file);
+        files += " " + described.file + " out-" + described.file;
+    }
+    const std::vector<std::string> lines =
+        linesOf(listOf(files, "exiftool -q -T -f " + std::string(kTags) + " -Software"));
+    ASSERT_EQ(lines.size(), 2 * std::size(kDescribed));
+    for (std::size_t i = 0; i < std::size(kDescribed); ++i) {
+        const auto withoutSoftware = [](const std::string& line) { return line.substr(0, line.rfind('\t')); };
+        const std::string before = withoutSoftware(lines[2 * i]);
+        const std::string& after = lines[2 * i + 1];
+        EXPECT_EQ(withoutSoftware(after), before) << kDescribed[i].file;
+        EXPECT_EQ(tagsIn(before), kDescribed[i].tags) << before;
+        EXPECT_TRUE(after.ends_with("\tperch")) << after;
+    }
+}
+
+TEST_F(MetadataTest, AttributesAndWindowsOfOpenExrSurvive) {
+    runTool(
+        folder.path,
+        "oiiotool --create 4x3 4 --fill:color=1,0.5,0.25,1 4x3+0+0 --origin +102+51 --fullsize 8x6+100+50 "
+        "--attrib PixelAspectRatio 2.0 --attrib:type=rational FramesPerSecond 24/1 --attrib owner Ada "
+        "--attrib comments Gradient --attrib:type=int my.attribute 7 --attrib:type=timecode smpte:TimeCode "
+        "01:02:03:04 "
+        "-d half --compression piz -o a.exr");
+    copy("a.exr", "out.exr");
+    const std::string after = listOf("out.exr", "oiiotool --info -v");
+    for (const char* const attribute : kExrAttributes)
+        EXPECT_NE(after.find(attribute), std::string::npos) << attribute << " is not in " << after;
+    EXPECT_NE(after.find("compression: \"zip\""), std::string::npos) << after;
+}
+
+// Chunks that no library here reads pass as they are.
+TEST_F(MetadataTest, ChunksOfPngFilesArePassedOnByTheirBytes) {
+    runTool(folder.path, "convert -size 9x7 gradient:red-blue -depth 8 a.png");
+    std::string png = bytesOf(folder / "a.png");
+    // cICP: BT.2020, perceptual quantizer, full range.
+    const std::string chunk("\0\0\0\4cICP\x09\x10\0\1\x4D\x23\x23\xFE", 16);
+    png.insert(33, chunk);
+    test::writeBytes(folder / "b.png", png);
+    copy("b.png", "out.png");
+    EXPECT_EQ(bytesOf(folder / "out.png").find(chunk), 33U);
+}
+
+}  // namespace
+}  // namespace perch
