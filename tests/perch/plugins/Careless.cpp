@@ -1,6 +1,7 @@
 // An effect that breaks the host's rules at every render: it leaves a handle and a world, checks its layer
-// out and not in, writes into the gap behind a row, and reports progress from a worker.
+// out and not in, writes into the gap behind a row, and asks for memory on a thread of its own.
 #include <cstring>
+#include <thread>
 
 #include "HostInterface.h"
 
@@ -14,13 +15,6 @@ PF_Err declareParameters(PF_InData& in, PF_OutData& out) {
     return in.inter.add_param(in.effect_ref, -1, &layer);
 }
 
-PF_Err reportFromWorker(void* refcon, A_long thread, A_long, A_long) {
-    const PF_InData& in = *static_cast<const PF_InData*>(refcon);
-    return thread == 0                               ? PF_Err_NONE
-           : in.utils->host_new_handle(4) == nullptr ? PF_Err_OUT_OF_MEMORY
-                                                     : PF_Err_NONE;
-}
-
 PF_Err renderCarelessly(PF_InData& in, const PF_LayerDef& output) {
     static_cast<void>(in.utils->host_new_handle(16));
     PF_EffectWorld world{};
@@ -28,7 +22,9 @@ PF_Err renderCarelessly(PF_InData& in, const PF_LayerDef& output) {
     PF_ParamDef layer{};
     in.inter.checkout_param(in.effect_ref, 1, in.current_time, in.time_step, in.time_scale, &layer);
     if (output.rowbytes > output.width * 4) output.data[output.width].red ^= 0xFFU;
-    return in.utils->iterate_generic(64, &in, reportFromWorker);
+    void* handle = nullptr;
+    std::thread([&] { handle = in.utils->host_new_handle(4); }).join();
+    return handle == nullptr ? PF_Err_OUT_OF_MEMORY : PF_Err_NONE;
 }
 
 }  // namespace
