@@ -40,10 +40,6 @@ PF_UtilCallbacks makeTable() {
 
 }  // namespace
 
-CallbackTables callbackTables() {
-    return {.interaction = interactionCallbacks(), .utilities = utilityCallbacks(), .suites = basicSuite()};
-}
-
 PF_UtilCallbacks* utilityCallbacks() {
     static PF_UtilCallbacks table = makeTable();
     return &table;

@@ -1,23 +1,14 @@
-// The tables that an effect is given. They are the same for every command.
+// The tables that an effect is given, except the suites. They are the same for every command.
 #pragma once
 
-#include <set>
-#include <string>
-
-#include "CallbackTables.h"
 #include "PF_Entry.h"
 #include "PF_FloatSuites.h"
 #include "PF_SmartRender.h"
-#include "SP_Basic.h"
 
 namespace perch {
 
-CallbackTables callbackTables();
-
-// Its parts.
 const PF_InteractCallbacks& interactionCallbacks();
 PF_UtilCallbacks* utilityCallbacks();
-SPBasicSuite* basicSuite();
 
 // Each family fills its part of the table.
 void fillHandleCallbacks(PF_UtilCallbacks& table);
@@ -40,10 +31,5 @@ PF_Err copyFiltered(PF_ProgPtr effectRef, PF_EffectWorld* src, PF_EffectWorld* d
 // What comes with the two commands of smart rendering.
 PF_PreRenderCallbacks* preRenderCallbacks();
 PF_SmartRenderCallbacks* smartRenderCallbacks();
-
-// The table of a suite; null when the host has none of that name and version.
-const void* findSuite(const char* name, A_long version);
-// Of all suites that the host has, each once.
-std::set<std::string> suiteNames();
 
 }  // namespace perch

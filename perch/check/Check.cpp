@@ -7,13 +7,13 @@
 #include <map>
 #include <utility>
 
-#include "Callbacks.h"
 #include "Declined.h"
 #include "Frame.h"
 #include "PF_Values.h"
 #include "ParameterSetting.h"
 #include "PixelAccess.h"
 #include "Sequence.h"
+#include "Suites.h"
 #include "Trial.h"
 
 namespace perch {

@@ -7,6 +7,7 @@
 #include "Error.h"
 #include "Host.h"
 #include "PF_Values.h"
+#include "Suites.h"
 #include "Whereabouts.h"
 
 namespace perch {
@@ -26,6 +27,10 @@ EffectDescription describeBundle(const Bundle& bundle, const std::string& symbol
     description.propertyListFlags = list.flags;
     description.propertyListFlags2 = list.flags2;
     return description;
+}
+
+CallbackTables callbackTables() {
+    return {.interaction = interactionCallbacks(), .utilities = utilityCallbacks(), .suites = basicSuite()};
 }
 
 std::unique_ptr<Host> loadHost(const std::filesystem::path& plugin, HostOptions options) {

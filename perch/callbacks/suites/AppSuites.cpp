@@ -3,10 +3,9 @@
 #include <cstring>
 
 #include "CallGuard.h"
-#include "Callbacks.h"
 #include "PF_AppSuite.h"
 #include "PF_ChannelSuite.h"
-#include "Suites.h"
+#include "SuiteEntry.h"
 
 namespace perch {
 namespace {

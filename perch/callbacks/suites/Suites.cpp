@@ -1,7 +1,4 @@
-// The basic suite: hands out the tables by name and version.
 #include "Suites.h"
-
-#include <fmt/format.h>
 
 #include <algorithm>
 #include <array>
@@ -9,12 +6,24 @@
 #include <span>
 
 #include "CallGuard.h"
-#include "Callbacks.h"
+#include "SuiteEntry.h"
 
 namespace perch {
 namespace {
 
 constexpr SPErr kNoSuchSuite = PF_Err_INVALID_CALLBACK;
+
+std::array<std::span<const SuiteEntry>, 5> families() {
+    return {pixelSuites(), parameterSuites(), valueSuites(), appSuites(), projectSuites()};
+}
+
+// Null when the host has none of that name and version.
+const void* findSuite(const char* name, A_long version) {
+    for (const std::span<const SuiteEntry> family : families())
+        for (const SuiteEntry& entry : family)
+            if (entry.version == version && std::strcmp(entry.name, name) == 0) return entry.table;
+    return nullptr;
+}
 
 bool isWithheld(const HostOptions& options, const char* name, A_long version) {
     return std::any_of(options.withheldSuites.begin(), options.withheldSuites.end(),
@@ -64,10 +73,6 @@ SPErr reallocateBlock(void* block, size_t size, void** moved) {
     });
 }
 
-std::array<std::span<const SuiteEntry>, 5> families() {
-    return {pixelSuites(), parameterSuites(), valueSuites(), appSuites(), projectSuites()};
-}
-
 SPErr undefined() {
     return refuse("Undefined");
 }
@@ -82,13 +87,6 @@ SPBasicSuite* basicSuite() {
     static SPBasicSuite suite{acquireSuite, releaseSuite,    isEqual,  allocateBlock,
                               freeBlock,    reallocateBlock, undefined};
     return &suite;
-}
-
-const void* findSuite(const char* name, A_long version) {
-    for (const std::span<const SuiteEntry> family : families())
-        for (const SuiteEntry& entry : family)
-            if (entry.version == version && std::strcmp(entry.name, name) == 0) return entry.table;
-    return nullptr;
 }
 
 std::set<std::string> suiteNames() {

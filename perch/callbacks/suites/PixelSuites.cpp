@@ -9,7 +9,7 @@
 #include "PF_Suites.h"
 #include "PixelAccess.h"
 #include "PixelMemory.h"
-#include "Suites.h"
+#include "SuiteEntry.h"
 
 namespace perch {
 namespace {

@@ -4,9 +4,8 @@
 #include <algorithm>
 
 #include "CallGuard.h"
-#include "Callbacks.h"
 #include "PF_ValueSuites.h"
-#include "Suites.h"
+#include "SuiteEntry.h"
 
 namespace perch {
 namespace {

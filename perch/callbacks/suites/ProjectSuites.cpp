@@ -3,8 +3,7 @@
 #include <fmt/format.h>
 
 #include "CallGuard.h"
-#include "Callbacks.h"
-#include "Suites.h"
+#include "SuiteEntry.h"
 
 namespace perch {
 namespace {

@@ -5,9 +5,8 @@
 #include <string_view>
 
 #include "CallGuard.h"
-#include "Callbacks.h"
 #include "PF_Suites.h"
-#include "Suites.h"
+#include "SuiteEntry.h"
 
 namespace perch {
 namespace {
