@@ -9,6 +9,7 @@
 #include "Console.h"
 #include "CurveText.h"
 #include "Error.h"
+#include "FrameNumber.h"
 #include "ParameterText.h"
 #include "PictureFile.h"
 #include "Preset.h"
@@ -46,7 +47,7 @@ void takeParameter(const ParameterOption& option, const std::string& text, Param
         arguments.emptyLayers.insert(option.parameter.index);
     } else {
         const pictures::ChannelOfFile named = pictures::parseChannelOfFile(text);
-        arguments.layers[option.parameter.index] = named.path;
+        arguments.layers[option.parameter.index].name = named.path;
         arguments.readings[option.parameter.index].channel = named.channel;
     }
 }
@@ -69,12 +70,35 @@ void takeRange(const ParameterOption& layer, const std::string& text, ParameterA
     }
 }
 
+void addOffsetOption(CLI::App& app, const ParameterOption& option, std::string& text) {
+    app.add_option("--" + option.offsetName, text,
+                   "the layer's picture for a frame is the one numbered so many higher (default 0)")
+        ->group("Parameters of the effect")
+        ->type_name("N");
+}
+
+void takeOffset(const ParameterOption& option, std::string_view text, ParameterArguments& arguments) {
+    std::string_view rest = text;
+    const std::optional<std::int32_t> offset = takeFrameNumber(rest);
+    if (!offset || !rest.empty()) {
+        throw UsageError(fmt::format("--{} takes a whole number from {} to {}, like -1001, not \"{}\"",
+                                     option.offsetName, kFirstFrame, kLastFrame, text));
+    }
+    const auto layer = arguments.layers.find(option.parameter.index);
+    if (layer == arguments.layers.end()) {
+        throw UsageError(
+            fmt::format("--{} needs a layer; name its pictures by --{}", option.offsetName, option.name));
+    }
+    layer->second.offset = *offset;
+}
+
 }  // namespace
 
 void addParameterOptions(CLI::App& app, const std::vector<ParameterOption>& options, ParameterTexts& texts) {
     for (const ParameterOption& option : options) {
         addParameterOption(app, option, texts[option.name]);
         if (isLayer(option.parameter)) addRangeOption(app, option, texts[option.rangeName]);
+        if (!option.offsetName.empty()) addOffsetOption(app, option, texts[option.offsetName]);
     }
     app.footer(
         "A parameter takes one value, or keys over time with commas between them: FRAME:VALUE, and :hold,\n"
@@ -94,6 +118,8 @@ ParameterArguments takeParameterArguments(const CLI::App& app, const std::vector
                                         isPicture ? std::filesystem::path(text).filename().string() : text);
         }
         if (isLayer(option.parameter)) takeRange(option, texts.at(option.rangeName), result);
+        if (!option.offsetName.empty() && app.count("--" + option.offsetName) > 0)
+            takeOffset(option, texts.at(option.offsetName), result);
     }
     if (preset.empty()) return result;
     for (ParameterCurve& curve : readPreset(preset, options)) {

@@ -63,12 +63,14 @@ std::vector<ParameterOption> parameterOptions(const std::vector<Parameter>& para
         if (std::ranges::find(reserved, name) != reserved.end()) name = "effect-" + name;
         name = uniqueName(name, taken);
         taken.insert(name);
-        options.push_back({name, parameter, ""});
+        options.push_back({name, parameter, "", ""});
     }
     for (ParameterOption& option : options) {
         if (!isLayer(option.parameter)) continue;
         option.rangeName = uniqueName(rangeName(option.name), taken);
         taken.insert(option.rangeName);
+        option.offsetName = uniqueName(option.name + "-offset", taken);
+        taken.insert(option.offsetName);
     }
     return options;
 }

@@ -14,7 +14,8 @@ namespace perch {
 struct ParameterOption {
     std::string name;  // "focal-point": without dashes in front
     Parameter parameter;
-    std::string rangeName;  // of layers: "control-range" beside "control-layer", for what near and far are
+    std::string rangeName;   // of layers: "control-range" beside "control-layer", for what near and far are
+    std::string offsetName;  // of layers: "control-layer-offset"
 };
 
 // "Focal Point" becomes "focal-point": lower case, and one dash for each run of anything but letters and
@@ -23,8 +24,8 @@ std::string optionName(std::string_view parameterName);
 
 // The options of the parameters that can be given a value, in their order. A name among `reserved` gets the
 // prefix "effect-"; of several parameters of one name the later get "-2", "-3"; a parameter whose name
-// gives none is called "parameter-" and its index. Names of ranges are chosen last and give way to all
-// others.
+// gives none is called "parameter-" and its index. Names of ranges and offsets are chosen last and give way
+// to all others.
 std::vector<ParameterOption> parameterOptions(const std::vector<Parameter>& parameters,
                                               std::span<const std::string> reserved);
 

@@ -213,6 +213,8 @@ int runRenderCommand(const std::vector<std::string>& arguments) {
     const ParameterArguments parameters = parseParameterArguments(arguments, effect.description().parameters);
     FramePlan plan = planFrames(options.names, parameters.layers);
     plan.emptyLayers = parameters.emptyLayers;
+    for (const std::string& note : plan.notes)
+        say(note);
     RenderSettings settings = options.settings;
     settings.layers = parameters.readings;
     if (options.hasProvenance) {

@@ -11,9 +11,9 @@
 
 #include "CommandLine.h"
 #include "Error.h"
-#include "FrameList.h"
 #include "NearestName.h"
 #include "PF_Values.h"
+#include "SequenceOptions.h"
 
 namespace perch {
 namespace {
@@ -40,10 +40,9 @@ struct Texts {
     std::string mostPixels;
     std::string mostMemory;
     bool hasNoProvenance = false;
-    std::string frames;
+    SequenceTexts sequence;
     std::string frameLimit = "0";
     std::string preset;
-    bool noPattern = false;
 };
 
 // "1/2". The numbers are read as unsigned ones, which takes digits alone: no sign and no space.
@@ -172,12 +171,7 @@ void addOwnOptions(CLI::App& app, Texts& texts) {
            "the picture to be written; the name gives the format, and has a place for the frame number "
            "where the input's has one")
         ->type_name("PICTURE");
-    app.add_option(
-           "--frames", texts.frames,
-           "the frames of the sequence in the order to render them, like 1-24, 1-24x2, 9-1 or 1,3,5-9 "
-           "(default: all that exist)")
-        ->type_name("LIST");
-    app.add_flag("--no-pattern", texts.noPattern, "take names with # and the like as those of single files");
+    addSequenceOptions(app, texts.sequence);
     app.add_option("--preset", texts.preset,
                    "values and keys from a file, which perch preset writes; options replace them")
         ->type_name("FILE");
@@ -280,8 +274,7 @@ RenderOptions parseRenderOptions(const std::vector<std::string>& arguments) {
     options.load.application = parseApplication(texts.application);
     options.names.input = texts.input;
     options.names.output = texts.output;
-    if (app.count("--frames") > 0) options.names.frames = parseFrameList(texts.frames);
-    options.names.areFiles = texts.noPattern;
+    takeSequenceOptions(app, texts.sequence, options.names);
     options.settings.quality = parseQuality(texts.quality);
     options.settings.smart = parseSmart(texts.smart);
     options.settings.downsample = parseDownsample(texts.downsample);

@@ -112,4 +112,9 @@ std::string frameListText(std::span<const std::int32_t> frames) {
     return text;
 }
 
+std::string countedFrames(std::span<const std::int32_t> frames) {
+    return fmt::format("{} {}, {}", frames.size(), frames.size() == 1 ? "frame" : "frames",
+                       frameListText(frames));
+}
+
 }  // namespace perch

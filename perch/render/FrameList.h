@@ -21,4 +21,7 @@ std::vector<std::int32_t> parseFrameList(const std::string& text);
 // A short text of such frames, which may be none.
 std::string frameListText(std::span<const std::int32_t> frames);
 
+// "1 frame, 4" or "3 frames, 4,7-8".
+std::string countedFrames(std::span<const std::int32_t> frames);
+
 }  // namespace perch

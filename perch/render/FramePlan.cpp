@@ -3,12 +3,15 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <numeric>
 #include <set>
 #include <system_error>
 
 #include "Error.h"
 #include "FileIdentity.h"
+#include "FrameList.h"
 #include "FramePattern.h"
+#include "LayerSequence.h"
 
 namespace perch {
 namespace {
@@ -19,22 +22,17 @@ namespace fs = std::filesystem;
 struct Patterns {
     FramePattern input;
     FramePattern output;
-    std::map<PF_ParamIndex, FramePattern> layers;
+    std::map<PF_ParamIndex, LayerSequence> layers;
 };
 
-void requireFile(const fs::path& path, std::int32_t frame) {
-    std::error_code ignored;
-    if (fs::exists(path, ignored)) return;
-    throw Error(fmt::format("frame {} is missing: there is no file \"{}\"; check --frames and the name",
-                            frame, path.string()));
-}
-
-FrameFiles filesOf(const Patterns& patterns, std::int32_t frame) {
+FrameFiles filesOf(Patterns& patterns, std::int32_t frame) {
     FrameFiles files{frame, patterns.input.pathOf(frame), patterns.output.pathOf(frame), {}};
-    requireFile(files.input, frame);
-    for (const auto& [index, pattern] : patterns.layers) {
-        const fs::path& layer = files.layers[index] = pattern.pathOf(frame);
-        requireFile(layer, frame);
+    for (auto& [index, layer] : patterns.layers) {
+        if (const std::optional<fs::path> file = layer.fileFor(frame)) {
+            files.layers[index] = *file;
+        } else {
+            files.missingLayers.insert(index);
+        }
     }
     return files;
 }
@@ -51,12 +49,41 @@ Error noFileLike(const std::string& name) {
                                           : "; check the name and the folder"));
 }
 
-std::vector<FrameFiles> framesOf(const Patterns& patterns, const PictureNames& names) {
-    std::vector<FrameFiles> frames;
-    for (const std::int32_t frame : names.frames ? *names.frames : patterns.input.framesOnDisk())
-        frames.push_back(filesOf(patterns, frame));
-    if (frames.empty()) throw noFileLike(names.input);
+// The frames that the input's files would have without gaps. Where only every second frame or the like was
+// ever made, the others are not gaps: the step is the greatest that meets all files.
+std::vector<std::int32_t> framesAround(const std::vector<std::int32_t>& onDisk, const std::string& name) {
+    if (onDisk.empty()) throw noFileLike(name);
+    std::int32_t step = 0;
+    for (std::size_t i = 1; i < onDisk.size(); ++i)
+        step = std::gcd(step, onDisk[i] - onDisk[i - 1]);
+    if (step == 0) return onDisk;
+    const std::size_t count = static_cast<std::size_t>((onDisk.back() - onDisk.front()) / step) + 1;
+    if (count > kMostFrames) {
+        throw Error(
+            fmt::format("the files named like \"{}\" extend from frame {} to {}, with more than {} "
+                        "frames; choose some by --frames",
+                        name, onDisk.front(), onDisk.back(), kMostFrames));
+    }
+    std::vector<std::int32_t> frames(count);
+    for (std::size_t i = 0; i < count; ++i)
+        frames[i] = onDisk.front() + static_cast<std::int32_t>(i) * step;
     return frames;
+}
+
+std::vector<std::int32_t> wantedFrames(const PictureNames& names, const FramePattern& input) {
+    return names.frames ? *names.frames : framesAround(input.framesOnDisk(), names.input);
+}
+
+// Whether there is a file for the frame. Throws where there must be one.
+bool hasFile(const FramePattern& input, std::int32_t frame, MissingFrame missing) {
+    const fs::path file = input.pathOf(frame);
+    std::error_code ignored;
+    if (fs::exists(file, ignored)) return true;
+    if (missing == MissingFrame::Skip) return false;
+    throw Error(
+        fmt::format("frame {} is missing: there is no file \"{}\"; check the name and --frames, or leave "
+                    "it out by --missing-frame skip",
+                    frame, file.string()));
 }
 
 FramePattern outputPattern(const PictureNames& names, const FramePattern& input) {
@@ -76,19 +103,59 @@ FramePattern outputPattern(const PictureNames& names, const FramePattern& input)
     return *output;
 }
 
-FramePlan planSequence(const PictureNames& names, const LayerNames& layers, const FramePattern& input) {
+void requireNoOffset(const LayerName& layer) {
+    if (layer.offset == 0) return;
+    throw UsageError(fmt::format(
+        "an offset is for a layer with a file per frame, and \"{}\" is one for all; leave the offset out, or "
+        "give the layer a name like depth.####.png",
+        layer.name));
+}
+
+FramePlan planSequence(const PictureNames& names, const LayerNames& layers, Patterns patterns,
+                       const std::vector<std::int32_t>& wanted) {
     FramePlan plan{.isSequence = true, .frames = {}, .stillLayers = {}};
-    Patterns patterns{input, outputPattern(names, input), {}};
-    for (const auto& [index, name] : layers) {
-        if (const std::optional<FramePattern> layer = FramePattern::parse(name)) {
-            patterns.layers.emplace(index, *layer);
+    for (const auto& [index, layer] : layers) {
+        if (const std::optional<FramePattern> pattern = FramePattern::parse(layer.name)) {
+            patterns.layers.try_emplace(index, layer.name, *pattern, layer.offset, names.missingLayerFrame);
         } else {
-            plan.stillLayers[index] = name;
+            requireNoOffset(layer);
+            plan.stillLayers[index] = layer.name;
         }
     }
-    plan.frames = framesOf(patterns, names);
+    std::vector<std::int32_t> skipped;
+    for (const std::int32_t frame : wanted) {
+        if (hasFile(patterns.input, frame, names.missingFrame)) {
+            plan.frames.push_back(filesOf(patterns, frame));
+        } else {
+            skipped.push_back(frame);
+        }
+    }
+    for (const FrameFiles& files : plan.frames)
+        plan.firstLayers.insert(files.layers.begin(), files.layers.end());
+    if (plan.frames.empty()) {
+        throw Error(fmt::format("\"{}\" has no file for {}, which is all; check the name and --frames",
+                                names.input, countedFrames(skipped)));
+    }
+    plan.firstFrame = plan.frames.front().frame;
     plan.lastFrame = std::ranges::max(plan.frames, {}, &FrameFiles::frame).frame;
+    if (!skipped.empty()) {
+        plan.notes.push_back(
+            fmt::format("\"{}\" has no file for {}; skipped", names.input, countedFrames(skipped)));
+    }
+    for (const auto& [index, layer] : patterns.layers)
+        if (!layer.note().empty()) plan.notes.push_back(layer.note());
     return plan;
+}
+
+// Frames fall to shards by their place in what was asked for, so that no two shards share one or leave one
+// out, even where one finds a file that was missing when another began.
+void keepShard(FramePlan& plan, const std::vector<std::int32_t>& wanted, const Shard& shard) {
+    std::set<std::int32_t> own;
+    for (std::size_t i = shard.number - 1; i < wanted.size(); i += shard.count)
+        own.insert(wanted[i]);
+    std::erase_if(plan.frames, [&](const FrameFiles& files) { return !own.contains(files.frame); });
+    if (plan.frames.empty())
+        plan.notes.push_back(fmt::format("shard {}/{} has no frame to render", shard.number, shard.count));
 }
 
 void requireOneFile(const std::string& name, bool areFiles) {
@@ -99,18 +166,22 @@ void requireOneFile(const std::string& name, bool areFiles) {
                     name));
 }
 
+void requireNoFrames(const PictureNames& names) {
+    if (!names.frames && !names.shard) return;
+    throw UsageError(fmt::format("{} is for sequences{}", names.frames ? "--frames" : "--shard",
+                                 names.areFiles
+                                     ? " and --no-pattern for one picture; leave one"
+                                     : "; give --input a place for the frame number, like in.####.png"));
+}
+
 FramePlan planStill(const PictureNames& names, const LayerNames& layers) {
-    if (names.frames) {
-        throw UsageError(names.areFiles
-                             ? "--frames is for sequences and --no-pattern for one picture; leave one"
-                             : "--frames is for sequences; give --input a place for the frame "
-                               "number, like in.####.png");
-    }
+    requireNoFrames(names);
     requireOneFile(names.output, names.areFiles);
     FramePlan plan{.isSequence = false, .frames = {{0, names.input, names.output, {}}}, .stillLayers = {}};
-    for (const auto& [index, name] : layers) {
-        requireOneFile(name, names.areFiles);
-        plan.stillLayers[index] = name;
+    for (const auto& [index, layer] : layers) {
+        requireOneFile(layer.name, names.areFiles);
+        requireNoOffset(layer);
+        plan.stillLayers[index] = layer.name;
     }
     return plan;
 }
@@ -182,8 +253,16 @@ void refuseToOverwrite(const FramePlan& plan) {
 FramePlan planFrames(const PictureNames& names, const LayerNames& layers) {
     const std::optional<FramePattern> input =
         names.areFiles ? std::nullopt : FramePattern::parse(names.input);
-    FramePlan plan = input ? planSequence(names, layers, *input) : planStill(names, layers);
+    if (!input) {
+        FramePlan plan = planStill(names, layers);
+        refuseToOverwrite(plan);
+        return plan;
+    }
+    const Patterns patterns{*input, outputPattern(names, *input), {}};
+    const std::vector<std::int32_t> wanted = wantedFrames(names, *input);
+    FramePlan plan = planSequence(names, layers, patterns, wanted);
     refuseToOverwrite(plan);
+    if (names.shard) keepShard(plan, wanted, *names.shard);
     return plan;
 }
 

@@ -9,7 +9,9 @@
 #include <string>
 #include <vector>
 
+#include "MissingFrame.h"
 #include "PF_Params.h"
+#include "Shard.h"
 
 namespace perch {
 
@@ -19,27 +21,41 @@ struct PictureNames {
     std::string output;
     std::optional<std::vector<std::int32_t>> frames;  // absent: all that the input's pattern finds
     bool areFiles = false;                            // whatever they look like
+    MissingFrame missingFrame = MissingFrame::Error;
+    MissingLayerFrame missingLayerFrame = MissingLayerFrame::Error;
+    std::optional<Shard> shard{};  // absent: all frames
 };
 
-using LayerNames = std::map<PF_ParamIndex, std::string>;
+struct LayerName {
+    std::string name;
+    std::int32_t offset = 0;  // of its frames' numbers from those of the input
+};
+
+using LayerNames = std::map<PF_ParamIndex, LayerName>;
 
 struct FrameFiles {
     std::int32_t frame = 0;  // number
     std::filesystem::path input;
     std::filesystem::path output;
     std::map<PF_ParamIndex, std::filesystem::path> layers;  // of this frame alone
+    std::set<PF_ParamIndex> missingLayers{};                // that it is rendered without
 };
 
 struct FramePlan {
     bool isSequence = false;
-    std::vector<FrameFiles> frames;                              // in the order to render; never empty
-    std::int32_t lastFrame = 0;                                  // the greatest number
+    std::vector<FrameFiles> frames;                              // in the order to render
+    std::int32_t firstFrame = 0;                                 // the first to render, other shards' too
+    std::int32_t lastFrame = 0;                                  // the greatest number, other shards' too
     std::map<PF_ParamIndex, std::filesystem::path> stillLayers;  // the same for every frame
-    std::set<PF_ParamIndex> emptyLayers{};                       // that the user has set to none
+    // The first picture of each layer that has one for every frame, other shards' too.
+    std::map<PF_ParamIndex, std::filesystem::path> firstLayers{};
+    std::set<PF_ParamIndex> emptyLayers{};  // that the user has set to none
+    std::vector<std::string> notes{};       // sentences about files that are missing
 };
 
-// Throws UsageError where the names do not go together; Error where a frame's file is missing, the first one
-// by name, and where a picture would be written over one that is read.
+// Empty only where the shard has no frame. Throws UsageError where the names do not go together; Error where
+// a frame's file is missing and must not be, the first one by name, and where a picture would be written over
+// one that is read, also by another shard.
 FramePlan planFrames(const PictureNames& names, const LayerNames& layers);
 
 }  // namespace perch

@@ -13,11 +13,9 @@ namespace {
 namespace fs = std::filesystem;
 
 const fs::path* firstFileOf(const FramePlan& plan, PF_ParamIndex index) {
-    if (const auto still = plan.stillLayers.find(index); still != plan.stillLayers.end())
-        return &still->second;
-    const auto& layers = plan.frames.front().layers;
-    const auto found = layers.find(index);
-    return found != layers.end() ? &found->second : nullptr;
+    for (const auto* const files : {&plan.stillLayers, &plan.firstLayers})
+        if (const auto found = files->find(index); found != files->end()) return &found->second;
+    return nullptr;
 }
 
 void requireShares(const fs::path& path, const pictures::Picture& picture, const LayerReading& reading) {

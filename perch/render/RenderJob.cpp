@@ -185,7 +185,7 @@ private:
         const auto isSupervised = [](const Parameter& parameter) {
             return (parameter.definition.flags & PF_ParamFlag_SUPERVISE) != 0;
         };
-        const ParameterValues given = valuesFor(plan.frames.front().frame, input);
+        const ParameterValues given = valuesFor(plan.firstFrame, input);
         ParameterValues values = given;
         for (const Parameter& parameter : declared)
             if (isSupervised(parameter) && isSetByUser(parameter.index))
@@ -200,7 +200,7 @@ private:
 
     bool isSetByUser(PF_ParamIndex index) const {
         return plan.stillLayers.contains(index) || plan.frames.front().layers.contains(index) ||
-               plan.emptyLayers.contains(index) ||
+               plan.frames.front().missingLayers.contains(index) || plan.emptyLayers.contains(index) ||
                std::ranges::find(parameters, index, &ParameterCurve::index) != parameters.end();
     }
 
@@ -212,6 +212,8 @@ private:
         for (const auto& [layer, picture] : pictures.layers)
             request.layers[layer] = &picture->pixels;
         for (const PF_ParamIndex layer : plan.emptyLayers)
+            request.layers[layer] = nullptr;
+        for (const PF_ParamIndex layer : plan.frames[index].missingLayers)
             request.layers[layer] = nullptr;
         request.downsampleX = request.downsampleY = settings.downsample;
         request.fullWidth = pictures.fullWidth;

@@ -14,7 +14,7 @@ namespace {
 
 const char kSequence[] =
     "perch render --plugin {plugins}/Timeline.so -i shot.####.png -o out.####.png --compression 6 "
-    "--no-provenance";
+    "--no-provenance --frames 1-3,5";
 
 std::vector<std::string> outputsIn(const CommandLine& commandLine) {
     std::vector<std::string> outputs;
@@ -58,11 +58,11 @@ const EarlyEnd kEarlyEnds[] = {
      "OpenEXR, DPX, TGA, JPEG or WebP file",
      {"out.0001.png"}},
     {"FailingEffect",
-     "perch render --plugin {plugins}/Timeline.so -i shot.####.png -o out.####.png --fail-at 3",
+     "perch render --plugin {plugins}/Timeline.so -i shot.####.png -o out.####.png --fail-at 3 --frames 1-3",
      "frame 3: plug-in returned 4 at RENDER: \"no picture at 3\"",
      {"out.0001.png", "out.0002.png"}},
     {"UnwritableOutput",
-     "perch render --plugin {plugins}/Timeline.so -i shot.####.png -o none/here/out.####.png",
+     "perch render --plugin {plugins}/Timeline.so -i shot.####.png -o none/here/out.####.png --frames 1-3",
      "cannot write \"none/here/out.0001.png\": there is no folder \"none/here\" and it cannot be made (No "
      "such file or directory); create it first",
      {}},

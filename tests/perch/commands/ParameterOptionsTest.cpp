@@ -87,6 +87,18 @@ TEST(ParameterOptionsTest, EveryOptionHasANameOfItsOwn) {
                                         "effect-output-2", "effect-output-3", nameless}));
 }
 
+TEST(ParameterOptionsTest, OffsetOfALayerIsCalledAsTheLayerAndNotAsAnythingElse) {
+    const std::vector<std::string> reserved{"depth-offset"};
+    const std::vector<Parameter> parameters{named("Matte", PF_Param_LAYER), named("Depth", PF_Param_LAYER),
+                                            named("Size"), named("Matte", PF_Param_LAYER),
+                                            named("Matte Offset")};
+    std::vector<std::string> offsets;
+    for (const ParameterOption& option : parameterOptions(parameters, reserved))
+        offsets.push_back(option.offsetName);
+    EXPECT_EQ(offsets,
+              (std::vector<std::string>{"matte-offset-2", "depth-offset-2", "", "matte-2-offset", ""}));
+}
+
 // Whether the text is accepted.
 bool accepts(const Parameter& parameter, const char* text) {
     return parseSetting(parameter, text).has_value();

@@ -50,5 +50,14 @@ TEST(RenderOptionsTest, OtherDownsamplesAreRefused) {
         EXPECT_THROW(parsed("--downsample", text), UsageError) << '"' << text << '"';
 }
 
+TEST(RenderOptionsTest, ShardIsANumberAndHowManyThereAre) {
+    for (const std::size_t number : {1U, 2U, 1000000U}) {
+        const Shard shard = *parsed("--shard", std::to_string(number) + "/1000000").names.shard;
+        EXPECT_EQ(shard.number, number);
+        EXPECT_EQ(shard.count, 1000000U);
+    }
+    EXPECT_FALSE(parsed("--threads", "1").names.shard);
+}
+
 }  // namespace
 }  // namespace perch::test

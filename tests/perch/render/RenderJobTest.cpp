@@ -189,6 +189,31 @@ TEST(RenderJobTest, KeysGiveEachFrameTheValueOfItsNumber) {
     EXPECT_EQ(rendered, (std::vector<A_long>{60, 90})) << "whichever frames are rendered beside them";
 }
 
+// A layer that is this layer by default must not stand in for one that is missing.
+TEST(RenderJobTest, FrameWithoutItsLayerIsRenderedWithNone) {
+    const TemporaryFolder folder;
+    FramePlan plan = sequenceIn(folder, 2);
+    plan.frames[0].layers[1] = plan.frames[0].input;
+    plan.frames[1].missingLayers = {1};
+    ScriptedEffect script;
+    PF_ParamDef layer = parameterOfType(PF_Param_LAYER, "L");
+    layer.u.ld.dephault = PF_LayerDefault_MYSELF;
+    script.declareParameters({layer});
+    std::vector<bool> hasLayer;
+    script.on(PF_Cmd_RENDER, [&](const EffectCall& call) {
+        PF_ParamDef checkedOut{};
+        const PF_InData& in = *call.in;
+        const PF_Err error = in.inter.checkout_param(in.effect_ref, 1, in.current_time, in.time_step,
+                                                     in.time_scale, &checkedOut);
+        hasLayer.push_back(checkedOut.u.ld.data != nullptr);
+        return error != 0 ? error : in.inter.checkin_param(in.effect_ref, &checkedOut);
+    });
+    Effect effect(ScriptedEffect::enter, {}, strictOptions());
+    RenderReport report;
+    renderFrames(effect, {}, {}, plan, {}, report);
+    EXPECT_EQ(hasLayer, (std::vector<bool>{true, false}));
+}
+
 // Four columns and three rows at a half, rounded up to two rows: a pixel of the first is the mean of two
 // columns, of all of row 0 and half of row 1, which weigh 1365 and 683 of 2048.
 TYPED_TEST(SampleTypeTest, PicturesAreMadeSmallerWhereThatIsAskedFor) {

@@ -1,0 +1,74 @@
+#include "SequenceOptions.h"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <charconv>
+
+#include "Error.h"
+#include "FrameList.h"
+
+namespace perch {
+namespace {
+
+MissingFrame parseMissingFrame(const std::string& text) {
+    if (text == "error") return MissingFrame::Error;
+    if (text == "skip") return MissingFrame::Skip;
+    throw UsageError(fmt::format("--missing-frame takes error or skip, not \"{}\"", text));
+}
+
+MissingLayerFrame parseMissingLayerFrame(const std::string& text) {
+    if (text == "error") return MissingLayerFrame::Error;
+    if (text == "hold") return MissingLayerFrame::Hold;
+    if (text == "none") return MissingLayerFrame::None;
+    throw UsageError(fmt::format("--missing-layer-frame takes error, hold or none, not \"{}\"", text));
+}
+
+// "2/8". The numbers are read as unsigned ones, which takes digits alone: no sign and no space.
+Shard parseShard(const std::string& text) {
+    constexpr std::size_t kMostShards = kMostFrames;
+    const char* const end = text.data() + text.size();
+    std::size_t number = 0;
+    std::size_t count = 0;
+    const auto [slash, numberError] = std::from_chars(text.data(), end, number);
+    const bool isFraction = numberError == std::errc() && slash != end && *slash == '/';
+    const auto [rest, countError] = std::from_chars(isFraction ? slash + 1 : end, end, count);
+    if (countError != std::errc() || rest != end || number < 1 || number > count || count > kMostShards) {
+        throw UsageError(
+            fmt::format("--shard takes a number and how many there are, from 1/1 to {0}/{0}, "
+                        "like 2/8, not \"{1}\"",
+                        kMostShards, text));
+    }
+    return {.number = number, .count = count};
+}
+
+}  // namespace
+
+void addSequenceOptions(CLI::App& app, SequenceTexts& texts) {
+    app.add_option(
+           "--frames", texts.frames,
+           "the frames of the sequence in the order to render them, like 1-24, 1-24x2, 9-1 or 1,3,5-9 "
+           "(default: all that exist)")
+        ->type_name("LIST");
+    app.add_flag("--no-pattern", texts.noPattern, "take names with # and the like as those of single files");
+    app.add_option("--missing-frame", texts.missingFrame,
+                   "where the input has no file for a frame: error, or skip the frame (default error)")
+        ->type_name("WHAT");
+    app.add_option("--missing-layer-frame", texts.missingLayerFrame,
+                   "where a layer has no file for a frame: error, hold the one before, or render with none "
+                   "(default error)")
+        ->type_name("WHAT");
+    app.add_option("--shard", texts.shard,
+                   "every N-th of the frames, from the I-th on: the part of one task of N, like 2/8")
+        ->type_name("I/N");
+}
+
+void takeSequenceOptions(const CLI::App& app, const SequenceTexts& texts, PictureNames& names) {
+    if (app.count("--frames") > 0) names.frames = parseFrameList(texts.frames);
+    names.areFiles = texts.noPattern;
+    names.missingFrame = parseMissingFrame(texts.missingFrame);
+    names.missingLayerFrame = parseMissingLayerFrame(texts.missingLayerFrame);
+    if (app.count("--shard") > 0) names.shard = parseShard(texts.shard);
+}
+
+}  // namespace perch
