@@ -17,6 +17,7 @@
 #include "Console.h"
 #include "Effect.h"
 #include "Error.h"
+#include "PlanReport.h"
 #include "RenderOptions.h"
 #include "ReplacedFile.h"
 #include "Whereabouts.h"
@@ -201,6 +202,11 @@ bool render(Effect& effect, const RenderSettings& settings, const std::vector<Pa
     return true;
 }
 
+int printPlan(const RenderOptions& options, const PlannedJob& job) {
+    printResult(options.use == PlanUse::PrintJson ? planAsJson(job) : planAsText(job));
+    return kDone;
+}
+
 }  // namespace
 
 int runRenderCommand(const std::vector<std::string>& arguments) {
@@ -215,6 +221,11 @@ int runRenderCommand(const std::vector<std::string>& arguments) {
     plan.emptyLayers = parameters.emptyLayers;
     for (const std::string& note : plan.notes)
         say(note);
+    if (options.use != PlanUse::Render)
+        return printPlan(options, {.plan = plan,
+                                   .settings = options.settings,
+                                   .options = optionsOf(effect.description().parameters),
+                                   .parameters = parameters});
     RenderSettings settings = options.settings;
     settings.layers = parameters.readings;
     if (options.hasProvenance) {

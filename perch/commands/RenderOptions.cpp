@@ -43,6 +43,8 @@ struct Texts {
     SequenceTexts sequence;
     std::string frameLimit = "0";
     std::string preset;
+    bool isDryRun = false;
+    bool wantsJson = false;
 };
 
 // "1/2". The numbers are read as unsigned ones, which takes digits alone: no sign and no space.
@@ -194,6 +196,9 @@ void addOwnOptions(CLI::App& app, Texts& texts) {
         ->type_name("MB");
     app.add_flag("--no-provenance", texts.hasNoProvenance,
                  "do not tell in the files written which program and parameters made them");
+    app.add_flag("--dry-run", texts.isDryRun,
+                 "print which frames would be rendered, from and to which files; nothing is written");
+    app.add_flag("--json", texts.wantsJson, "print what --dry-run does as JSON");
     app.add_flag("--timing", texts.wantsTiming, "tell how long reading, rendering and writing took");
     app.add_flag("--strict", texts.strict, "watch for breaches of the interface's rules; any is a failure");
     app.add_option("--quality", texts.quality, "draft or best (default best)")->type_name("QUALITY");
@@ -239,6 +244,13 @@ void requireOption(const std::string& text, const std::string& option,
     throw UsageError(fmt::format("--{} is missing; see perch render --help", option));
 }
 
+PlanUse planUse(const Texts& texts) {
+    if (texts.wantsJson && !texts.isDryRun)
+        throw UsageError("--json is for what --dry-run prints; give both or neither");
+    if (!texts.isDryRun) return PlanUse::Render;
+    return texts.wantsJson ? PlanUse::PrintJson : PlanUse::PrintText;
+}
+
 }  // namespace
 
 const std::vector<std::string>& renderOptionNames() {
@@ -269,6 +281,7 @@ RenderOptions parseRenderOptions(const std::vector<std::string>& arguments) {
     requireOption(texts.input, "input", others);
     requireOption(texts.output, "output", others);
     options.wantsTiming = texts.wantsTiming;
+    options.use = planUse(texts);
     options.load.threads = parseThreads(texts.threads);
     options.load.strict = texts.strict;
     options.load.application = parseApplication(texts.application);

@@ -21,11 +21,15 @@ struct LoadOptions {
     A_AppID application = kPerchApplication;  // that the host goes by
 };
 
+// What is done with the plan of a job.
+enum class PlanUse { Render, PrintText, PrintJson };
+
 struct RenderOptions {
     bool wantsHelp = false;  // then only load.plugin and frameLimit are set
     bool wantsTiming = false;
     bool hasProvenance = true;               // files written tell what made them
     std::chrono::nanoseconds frameLimit{0};  // that the effect may take for one command; 0: any time
+    PlanUse use = PlanUse::Render;
     LoadOptions load;
     PictureNames names;
     RenderSettings settings;

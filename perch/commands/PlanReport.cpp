@@ -1,0 +1,215 @@
+#include "PlanReport.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <set>
+#include <system_error>
+#include <utility>
+
+#include "FrameList.h"
+#include "ParameterText.h"
+#include "PictureFile.h"
+
+namespace perch {
+namespace {
+
+namespace fs = std::filesystem;
+using Json = nlohmann::ordered_json;
+
+// A picture of the first frame.
+struct PictureFacts {
+    std::string use;  // "input", or the option of a layer
+    fs::path path;
+    std::int32_t width;
+    std::int32_t height;
+    pictures::SampleType type;
+    std::size_t channels;
+    bool isStill;  // the same for every frame
+};
+
+// A parameter that was given, with its text at some frames.
+struct GivenValue {
+    std::string option;
+    std::vector<std::pair<std::int32_t, std::string>> values;
+};
+
+const ParameterOption& optionOf(const PlannedJob& job, PF_ParamIndex index) {
+    return *std::ranges::find(job.options, index,
+                              [](const ParameterOption& option) { return option.parameter.index; });
+}
+
+std::string layerOption(const PlannedJob& job, PF_ParamIndex index) {
+    return "--" + optionOf(job, index).name;
+}
+
+PictureFacts factsOf(const std::string& use, const fs::path& path, bool isStill,
+                     const std::string& channel = {}) {
+    const pictures::Picture picture = pictures::readPicture(path, channel);
+    return {.use = use,
+            .path = path,
+            .width = picture.width,
+            .height = picture.height,
+            .type = picture.type(),
+            .channels = picture.channels,
+            .isStill = isStill};
+}
+
+std::string channelOf(const PlannedJob& job, PF_ParamIndex layer) {
+    const auto reading = job.parameters.readings.find(layer);
+    return reading == job.parameters.readings.end() ? "" : reading->second.channel;
+}
+
+std::vector<PictureFacts> firstPictures(const PlannedJob& job) {
+    std::vector<PictureFacts> facts;
+    if (job.plan.frames.empty()) return facts;
+    const FrameFiles& first = job.plan.frames.front();
+    facts.push_back(factsOf("input", first.input, !job.plan.isSequence));
+    for (const auto& [index, path] : first.layers)
+        facts.push_back(factsOf(layerOption(job, index), path, false, channelOf(job, index)));
+    for (const auto& [index, path] : job.plan.stillLayers)
+        facts.push_back(factsOf(layerOption(job, index), path, true, channelOf(job, index)));
+    return facts;
+}
+
+// Of the first, the middle and the last frame, as far as they differ.
+std::vector<GivenValue> givenValues(const PlannedJob& job) {
+    std::vector<GivenValue> given;
+    const std::vector<FrameFiles>& frames = job.plan.frames;
+    if (frames.empty()) return given;
+    for (const ParameterCurve& curve : job.parameters.curves) {
+        const ParameterOption& option = optionOf(job, curve.index);
+        GivenValue value{"--" + option.name, {}};
+        for (const std::size_t place : std::set<std::size_t>{0, frames.size() / 2, frames.size() - 1}) {
+            const std::int32_t frame = frames[place].frame;
+            value.values.emplace_back(frame, valueText(option.parameter, settingAt(curve, frame)));
+        }
+        given.push_back(std::move(value));
+    }
+    return given;
+}
+
+bool isThere(const fs::path& path) {
+    std::error_code ignored;
+    return fs::exists(path, ignored);
+}
+
+// Of the pictures at once in memory, should all frames be as the first: those that are read ahead, the one
+// that renders, and those that wait to be written; layers for all frames once.
+std::size_t memoryFor(const PlannedJob& job, const std::vector<PictureFacts>& pictures) {
+    if (pictures.empty()) return 0;
+    const bool isDeep = job.settings.depth ? *job.settings.depth == Depth::Bits16
+                                           : !std::ranges::all_of(pictures, [](const PictureFacts& picture) {
+                                                 return picture.type == pictures::SampleType::Bits8;
+                                             });
+    const std::size_t bytesPerPixel = isDeep ? 8 : 4;
+    const std::size_t atOnce = std::min(job.settings.framesAhead + 1, job.plan.frames.size());
+    std::size_t bytes = 0;
+    for (const PictureFacts& picture : pictures) {
+        const std::size_t size = static_cast<std::size_t>(picture.width) *
+                                 static_cast<std::size_t>(picture.height) * bytesPerPixel;
+        const bool isInput = &picture == &pictures.front();
+        bytes += size * (picture.isStill && !isInput ? 1 : atOnce);
+        if (isInput) bytes += size * atOnce;  // the output
+    }
+    return bytes;
+}
+
+std::size_t bitsOf(pictures::SampleType type) {
+    if (type == pictures::SampleType::Bits8) return 8;
+    return type == pictures::SampleType::Float ? 32 : 16;
+}
+
+std::string channelsText(std::size_t channels) {
+    constexpr const char* kNames[] = {"grey", "grey and alpha", "RGB", "RGBA"};
+    return kNames[channels - 1];
+}
+
+std::string filesText(const PlannedJob& job, const FrameFiles& files) {
+    std::string text = files.input.string();
+    for (const auto& [index, path] : files.layers)
+        text += fmt::format(", {} {}", layerOption(job, index), path.string());
+    for (const PF_ParamIndex index : files.missingLayers)
+        text += fmt::format(", {} none", layerOption(job, index));
+    return text + fmt::format(" -> {}{}", files.output.string(), isThere(files.output) ? " (exists)" : "");
+}
+
+std::vector<std::int32_t> numbersOf(const FramePlan& plan) {
+    std::vector<std::int32_t> numbers;
+    for (const FrameFiles& files : plan.frames)
+        numbers.push_back(files.frame);
+    return numbers;
+}
+
+Json frameToJson(const PlannedJob& job, const FrameFiles& files) {
+    Json layers = Json::object();
+    for (const auto& [index, path] : files.layers)
+        layers[layerOption(job, index)] = path.string();
+    for (const PF_ParamIndex index : files.missingLayers)
+        layers[layerOption(job, index)] = nullptr;
+    return {{"frame", files.frame},
+            {"input", files.input.string()},
+            {"layers", layers},
+            {"output", files.output.string()},
+            {"exists", isThere(files.output)}};
+}
+
+}  // namespace
+
+std::string planAsText(const PlannedJob& job) {
+    const std::vector<FrameFiles>& frames = job.plan.frames;
+    const std::vector<PictureFacts> pictures = firstPictures(job);
+    std::string text = frames.empty() ? "no frames\n" : countedFrames(numbersOf(job.plan)) + '\n';
+    for (const PictureFacts& picture : pictures) {
+        text +=
+            fmt::format("{}: {}, {} x {}, {} bits{}, {}\n", picture.use, picture.path.string(), picture.width,
+                        picture.height, bitsOf(picture.type),
+                        isFloat(picture.type) ? " in floating point" : "", channelsText(picture.channels));
+    }
+    for (const GivenValue& given : givenValues(job)) {
+        text += given.option + ':';
+        for (const auto& [frame, value] : given.values)
+            text += fmt::format("{} {} at frame {}", &value == &given.values.front().second ? "" : ",", value,
+                                frame);
+        text += '\n';
+    }
+    const auto existing =
+        std::ranges::count_if(frames, [](const FrameFiles& files) { return isThere(files.output); });
+    text += fmt::format("outputs that exist: {} of {}\n", existing, frames.size());
+    constexpr double kMegabyte = 1e6;
+    text += fmt::format("memory for pictures: {:.1f} MB\n",
+                        static_cast<double>(memoryFor(job, pictures)) / kMegabyte);
+    for (const FrameFiles& files : frames)
+        text += fmt::format("frame {}: {}\n", files.frame, filesText(job, files));
+    return text;
+}
+
+std::string planAsJson(const PlannedJob& job) {
+    const std::vector<PictureFacts> facts = firstPictures(job);
+    Json pictures = Json::object();
+    for (const PictureFacts& picture : facts) {
+        pictures[picture.use] = {{"file", picture.path.string()},    {"width", picture.width},
+                                 {"height", picture.height},         {"bits", bitsOf(picture.type)},
+                                 {"isFloat", isFloat(picture.type)}, {"channels", picture.channels}};
+    }
+    Json values = Json::object();
+    for (const GivenValue& given : givenValues(job))
+        for (const auto& [frame, value] : given.values)
+            values[given.option][std::to_string(frame)] = value;
+    Json frames = Json::array();
+    for (const FrameFiles& files : job.plan.frames)
+        frames.push_back(frameToJson(job, files));
+    const Json json{{"frames", frameListText(numbersOf(job.plan))},
+                    {"count", job.plan.frames.size()},
+                    {"notes", job.plan.notes},
+                    {"firstFrame", pictures},
+                    {"values", values},
+                    {"memoryBytes", memoryFor(job, facts)},
+                    {"plan", frames}};
+    // Names of files have no certain encoding.
+    constexpr int kIndent = 2;
+    return json.dump(kIndent, ' ', false, Json::error_handler_t::replace) + '\n';
+}
+
+}  // namespace perch
