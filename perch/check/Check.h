@@ -6,12 +6,9 @@
 #include <span>
 #include <string>
 
-namespace perch {
+#include "CheckRule.h"
 
-struct CheckRule {
-    const char* name;
-    void (*check)(const std::filesystem::path& plugin);
-};
+namespace perch {
 
 // The first is that the effect can be loaded; without it there is no use in the others.
 std::span<const CheckRule> checkRules();

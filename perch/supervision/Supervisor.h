@@ -12,14 +12,9 @@
 #include <string>
 #include <vector>
 
-namespace perch {
+#include "Outcome.h"
 
-struct Outcome {
-    int status = 0;                     // for the program to end with
-    std::string sentence;               // why it is not 0; empty where the worker has told it
-    bool isEndedFromOutside = false;    // by a signal to the program, the user's interrupt above all
-    std::vector<std::string> findings;  // of strict mode, where the worker could not tell them itself
-};
+namespace perch {
 
 // Runs the program with these arguments as a worker, to its end. `limit` is the time that all of it may
 // take, 0 for any. Throws Error where no process can be started.
