@@ -11,6 +11,7 @@
 #include "Library.h"
 #include "PiPL.h"
 #include "ResourceFile.h"
+#include "SharedObject.h"
 #include "Whereabouts.h"
 
 namespace perch {
@@ -104,7 +105,10 @@ fs::path nameOf(const fs::path& path) {
 Bundle openBundle(const fs::path& path) {
     std::error_code error;
     const fs::file_status status = fs::status(path, error);
-    if (fs::is_regular_file(status)) return {path, path, propertyListWithin(path)};
+    if (fs::is_regular_file(status)) {
+        requireLoadable(path);
+        return {path, path, propertyListWithin(path)};
+    }
     if (!fs::is_directory(status)) {
         throw Error(
             fmt::format("there is no plug-in \"{}\"; name a .plugin folder or a .so file", path.string()));
@@ -113,6 +117,7 @@ Bundle openBundle(const fs::path& path) {
     Bundle bundle{path, libraryOf(path, name), std::nullopt};
     const fs::path resourceFile = chooseFile(path / "Contents" / "Resources", name, ".rsrc");
     if (!resourceFile.empty()) bundle.propertyList = readPropertyListOf(resourceFile);
+    requireLoadable(bundle.library);
     return bundle;
 }
 

@@ -4,8 +4,8 @@
 #include <link.h>
 #endif
 
+#include "Error.h"
 #include "Library.h"
-#include "SharedObject.h"
 #include "Whereabouts.h"
 
 namespace perch {
@@ -34,7 +34,6 @@ bool isOwn([[maybe_unused]] void* library, [[maybe_unused]] const void* address)
 std::shared_ptr<void> openLibrary(const std::filesystem::path& path) {
     // With a folder in its name, or the system's library folders are searched.
     const std::string name = std::filesystem::absolute(path).string();
-    requireLoadable(path);
     void* const handle = load(name);
     if (handle == nullptr) {
         const std::string reason = dlerror();  // begins with the path

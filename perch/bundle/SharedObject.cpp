@@ -30,11 +30,6 @@ constexpr std::array kMachines{
     Machine{EM_ARM, "arm"},       Machine{EM_RISCV, "risc-v"},  Machine{EM_PPC64, "powerpc64"},
 };
 
-std::string machineName(int number) {
-    const auto known = std::ranges::find(kMachines, number, &Machine::number);
-    return known != kMachines.end() ? known->name : fmt::format("machine {}", number);
-}
-
 // What the program itself runs on, from its own header.
 const Header& ownHeader() {
     static const Header header = [] {
@@ -43,6 +38,17 @@ const Header& ownHeader() {
         return own;
     }();
     return header;
+}
+
+bool hasOwnByteOrder(const Header& header) {
+    return header.e_ident[EI_DATA] == ownHeader().e_ident[EI_DATA];
+}
+
+std::string machineName(const Header& header) {
+    const int given = header.e_machine;
+    const int number = hasOwnByteOrder(header) ? given : (given & 0xFF) << 8 | given >> 8;
+    const auto known = std::ranges::find(kMachines, number, &Machine::number);
+    return known != kMachines.end() ? known->name : fmt::format("machine {}", number);
 }
 
 }  // namespace
@@ -58,16 +64,16 @@ void requireLoadable(const std::filesystem::path& path) {
     Header header{};
     file.read(reinterpret_cast<char*>(&header), sizeof header);
     const auto read = static_cast<std::size_t>(file.gcount());
-    if (read < SELFMAG || std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0)
-        throw Error(fmt::format("\"{}\" is not a shared object", name));
     const std::string cutShort = fmt::format("\"{}\" is cut short; install the plug-in again", name);
+    if (std::memcmp(header.e_ident, ELFMAG, std::min<std::size_t>(read, SELFMAG)) != 0)
+        throw Error(fmt::format("\"{}\" is not a shared object", name));
     if (read < sizeof header) throw Error(cutShort);
     const Header& own = ownHeader();
     const bool isOfThisMachine = header.e_machine == own.e_machine &&
-                                 std::memcmp(header.e_ident + EI_CLASS, own.e_ident + EI_CLASS, 2) == 0;
+                                 header.e_ident[EI_CLASS] == own.e_ident[EI_CLASS] && hasOwnByteOrder(header);
     if (!isOfThisMachine)
-        throw Error(fmt::format("\"{}\" is made for {}; this program runs on {}", name,
-                                machineName(header.e_machine), machineName(own.e_machine)));
+        throw Error(fmt::format("\"{}\" is made for {}; this program runs on {}", name, machineName(header),
+                                machineName(own)));
     if (header.e_type != ET_DYN || header.e_phentsize != sizeof(Segment))
         throw Error(fmt::format("\"{}\" is not a shared object", name));
     std::vector<Segment> segments(header.e_phnum);

@@ -116,6 +116,12 @@ TEST_F(BundleTest, EffectsThatCannotBeLoadedAreRefusedAndTheSentenceSaysHowToMen
     elsewhere[offsetof(Elf64_Ehdr, e_machine)] = static_cast<char>(EM_RISCV);
     elsewhere[offsetof(Elf64_Ehdr, e_machine) + 1] = 0;
     write(folder / "elsewhere.so", elsewhere);
+    std::string swapped = library;
+    swapped[EI_DATA] = ELFDATA2MSB;
+    swapped[offsetof(Elf64_Ehdr, e_machine)] = 0;
+    swapped[offsetof(Elf64_Ehdr, e_machine) + 1] = static_cast<char>(EM_PPC64);
+    write(folder / "swapped.so", swapped);
+    write(folder / "empty.so", "");
     // Opening either would wait for somebody to write to it.
     const fs::path pipe = folder / "Pipe.plugin";
     fs::create_directories(pipe / code);
@@ -141,8 +147,11 @@ TEST_F(BundleTest, EffectsThatCannotBeLoadedAreRefusedAndTheSentenceSaysHowToMen
         {folder / "text.so", "\"text.so\" is not a shared object"},
         {folder / "cut.so", "\"cut.so\" is cut short; install the plug-in again"},
         {folder / "header.so", "\"header.so\" is cut short; install the plug-in again"},
+        {folder / "empty.so", "\"empty.so\" is cut short; install the plug-in again"},
         {folder / "elsewhere.so",
          "\"elsewhere.so\" is made for risc-v; this program runs on " PERCH_ARCHITECTURE},
+        {folder / "swapped.so",
+         "\"swapped.so\" is made for powerpc64; this program runs on " PERCH_ARCHITECTURE},
         {pipe, "\"Pipe.plugin/" + code + "/Pipe.so\" is not a file"},
         {piped, "\"Piped.plugin/Contents/Resources/Piped.rsrc\" is not a file"},
     };
