@@ -20,6 +20,7 @@
 #include "PlanReport.h"
 #include "RenderOptions.h"
 #include "ReplacedFile.h"
+#include "StartFolder.h"
 #include "Whereabouts.h"
 
 namespace perch {
@@ -214,6 +215,7 @@ int runRenderCommand(const std::vector<std::string>& arguments) {
     const RenderOptions options = parseRenderOptions(arguments);
     whereabouts().limit = options.frameLimit.count();
     if (options.wantsHelp) return printHelp(options.load);
+    pictures::keepStartFolder();
     Display display;
     Effect effect(chooseBundle(options.load.plugin), hostOptions(options.load, display));
     const ParameterArguments parameters = parseParameterArguments(arguments, effect.description().parameters);

@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "PictureError.h"
+#include "StartFolder.h"
 
 namespace pictures {
 namespace {
@@ -14,7 +15,7 @@ namespace fs = std::filesystem;
 
 void requireFile(const fs::path& path) {
     std::error_code ignored;
-    const fs::file_status status = fs::status(path, ignored);
+    const fs::file_status status = fs::status(placeOf(path), ignored);
     if (!fs::exists(status)) refuseToRead(path, "there is no such file; check the name");
     if (fs::is_directory(status)) refuseToRead(path, "it is a folder; name a picture file");
     if (!fs::is_regular_file(status)) refuseToRead(path, "it is not a file; name a picture file");
@@ -36,7 +37,7 @@ fs::path folderOf(const fs::path& path) {
 
 FileBytes readFile(const fs::path& path) {
     requireFile(path);
-    std::ifstream file(path, std::ios::binary | std::ios::ate);
+    std::ifstream file(placeOf(path), std::ios::binary | std::ios::ate);
     if (!file) refuseToRead(path, "it cannot be opened; check its permissions");
     FileBytes bytes(static_cast<std::size_t>(file.tellg()));
     file.seekg(0);

@@ -9,6 +9,7 @@
 #include "FileIdentity.h"
 #include "PictureError.h"
 #include "ReplacedFile.h"
+#include "StartFolder.h"
 
 namespace pictures {
 namespace {
@@ -67,10 +68,11 @@ void requireWritable(const fs::path& path, SampleType type, bool withAlpha) {
     }
     std::error_code ignored;
     const fs::path folder = folderOf(path);
-    if (!fs::is_directory(folder, ignored)) {
+    if (!fs::is_directory(placeOf(folder), ignored)) {
         refuseToWrite(path, fmt::format("there is no folder \"{}\"; create it first", folder.string()));
     }
-    if (fs::is_directory(path, ignored)) refuseToWrite(path, "a folder has this name; choose another");
+    if (fs::is_directory(placeOf(path), ignored))
+        refuseToWrite(path, "a folder has this name; choose another");
 }
 
 void prepareOutputs(std::span<const fs::path> paths) {

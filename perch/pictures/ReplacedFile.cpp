@@ -19,6 +19,7 @@
 
 #include "FileBytes.h"
 #include "PictureError.h"
+#include "StartFolder.h"
 
 namespace pictures {
 namespace {
@@ -215,7 +216,7 @@ void prepareToReplace(std::span<const fs::path> paths) {
 }
 
 void replaceFile(const fs::path& path, std::span<const unsigned char> bytes) {
-    const fs::path target = targetOf(path);
+    const fs::path target = targetOf(placeOf(path));
     struct stat older {};
     const bool exists = stat(target.c_str(), &older) == 0;
     if (exists) requireReplaceable(path, older);
