@@ -8,7 +8,8 @@ std::string describeEffectEnd(const Whereabouts& at, std::string_view how, std::
     const std::string effect = name.empty() ? "the effect" : fmt::format("the effect \"{}\"", name);
     const std::string command = at.command.get();
     const std::string callback = at.callback.get();
-    std::string sentence = at.frame >= 0 ? fmt::format("frame {}: ", at.frame.load()) : "";
+    std::string sentence =
+        at.frame != Whereabouts::kNoFrame ? fmt::format("frame {}: ", at.frame.load()) : "";
     sentence += fmt::format("{} {} {} {}", effect, how, at.busySince != 0 ? "at" : "after", command);
     std::string details(detail);
     if (!callback.empty())

@@ -7,9 +7,11 @@ enum ExitStatus {
     kDone = 0,
     kFailed = 1,
     kWrongUse = 2,
-    kEffectBroke = 8,    // it crashed, ended the program, threw, or did not come back
-    kInterrupted = 130,  // as shells report an end by the interrupt signal
-    kTerminated = 143,   // and by the one that asks a program to end
+    kEffectBroke = 8,  // it crashed, ended the program, threw, or did not come back
+    // Ended by a signal, as shells report it: the signal's number is added.
+    kSignalled = 128,
+    kInterrupted = 130,
+    kTerminated = 143,
 };
 
 }  // namespace perch

@@ -6,6 +6,7 @@
 #include <array>
 #include <atomic>
 #include <cstdint>
+#include <limits>
 #include <string>
 #include <string_view>
 
@@ -14,6 +15,8 @@
 namespace perch {
 
 struct Whereabouts {
+    static constexpr std::int64_t kNoFrame = std::numeric_limits<std::int64_t>::min();
+
     std::atomic<std::int32_t> supervisor{0};  // process identifier
     // The job's end, written last of all. Nothing else is an end.
     std::atomic<bool> isFinished{false};
@@ -23,11 +26,12 @@ struct Whereabouts {
     std::atomic<std::int64_t> limit{0};  // nanoseconds that one command may take; 0: any time
     // In nanoseconds of the monotonic clock; 0: the effect's code does not run.
     std::atomic<std::int64_t> busySince{0};
-    std::atomic<std::int64_t> frame{-1};  // of the command; -1: none
-    SharedText<256> effect;               // file name; empty before one is loaded
-    SharedText<64> command;               // the last, also once it has ended
-    SharedText<64> callback;              // the last that the command called; empty without one
-    SharedText<65536> findings;           // of strict mode so far, a line each
+    std::atomic<std::int64_t> frame{kNoFrame};  // of the command
+    std::atomic<bool> hasWritten{false};        // a frame
+    SharedText<256> effect;                     // file name; empty before one is loaded
+    SharedText<64> command;                     // the last, also once it has ended
+    SharedText<64> callback;                    // the last that the command called; empty without one
+    SharedText<65536> findings;                 // of strict mode so far, a line each
 
     // Files that are to be removed: those whose path is whole.
     struct Temporary {
@@ -38,9 +42,9 @@ struct Whereabouts {
     std::array<Temporary, 32> temporaries;
 };
 
-// That of this process.
+// What this process writes to.
 Whereabouts& whereabouts();
-// Has this process write to memory that it shares.
+// From now on that is memory which it shares.
 void useWhereabouts(Whereabouts& shared);
 
 // The same clock in both processes.
@@ -49,7 +53,7 @@ std::int64_t monotonicNanoseconds();
 // The effect's code runs for as long as the object lives. On the thread that sends commands.
 class InEffect {
 public:
-    explicit InEffect(std::string_view command, std::int64_t frame = -1);
+    explicit InEffect(std::string_view command, std::int64_t frame = Whereabouts::kNoFrame);
     ~InEffect();
     InEffect(const InEffect&) = delete;
     InEffect& operator=(const InEffect&) = delete;
@@ -59,7 +63,8 @@ public:
 void noteCallback(const char* callback);
 void noteFinding(std::string_view line);
 
-// Has a file removed when the program ends without doing it itself, until it is forgotten. Any thread.
+// The file is to be removed where the program ends before it is forgotten. Any thread. More than there are
+// places for stay behind; the next run for the same names removes them.
 void noteTemporary(const std::string& path);
 void forgetTemporary(const std::string& path);
 

@@ -2,6 +2,7 @@
 
 #if defined(__linux__)
 #include <pthread.h>
+#include <unistd.h>
 #endif
 
 #include <algorithm>
@@ -62,12 +63,18 @@ void WorkerPool::start() {
         workers.emplace_back([this, thread] { work(thread); });
 }
 
+std::set<std::int32_t> WorkerPool::systemThreads() const {
+    const std::lock_guard lock(mutex);
+    return systemNumbers;
+}
+
 void WorkerPool::work(std::int32_t thread) {
-#if defined(__linux__)
-    pthread_setname_np(pthread_self(), "perch-worker");  // or it has the name of the thread that started it
-#endif
     std::uint64_t seen = 0;
     std::unique_lock lock(mutex);
+#if defined(__linux__)
+    pthread_setname_np(pthread_self(), "perch-worker");  // or it has the name of the thread that started it
+    systemNumbers.insert(gettid());
+#endif
     for (;;) {
         wake.wait(lock, [&] { return isStopping || generation != seen; });
         if (isStopping) return;

@@ -8,6 +8,7 @@
 #include <exception>
 #include <functional>
 #include <mutex>
+#include <set>
 #include <thread>
 #include <vector>
 
@@ -22,6 +23,8 @@ public:
     WorkerPool& operator=(const WorkerPool&) = delete;
 
     int threadCount() const { return threads; }
+    // The workers that have started, by the numbers that the system has for them; on Linux.
+    std::set<std::int32_t> systemThreads() const;
     // Calls task(thread, i) once for each i from 0 to count - 1, in any order. Where a task throws, no
     // further iteration begins, and the first exception comes back once those under way have ended.
     using Task = std::function<void(std::int32_t thread, std::int32_t i)>;
@@ -34,8 +37,8 @@ private:
 
     const int threads;
     std::vector<std::thread> workers;
-    std::mutex runMutex;  // held by the call that the workers serve
-    std::mutex mutex;     // guards what follows
+    std::mutex runMutex;       // held by the call that the workers serve
+    mutable std::mutex mutex;  // guards what follows
     std::condition_variable wake;
     std::condition_variable done;
     std::uint64_t generation = 0;
@@ -43,6 +46,7 @@ private:
     bool isStopping = false;
     const Task* task = nullptr;
     std::exception_ptr failure;  // the first of the run
+    std::set<std::int32_t> systemNumbers;
     std::int32_t count = 0;
     std::atomic<std::int64_t> next{0};  // runs past count by up to one per thread
 };

@@ -72,8 +72,11 @@ PF_Err declare(Host& host, PF_ParamIndex index, const PF_ParamDef& definition) {
         return PF_Err_INVALID_INDEX;
     }
     constexpr std::size_t kMostParameters = 1000;
-    if (parameters.size() >= kMostParameters)
-        throw Error(fmt::format("an effect may declare {} parameters at most", kMostParameters));
+    if (parameters.size() >= kMostParameters) {
+        const std::string why = fmt::format("an effect may declare {} parameters at most", kMostParameters);
+        host.refuseParameters(why);
+        throw Error(why);
+    }
     Parameter parameter = describeParameter(definition);
     if (definition.param_type == PF_Param_POPUP &&
         static_cast<std::size_t>(definition.u.pd.num_choices) != parameter.items.size())

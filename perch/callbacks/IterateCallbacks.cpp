@@ -1,6 +1,7 @@
 // The iterate calls: the effect's function for every pixel, row by row on the workers.
 #include <array>
 #include <atomic>
+#include <cfenv>
 
 #include "CallGuard.h"
 #include "Callbacks.h"
@@ -27,13 +28,20 @@ private:
 // Runs effect code, which is not to throw, and answers for it where it does.
 template <typename F>
 PF_Err guarded(Host& host, const char* callback, const F& body) {
+    const int rounding = std::fegetround();
+    PF_Err code = PF_Err_INTERNAL_STRUCT_DAMAGED;
     try {
-        return body();
+        code = body();
     } catch (...) {
         host.ledger.fault(callback, "an exception left the effect's function");
         host.hasThrown = true;
-        return PF_Err_INTERNAL_STRUCT_DAMAGED;
     }
+    // The thread goes on to other pixels.
+    if (std::fegetround() != rounding) {
+        std::fesetround(rounding);
+        host.ledger.fault(callback, "the rounding mode was changed");
+    }
+    return code;
 }
 
 // The part of the progress bar that a call fills.

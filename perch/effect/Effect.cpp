@@ -35,9 +35,10 @@ CallbackTables callbackTables() {
 
 std::unique_ptr<Host> loadHost(const std::filesystem::path& plugin, HostOptions options) {
     const Bundle bundle = openBundle(plugin);
+    ProcessWatch watch;
     const LoadedLibrary loaded = loadLibrary(bundle);
     return std::make_unique<Host>(loaded.entryPoint, describeBundle(bundle, loaded.symbol),
-                                  std::move(options), loaded.library, callbackTables());
+                                  std::move(options), loaded.library, callbackTables(), std::move(watch));
 }
 
 }  // namespace
@@ -49,7 +50,7 @@ Effect::Effect(const std::filesystem::path& plugin, HostOptions options)
 
 Effect::Effect(PF_EntryPoint entryPoint, EffectDescription description, HostOptions options)
     : host(std::make_unique<Host>(entryPoint, std::move(description), std::move(options), nullptr,
-                                  callbackTables())) {
+                                  callbackTables(), ProcessWatch())) {
     whereabouts().effect.set(host->description.path.filename().string());
     host->setUp();
 }

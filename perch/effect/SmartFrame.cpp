@@ -43,8 +43,12 @@ public:
             std::free(output.pre_render_data);
             return;
         }
-        host.callOutside("delete_pre_render_data_func",
-                         [this] { output.delete_pre_render_data_func(output.pre_render_data); });
+        try {
+            host.callOutside("delete_pre_render_data_func",
+                             [this] { output.delete_pre_render_data_func(output.pre_render_data); });
+        } catch (...) {
+            // No memory for a finding.
+        }
     }
     PreRenderData(const PreRenderData&) = delete;
     PreRenderData& operator=(const PreRenderData&) = delete;

@@ -33,10 +33,10 @@ namespace perch {
 
 class Host {
 public:
-    // `library` keeps the effect's code loaded; null for an effect of this process. Throws Error while
-    // another host exists.
+    // `library` keeps the effect's code loaded, null for an effect of this process; `watch` was made before
+    // it was loaded. Throws Error while another host exists.
     Host(PF_EntryPoint entryPoint, EffectDescription description, HostOptions options,
-         std::shared_ptr<void> library, const CallbackTables& tables);
+         std::shared_ptr<void> library, const CallbackTables& tables, ProcessWatch watch);
     ~Host();
     Host(const Host&) = delete;
     Host& operator=(const Host&) = delete;
@@ -74,6 +74,8 @@ public:
     void forgetRefusal();
     // Passes the share of the command that is done on to the caller of the render, on its thread alone.
     void showProgress(double fraction) const;
+    // Has PARAMS_SETUP fail for this reason, also where the effect does not look at what add_param answers.
+    void refuseParameters(const std::string& why) { parameterFlaw = why; }
     // The code by which the n-th call is to fail, or 0.
     PF_Err countCall(std::string_view callback);
 
@@ -110,6 +112,7 @@ private:
     const std::thread::id mainThread = std::this_thread::get_id();
     PF_Handle globalData = nullptr;
     bool isSetUp = false;
+    std::string parameterFlaw;   // why the parameters are refused; empty where they are not
     std::string untoldBreakage;  // a sentence, of a command whose failure nobody waits for
     std::mutex callCountMutex;
     std::map<std::string, int, std::less<>> callCounts;

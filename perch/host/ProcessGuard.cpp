@@ -7,13 +7,24 @@
 #include <cstring>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 namespace perch {
 namespace {
 
+// Byte by byte: what lies between the fields of a copy need not be what lay there before.
 template <typename T>
-bool isSame(const T& a, const T& b) {
-    return std::memcmp(&a, &b, sizeof a) == 0;
+std::vector<std::byte> bytesOf(const T& table) {
+    const auto* const first = reinterpret_cast<const std::byte*>(&table);
+    return {first, first + sizeof table};
+}
+
+// True where it was changed.
+template <typename T>
+bool restore(const std::vector<std::byte>& bytes, T& table) {
+    if (std::memcmp(&table, bytes.data(), sizeof table) == 0) return false;
+    std::memcpy(&table, bytes.data(), sizeof table);
+    return true;
 }
 
 std::filesystem::path currentFolder() {
@@ -23,8 +34,14 @@ std::filesystem::path currentFolder() {
 
 }  // namespace
 
-ProcessGuard::ProcessGuard(Ledger& ledger, const CallbackTables& tables)
-    : ledger(ledger), tables(tables), utilities(*tables.utilities), suites(*tables.suites) {}
+ProcessGuard::ProcessGuard(Ledger& ledger, const CallbackTables& tables, ProcessWatch watch)
+    : ledger(ledger),
+      tables(tables),
+      utilities(bytesOf(*tables.utilities)),
+      suites(bytesOf(*tables.suites)),
+      watch(std::move(watch)) {
+    this->watch.leaveLoading();
+}
 
 void ProcessGuard::enterCommand() {
     folder = currentFolder();
@@ -56,22 +73,21 @@ void ProcessGuard::restoreRounding() {
 }
 
 void ProcessGuard::restoreTables() {
-    if (isSame(*tables.utilities, utilities) && isSame(*tables.suites, suites)) return;
-    *tables.utilities = utilities;
-    *tables.suites = suites;
-    ledger.fault("", "a table of callbacks was changed");
+    const bool isOtherUtilities = restore(utilities, *tables.utilities);
+    const bool isOtherSuites = restore(suites, *tables.suites);
+    if (isOtherUtilities || isOtherSuites) ledger.fault("", "a table of callbacks was changed");
 }
 
-void ProcessGuard::reportThreads() {
+void ProcessGuard::reportThreads(const WorkerPool& pool) {
     if (!ledger.isStrict()) return;
     // One that was told to end may need a moment.
     constexpr int kMoments = 20;
-    int count = ProcessWatch::countThreadsLeft();
+    int count = watch.countThreadsLeft(pool.systemThreads());
     for (int i = 0; i < kMoments && count > 0; ++i) {
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        count = ProcessWatch::countThreadsLeft();
+        count = watch.countThreadsLeft(pool.systemThreads());
     }
-    if (count > 0) ledger.fault("", fmt::format("{} of the effect's threads have not ended", count));
+    if (count > 0) ledger.fault("", fmt::format("threads of the effect that have not ended: {}", count));
 }
 
 }  // namespace perch

@@ -4,24 +4,27 @@
 // watched in strict mode alone.
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
+#include <vector>
 
 #include "CallbackTables.h"
 #include "Ledger.h"
 #include "ProcessWatch.h"
+#include "WorkerPool.h"
 
 namespace perch {
 
 class ProcessGuard {
 public:
-    ProcessGuard(Ledger& ledger, const CallbackTables& tables);
+    // `watch` was made before the effect was loaded.
+    ProcessGuard(Ledger& ledger, const CallbackTables& tables, ProcessWatch watch);
 
     // Around each command, on its thread.
     void enterCommand();
     void leaveCommand();
-    // Tells of the threads that commands have started on their thread and that have not ended, after the last
-    // one.
-    void reportThreads();
+    // Tells of the threads that the effect has started and that have not ended, after the last command.
+    void reportThreads(const WorkerPool& pool);
 
 private:
     void restoreFolder();
@@ -30,8 +33,8 @@ private:
 
     Ledger& ledger;
     const CallbackTables tables;
-    const PF_UtilCallbacks utilities;
-    const SPBasicSuite suites;
+    const std::vector<std::byte> utilities;  // as they were
+    const std::vector<std::byte> suites;
     std::filesystem::path folder;
     int rounding = 0;
     ProcessWatch watch;

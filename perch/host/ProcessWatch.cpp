@@ -7,6 +7,7 @@
 #include <sys/prctl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -16,9 +17,29 @@
 namespace perch {
 namespace {
 
-// Threads take the name of the one that starts them: those of the effect carry this one. Fifteen characters
-// at most.
+namespace fs = std::filesystem;
+
+// Threads take the name of the one that starts them: those that the program starts carry the first, also
+// where they are started while the effect's code runs on another. Fifteen characters at most.
+constexpr char kNameBetweenCommands[] = "perch";
 constexpr char kNameDuringCommands[] = "perch-effect";
+
+constexpr char kThreads[] = "/proc/self/task";
+
+std::set<std::int32_t> threadsOfProcess() {
+    std::set<std::int32_t> threads;
+    std::error_code ignored;
+    for (const fs::directory_entry& thread : fs::directory_iterator(kThreads, ignored))
+        threads.insert(std::atoi(thread.path().filename().c_str()));
+    return threads;
+}
+
+// Empty where it has ended.
+std::string nameOfThread(std::int32_t thread) {
+    std::string name;
+    std::getline(std::ifstream(fs::path(kThreads) / std::to_string(thread) / "comm"), name);
+    return name;
+}
 
 }  // namespace
 
@@ -27,10 +48,16 @@ ProcessWatch::ProcessWatch() : process(getpid()) {
     // The sanitizer starts a thread of its own with the program's first; it is not to be the effect's.
     std::thread([] {}).join();
 #endif
+    prctl(PR_SET_NAME, kNameDuringCommands);
+    threadsBefore = threadsOfProcess();
 }
 
 void ProcessWatch::endIfCopied() const {
     if (getpid() != process) _exit(EXIT_SUCCESS);
+}
+
+void ProcessWatch::leaveLoading() {
+    prctl(PR_SET_NAME, kNameBetweenCommands);
 }
 
 void ProcessWatch::enterCommand() {
@@ -42,7 +69,7 @@ void ProcessWatch::enterCommand() {
 }
 
 std::vector<std::string> ProcessWatch::leaveCommand() {
-    prctl(PR_SET_NAME, "perch");
+    prctl(PR_SET_NAME, kNameBetweenCommands);
     std::vector<std::string> changes;
     for (const auto& [signal, action] : handlers) {
         struct sigaction now {};
@@ -53,15 +80,12 @@ std::vector<std::string> ProcessWatch::leaveCommand() {
     return changes;
 }
 
-int ProcessWatch::countThreadsLeft() {
-    namespace fs = std::filesystem;
-    int count = 0;
-    std::error_code ignored;
-    for (const fs::directory_entry& task : fs::directory_iterator("/proc/self/task", ignored)) {
-        std::string name;
-        if (std::ifstream(task.path() / "comm") >> name && name == kNameDuringCommands) ++count;
-    }
-    return count;
+int ProcessWatch::countThreadsLeft(const std::set<std::int32_t>& workers) const {
+    return static_cast<int>(std::ranges::count_if(threadsOfProcess(), [&](std::int32_t thread) {
+        if (threadsBefore.contains(thread) || workers.contains(thread)) return false;
+        const std::string name = nameOfThread(thread);
+        return !name.empty() && name != kNameBetweenCommands;
+    }));
 }
 
 }  // namespace perch
@@ -74,13 +98,15 @@ ProcessWatch::ProcessWatch() = default;
 
 void ProcessWatch::endIfCopied() const {}
 
+void ProcessWatch::leaveLoading() {}
+
 void ProcessWatch::enterCommand() {}
 
 std::vector<std::string> ProcessWatch::leaveCommand() {
     return {};
 }
 
-int ProcessWatch::countThreadsLeft() {
+int ProcessWatch::countThreadsLeft(const std::set<std::int32_t>&) const {
     return 0;
 }
 

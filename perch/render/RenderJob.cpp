@@ -14,6 +14,7 @@
 #include "PF_Values.h"
 #include "Sequence.h"
 #include "StillLayers.h"
+#include "Whereabouts.h"
 
 namespace perch {
 namespace {
@@ -252,6 +253,7 @@ private:
         const Timer timer(CLOCK_THREAD_CPUTIME_ID, report.encodeTime);
         writeWorld(plan.frames[index].output, picture, input, output);
         ++report.framesWritten;
+        whereabouts().hasWritten = true;
     }
 
     void throwIfCancelled(std::size_t index) const {

@@ -329,6 +329,18 @@ TEST_F(FailureTest, ExceptionOfATearDownIsToldAtTheEnd) {
     }
 }
 
+TEST_F(FailureTest, TooManyParametersAreRefusedAlsoWhereTheEffectDoesNotLook) {
+    script.on(PF_Cmd_PARAMS_SETUP, [](const EffectCall& call) {
+        PF_ParamDef box = parameterOfType(PF_Param_CHECKBOX, "Box");
+        for (int i = 0; i < 1001; ++i)
+            call.in->inter.add_param(call.in->effect_ref, -1, &box);
+        call.out->num_params = 1002;
+        return PF_Err{PF_Err_NONE};
+    });
+    EXPECT_EQ(liveOnce(), "an effect may declare 1000 parameters at most");
+    EXPECT_THAT(commands, ElementsAre("GLOBAL_SETUP", "PARAMS_SETUP", "GLOBAL_SETDOWN"));
+}
+
 TEST_F(FailureTest, CommandSentAsItIsThrowsNothing) {
     failAt(PF_Cmd_EVENT, 99, "what event");
     Effect effect(ScriptedEffect::enter, {}, options());
