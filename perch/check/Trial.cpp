@@ -4,6 +4,7 @@
 
 #include "PF_Values.h"
 #include "PixelAccess.h"
+#include "PixelOps.h"
 #include "Sequence.h"
 
 namespace perch {
@@ -77,6 +78,16 @@ FrameRequest Trial::floatFrame(Size size) {
 
 World Trial::render(const FrameRequest& request) {
     return Sequence(effect).render(request).picture;
+}
+
+World Trial::renderWithinFrame(const FrameRequest& request) {
+    const RenderedFrame frame = Sequence(effect).render(request);
+    const World& picture = frame.picture;
+    World within(request.input->width(), request.input->height(), picture.depth());
+    const PF_Point& origin = frame.origin;
+    const PF_Rect place{-origin.h, -origin.v, picture.width() - origin.h, picture.height() - origin.v};
+    copyWorld(picture.record(), nullptr, within.record(), &place);
+    return within;
 }
 
 void Trial::end(bool toleratesHandles) {

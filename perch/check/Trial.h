@@ -44,6 +44,8 @@ public:
     // The same in floating point, brighter than white in places.
     FrameRequest floatFrame(Size size);
     World render(const FrameRequest& request);
+    // What of it lies within the frame, where the effect makes it larger or smaller.
+    World renderWithinFrame(const FrameRequest& request);
 
     // Ends the effect; what strict mode found is a Failure, except handles where `toleratesHandles`.
     void end(bool toleratesHandles = false);

@@ -1,4 +1,5 @@
 #include <fmt/format.h>
+#include <string.h>
 
 #include <CLI/CLI.hpp>
 #include <charconv>
@@ -55,15 +56,19 @@ class Verdicts {
 public:
     explicit Verdicts(bool asJson) : asJson(asJson) {}
 
-    void add(const CheckRule& rule, const std::string& failure) {
+    // `findings` are those of strict mode before a crash.
+    void add(const CheckRule& rule, const std::string& failure, const std::vector<std::string>& findings) {
         hasFailure = hasFailure || !failure.empty();
         if (!asJson) {
-            const std::string verdict = failure.empty() ? "ok" : "FAILED: " + printable(failure);
+            std::string verdict = failure.empty() ? "ok" : "FAILED: " + printable(failure);
+            for (const std::string& finding : findings)
+                verdict += "; before that: " + printable(finding);
             printResult(fmt::format("{:<50} {}\n", rule.name, verdict));
             return;
         }
         nlohmann::ordered_json json{{"rule", rule.name}, {"ok", failure.empty()}};
         if (!failure.empty()) json["failure"] = failure;
+        if (!findings.empty()) json["before"] = findings;
         const std::string line = json.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
         printResult((isFirst ? "[\n" : ",\n") + line);
         isFirst = false;
@@ -79,14 +84,14 @@ private:
     bool hasFailure = false;
 };
 
-// The rule in a child of its own, so that its crash or hang is no other's.
+// The rule in a child of its own, so that its crash or hang ends no other rule.
 Outcome tryInChild(std::size_t number, const std::string& plugin, std::chrono::nanoseconds limit) {
     return superviseWorker({"check", "--in-process", "--rule", std::to_string(number + 1), plugin}, limit);
 }
 
 Outcome tryHere(const CheckRule& rule, const std::string& plugin) {
     const std::string failure = tryRule(rule, plugin);
-    return {.status = failure.empty() ? kDone : kFailed, .sentence = failure, .findings = {}};
+    return {.status = failure.empty() ? kDone : kFailed, .sentence = failure, .signal = 0, .findings = {}};
 }
 
 }  // namespace
@@ -103,6 +108,8 @@ int runCheckCommand(const std::vector<std::string>& arguments) {
     const std::chrono::nanoseconds limit = parseSeconds("--timeout", options.limit);
     const std::optional<std::size_t> only = parseRule(options.rule);
     const std::string plugin = chooseBundle(options.plugin).string();
+    // A file that is not an effect has no verdicts.
+    openBundle(plugin);
     if (isWorker()) {
         const std::string failure = tryRule(checkRules()[only.value_or(0)], plugin);
         if (!failure.empty()) throw Error(failure);
@@ -114,14 +121,14 @@ int runCheckCommand(const std::vector<std::string>& arguments) {
     for (std::size_t number = only.value_or(0); number < end; ++number) {
         const CheckRule& rule = checkRules()[number];
         const Outcome outcome = inProcess ? tryHere(rule, plugin) : tryInChild(number, plugin, limit);
-        if (outcome.isEndedFromOutside) {
-            say(outcome.sentence);
-            return outcome.status;
+        if (outcome.signal != 0) {
+            verdicts.end();
+            say(fmt::format("ended by SIG{}; {} rules were tried", sigabbrev_np(outcome.signal),
+                            number - only.value_or(0)));
+            return kSignalled + outcome.signal;
         }
-        // A file that is no effect keeps to no rule, and breaks none.
+        verdicts.add(rule, outcome.sentence, outcome.findings);
         const bool isLoading = number == 0;
-        if (isLoading && outcome.status == kFailed) throw Error(outcome.sentence);
-        verdicts.add(rule, outcome.sentence);
         if (isLoading && outcome.status != kDone) break;
     }
     return verdicts.end();

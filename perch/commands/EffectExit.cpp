@@ -1,6 +1,6 @@
 // What effects and the libraries that they bring call when they call exit(): the program's own function comes
 // before the system's. In a worker it ends the process at once, since the exit handlers of other libraries
-// may wait for threads that are at work, for ever.
+// may wait forever for threads that are at work.
 #include <dlfcn.h>
 #include <unistd.h>
 

@@ -7,9 +7,9 @@
 namespace perch {
 
 struct Outcome {
-    int status = 0;                     // for the program to end with
-    std::string sentence;               // why it is not 0; empty where the worker has told it
-    bool isEndedFromOutside = false;    // by a signal to the program, the user's interrupt above all
+    int status = 0;        // for the program to end with
+    std::string sentence;  // why it is not 0; empty where the worker has told it
+    int signal = 0;        // that has asked the program to end, the user's interrupt above all; 0 without one
     std::vector<std::string> findings;  // of strict mode, where the worker could not tell them itself
 };
 

@@ -15,6 +15,7 @@
 #include "EffectEnd.h"
 #include "Error.h"
 #include "ExitStatus.h"
+#include "Interrupts.h"
 #include "Orphans.h"
 #include "SharedMemory.h"
 #include "Whereabouts.h"
@@ -97,8 +98,9 @@ public:
     Outcome run() {
         while (!hasEnded())
             waitForSignal();
+        takePending();
         // Whatever the effect has started, before its group's number is free for others.
-        kill(-worker, SIGKILL);
+        sendToWorker(SIGKILL);
         int status = 0;
         waitpid(worker, &status, 0);
         orphans.end();
@@ -123,15 +125,22 @@ private:
         if (hasLimit) endWhenLate();
     }
 
+    // What has come since the worker ended: nobody waits for it, and it would end this process instead.
+    void takePending() {
+        siginfo_t info{};
+        const timespec now{0, 0};
+        for (int signal = 0; (signal = sigtimedwait(&held.watched, &info, &now)) > 0;)
+            if (signal != SIGCHLD) take(signal, info.si_pid);
+    }
+
     void take(int signal, pid_t sender) {
         if (sender == worker) {
             sentByEffect = signal;
             endWorker();
         } else if (signal == SIGINT || signal == SIGTERM) {
-            // The first asks, the second does not.
-            interruptedBy = signal;
-            if (++interrupts == 1) kill(worker, signal);
-            if (interrupts == 2) endWorker();
+            if (!interrupts.take(signal, sender, monotonicNanoseconds())) return;
+            if (interrupts.count() == 1) kill(worker, signal);
+            if (interrupts.count() == 2) endWorker();
         } else if (signal == SIGTSTP) {
             pause();
         } else {
@@ -142,13 +151,13 @@ private:
 
     // The time until somebody has the program go on does not count.
     void pause() {
-        kill(-worker, SIGSTOP);
+        sendToWorker(SIGSTOP);
         const std::int64_t begin = monotonicNanoseconds();
         raise(SIGSTOP);
         const std::int64_t length = monotonicNanoseconds() - begin;
         if (deadline != 0) deadline += length;
         if (shared.memory->busySince != 0) shared.memory->busySince += length;
-        kill(-worker, SIGCONT);
+        sendToWorker(SIGCONT);
     }
 
     void endWhenLate() {
@@ -162,7 +171,13 @@ private:
         if (isLate) endWorker();
     }
 
-    void endWorker() const { kill(-worker, SIGKILL); }
+    void endWorker() const { sendToWorker(SIGKILL); }
+
+    // To all of its group, and to itself, which the effect may have moved to another.
+    void sendToWorker(int signal) const {
+        kill(-worker, signal);
+        kill(worker, signal);
+    }
 
     void removeTemporaries() const {
         for (const Whereabouts::Temporary& temporary : shared.memory->temporaries) {
@@ -172,25 +187,20 @@ private:
 
     Outcome outcomeOf(int status) const {
         const Whereabouts& at = *shared.memory;
+        const int signal = endedBy != 0 ? endedBy : interrupts.last();
         if (at.isFinished)
-            return {.status = at.status,
-                    .sentence = at.sentence.get(),
-                    .isEndedFromOutside = false,
-                    .findings = {}};
-        Outcome outcome{.status = kEffectBroke,
-                        .sentence = {},
-                        .isEndedFromOutside = endedBy != 0 || interrupts > 0,
-                        .findings = findings()};
+            return {.status = at.status, .sentence = at.sentence.get(), .signal = signal, .findings = {}};
+        Outcome outcome{.status = kEffectBroke, .sentence = {}, .signal = signal, .findings = findings()};
         if (endedBy != 0) {
-            outcome.status = 128 + endedBy;
+            outcome.status = kSignalled + endedBy;
             outcome.sentence = fmt::format("ended by SIG{}", sigabbrev_np(endedBy));
-        } else if (interrupts > 1) {
-            outcome.status = 128 + interruptedBy;
+        } else if (interrupts.count() > 1) {
+            outcome.status = kSignalled + signal;
             outcome.sentence =
                 describeEffectEnd(at, "was interrupted twice and ended", "finished frames stay");
-        } else if (interrupts == 1 && WIFSIGNALED(status) && WTERMSIG(status) == interruptedBy) {
-            outcome.status = 128 + interruptedBy;
-            outcome.sentence = "interrupted; nothing was written";
+        } else if (interrupts.count() == 1 && WIFSIGNALED(status) && WTERMSIG(status) == signal) {
+            outcome.status = kSignalled + signal;
+            outcome.sentence = interruptSentence();
         } else if (isLate) {
             const std::int64_t limit = isLateAtCommand ? at.limit.load() : wholeLimit;
             outcome.sentence =
@@ -204,6 +214,12 @@ private:
             if (at.effect.get().empty()) outcome.status = kFailed;
         }
         return outcome;
+    }
+
+    // Where the worker did not tell it: it was not listening yet, or the effect has seen to that.
+    std::string interruptSentence() const {
+        return shared.memory->hasWritten ? "interrupted; finished frames stay"
+                                         : "interrupted; nothing was written";
     }
 
     std::vector<std::string> findings() const {
@@ -221,10 +237,9 @@ private:
     const std::int64_t wholeLimit;
     const bool mayHaveLimit;
     const pid_t worker;
-    int interrupts = 0;
-    int interruptedBy = 0;  // the last signal that asked for an end
-    int endedBy = 0;        // another signal from outside
-    int sentByEffect = 0;   // signal
+    Interrupts interrupts;
+    int endedBy = 0;       // another signal from outside
+    int sentByEffect = 0;  // signal
     bool isLate = false;
     bool isLateAtCommand = false;
 };

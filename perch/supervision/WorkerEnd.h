@@ -1,4 +1,4 @@
-// How a worker came to an end that is not its own, in a sentence for the user.
+// How a worker ended where it did not finish, in a sentence for the user.
 #pragma once
 
 #include <string>

@@ -32,6 +32,14 @@ TEST(CheckTest, EffectThatRendersTheSmartWayAloneKeepsToEveryRule) {
     expectEveryRuleKept(std::filesystem::path(PERCH_TEST_PLUGINS) / "Smart.so");
 }
 
+TEST(CheckTest, EffectThatMakesFramesLargerByOneWayAloneKeepsToEveryRule) {
+    expectEveryRuleKept(std::filesystem::path(PERCH_TEST_PLUGINS) / "Margin.so");
+}
+
+TEST(CheckTest, HabitsThatAreAllowedBreakNoRule) {
+    expectEveryRuleKept(std::filesystem::path(PERCH_TEST_PLUGINS) / "Whims.so");
+}
+
 TEST(CheckTest, EffectWithAnotherPictureByEachWayDoesNot) {
     for (const std::string bits : {"8", "16"}) {
         const std::vector<std::string> failures =

@@ -121,6 +121,11 @@ void RunningProgram::send(int signal) const {
     kill(process, signal);
 }
 
+void RunningProgram::sendUntilItEnds(int signal) const {
+    for (; !hasEnded(process); std::this_thread::sleep_for(std::chrono::milliseconds(50)))
+        kill(process, signal);
+}
+
 ProgramResult RunningProgram::finish() {
     int status = 0;
     waitpid(process, &status, 0);

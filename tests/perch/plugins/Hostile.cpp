@@ -3,390 +3,18 @@
 //     loading, unloading   in a constructor and a destructor of the library
 //     pixel                in a pixel function, on whatever thread the host calls it
 //     thread               on a thread of the effect's own, during RENDER
-// Everywhere else the effect behaves, and its picture is half transparent grey. PERCH_HOSTILE_MARK names a
-// file that it makes just before the deed.
-#include <fcntl.h>
-#include <sys/mman.h>
-#include <sys/resource.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cfenv>
-#include <csignal>
-#include <cstdio>
+//     frame5               FRAME_SETUP of the frame of that number
+//     deleting             in the function that frees what SMART_PRE_RENDER has kept
+// An effect whose place is of smart rendering renders so alone, and one whose place is of arbitrary data or
+// of supervised parameters declares such a parameter. Everywhere else the effect behaves, and its picture is
+// half transparent grey. PERCH_HOSTILE_MARK names a file that it makes just before the deed.
 #include <cstdlib>
-#include <cstring>
-#include <stdexcept>
-#include <string>
 #include <string_view>
 #include <thread>
-#include <vector>
 
-#include "HostInterface.h"
+#include "HostileDeeds.h"
 
 namespace {
-
-struct Scene {
-    PF_InData* in = nullptr;
-    PF_OutData* out = nullptr;
-    PF_ParamDef** params = nullptr;
-    PF_LayerDef* output = nullptr;
-};
-
-using Deed = PF_Err (*)(const Scene& scene);
-
-// Values that the optimiser cannot see through.
-volatile int gZero = 0;
-int* volatile gNowhere = nullptr;
-
-int useUpTheStack(int depth) {
-    volatile char room[4096];
-    room[depth % 4096] = static_cast<char>(depth);
-    return gZero == 0 ? useUpTheStack(depth + 1) + room[0] : 0;
-}
-
-[[noreturn]] void waitForEver() {
-    for (;;)
-        pause();
-}
-
-const char* markPath() {
-    return std::getenv("PERCH_HOSTILE_MARK");
-}
-
-// In a session of its own, without the process that started it; its number is in the file that marks the
-// deed.
-[[noreturn]] void becomeDaemon() {
-    setsid();
-    if (fork() != 0) _exit(0);
-    if (const int mark = open(markPath(), O_WRONLY); mark >= 0) dprintf(mark, "%d", getpid());
-    waitForEver();
-}
-
-void waitForMark() {
-    struct stat mark {};
-    while (stat(markPath(), &mark) == 0 && mark.st_size == 0)
-        usleep(1000);
-}
-
-struct Named {
-    const char* name;
-    Deed deed;
-};
-
-PF_Handle newHandle(const Scene& s, A_u_longlong size) {
-    return s.in->utils->host_new_handle(size);
-}
-
-PF_ParamDef plainParameter(PF_ParamType type) {
-    PF_ParamDef definition{};
-    definition.param_type = type;
-    std::strcpy(definition.name, "Plain");
-    return definition;
-}
-
-PF_Err addParameters(const Scene& s, int count) {
-    PF_ParamDef definition = plainParameter(PF_Param_SLIDER);
-    for (int i = 0; i < count; ++i)
-        if (const PF_Err code = s.in->inter.add_param(s.in->effect_ref, -1, &definition)) return code;
-    s.out->num_params = count + 1;
-    return PF_Err_NONE;
-}
-
-const Named kDeeds[] = {
-    // Ends of the program.
-    {"read", [](const Scene&) -> PF_Err { return *gNowhere; }},
-    {"write", [](const Scene&) -> PF_Err { return *gNowhere = 1; }},
-    {"call", [](const Scene&) -> PF_Err { return reinterpret_cast<PF_Err (*)()>(gNowhere)(); }},
-    {"bus",
-     [](const Scene&) -> PF_Err {
-         const int file = memfd_create("empty", 0);
-         return *static_cast<volatile char*>(mmap(nullptr, 4096, PROT_READ, MAP_SHARED, file, 0));
-     }},
-    {"divide", [](const Scene&) -> PF_Err { return 1000 / gZero; }},
-    {"trap", [](const Scene&) -> PF_Err { __builtin_trap(); }},
-    {"abort", [](const Scene&) -> PF_Err { std::abort(); }},
-    {"terminate", [](const Scene&) -> PF_Err { std::terminate(); }},
-    {"overflow", [](const Scene&) -> PF_Err { return useUpTheStack(0); }},
-    {"kill", [](const Scene&) -> PF_Err { return raise(SIGKILL); }},
-    {"alarm",
-     [](const Scene&) -> PF_Err {
-         alarm(1);
-         waitForEver();
-     }},
-    {"exit0", [](const Scene&) -> PF_Err { std::exit(0); }},
-    {"exit7", [](const Scene&) -> PF_Err { std::exit(7); }},
-    {"_exit0", [](const Scene&) -> PF_Err { _exit(0); }},
-    {"quick_exit0", [](const Scene&) -> PF_Err { std::quick_exit(0); }},
-    {"exec", [](const Scene&) -> PF_Err { return execl("/bin/true", "true", nullptr); }},
-    {"signal-parent",
-     [](const Scene&) -> PF_Err {
-         kill(getppid(), SIGTERM);
-         waitForEver();
-     }},
-    {"throw", [](const Scene&) -> PF_Err { throw 5; }},
-    {"throw-error", [](const Scene&) -> PF_Err { throw std::runtime_error("no"); }},
-    // Ends that do not come.
-    {"hang", [](const Scene&) -> PF_Err { waitForEver(); }},
-    {"spin",
-     [](const Scene&) -> PF_Err {
-         while (gZero == 0) {
-         }
-         return 0;
-     }},
-    {"stop", [](const Scene&) -> PF_Err { return raise(SIGSTOP); }},
-    {"deaf",
-     [](const Scene&) -> PF_Err {
-         sigset_t all;
-         sigfillset(&all);
-         sigprocmask(SIG_BLOCK, &all, nullptr);
-         waitForEver();
-     }},
-    // What a host can go on after.
-    {"error", [](const Scene&) -> PF_Err { return -1; }},
-    {"cancel", [](const Scene&) -> PF_Err { return PF_Interrupt_CANCEL; }},
-    {"long-message",
-     [](const Scene& s) -> PF_Err {
-         std::memset(s.out->return_msg, 'x', sizeof s.out->return_msg);
-         return 0;
-     }},
-    {"escapes",
-     [](const Scene& s) -> PF_Err {
-         std::strcpy(s.out->return_msg,
-                     "\x1B[2Jred\x1B]0;owned\a\xC2\x9B"
-                     "31m");
-         return 0;
-     }},
-    {"noise",
-     [](const Scene&) -> PF_Err {
-         std::puts("noise");
-         return static_cast<PF_Err>(write(STDOUT_FILENO, "noise\n", 6) == 6 ? 0 : 1);
-     }},
-    {"close-outputs",
-     [](const Scene&) -> PF_Err {
-         close(STDOUT_FILENO);
-         close(STDERR_FILENO);
-         return 0;
-     }},
-    {"close-all-fail",
-     [](const Scene&) -> PF_Err {
-         close_range(0, ~0U, 0);
-         return -1;
-     }},
-    {"fork",
-     [](const Scene&) -> PF_Err {
-         if (fork() == 0) waitForEver();
-         return 0;
-     }},
-    {"daemon",
-     [](const Scene&) -> PF_Err {
-         if (fork() == 0) becomeDaemon();
-         waitForMark();
-         return 0;
-     }},
-    {"daemon-and-abort",
-     [](const Scene&) -> PF_Err {
-         if (fork() == 0) becomeDaemon();
-         waitForMark();
-         std::abort();
-     }},
-    {"end-while-writing",
-     [](const Scene&) -> PF_Err {
-         std::signal(SIGXFSZ, SIG_DFL);
-         const rlimit few{16, 16};
-         return setrlimit(RLIMIT_FSIZE, &few);
-     }},
-    {"two-of-us", [](const Scene&) -> PF_Err { return fork() < 0 ? 1 : 0; }},
-    {"folder", [](const Scene&) -> PF_Err { return chdir("/"); }},
-    {"rounding", [](const Scene&) -> PF_Err { return std::fesetround(FE_UPWARD); }},
-    {"handler",
-     [](const Scene&) -> PF_Err {
-         std::signal(SIGINT, SIG_IGN);
-         return 0;
-     }},
-    {"table",
-     [](const Scene& s) -> PF_Err {
-         s.in->utils->host_new_handle = nullptr;
-         return 0;
-     }},
-    {"leave-thread",
-     [](const Scene&) -> PF_Err {
-         std::thread([] { waitForEver(); }).detach();
-         return 0;
-     }},
-    {"file-limit",
-     [](const Scene&) -> PF_Err {
-         const rlimit none{0, 0};
-         return setrlimit(RLIMIT_FSIZE, &none);
-     }},
-    {"many-parameters", [](const Scene& s) -> PF_Err { return addParameters(s, 10000); }},
-    {"unknown-parameter",
-     [](const Scene& s) -> PF_Err {
-         PF_ParamDef definition = plainParameter(99);
-         s.out->num_params = 2;
-         return s.in->inter.add_param(s.in->effect_ref, -1, &definition);
-     }},
-    {"long-name",
-     [](const Scene& s) -> PF_Err {
-         PF_ParamDef definition = plainParameter(PF_Param_SLIDER);
-         std::memset(definition.name, 'n', sizeof definition.name);
-         s.out->num_params = 2;
-         return s.in->inter.add_param(s.in->effect_ref, -1, &definition);
-     }},
-    {"wrong-count",
-     [](const Scene& s) -> PF_Err {
-         s.out->num_params = 1000000;
-         return 0;
-     }},
-    {"huge-output",
-     [](const Scene& s) -> PF_Err {
-         s.out->width = s.out->height = 2000000000;
-         return 0;
-     }},
-    {"handle-left",
-     [](const Scene& s) -> PF_Err {
-         newHandle(s, 40);
-         return 0;
-     }},
-    {"handle-overrun",
-     [](const Scene& s) -> PF_Err {
-         const PF_Handle handle = newHandle(s, 40);
-         (*handle)[40] = 1;
-         s.in->utils->host_dispose_handle(handle);
-         return 0;
-     }},
-    {"handle-twice",
-     [](const Scene& s) -> PF_Err {
-         const PF_Handle handle = newHandle(s, 40);
-         s.in->utils->host_dispose_handle(handle);
-         s.in->utils->host_dispose_handle(handle);
-         return 0;
-     }},
-    {"left-and-abort",
-     [](const Scene& s) -> PF_Err {
-         const PF_Handle handle = newHandle(s, 40);
-         s.in->utils->host_dispose_handle(handle);
-         s.in->utils->host_dispose_handle(handle);
-         std::abort();
-     }},
-    {"handle-wild",
-     [](const Scene& s) -> PF_Err {
-         const auto wild = reinterpret_cast<PF_Handle>(std::uintptr_t{0x1234});
-         s.in->utils->host_lock_handle(wild);
-         s.in->utils->host_unlock_handle(wild);
-         s.in->utils->host_dispose_handle(wild);
-         return 0;
-     }},
-    {"data-wild",
-     [](const Scene& s) -> PF_Err {
-         s.out->sequence_data = reinterpret_cast<PF_Handle>(std::uintptr_t{0x1234});
-         return 0;
-     }},
-    {"world-left",
-     [](const Scene& s) -> PF_Err {
-         PF_EffectWorld world{};
-         return s.in->utils->new_world(s.in->effect_ref, 4, 4, 0, &world);
-     }},
-    {"world-wild",
-     [](const Scene& s) -> PF_Err {
-         PF_EffectWorld world{};
-         world.width = world.height = 4;
-         world.rowbytes = 16;
-         world.data = reinterpret_cast<PF_PixelPtr>(std::uintptr_t{0x1230});
-         const PF_Pixel color{};
-         s.in->utils->fill(s.in->effect_ref, &color, nullptr, &world);
-         return s.in->utils->dispose_world(s.in->effect_ref, &world) != 0 ? 0 : 1;
-     }},
-    {"world-nowhere",
-     [](const Scene& s) -> PF_Err {
-         auto* const wild = reinterpret_cast<PF_EffectWorld*>(std::uintptr_t{0x1230});
-         s.in->utils->copy(s.in->effect_ref, wild, s.output, nullptr, nullptr);
-         return s.in->utils->dispose_world(s.in->effect_ref, wild) != 0 ? 0 : 1;
-     }},
-    {"world-twice",
-     [](const Scene& s) -> PF_Err {
-         PF_EffectWorld world{};
-         s.in->utils->new_world(s.in->effect_ref, 4, 4, 0, &world);
-         PF_EffectWorld again = world;
-         s.in->utils->dispose_world(s.in->effect_ref, &world);
-         return s.in->utils->dispose_world(s.in->effect_ref, &again) != 0 ? 0 : 1;
-     }},
-    {"sample-wild",
-     [](const Scene& s) -> PF_Err {
-         PF_EffectWorld wild = *s.output;
-         wild.data = reinterpret_cast<PF_PixelPtr>(std::uintptr_t{0x1230});
-         PF_SampPB params{};
-         params.src = &wild;
-         PF_Pixel sample{};
-         return s.in->utils->subpixel_sample(s.in->effect_ref, 0, 0, &params, &sample) != 0 ? 0 : 1;
-     }},
-    {"iterate-grown",
-     [](const Scene& s) -> PF_Err {
-         PF_EffectWorld larger = *s.output;
-         larger.height = 100000;
-         const auto leave = [](void*, A_long, A_long, PF_Pixel*, PF_Pixel*) { return PF_Err{0}; };
-         return s.in->utils->iterate(s.in, 0, 1, nullptr, nullptr, nullptr, leave, &larger) != 0 ? 0 : 1;
-     }},
-    {"block-wild",
-     [](const Scene& s) -> PF_Err {
-         void* moved = nullptr;
-         s.in->pica_basicP->ReallocateBlock(reinterpret_cast<void*>(std::uintptr_t{0x1230}), 8, &moved);
-         return s.in->pica_basicP->FreeBlock(reinterpret_cast<void*>(std::uintptr_t{0x1230})) != 0 ? 0 : 1;
-     }},
-    {"parameters-on-threads",
-     [](const Scene& s) -> PF_Err {
-         std::vector<std::thread> threads;
-         for (int i = 0; i < 4; ++i)
-             threads.emplace_back([&s] { addParameters(s, 100); });
-         for (std::thread& thread : threads)
-             thread.join();
-         s.out->num_params = 401;
-         return 0;
-     }},
-    {"world-grown",
-     [](const Scene& s) -> PF_Err {
-         PF_EffectWorld grown{};
-         s.in->utils->new_world(s.in->effect_ref, 4, 4, 0, &grown);
-         PF_EffectWorld larger = grown;
-         larger.height = 100000;
-         const PF_Pixel color{1, 2, 3, 4};
-         s.in->utils->fill(s.in->effect_ref, &color, nullptr, &larger);
-         return s.in->utils->dispose_world(s.in->effect_ref, &grown);
-     }},
-    {"checkout-left",
-     [](const Scene& s) -> PF_Err {
-         PF_ParamDef param{};
-         return s.in->inter.checkout_param(s.in->effect_ref, 0, 0, 1, 24, &param);
-     }},
-    {"checkout-wild",
-     [](const Scene& s) -> PF_Err {
-         PF_ParamDef param{};
-         s.in->inter.checkout_param(s.in->effect_ref, 1000000, 0, 1, 24, &param);
-         s.in->inter.checkin_param(s.in->effect_ref, &param);
-         return 0;
-     }},
-    {"suite-null",
-     [](const Scene& s) -> PF_Err {
-         s.in->pica_basicP->AcquireSuite(nullptr, 1, nullptr);
-         return s.in->pica_basicP->ReleaseSuite("never acquired", 1) != 0 ? 0 : 1;
-     }},
-    {"foreign-reference", [](const Scene& s) -> PF_Err { return s.in->inter.abort(nullptr) != 0 ? 0 : 1; }},
-    {"block-left",
-     [](const Scene& s) -> PF_Err {
-         void* block = nullptr;
-         return s.in->pica_basicP->AllocateBlock(64, &block);
-     }},
-    {"beyond-row",
-     [](const Scene& s) -> PF_Err {
-         if (s.output->rowbytes > s.output->width * 4) s.output->data[s.output->width].red ^= 1;
-         return 0;
-     }},
-    {"write-input",
-     [](const Scene& s) -> PF_Err {
-         s.params[0]->u.ld.data[0].red ^= 1;
-         return 0;
-     }},
-};
 
 std::string_view wanted() {
     const char* const text = std::getenv("PERCH_HOSTILE");
@@ -400,12 +28,7 @@ bool isPlace(std::string_view place) {
 }
 
 PF_Err doIt(const Scene& scene) {
-    const std::string_view name = wanted().substr(0, wanted().find('@'));
-    if (const char* const mark = markPath()) close(creat(mark, 0600));
-    for (const Named& named : kDeeds)
-        if (named.name == name) return named.deed(scene);
-    std::fprintf(stderr, "there is no deed like %s\n", std::string(wanted()).c_str());
-    return 999;
+    return doDeed(wanted().substr(0, wanted().find('@')), scene);
 }
 
 // Loaded and unloaded with the library.
@@ -430,28 +53,106 @@ PF_Err render(Scene& scene) {
     return scene.in->utils->iterate(scene.in, 0, 1, nullptr, nullptr, &scene, makeGrey, scene.output);
 }
 
-const char* nameOf(PF_Cmd command) {
+// What the parameter declared for arbitrary data and the sequence's data hold.
+PF_Handle newHandle(const Scene& scene) {
+    return scene.in->utils->host_new_handle(4);
+}
+
+struct Command {
+    PF_Cmd command;
+    const char* name;
+};
+
+constexpr Command kCommands[] = {
+    {PF_Cmd_ABOUT, "ABOUT"},
+    {PF_Cmd_GLOBAL_SETUP, "GLOBAL_SETUP"},
+    {PF_Cmd_PARAMS_SETUP, "PARAMS_SETUP"},
+    {PF_Cmd_SEQUENCE_SETUP, "SEQUENCE_SETUP"},
+    {PF_Cmd_SEQUENCE_RESETUP, "SEQUENCE_RESETUP"},
+    {PF_Cmd_SEQUENCE_FLATTEN, "SEQUENCE_FLATTEN"},
+    {PF_Cmd_USER_CHANGED_PARAM, "USER_CHANGED_PARAM"},
+    {PF_Cmd_UPDATE_PARAMS_UI, "UPDATE_PARAMS_UI"},
+    {PF_Cmd_ARBITRARY_CALLBACK, "ARBITRARY_CALLBACK"},
+    {PF_Cmd_FRAME_SETUP, "FRAME_SETUP"},
+    {PF_Cmd_RENDER, "RENDER"},
+    {PF_Cmd_SMART_PRE_RENDER, "SMART_PRE_RENDER"},
+    {PF_Cmd_SMART_RENDER, "SMART_RENDER"},
+    {PF_Cmd_FRAME_SETDOWN, "FRAME_SETDOWN"},
+    {PF_Cmd_SEQUENCE_SETDOWN, "SEQUENCE_SETDOWN"},
+    {PF_Cmd_GLOBAL_SETDOWN, "GLOBAL_SETDOWN"},
+};
+
+bool isPlace(PF_Cmd command, const PF_InData& in) {
+    constexpr A_long kMarkedFrame = 5;
+    if (command == PF_Cmd_FRAME_SETUP && in.current_time == kMarkedFrame * in.time_step && isPlace("frame5"))
+        return true;
+    for (const Command& known : kCommands)
+        if (known.command == command && isPlace(known.name)) return true;
+    return false;
+}
+
+bool isSmart() {
+    return isPlace("SMART_PRE_RENDER") || isPlace("SMART_RENDER") || isPlace("deleting");
+}
+
+bool isSaved() {
+    return isPlace("SEQUENCE_FLATTEN") || isPlace("SEQUENCE_RESETUP");
+}
+
+PF_Err declare(const Scene& scene) {
+    scene.out->my_version = PF_VERSION(1, 0, 0, PF_Stage_DEVELOP, 1);
+    if (isSmart()) scene.out->out_flags2 = PF_OutFlag2_SUPPORTS_SMART_RENDER;
+    if (isSaved()) scene.out->out_flags = PF_OutFlag_SEQUENCE_DATA_NEEDS_FLATTENING;
+    return PF_Err_NONE;
+}
+
+PF_Err declareParameters(const Scene& scene) {
+    scene.out->num_params = 1;
+    const bool isArbitrary = isPlace("ARBITRARY_CALLBACK");
+    if (!isArbitrary && !isPlace("USER_CHANGED_PARAM") && !isPlace("UPDATE_PARAMS_UI")) return PF_Err_NONE;
+    scene.out->num_params = 2;
+    PF_ParamDef definition = plainParameter(isArbitrary ? PF_Param_ARBITRARY_DATA : PF_Param_CHECKBOX);
+    definition.flags = PF_ParamFlag_SUPERVISE;
+    if (isArbitrary) definition.u.arb_d.dephault = newHandle(scene);
+    return scene.in->inter.add_param(scene.in->effect_ref, -1, &definition);
+}
+
+void doItWhereKept(void*) {
+    doIt({});
+}
+
+PF_Err preRender(const PF_PreRenderExtra& extra) {
+    static char kept = 0;
+    extra.output->result_rect = extra.output->max_result_rect = extra.input->output_request.rect;
+    if (isPlace("deleting")) {
+        extra.output->pre_render_data = &kept;
+        extra.output->delete_pre_render_data_func = doItWhereKept;
+    }
+    return PF_Err_NONE;
+}
+
+PF_Err renderSmart(Scene& scene, const PF_SmartRenderExtra& extra) {
+    if (const PF_Err code = extra.cb->checkout_output(scene.in->effect_ref, &scene.output)) return code;
+    return render(scene);
+}
+
+PF_Err behave(PF_Cmd command, Scene& scene, void* extra) {
     switch (command) {
-        case PF_Cmd_ABOUT:
-            return "ABOUT";
         case PF_Cmd_GLOBAL_SETUP:
-            return "GLOBAL_SETUP";
+            return declare(scene);
         case PF_Cmd_PARAMS_SETUP:
-            return "PARAMS_SETUP";
+            return declareParameters(scene);
         case PF_Cmd_SEQUENCE_SETUP:
-            return "SEQUENCE_SETUP";
-        case PF_Cmd_FRAME_SETUP:
-            return "FRAME_SETUP";
+            if (isSaved()) scene.out->sequence_data = newHandle(scene);
+            return PF_Err_NONE;
         case PF_Cmd_RENDER:
-            return "RENDER";
-        case PF_Cmd_FRAME_SETDOWN:
-            return "FRAME_SETDOWN";
-        case PF_Cmd_SEQUENCE_SETDOWN:
-            return "SEQUENCE_SETDOWN";
-        case PF_Cmd_GLOBAL_SETDOWN:
-            return "GLOBAL_SETDOWN";
+            return isSmart() ? PF_Err{PF_Err_NONE} : render(scene);
+        case PF_Cmd_SMART_PRE_RENDER:
+            return preRender(*static_cast<PF_PreRenderExtra*>(extra));
+        case PF_Cmd_SMART_RENDER:
+            return renderSmart(scene, *static_cast<PF_SmartRenderExtra*>(extra));
         default:
-            return "";
+            return PF_Err_NONE;
     }
 }
 
@@ -459,12 +160,14 @@ const char* nameOf(PF_Cmd command) {
 
 extern "C" __attribute__((visibility("default"))) PF_Err PluginMain(PF_Cmd cmd, PF_InData* in,
                                                                     PF_OutData* out, PF_ParamDef* params[],
-                                                                    PF_LayerDef* output, void*) {
+                                                                    PF_LayerDef* output, void* extra) {
     Scene scene{in, out, params, output};
-    if (cmd == PF_Cmd_GLOBAL_SETUP) out->my_version = PF_VERSION(1, 0, 0, PF_Stage_DEVELOP, 1);
-    if (cmd == PF_Cmd_PARAMS_SETUP) out->num_params = 1;
-    PF_Err code = PF_Err_NONE;
-    if (isPlace(nameOf(cmd))) code = doIt(scene);
-    if (cmd == PF_Cmd_RENDER && code == PF_Err_NONE) code = render(scene);
-    return code;
+    if (!isPlace(cmd, *in)) return behave(cmd, scene, extra);
+    if (cmd == PF_Cmd_RENDER) {
+        const PF_Err code = doIt(scene);
+        return code == PF_Err_NONE ? behave(cmd, scene, extra) : code;
+    }
+    // The deed has the last word where it declares or keeps something.
+    const PF_Err code = behave(cmd, scene, extra);
+    return code == PF_Err_NONE ? doIt(scene) : code;
 }

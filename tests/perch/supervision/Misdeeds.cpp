@@ -77,7 +77,8 @@ const Misdeed kOthers[] = {
     {"rounding", "RENDER", End::Tolerated, "RENDER: the rounding mode was changed"},
     {"handler", "RENDER", End::Tolerated, "RENDER: the handler of SIGINT was changed"},
     {"table", "FRAME_SETDOWN", End::Tolerated, "FRAME_SETDOWN: a table of callbacks was changed"},
-    {"leave-thread", "RENDER", End::Tolerated, "GLOBAL_SETDOWN: 1 of the effect's threads have not ended"},
+    {"leave-thread", "RENDER", End::Tolerated,
+     "GLOBAL_SETDOWN: threads of the effect that have not ended: 1"},
     {"wrong-count", "PARAMS_SETUP", End::Tolerated, "PARAMS_SETUP: num_params is 1000000"},
     {"huge-output", "FRAME_SETUP", End::Tolerated, "FRAME_SETUP: another output size is asked for"},
     {"handle-left", "RENDER", End::Tolerated, "a handle of 40 bytes was never disposed"},
@@ -118,7 +119,37 @@ std::vector<Misdeed> makeAll() {
     return all;
 }
 
+// Under sanitizers a crash is an exit after a report of their own.
+std::vector<std::string> wordsFor(End end) {
+    switch (end) {
+        case End::Crash:
+            return {"crashed", "ended the program"};
+        case End::Exit:
+            return {"ended the program"};
+        case End::Throw:
+            return {"let an exception out"};
+        case End::Hang:
+            return {"did not come back"};
+        case End::Signal:
+            return {"sent the program a signal"};
+        default:
+            return {};
+    }
+}
+
 }  // namespace
+
+bool endsTheEffect(End end) {
+    return end != End::Failure && end != End::Tolerated;
+}
+
+bool tellsOfTheEnd(const std::string& text, End end, const std::string& command) {
+    for (const std::string& how : wordsFor(end))
+        for (const char* const when : {" at ", " after "})
+            if (text.find("the effect \"Hostile.so\" " + how + when + command) != std::string::npos)
+                return true;
+    return false;
+}
 
 const std::vector<Misdeed>& misdeeds() {
     static const std::vector<Misdeed> all = makeAll();

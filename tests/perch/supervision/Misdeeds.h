@@ -1,6 +1,7 @@
 // The ways in which Hostile.so can misbehave, and how each has to end.
 #pragma once
 
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -27,5 +28,22 @@ struct Misdeed {
 };
 
 const std::vector<Misdeed>& misdeeds();
+
+// Has Hostile.so do what the mode says, "abort@RENDER", for as long as the object lives.
+class HostileMode {
+public:
+    explicit HostileMode(const std::string& mode) { setenv(kName, mode.c_str(), 1); }
+    ~HostileMode() { unsetenv(kName); }
+    HostileMode(const HostileMode&) = delete;
+    HostileMode& operator=(const HostileMode&) = delete;
+
+private:
+    static constexpr char kName[] = "PERCH_HOSTILE";
+};
+
+bool endsTheEffect(End end);
+
+// Whether the text says that the effect crashed at the command, or what else the end is.
+bool tellsOfTheEnd(const std::string& text, End end, const std::string& command);
 
 }  // namespace perch::test

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <cstdlib>
 
 #include "CommandLine.h"
 #include "Misdeeds.h"
@@ -16,49 +15,9 @@ constexpr auto kInTime = std::chrono::seconds(60);
 const char kPlugin[] = "{plugins}/Hostile.so";
 const std::string kEndOfPng = "IEND\xAE\x42\x60\x82";
 
-// What the effect does is told to it by the environment.
-class Mode {
-public:
-    explicit Mode(const Misdeed& misdeed) { setenv(kName, misdeed.mode().c_str(), 1); }
-    ~Mode() { unsetenv(kName); }
-    Mode(const Mode&) = delete;
-    Mode& operator=(const Mode&) = delete;
-
-private:
-    static constexpr char kName[] = "PERCH_HOSTILE";
-};
-
-bool endsTheEffect(End end) {
-    return end != End::Failure && end != End::Tolerated;
-}
-
-// Under sanitizers a crash is an exit after a report of their own.
-std::vector<std::string> sentencesFor(const Misdeed& misdeed) {
-    switch (misdeed.end) {
-        case End::Crash:
-            return {"crashed", "ended the program"};
-        case End::Exit:
-            return {"ended the program"};
-        case End::Throw:
-            return {"let an exception out"};
-        case End::Hang:
-            return {"did not come back"};
-        case End::Signal:
-            return {"sent the program a signal"};
-        default:
-            return {};
-    }
-}
-
-// "the effect "Hostile.so" crashed at RENDER", in one of the words that do.
 bool tellsOfTheEnd(const std::string& text, const Misdeed& misdeed) {
     const bool isInRender = misdeed.place == "pixel" || misdeed.place == "thread";
-    const std::string command = isInRender ? "RENDER" : misdeed.place;
-    for (const std::string& how : sentencesFor(misdeed))
-        for (const char* const when : {" at ", " after "})
-            if (text.find("the effect \"Hostile.so\" " + how + when + command) != std::string::npos)
-                return true;
-    return false;
+    return tellsOfTheEnd(text, misdeed.end, isInRender ? "RENDER" : misdeed.place);
 }
 
 std::string lastLine(const std::string& text) {
@@ -71,7 +30,7 @@ protected:
     const CommandLine commandLine;
 
     ProgramResult runInTime(const std::string& command) {
-        const Mode mode(GetParam());
+        const HostileMode mode(GetParam().mode());
         const auto start = std::chrono::steady_clock::now();
         ProgramResult result = commandLine.run(command);
         EXPECT_LT(std::chrono::steady_clock::now() - start, kInTime);

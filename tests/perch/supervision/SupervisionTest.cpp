@@ -36,14 +36,14 @@ struct MarkedMode : EnvironmentMode {
     const std::filesystem::path mark;
 };
 
-// An effect that never comes back from its RENDER.
+// An effect that never comes back; it waits for nothing any more.
 struct HangingProgram {
-    HangingProgram() {
-        const MarkedMode mode("hang@RENDER", commandLine);
+    explicit HangingProgram(const char* deed = "hang@RENDER", const char* command = kRender) {
+        const MarkedMode mode(deed, commandLine);
         const std::filesystem::path& mark = mode.mark;
-        program.emplace(commandLine.commandOf(kRender), commandLine.folder);
+        program.emplace(commandLine.commandOf(command), commandLine.folder);
         const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-        while (!std::filesystem::exists(mark) && std::chrono::steady_clock::now() < end)
+        while (bytesOf(mark).empty() && std::chrono::steady_clock::now() < end)
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
 
@@ -55,15 +55,35 @@ struct HangingProgram {
 TEST(SupervisionTest, SecondSignalEndsAnEffectThatDoesNotListen) {
     for (const int signal : {SIGINT, SIGTERM}) {
         HangingProgram hanging;
-        hanging.program->send(signal);
-        std::this_thread::sleep_for(std::chrono::milliseconds(100));
-        hanging.program->send(signal);
+        hanging.program->sendUntilItEnds(signal);
         const ProgramResult result = hanging.program->finish();
         EXPECT_EQ(result.status, 128 + signal);
         EXPECT_NE(result.err.find("was interrupted twice and ended at RENDER"), std::string::npos)
             << result.err;
         EXPECT_EQ(hanging.commandLine.files(), hanging.files);
     }
+}
+
+// The verdicts before it stand, and what stands there can be read.
+TEST(SupervisionTest, InterruptedCheckClosesItsArray) {
+    HangingProgram hanging("hang@RENDER", "perch check --json {plugins}/Hostile.so");
+    hanging.program->send(SIGTERM);
+    const ProgramResult result = hanging.program->finish();
+    EXPECT_EQ(result.status, 143);
+    EXPECT_TRUE(result.out.starts_with("[\n{") && result.out.ends_with("\n]\n")) << result.out;
+    EXPECT_EQ(result.err, "perch: ended by SIGTERM; 2 rules were tried\n");
+}
+
+// The effect has the interrupt end the program as if nobody listened.
+TEST(SupervisionTest, InterruptDoesNotDenyFinishedFrames) {
+    HangingProgram hanging("be-interruptible-and-hang@frame5",
+                           "perch render --plugin {plugins}/Hostile.so -i shot.####.png -o out.####.png "
+                           "--frames 1-3,5 --threads 1");
+    hanging.program->send(SIGINT);
+    const ProgramResult result = hanging.program->finish();
+    EXPECT_EQ(result.status, 130);
+    EXPECT_EQ(result.err, "perch: interrupted; finished frames stay\n");
+    EXPECT_TRUE(hanging.commandLine.has("out.0001.png"));
 }
 
 TEST(SupervisionTest, HangUpEndsTheWorkerAsWell) {
@@ -136,6 +156,18 @@ TEST(SupervisionTest, TimeLimitEndsEveryCommandThatLoadsAnEffect) {
         EXPECT_NE(result.err.find("did not come back at PARAMS_SETUP (ended after 0.2 s"), std::string::npos)
             << result.err;
     }
+}
+
+// It changes the folder while other frames are read and written.
+TEST(SupervisionTest, FilesAreWhereTheCommandLineSaysWhateverTheFolderIs) {
+    const CommandLine commandLine;
+    const EnvironmentMode mode("wander@RENDER");
+    const ProgramResult result = commandLine.run(
+        "perch render --plugin {plugins}/Hostile.so -i shot.####.png -o out.####.png --frames 1-3,5 "
+        "--threads 2");
+    EXPECT_EQ(result.status, 0) << result.err;
+    for (const char* const name : {"out.0001.png", "out.0002.png", "out.0003.png", "out.0005.png"})
+        EXPECT_TRUE(commandLine.has(name)) << name;
 }
 
 TEST(SupervisionTest, WorkerCannotBeStartedByHand) {
