@@ -4,10 +4,10 @@
 
 #include "Affine.h"
 #include "PF_World.h"
+#include "Placement.h"
 
 namespace perch {
 
-struct Placement;
 class WorkerPool;
 
 // What is drawn replaces the pixels of `area`, which lies in `to`, or mixes with them by the placement's

@@ -8,10 +8,10 @@
 #pragma once
 
 #include "PF_World.h"
+#include "Placement.h"
 
 namespace perch {
 
-struct Placement;
 class WorkerPool;
 
 // Mixes two worlds of the size of `to`, which may be either, weighted by alpha: ratio 0 is `a` and 65536 is

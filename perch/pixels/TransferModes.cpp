@@ -21,9 +21,8 @@ double held(double value) {
     return std::clamp(value, 0.0, 1.0);
 }
 
-// The weights of the luminance of television, which colour modes are usually defined by.
 double luminance(const Colour& c) {
-    return 0.3 * c.red + 0.59 * c.green + 0.11 * c.blue;
+    return perch::luminance(c.red, c.green, c.blue);
 }
 
 // Modes that mix each channel by itself: b below, s of the source.
@@ -309,6 +308,10 @@ const Mode* findMode(PF_TransferMode mode) {
 }
 
 }  // namespace
+
+double luminance(double red, double green, double blue) {
+    return 0.3 * red + 0.59 * green + 0.11 * blue;
+}
 
 TransferFunction transferFunction(PF_TransferMode mode) {
     const Mode* const found = findMode(mode);

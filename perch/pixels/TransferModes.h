@@ -21,6 +21,9 @@ struct UnitPixel {
 // `share` is opacity times mask, 0 to 1; at 0 the pixel below stays as it is.
 using TransferFunction = UnitPixel (*)(const UnitPixel& below, const UnitPixel& source, double share);
 
+// By the weights of the luminance of television, which colour modes are usually defined by.
+double luminance(double red, double green, double blue);
+
 // Null for modes that two pixels do not define.
 TransferFunction transferFunction(PF_TransferMode mode);
 // Whether the mode is about alpha, which it changes whether colours alone are asked for or not.

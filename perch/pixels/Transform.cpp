@@ -10,7 +10,7 @@
 #include "PixelAccess.h"
 #include "PixelOps.h"
 #include "PixelSums.h"
-#include "RowRunner.h"
+#include "PixelTransfer.h"
 #include "TransferModes.h"
 #include "WorkerPool.h"
 #include "World.h"
@@ -93,79 +93,12 @@ World drawnApart(const PF_EffectWorld& from, const std::vector<Affine>& toSource
     return drawn;
 }
 
-template <class P>
-UnitPixel toUnit(const P& p) {
-    if constexpr (kHasWholeChannels<P>) {
-        constexpr double kOne = kWhite<P>;
-        return {p.alpha / kOne, p.red / kOne, p.green / kOne, p.blue / kOne};
-    } else {
-        return {p.alpha, p.red, p.green, p.blue};
-    }
-}
-
-template <class P>
-P fromUnit(const UnitPixel& p) {
-    const auto channel = [](double value) {
-        if constexpr (kHasWholeChannels<P>) {
-            constexpr double kOne = kWhite<P>;
-            return static_cast<ChannelOf<P>>(std::floor(std::clamp(value, 0.0, 1.0) * kOne + 0.5));
-        } else {
-            return static_cast<float>(value);
-        }
-    };
-    return {channel(p.alpha), channel(p.red), channel(p.green), channel(p.blue)};
-}
-
-// How much of each pixel of the source shows, as the alpha of a world of the source's size.
-template <class P>
-World coverageOf(const PF_MaskWorld& mask, const PF_EffectWorld& source) {
-    World coverage(source.width, source.height, depthOf(source));
-    for (std::int32_t y = 0; y < source.height; ++y) {
-        P* const row = rowOf<P>(coverage.record(), y);
-        for (std::int32_t x = 0; x < source.width; ++x) {
-            const UnitPixel p = toUnit(pixelOrNothing<P>(mask.mask, std::int64_t{x} - mask.offset.h,
-                                                         std::int64_t{y} - mask.offset.v));
-            const bool isLuminance = (mask.what_is_mask & PF_MaskFlag_LUMINANCE) != 0;
-            const double shown =
-                isLuminance ? p.alpha * (0.3 * p.red + 0.59 * p.green + 0.11 * p.blue) : p.alpha;
-            const bool isInverted = (mask.what_is_mask & PF_MaskFlag_INVERTED) != 0;
-            row[x] = fromUnit<P>({isInverted ? 1 - shown : shown, 0, 0, 0});
-        }
-    }
-    return coverage;
-}
-
-// Puts a drawn picture onto an area of its size, under a mask of that size or none.
-template <class P>
-void transfer(const World& drawn, const World* coverage, TransferFunction function,
-              const Placement& placement, const PF_Rect& area, const RowRunner& runner,
-              const PF_EffectWorld& to) {
-    const bool keepsAlpha = placement.rgbOnly && !isMultiplyAlpha(placement.mode);
-    runner.run([&](std::int32_t firstY, std::int32_t lastY) {
-        for (std::int32_t y = firstY; y < lastY; ++y) {
-            const P* const source = rowOf<P>(drawn.record(), y - area.top);
-            const P* const cover = coverage != nullptr ? rowOf<P>(coverage->record(), y - area.top) : nullptr;
-            P* const out = rowOf<P>(to, y) + area.left;
-            for (std::int32_t x = 0; x < area.right - area.left; ++x) {
-                const double share = placement.opacity * (cover != nullptr ? toUnit(cover[x]).alpha : 1.0);
-                const P result = fromUnit<P>(function(toUnit(out[x]), toUnit(source[x]), share));
-                out[x] = keepsAlpha ? keptAlpha(result, out[x].alpha) : result;
-            }
-        }
-    });
-}
-
-bool isUsableMask(const PF_MaskWorld* mask, const PF_EffectWorld& to) {
-    return mask == nullptr || (depthOf(mask->mask) == depthOf(to) && !lacksPixels(mask->mask));
-}
-
 }  // namespace
 
 PF_Err transformWorld(const PF_EffectWorld& from, std::span<const PF_FloatMatrix> matrices,
                       bool sourceToDestination, const Placement& placement, const PF_Rect* toArea,
                       PF_EffectWorld& to, WorkerPool* workers) {
-    const TransferFunction function = transferFunction(placement.mode);
-    if (depthOf(from) != depthOf(to) || function == nullptr || matrices.empty() ||
+    if (depthOf(from) != depthOf(to) || transferFunction(placement.mode) == nullptr || matrices.empty() ||
         !isUsableMask(placement.mask, to)) {
         return PF_Err_BAD_CALLBACK_PARAM;
     }
@@ -185,13 +118,10 @@ PF_Err transformWorld(const PF_EffectWorld& from, std::span<const PF_FloatMatrix
     }
     if (area.right <= area.left || area.bottom <= area.top) return PF_Err_NONE;
     const World drawn = drawnApart(source, toSource, area, workers);
-    forAnyDepth(to, [&]<class P>() {
-        std::optional<World> coverage;
-        if (placement.mask != nullptr)
-            coverage = drawnApart(coverageOf<P>(*placement.mask, source).record(), toSource, area, workers);
-        transfer<P>(drawn, coverage ? &*coverage : nullptr, function, placement, area,
-                    RowRunner(area, workers), to);
-    });
+    std::optional<World> coverage;
+    if (placement.mask != nullptr)
+        coverage = drawnApart(coverageOf(*placement.mask, source).record(), toSource, area, workers);
+    transferPixels(drawn, coverage ? &*coverage : nullptr, placement, area, workers, to);
     return PF_Err_NONE;
 }
 
