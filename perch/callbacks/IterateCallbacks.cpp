@@ -1,5 +1,4 @@
 // The iterate calls: the effect's function for every pixel, row by row on the workers.
-#include <array>
 #include <atomic>
 #include <cfenv>
 
@@ -7,6 +6,7 @@
 #include "Callbacks.h"
 #include "PixelAccess.h"
 #include "PixelMemory.h"
+#include "SlotName.h"
 
 namespace perch {
 namespace {
@@ -149,12 +149,6 @@ PF_Err iterateWorld(const Iteration<P>& iteration) {
     });
 }
 
-// The slot that is called: the same operation has one for each depth.
-template <typename P>
-const char* nameFor(const std::array<const char*, 3>& names) {
-    return names[static_cast<std::size_t>(kDepthOf<P>)];
-}
-
 // A null origin does not shift.
 PF_Point shiftOf(const PF_Point* origin) {
     return origin != nullptr ? *origin : PF_Point{};
@@ -163,7 +157,7 @@ PF_Point shiftOf(const PF_Point* origin) {
 template <typename P>
 PF_Err iterate(PF_InData*, A_long base, A_long final, PF_EffectWorld* src, const PF_Rect* area, void* refcon,
                typename Iteration<P>::Function function, PF_EffectWorld* dst) {
-    return iterateWorld<P>({.callback = nameFor<P>({"iterate", "iterate16", "iterate of floats"}),
+    return iterateWorld<P>({.callback = slotName<P>({"iterate", "iterate16", "iterate of floats"}),
                             .span = {base, final},
                             .src = src,
                             .area = area,
@@ -179,7 +173,7 @@ PF_Err iterateOrigin(PF_InData*, A_long base, A_long final, PF_EffectWorld* src,
                      const PF_Point* origin, void* refcon, typename Iteration<P>::Function function,
                      PF_EffectWorld* dst) {
     return iterateWorld<P>(
-        {.callback = nameFor<P>({"iterate_origin", "iterate_origin16", "iterate_origin of floats"}),
+        {.callback = slotName<P>({"iterate_origin", "iterate_origin16", "iterate_origin of floats"}),
          .span = {base, final},
          .src = src,
          .area = area,
@@ -195,8 +189,8 @@ PF_Err iterateOriginNonClip(PF_InData*, A_long base, A_long final, PF_EffectWorl
                             const PF_Point* origin, void* refcon, typename Iteration<P>::Function function,
                             PF_EffectWorld* dst) {
     return iterateWorld<P>(
-        {.callback = nameFor<P>({"iterate_origin_non_clip_src", "iterate_origin_non_clip_src16",
-                                 "iterate_origin_non_clip_src of floats"}),
+        {.callback = slotName<P>({"iterate_origin_non_clip_src", "iterate_origin_non_clip_src16",
+                                  "iterate_origin_non_clip_src of floats"}),
          .span = {base, final},
          .src = src,
          .area = area,

@@ -2,7 +2,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
 #include <initializer_list>
 
 #include "CallGuard.h"
@@ -11,6 +10,7 @@
 #include "PixelAccess.h"
 #include "PixelMemory.h"
 #include "PixelOps.h"
+#include "SlotName.h"
 #include "TransferModes.h"
 #include "Transform.h"
 
@@ -37,12 +37,6 @@ PF_Err answerForWorlds(const char* callback, PF_ProgPtr effectRef,
     });
 }
 
-// The slot that is called: the same operation has one for each depth.
-template <typename P>
-const char* nameFor(const std::array<const char*, 3>& names) {
-    return names[static_cast<std::size_t>(kDepthOf<P>)];
-}
-
 PF_Err blend(PF_ProgPtr effectRef, const PF_EffectWorld* a, const PF_EffectWorld* b, PF_Fixed ratio,
              PF_EffectWorld* dst) {
     return answerForWorlds("blend", effectRef, {a, b, dst},
@@ -57,7 +51,7 @@ PF_Err copy(PF_ProgPtr effectRef, PF_EffectWorld* src, PF_EffectWorld* dst, PF_R
 
 template <typename P>
 PF_Err fill(PF_ProgPtr effectRef, const P* color, const PF_Rect* area, PF_EffectWorld* world) {
-    const char* const name = nameFor<P>({"fill", "fill16", "fill_float"});
+    const char* const name = slotName<P>({"fill", "fill16", "fill_float"});
     return answerForWorlds(name, effectRef, {world}, [&](Host&) { return fillWorld(color, area, *world); });
 }
 
@@ -70,7 +64,7 @@ template <typename P>
 PF_Err premultiplyColor(PF_ProgPtr effectRef, PF_EffectWorld* src, const P* color, A_long forward,
                         PF_EffectWorld* dst) {
     const char* const name =
-        nameFor<P>({"premultiply_color", "premultiply_color16", "premultiply_color_float"});
+        slotName<P>({"premultiply_color", "premultiply_color16", "premultiply_color_float"});
     return answerForWorlds(name, effectRef, {src, dst}, [&](Host&) {
         const P black{};
         return premultiplyWorld(*src, color != nullptr ? *color : black, forward != 0, *dst);

@@ -98,10 +98,10 @@ void Frame::takeOutputSize(const PF_OutData& out) {
 
 void Frame::render() {
     Host& host = *sequence.effect.host;
-    const std::int32_t strictPadding =
-        host.ledger.isStrict() ? kStrictRowPadding * pixelSize(request.input->depth()) : 0;
-    output = std::make_unique<World>(request.outputWidth, request.outputHeight, request.input->isDeep(),
-                                     request.outputRowPadding > 0 ? request.outputRowPadding : strictPadding);
+    const PixelDepth depth = request.input->depth();
+    output = std::make_unique<World>(
+        request.outputWidth, request.outputHeight, depth,
+        request.outputRowPadding > 0 ? request.outputRowPadding : rowPaddingFor(host.ledger, depth));
     const bool isSmart = (host.description.flags2 & PF_OutFlag2_SUPPORTS_SMART_RENDER) != 0;
     if (isSmart) markUntouched(*output);
     PF_LayerDef record = output->record();

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <climits>
 #include <cstdlib>
 
 #include "Callbacks.h"
@@ -14,15 +15,9 @@
 namespace perch {
 namespace {
 
+// Of each of the four channels.
 short bitDepthOf(const World& world) {
-    switch (world.depth()) {
-        case PixelDepth::Bits16:
-            return 16;
-        case PixelDepth::Float:
-            return 32;
-        default:
-            return 8;
-    }
+    return static_cast<short>(pixelSize(world.depth()) / 4 * CHAR_BIT);
 }
 
 PF_RenderRequest wholeFrame(const FrameRequest& request) {

@@ -6,6 +6,7 @@
 
 #include "PF_Values.h"
 #include "PixelOps.h"
+#include "WorldLedger.h"
 
 namespace perch {
 namespace {
@@ -61,8 +62,8 @@ PF_Err SmartExchange::checkOut(PF_ParamIndex index, A_long id, const PF_RenderRe
 
 void SmartExchange::makeOutput(const PF_LRect& rect) {
     const PixelDepth depth = request.input->depth();
-    const std::int32_t strictPadding = ledger.isStrict() ? kStrictRowPadding * pixelSize(depth) : 0;
-    const std::int32_t padding = request.outputRowPadding > 0 ? request.outputRowPadding : strictPadding;
+    const std::int32_t padding =
+        request.outputRowPadding > 0 ? request.outputRowPadding : rowPaddingFor(ledger, depth);
     output.emplace(rect.right - rect.left, rect.bottom - rect.top, depth, padding);
     outputRecord = output->record();
     outputRecord.origin_x = rect.left;
@@ -79,9 +80,8 @@ void SmartExchange::fill(Layer& layer) const {
         layer.record = picture.record();
         return;
     }
-    const std::int32_t padding = ledger.isStrict() ? kStrictRowPadding * pixelSize(picture.depth()) : 0;
-    layer.copy =
-        std::make_unique<World>(rect.right - rect.left, rect.bottom - rect.top, picture.depth(), padding);
+    layer.copy = std::make_unique<World>(rect.right - rect.left, rect.bottom - rect.top, picture.depth(),
+                                         rowPaddingFor(ledger, picture.depth()));
     copyWorld(picture.record(), &rect, layer.copy->record(), nullptr);
     layer.checksum = layer.copy->checksum();
     layer.record = layer.copy->record();

@@ -7,6 +7,11 @@
 
 namespace perch {
 
+std::int32_t rowPaddingFor(const Ledger& ledger, PixelDepth depth) {
+    constexpr std::int32_t kPixels = 3;
+    return ledger.isStrict() ? kPixels * pixelSize(depth) : 0;
+}
+
 PF_Err WorldLedger::allocate(std::int32_t width, std::int32_t height, PixelDepth depth, PF_EffectWorld& world,
                              const char* callback) {
     world = {};
@@ -15,8 +20,7 @@ PF_Err WorldLedger::allocate(std::int32_t width, std::int32_t height, PixelDepth
                                            kLargestExtent));
         return PF_Err_BAD_CALLBACK_PARAM;
     }
-    const std::int32_t padding = ledger.isStrict() ? kStrictRowPadding * pixelSize(depth) : 0;
-    auto owned = std::make_unique<World>(width, height, depth, padding);
+    auto owned = std::make_unique<World>(width, height, depth, rowPaddingFor(ledger, depth));
     world = owned->record();
     const std::lock_guard lock(mutex);
     worlds.emplace(world.data, Entry{std::move(owned)});

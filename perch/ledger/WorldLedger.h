@@ -13,11 +13,13 @@
 
 namespace perch {
 
+// Of rows, in bytes: in strict mode a few pixels, so that an effect that ignores rowbytes is found out.
+std::int32_t rowPaddingFor(const Ledger& ledger, PixelDepth depth);
+
 class WorldLedger {
 public:
     explicit WorldLedger(Ledger& ledger) : ledger(ledger) {}
 
-    // Rows are padded in strict mode, so that an effect that ignores rowbytes is found out.
     PF_Err allocate(std::int32_t width, std::int32_t height, PixelDepth depth, PF_EffectWorld& world,
                     const char* callback);
     // Empties the record.

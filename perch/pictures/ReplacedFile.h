@@ -12,7 +12,8 @@
 
 #include <filesystem>
 #include <span>
-#include <string>
+
+#include "TemporaryFileWatcher.h"
 
 namespace pictures {
 
@@ -26,13 +27,6 @@ void replaceFile(const std::filesystem::path& path, std::span<const unsigned cha
 
 // Removes the temporary files of writes under way, which then fail. Can be called from a signal handler.
 void removeTemporaryFiles();
-
-// Who is told of each temporary file from before it is made until it is gone, to remove it where this process
-// cannot. On any thread.
-struct TemporaryFileWatcher {
-    void (*appears)(const std::string& path);
-    void (*isGone)(const std::string& path);
-};
 
 // To be called before the first write.
 void watchTemporaryFiles(const TemporaryFileWatcher& watcher);

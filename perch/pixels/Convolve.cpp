@@ -68,11 +68,11 @@ Shape shapeOf(const Kernels& kernels) {
 
 // Whole numbers for whole channels; a hostile kernel wraps around instead of overflowing.
 template <class P>
-using SumOf = std::conditional_t<std::is_same_v<P, PF_PixelFloat>, double, std::uint64_t>;
+using SumOf = std::conditional_t<kHasWholeChannels<P>, std::uint64_t, double>;
 
 template <class P>
 ChannelOf<P> channelFrom(SumOf<P> sum, std::int64_t unity, bool clamps) {
-    if constexpr (std::is_same_v<P, PF_PixelFloat>) {
+    if constexpr (!kHasWholeChannels<P>) {
         return static_cast<float>(sum / static_cast<double>(unity));
     } else {
         // Rounded to the nearest, halves upwards.

@@ -9,7 +9,6 @@
 #include "PixelSums.h"
 #include "RowRunner.h"
 #include "ScaleAxis.h"
-#include "Transform.h"
 
 namespace perch {
 namespace {
@@ -130,15 +129,7 @@ struct NoOpaqueRows {
 };
 
 template <class P>
-struct RowDrawerOf {
-    using Type = OpaqueRows<P>;
-};
-template <>
-struct RowDrawerOf<PF_PixelFloat> {
-    using Type = NoOpaqueRows;
-};
-template <class P>
-using RowDrawer = typename RowDrawerOf<P>::Type;
+using RowDrawer = std::conditional_t<kHasWholeChannels<P>, OpaqueRows<P>, NoOpaqueRows>;
 
 template <class P>
 void drawScaled(const PF_EffectWorld& from, const Affine& toSource, const Placement& placement,

@@ -11,22 +11,23 @@ namespace perch {
 enum class PixelDepth { Bits8, Bits16, Float };
 
 // The interface has no flag for floating-point worlds, so the host marks its own in a field that it reserves.
-inline char floatWorldMark = 0;
+inline char gFloatWorldMark = 0;
 
 inline PixelDepth depthOf(const PF_EffectWorld& world) {
-    if (world.reserved0 == &floatWorldMark) return PixelDepth::Float;
+    if (world.reserved0 == &gFloatWorldMark) return PixelDepth::Float;
     return (world.world_flags & PF_WorldFlag_DEEP) != 0 ? PixelDepth::Bits16 : PixelDepth::Bits8;
 }
 
 constexpr std::int32_t pixelSize(PixelDepth depth) {
     switch (depth) {
+        case PixelDepth::Bits8:
+            return sizeof(PF_Pixel);
         case PixelDepth::Bits16:
             return sizeof(PF_Pixel16);
         case PixelDepth::Float:
-            return sizeof(PF_PixelFloat);
-        default:
-            return sizeof(PF_Pixel);
+            break;
     }
+    return sizeof(PF_PixelFloat);
 }
 
 // The depth of worlds that hold pixels of type P.

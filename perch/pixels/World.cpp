@@ -23,7 +23,7 @@ World::World(std::int32_t width, std::int32_t height, PixelDepth depth, std::int
     world.width = width;
     world.height = height;
     world.world_flags = PF_WorldFlag_WRITEABLE | (depth == PixelDepth::Bits16 ? PF_WorldFlag_DEEP : 0);
-    if (depth == PixelDepth::Float) world.reserved0 = &floatWorldMark;
+    if (depth == PixelDepth::Float) world.reserved0 = &gFloatWorldMark;
     world.extent_hint = {0, 0, width, height};
     world.pix_aspect_ratio = {1, 1};
     world.rowbytes = static_cast<A_long>(rowSize()) + rowPadding;

@@ -17,9 +17,6 @@ namespace perch {
 // memory.
 constexpr std::int32_t kLargestExtent = 30000;
 
-// Of rows in strict mode, in pixels: an effect that ignores rowbytes is found out.
-constexpr std::int32_t kStrictRowPadding = 3;
-
 class World {
 public:
     // `rowPadding` is bytes at the end of each row, a multiple of the pixel size. Sizes of 0 are legal: such
