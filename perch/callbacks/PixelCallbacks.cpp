@@ -87,7 +87,8 @@ PF_Err compositeRect(PF_ProgPtr effectRef, PF_Rect* area, A_long opacity, PF_Eff
     const char* const name = "composite_rect";
     return answerForWorlds(name, effectRef, {src, dst}, [&](Host& host) -> PF_Err {
         if (!isOffered(host, name, mode, field)) return PF_Err_BAD_CALLBACK_PARAM;
-        return compositeWorld(*src, area, {mode, opacity / 255.0, false}, x, y, *dst, &host.pool);
+        const double share = std::clamp(opacity, A_long{0}, A_long{255}) / 255.0;
+        return compositeWorld(*src, area, {mode, share, false}, x, y, *dst, &host.pool);
     });
 }
 

@@ -215,15 +215,23 @@ TYPED_TEST(TransferCallbacksTest, PartIsPutWhereItIsAskedForUnderItsPartOfTheMas
 }
 
 TYPED_TEST(TransferCallbacksTest, RectanglesAreCompositedByTheSameFormulas) {
-    for (const PF_TransferMode mode : {PF_Xfer_COPY, PF_Xfer_BEHIND, PF_Xfer_IN_FRONT, PF_Xfer_SCREEN}) {
+    struct Case {
+        PF_TransferMode mode;
+        A_long opacity;
+        double share;
+    };
+    // Opacities outside 0 to 255 are the nearest of them.
+    for (const auto& [mode, opacity, share] :
+         {Case{PF_Xfer_COPY, 153, 0.6}, Case{PF_Xfer_BEHIND, 153, 0.6}, Case{PF_Xfer_IN_FRONT, 153, 0.6},
+          Case{PF_Xfer_SCREEN, 153, 0.6}, Case{PF_Xfer_IN_FRONT, 1000, 1}, Case{PF_Xfer_SCREEN, -5, 0}}) {
         const RenderedFrame frame = this->render([&](const EffectCall& call, PF_EffectWorld* source) {
-            return call.utilities().composite_rect(call.in->effect_ref, nullptr, 153, source, 0, 0,
+            return call.utilities().composite_rect(call.in->effect_ref, nullptr, opacity, source, 0, 0,
                                                    PF_Field_FRAME, mode, call.output);
         });
         this->expectEveryPixel(
             frame,
-            [&](int x, int y) { return expected(mode, this->belowAt(x, y), this->sourceAt(x, y), 0.6); },
-            "mode " + std::to_string(mode));
+            [&](int x, int y) { return expected(mode, this->belowAt(x, y), this->sourceAt(x, y), share); },
+            "mode " + std::to_string(mode) + " by " + std::to_string(opacity));
     }
 }
 
