@@ -29,7 +29,7 @@ PF_Err copyFiltered(PF_ProgPtr effectRef, PF_EffectWorld* src, PF_EffectWorld* d
                     PF_Rect* dstArea);
 
 // What comes with the two commands of smart rendering.
-PF_PreRenderCallbacks* preRenderCallbacks();
-PF_SmartRenderCallbacks* smartRenderCallbacks();
+const PF_PreRenderCallbacks& preRenderCallbacks();
+const PF_SmartRenderCallbacks& smartRenderCallbacks();
 
 }  // namespace perch

@@ -56,14 +56,14 @@ PF_Err checkoutOutput(PF_ProgPtr effectRef, PF_EffectWorld** output) {
 
 }  // namespace
 
-PF_PreRenderCallbacks* preRenderCallbacks() {
-    static PF_PreRenderCallbacks table{checkoutLayer, mixInGuid};
-    return &table;
+const PF_PreRenderCallbacks& preRenderCallbacks() {
+    static constexpr PF_PreRenderCallbacks kTable{checkoutLayer, mixInGuid};
+    return kTable;
 }
 
-PF_SmartRenderCallbacks* smartRenderCallbacks() {
-    static PF_SmartRenderCallbacks table{checkoutLayerPixels, checkinLayerPixels, checkoutOutput};
-    return &table;
+const PF_SmartRenderCallbacks& smartRenderCallbacks() {
+    static constexpr PF_SmartRenderCallbacks kTable{checkoutLayerPixels, checkinLayerPixels, checkoutOutput};
+    return kTable;
 }
 
 }  // namespace perch

@@ -4,6 +4,8 @@
 
 #include <climits>
 #include <cstdlib>
+#include <cstring>
+#include <type_traits>
 
 #include "Callbacks.h"
 #include "Error.h"
@@ -74,6 +76,14 @@ void checkPromise(Host& host, const FrameRequest& request, const PF_PreRenderOut
                                 request.frame, width, height, kLargestExtent, kLargestExtent));
 }
 
+// Each command has a table of its own, so that what the effect writes there ends with the command.
+template <typename Table>
+void checkTable(Host& host, const Table& given, const Table& table) {
+    static_assert(std::has_unique_object_representations_v<Table>);
+    if (std::memcmp(&given, &table, sizeof given) != 0)
+        host.ledger.fault("", "a table of callbacks was changed");
+}
+
 RenderedFrame emptyFrame(const FrameRequest& request) {
     return {World(request.outputWidth, request.outputHeight, request.input->depth()), {}};
 }
@@ -81,13 +91,15 @@ RenderedFrame emptyFrame(const FrameRequest& request) {
 }  // namespace
 
 RenderedFrame renderSmart(Host& host, const FrameRequest& request, PF_Handle& sequenceData) {
-    SmartExchange exchange(host.ledger, request);
+    const bool mayWriteInput = (host.description.flags & PF_OutFlag_I_WRITE_INPUT_BUFFER) != 0;
+    SmartExchange exchange(host.ledger, request, mayWriteInput);
     PreRenderData kept(host);
 
     PF_PreRenderInput preInput{};
     preInput.output_request = wholeFrame(request);
     preInput.bitdepth = bitDepthOf(*request.input);
-    PF_PreRenderExtra preExtra{&preInput, &kept.output, preRenderCallbacks()};
+    PF_PreRenderCallbacks preCallbacks = preRenderCallbacks();
+    PF_PreRenderExtra preExtra{&preInput, &kept.output, &preCallbacks};
     Call preRender{.command = PF_Cmd_SMART_PRE_RENDER,
                    .frame = &request,
                    .values = request.values,
@@ -95,6 +107,7 @@ RenderedFrame renderSmart(Host& host, const FrameRequest& request, PF_Handle& se
                    .extra = &preExtra,
                    .smart = &exchange};
     host.send(preRender);
+    checkTable(host, preCallbacks, preRenderCallbacks());
     host.throwIfFailed(preRender);
     checkPromise(host, request, kept.output);
     RenderedFrame frame = emptyFrame(request);
@@ -106,7 +119,8 @@ RenderedFrame renderSmart(Host& host, const FrameRequest& request, PF_Handle& se
     input.output_request = wholeFrame(request);
     input.bitdepth = bitDepthOf(*request.input);
     input.pre_render_data = kept.output.pre_render_data;
-    PF_SmartRenderExtra extra{&input, smartRenderCallbacks()};
+    PF_SmartRenderCallbacks callbacks = smartRenderCallbacks();
+    PF_SmartRenderExtra extra{&input, &callbacks};
     Call render{.command = PF_Cmd_SMART_RENDER,
                 .frame = &request,
                 .values = request.values,
@@ -114,6 +128,7 @@ RenderedFrame renderSmart(Host& host, const FrameRequest& request, PF_Handle& se
                 .extra = &extra,
                 .smart = &exchange};
     host.send(render);
+    checkTable(host, callbacks, smartRenderCallbacks());
     exchange.finish();
     host.throwIfFailed(render);
     if (!exchange.wasOutputTaken()) {

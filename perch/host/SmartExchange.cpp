@@ -70,13 +70,14 @@ void SmartExchange::makeOutput(const PF_LRect& rect) {
     outputRecord.origin_y = rect.top;
 }
 
-// The pixels that were promised: the picture itself where it is all of it and nobody watches, else a copy.
+// The pixels that were promised: the picture itself where it is all of it, read-only, and nobody watches;
+// else a copy.
 void SmartExchange::fill(Layer& layer) const {
     const World& picture = *layer.picture;
     const PF_LRect& rect = layer.rect;
     const bool isWhole =
         rect.right - rect.left == picture.width() && rect.bottom - rect.top == picture.height();
-    if (isWhole && !ledger.isStrict()) {
+    if (isWhole && !ledger.isStrict() && !mayWrite(layer)) {
         layer.record = picture.record();
         return;
     }
@@ -101,7 +102,7 @@ PF_Err SmartExchange::checkOutPixels(A_long id, PF_EffectWorld*& pixels) {
     Layer& layer = found->second;
     if (layer.wasTaken)
         ledger.fault(callback, fmt::format("the pixels of id {} are checked out again; once is all", id));
-    layer.wasTaken = true;
+    layer.wasTaken = layer.isTaken = true;
     if (layer.picture == nullptr || isEmpty(layer.rect)) return PF_Err_NONE;  // null: none
     if (!layer.isOut) fill(layer);
     layer.isOut = true;
@@ -113,10 +114,11 @@ PF_Err SmartExchange::checkInPixels(A_long id) {
     const std::lock_guard lock(mutex);
     const char* const callback = "checkin_layer_pixels";
     const auto found = layers.find(id);
-    if (found == layers.end() || !found->second.wasTaken) {
+    if (found == layers.end() || !found->second.isTaken) {
         ledger.fault(callback, fmt::format("the pixels of id {} are not checked out", id));
         return PF_Err_BAD_CALLBACK_PARAM;
     }
+    found->second.isTaken = false;
     check(found->second, callback);
     return PF_Err_NONE;
 }
@@ -133,7 +135,7 @@ PF_Err SmartExchange::checkOutOutput(PF_EffectWorld*& pixels) {
 
 void SmartExchange::check(Layer& layer, const char* callback) {
     if (layer.copy != nullptr && ledger.isStrict()) {
-        if (layer.copy->checksum() != layer.checksum)
+        if (!mayWrite(layer) && layer.copy->checksum() != layer.checksum)
             ledger.fault(callback, fmt::format("the pixels of parameter {} were written; they are read-only",
                                                layer.index));
         if (const std::string damage = layer.copy->damage(); !damage.empty())

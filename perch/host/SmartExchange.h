@@ -1,7 +1,7 @@
 // What passes between the host and an effect that renders one frame by rectangles: which parts of which
 // layers it asks for at SMART_PRE_RENDER, and their pixels and the output's at SMART_RENDER. Layers are
-// handed out as worlds of the size that was promised; private copies in strict mode and wherever a part is
-// asked for. The effect's calls may come from any thread.
+// handed out as worlds of the size that was promised; private copies in strict mode, wherever a part is asked
+// for, and of an input that the effect may write. The effect's calls may come from any thread.
 #pragma once
 
 #include <cstdint>
@@ -23,7 +23,8 @@ PF_LRect intersection(const PF_LRect& a, const PF_LRect& b);
 class SmartExchange {
 public:
     // Both must outlive this. The request's values hold the parameters' types.
-    SmartExchange(Ledger& ledger, const FrameRequest& request) : ledger(ledger), request(request) {}
+    SmartExchange(Ledger& ledger, const FrameRequest& request, bool mayWriteInput)
+        : ledger(ledger), request(request), mayWriteInput(mayWriteInput) {}
 
     // At SMART_PRE_RENDER: what the layer can give of what is asked for.
     PF_Err checkOut(PF_ParamIndex index, A_long id, const PF_RenderRequest& asked, PF_CheckoutResult& result);
@@ -51,15 +52,18 @@ private:
         PF_EffectWorld record{};  // as handed out
         std::uint64_t checksum = 0;
         bool wasTaken = false;
-        bool isOut = false;
+        bool isTaken = false;  // and not given back yet
+        bool isOut = false;    // and has pixels
     };
 
     const World* pictureOf(PF_ParamIndex index) const;
+    bool mayWrite(const Layer& layer) const { return mayWriteInput && layer.index == 0; }
     void fill(Layer& layer) const;
     void check(Layer& layer, const char* callback);
 
     Ledger& ledger;
     const FrameRequest& request;
+    const bool mayWriteInput;
     std::mutex mutex;                // of what follows: workers may check out as well
     std::map<A_long, Layer> layers;  // by the effect's id
     std::optional<World> output;

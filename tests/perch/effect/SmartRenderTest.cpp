@@ -305,8 +305,13 @@ TYPED_TEST(SmartRenderTest, CallsThatDoNotFitAreRefused) {
     this->script.on(PF_Cmd_SMART_RENDER, [](const EffectCall& call) {
         PF_EffectWorld* world = nullptr;
         EXPECT_NE(renderExtra(call).cb->checkout_layer_pixels(call.in->effect_ref, 77, &world), 0);
-        EXPECT_NE(renderExtra(call).cb->checkin_layer_pixels(call.in->effect_ref, 0), 0);
-        return invertInput<TypeParam>(call);
+        const auto checkIn = [&] {
+            return renderExtra(call).cb->checkin_layer_pixels(call.in->effect_ref, 0);
+        };
+        EXPECT_NE(checkIn(), 0) << "before the checkout";
+        const PF_Err code = invertInput<TypeParam>(call);
+        EXPECT_NE(checkIn(), 0) << "a second time";
+        return code;
     });
     this->expectInvertedWithin(this->render(), {0, 0, 11, 7});
     EXPECT_EQ(this->found.size(), 5U);
@@ -366,6 +371,48 @@ TEST_F(SmartChoiceTest, AutoPrefersRender) {
     request.smart = SmartUse::On;
     sequence.render(request);
     EXPECT_THAT(seen, ElementsAre("SMART_PRE_RENDER", "SMART_RENDER"));
+}
+
+TEST_F(SmartChoiceTest, EffectThatMayWriteItsInputWritesACopy) {
+    script.declareFlags(PF_OutFlag_I_WRITE_INPUT_BUFFER, PF_OutFlag2_SUPPORTS_SMART_RENDER);
+    script.on(PF_Cmd_SMART_RENDER, [](const EffectCall& call) {
+        PF_EffectWorld* pixels = nullptr;
+        PF_EffectWorld* output = nullptr;
+        EXPECT_EQ(renderExtra(call).cb->checkout_layer_pixels(call.in->effect_ref, 0, &pixels), 0);
+        EXPECT_EQ(renderExtra(call).cb->checkout_output(call.in->effect_ref, &output), 0);
+        pixels->data->red ^= 0xFF;
+        return renderExtra(call).cb->checkin_layer_pixels(call.in->effect_ref, 0);
+    });
+    request.smart = SmartUse::On;
+    const std::uint64_t given = input.checksum();
+    for (const bool isStrict : {false, true}) {
+        HostOptions options;
+        options.strict = isStrict;
+        Effect effect(ScriptedEffect::enter, {}, options);
+        Sequence(effect).render(request);
+        EXPECT_EQ(input.checksum(), given);
+        EXPECT_THAT(faults(effect), IsEmpty());
+    }
+}
+
+TEST_F(SmartChoiceTest, TablesThatAnEffectWritesIntoAreWholeForTheNextFrame) {
+    script.on(PF_Cmd_SMART_PRE_RENDER, [](const EffectCall& call) {
+        const PF_Err code = promiseInput(call);
+        preExtra(call).cb->checkout_layer = nullptr;
+        return code;
+    });
+    script.on(PF_Cmd_SMART_RENDER, [](const EffectCall& call) {
+        const PF_Err code = invertInput<PF_Pixel>(call);
+        renderExtra(call).cb->checkout_output = nullptr;
+        return code;
+    });
+    request.smart = SmartUse::On;
+    Effect effect(ScriptedEffect::enter, {}, strictOptions());
+    Sequence sequence(effect);
+    sequence.render(request);
+    EXPECT_THAT(faults(effect), ElementsAre("SMART_PRE_RENDER: a table of callbacks was changed",
+                                            "SMART_RENDER: a table of callbacks was changed"));
+    sequence.render(request);
 }
 
 TEST_F(SmartChoiceTest, WhatTheEffectDoesNotHaveIsRefusedInWords) {
