@@ -73,7 +73,7 @@ void Sequence::saveArbitraryValues() {
                     "UNFLATTEN_FUNC",
                     fmt::format("the value of parameter {} is another one after it was saved and loaded",
                                 index));
-        } catch (const Error&) {
+        } catch (...) {
             arbitrary.dispose(loaded);
             throw;
         }
@@ -177,13 +177,17 @@ FrameRequest Sequence::completed(const FrameRequest& asked) const {
     if (request.outputHeight <= 0) request.outputHeight = request.input->height();
     if (request.values.empty())
         request.values = effect.defaultValues(request.input->width(), request.input->height());
-    if (request.values.size() != description.parameters.size() + 1)
-        throw Error(fmt::format("{} parameter values for {} parameters", request.values.size() - 1,
-                                description.parameters.size()));
+    requireEveryValue(request.values);
     giveArbitraryValues(request.values);
     for (const Parameter& parameter : description.parameters)
         if (isOfThisLayer(parameter)) request.layers.try_emplace(parameter.index, request.input);
     return request;
+}
+
+void Sequence::requireEveryValue(const ParameterValues& values) const {
+    const std::size_t count = effect.host->description.parameters.size();
+    if (values.size() != count + 1)
+        throw Error(fmt::format("{} values for the input and {} parameters", values.size(), count));
 }
 
 RenderedFrame Sequence::render(const FrameRequest& request) {
@@ -208,6 +212,7 @@ RenderedFrame Sequence::render(const FrameRequest& request) {
 }
 
 void Sequence::userChangedParam(PF_ParamIndex index, ParameterValues& values) {
+    requireEveryValue(values);
     PF_UserChangedParamExtra extra{index};
     const auto place = static_cast<std::size_t>(index);
     if (index < 1 || place >= values.size())
@@ -218,6 +223,7 @@ void Sequence::userChangedParam(PF_ParamIndex index, ParameterValues& values) {
 }
 
 void Sequence::updateParamsUi(ParameterValues& values) {
+    requireEveryValue(values);
     clearChangeFlags(values);
     sendWithValues(PF_Cmd_UPDATE_PARAMS_UI, values, nullptr);
 }

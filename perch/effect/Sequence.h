@@ -29,7 +29,7 @@ public:
     // FRAME_SETUP, RENDER, FRAME_SETDOWN; or SMART_PRE_RENDER, SMART_RENDER, see SmartUse.
     RenderedFrame render(const FrameRequest& request);
     // The user has changed that value; the effect may change others and the look of controls in `values`.
-    // Throws Error when there is no parameter of that index.
+    // Throws Error when there is no parameter of that index, or a value too many or too few.
     void userChangedParam(PF_ParamIndex index, ParameterValues& values);
     // The controls are about to be shown.
     void updateParamsUi(ParameterValues& values);
@@ -43,6 +43,7 @@ private:
     void disposeArbitraryValues();
     void giveArbitraryValues(ParameterValues& values) const;
     FrameRequest completed(const FrameRequest& request) const;
+    void requireEveryValue(const ParameterValues& values) const;
     void resetup();
     void throwIfFailed(const Call& call);
     void setDown() noexcept;

@@ -240,6 +240,17 @@ TEST_F(ParameterTest, ChangesOfTheUserInterfaceComeBackInTheValues) {
     EXPECT_THAT(faults(effect), IsEmpty());
 }
 
+TEST_F(ParameterTest, ChangesAreSentWithAValueForEveryParameterAlone) {
+    script.declareParameters({slider(), floatSlider()});
+    Effect effect(ScriptedEffect::enter, {}, strictOptions());
+    Sequence sequence(effect);
+    for (const std::size_t count : {0U, 2U, 4U}) {
+        ParameterValues values(count);
+        EXPECT_THROW(sequence.userChangedParam(1, values), Error) << count;
+        EXPECT_THROW(sequence.updateParamsUi(values), Error) << count;
+    }
+}
+
 TEST_F(ParameterTest, ChangeThatTheEffectDoesNotDeclareIsPassedOver) {
     script.declareParameters({slider(), floatSlider()});
     const auto change = [](const EffectCall& call) {
