@@ -14,6 +14,16 @@ namespace {
 // More is a mistake in the effect.
 constexpr A_u_long kLargestSize = 1U << 28;
 
+constexpr std::byte kGuard{0xA5};
+
+// Zeros for the effect to write into, and behind them a few bytes that it must leave alone.
+std::vector<std::byte> guardedRoom(A_u_long size) {
+    constexpr std::size_t kGuardSize = 16;
+    std::vector<std::byte> room(size);
+    room.resize(size + kGuardSize, kGuard);
+    return room;
+}
+
 }  // namespace
 
 bool isArbitrary(const Parameter& parameter) {
@@ -35,6 +45,13 @@ void ArbitraryData::send(PF_ArbParamsExtra& extra, const char* function) {
     if (call.code != PF_Err_NONE && resultOf(call).message.empty() && call.refusal.empty())
         call.refusal = fmt::format("{} of parameter {}", function, parameter.index);
     host.throwIfFailed(call);
+}
+
+// Leaves of a guarded room what the effect was to write.
+void ArbitraryData::cutGuard(std::vector<std::byte>& room, A_u_long size, const char* function) {
+    if (std::any_of(room.begin() + size, room.end(), [](std::byte b) { return b != kGuard; }))
+        host.ledger.fault(function, fmt::format("bytes behind the {} that it asked for were written", size));
+    room.resize(size);
 }
 
 // A value that the effect has made. Without one there is nothing to go on with.
@@ -91,19 +108,13 @@ std::vector<std::byte> ArbitraryData::flatten(PF_ArbitraryH value) {
     sizeOf.u.flat_size_func_params.flat_data_sizePLu = &size;
     send(sizeOf, "FLAT_SIZE_FUNC");
     if (size > kLargestSize) throw Error(fmt::format("FLAT_SIZE_FUNC asks for {} bytes", size));
-    // Behind the bytes a few that the effect must leave alone.
-    constexpr std::byte kGuard{0xA5};
-    constexpr std::size_t kGuardSize = 16;
-    std::vector<std::byte> bytes(size + kGuardSize, kGuard);
+    std::vector<std::byte> bytes = guardedRoom(size);
     PF_ArbParamsExtra extra = request(PF_Arbitrary_FLATTEN_FUNC);
     extra.u.flatten_func_params.arbH = value;
     extra.u.flatten_func_params.buf_sizeLu = size;
     extra.u.flatten_func_params.flat_dataPV = bytes.data();
     send(extra, "FLATTEN_FUNC");
-    if (std::any_of(bytes.begin() + size, bytes.end(), [](std::byte b) { return b != kGuard; }))
-        host.ledger.fault("FLATTEN_FUNC",
-                          fmt::format("bytes behind the {} that it asked for were written", size));
-    bytes.resize(size);
+    cutGuard(bytes, size, "FLATTEN_FUNC");
     return bytes;
 }
 
@@ -147,16 +158,17 @@ std::string ArbitraryData::print(PF_ArbitraryH value) {
     sizeOf.u.print_size_func_params.print_sizePLu = &size;
     send(sizeOf, "PRINT_SIZE_FUNC");
     if (size > kLargestSize) throw Error(fmt::format("PRINT_SIZE_FUNC asks for {} bytes", size));
-    std::string text(size, '\0');
+    std::vector<std::byte> bytes = guardedRoom(size);
     PF_ArbParamsExtra extra = request(PF_Arbitrary_PRINT_FUNC);
     extra.u.print_func_params.print_flags = PF_ArbPrint_NONE;
     extra.u.print_func_params.arbH = value;
     extra.u.print_func_params.print_sizeLu = size;
-    extra.u.print_func_params.print_bufferPC = text.data();
+    extra.u.print_func_params.print_bufferPC = reinterpret_cast<A_char*>(bytes.data());
     send(extra, "PRINT_FUNC");
+    cutGuard(bytes, size, "PRINT_FUNC");
     // Zero-terminated or not.
-    text.resize(std::min(text.find('\0'), text.size()));
-    return text;
+    const auto end = std::ranges::find(bytes, std::byte{0});
+    return {reinterpret_cast<const char*>(bytes.data()), static_cast<std::size_t>(end - bytes.begin())};
 }
 
 PF_ArbitraryH ArbitraryData::scan(const std::string& text) {

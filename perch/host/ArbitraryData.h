@@ -41,6 +41,7 @@ public:
 private:
     PF_ArbParamsExtra request(PF_FunctionSelector function) const;
     void send(PF_ArbParamsExtra& extra, const char* function);
+    void cutGuard(std::vector<std::byte>& room, A_u_long size, const char* function);
     PF_ArbitraryH checked(PF_ArbitraryH made, PF_ArbitraryH from, const char* function);
 
     Host& host;

@@ -1,7 +1,7 @@
 // The relocatable memory blocks that an effect asks for. A handle points at the block's address, which is
 // valid locked or not. Unknown and disposed handles are refused, never followed.
-// Strict mode keeps disposed handles apart to tell a second disposal from an unknown handle, moves a block at
-// every resize, and fences each block with guard bytes. Safe to call from any thread.
+// A block moves at every resize and lies between guard bytes. Strict mode keeps disposed handles apart, to
+// tell a second disposal from an unknown handle. Safe to call from any thread.
 #pragma once
 
 #include <memory>

@@ -258,6 +258,22 @@ TEST_P(ArbitraryDataTest, EveryFunctionAnswers) {
     EXPECT_THAT(faults(effect), IsEmpty());
 }
 
+TEST_P(ArbitraryDataTest, TextBeyondTheSizeThatTheEffectAskedForIsFound) {
+    answerWith([](const EffectCall& call) {
+        auto& extra = *static_cast<PF_ArbParamsExtra*>(call.extra);
+        if (extra.which_function != PF_Arbitrary_PRINT_FUNC) return answer(call);
+        std::memset(extra.u.print_func_params.print_bufferPC, 'x',
+                    extra.u.print_func_params.print_sizeLu + 1);
+        return PF_Err{PF_Err_NONE};
+    });
+    Effect effect(ScriptedEffect::enter, {}, strictOptions());
+    effect.printDefaults();
+    EXPECT_EQ(defaultText(effect.description().parameters[0]), std::string(32, 'x'));
+    EXPECT_THAT(faults(effect), ElementsAre("ARBITRARY_CALLBACK, PRINT_FUNC: bytes behind the 32 that it "
+                                            "asked for were written"));
+    answerWith(answer);
+}
+
 TEST_P(ArbitraryDataTest, CareOfHandlesIsWatched) {
     struct Careless {
         PF_FunctionSelector function;
