@@ -30,6 +30,8 @@ std::vector<double> extremesOf(const Parameter& parameter) {
             if (!isSeparator(parameter.items[i])) items.push_back(static_cast<double>(i) + 1);
         return items;
     }
+    // An angle turns without end; these are as far as its numbers go.
+    if (parameter.definition.param_type == PF_Param_ANGLE && !parameter.validRange) return {-32767, 32767};
     if (!parameter.validRange) return {};
     return {parameter.validRange->minimum, parameter.validRange->maximum};
 }

@@ -50,6 +50,14 @@ TEST(CheckTest, EffectWithAnotherPictureByEachWayDoesNot) {
     }
 }
 
+TEST(CheckTest, AnglesWithoutARangeAreTurnedFar) {
+    const std::filesystem::path dial = std::filesystem::path(PERCH_TEST_PLUGINS) / "Dial.so";
+    for (const CheckRule& rule : checkRules())
+        EXPECT_EQ(tryRule(rule, dial).empty(),
+                  std::string(rule.name) != "every parameter at the ends of its range")
+            << rule.name;
+}
+
 TEST(CheckTest, AFaultyEffectDoesNot) {
     const std::vector<std::string> failures =
         failuresOf(std::filesystem::path(PERCH_TEST_PLUGINS) / "Careless.so");
