@@ -10,7 +10,11 @@ extern "C" {
 #endif
 
 typedef A_long SPErr;
+#ifdef _WIN32
+typedef A_long SPBoolean;
+#else
 typedef A_u_char SPBoolean;
+#endif
 
 typedef struct SPBasicSuite {
     /* [main-thread] The table stays valid until it has been released as often as acquired. Non-zero when the

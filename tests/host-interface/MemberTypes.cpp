@@ -61,6 +61,13 @@ SCALAR(PF_Pixel, PF_Pixel8);
 static_assert(sizeof(PF_Boolean) == 1);
 static_assert(sizeof(A_Boolean) == 1);
 static_assert(sizeof(A_u_char) == 1);
+#ifdef _WIN32
+SCALAR(SPBoolean, std::int32_t);
+SCALAR(PF_FontStyleSheet, std::int32_t);
+#else
+static_assert(sizeof(SPBoolean) == 1);
+static_assert(sizeof(PF_FontStyleSheet) == 1);
+#endif
 static_assert(std::is_pointer_v<PF_ProgPtr>);
 static_assert(std::is_pointer_v<AEGP_EffectRefH>);
 static_assert(std::is_pointer_v<AEGP_StreamRefH>);
