@@ -14,6 +14,12 @@ if(KESTREL_PERCH)
   unset(ENV{SOURCE_DATE_EPOCH})
   configure_file(packaging/perch.1.in perch.1 @ONLY)
   install(FILES "${CMAKE_BINARY_DIR}/perch.1" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT runtime)
+  install(FILES packaging/completions/perch.bash RENAME perch
+    DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/bash-completion/completions" COMPONENT runtime)
+  install(FILES packaging/completions/_perch DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/zsh/vendor-completions"
+    COMPONENT runtime)
+  install(FILES packaging/completions/perch.fish DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/fish/vendor_completions.d"
+    COMPONENT runtime)
   # What the authors of the libraries that are compiled in ask to be handed on, where Debian keeps it.
   foreach(package IN ITEMS libcli11-dev nlohmann-json3-dev)
     install(FILES "/usr/share/doc/${package}/copyright" DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/doc/kestrel"

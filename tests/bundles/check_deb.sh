@@ -29,7 +29,9 @@ mkdir -p "$root/var/lib/dpkg/info" "$root/var/lib/dpkg/updates"
 in_root --install "$package"
 "$root/usr/bin/perch" check >"$root/var/output" || { cat "$root/var/output" >&2; fail "brings a perch whose check fails"; }
 set -- "$root/usr/bin/perch" "$root"/usr/lib/*/perch/pictures.so "$root"/usr/lib/*/Kestrel.plugin/Contents/*/Kestrel.so
-for file in "$@" "$root/usr/share/man/man1/perch.1" "$root/usr/share/doc/kestrel/libcli11-dev.copyright"; do
+for file in "$@" "$root/usr/share/man/man1/perch.1" "$root/usr/share/bash-completion/completions/perch" \
+    "$root/usr/share/zsh/vendor-completions/_perch" "$root/usr/share/fish/vendor_completions.d/perch.fish" \
+    "$root/usr/share/doc/kestrel/libcli11-dev.copyright"; do
     [ -s "$file" ] || fail "lacks ${file#"$root"}"
 done
 
