@@ -7,70 +7,17 @@
 #include <cstdlib>
 
 #include "Error.h"
-#include "PF_SmartRender.h"
 #include "PF_Suites.h"
 #include "ScriptedEffect.h"
 #include "Sequence.h"
+#include "SmartScript.h"
 #include "WorldPictures.h"
 
 namespace perch::test {
 namespace {
 
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::IsEmpty;
-
-PF_PreRenderExtra& preExtra(const EffectCall& call) {
-    return *static_cast<PF_PreRenderExtra*>(call.extra);
-}
-
-PF_SmartRenderExtra& renderExtra(const EffectCall& call) {
-    return *static_cast<PF_SmartRenderExtra*>(call.extra);
-}
-
-PF_CheckoutResult checkOut(const EffectCall& call, PF_ParamIndex index, A_long id, const PF_LRect& rect) {
-    PF_RenderRequest request = preExtra(call).input->output_request;
-    request.rect = rect;
-    PF_CheckoutResult result{};
-    EXPECT_EQ(
-        preExtra(call).cb->checkout_layer(call.in->effect_ref, index, id, &request, call.in->current_time,
-                                          call.in->time_step, call.in->time_scale, &result),
-        0);
-    return result;
-}
-
-// Promises what the input gives.
-PF_Err promiseInput(const EffectCall& call) {
-    const PF_PreRenderExtra& extra = preExtra(call);
-    const PF_CheckoutResult input = checkOut(call, 0, 0, extra.input->output_request.rect);
-    extra.output->result_rect = input.result_rect;
-    extra.output->max_result_rect = input.max_result_rect;
-    return PF_Err_NONE;
-}
-
-template <class P>
-P inverted(const P& p) {
-    if constexpr (kHasWholeChannels<P>) {
-        const auto turned = [](ChannelOf<P> c) { return static_cast<ChannelOf<P>>(kWhite<P> - c); };
-        return {p.alpha, turned(p.red), turned(p.green), turned(p.blue)};
-    } else {
-        return {p.alpha, 1 - p.red, 1 - p.green, 1 - p.blue};
-    }
-}
-
-// Inverts the first layer that was promised into the output, both of one size.
-template <class P>
-PF_Err invertInput(const EffectCall& call) {
-    const PF_SmartRenderExtra& extra = renderExtra(call);
-    PF_EffectWorld* input = nullptr;
-    PF_EffectWorld* output = nullptr;
-    EXPECT_EQ(extra.cb->checkout_layer_pixels(call.in->effect_ref, 0, &input), 0);
-    EXPECT_EQ(extra.cb->checkout_output(call.in->effect_ref, &output), 0);
-    for (A_long y = 0; y < output->height; ++y)
-        for (A_long x = 0; x < output->width; ++x)
-            rowOf<P>(*output, y)[x] = inverted(rowOf<P>(*input, y)[x]);
-    return extra.cb->checkin_layer_pixels(call.in->effect_ref, 0);
-}
 
 template <class P>
 World madePicture(std::int32_t width, std::int32_t height) {
@@ -323,118 +270,6 @@ TYPED_TEST(SmartRenderTest, PromiseThatIsNotKeptIsAFailureAndACancelIsACancel) {
     const std::atomic<bool> cancelled = true;
     this->request.cancelled = &cancelled;
     EXPECT_THROW(this->render(), Cancelled);
-}
-
-struct SmartChoiceTest : testing::Test {
-    ScriptedEffect script;
-    World input = noise<PF_Pixel>(5, 4, 1);
-    FrameRequest request;
-
-    SmartChoiceTest() {
-        script.declareFlags(0, PF_OutFlag2_SUPPORTS_SMART_RENDER);
-        script.on(PF_Cmd_SMART_PRE_RENDER, promiseInput);
-        script.on(PF_Cmd_SMART_RENDER, invertInput<PF_Pixel>);
-        request.input = &input;
-    }
-    void copyAtRender() {
-        script.on(PF_Cmd_RENDER, [](const EffectCall& call) {
-            return call.utilities().copy(call.in->effect_ref, &call.params[0]->u.ld, call.output, nullptr,
-                                         nullptr);
-        });
-    }
-};
-
-TEST_F(SmartChoiceTest, AutoTakesTheSmartWayOnceRenderHasBeenDeclined) {
-    std::vector<std::string> seen;
-    HostOptions options = strictOptions();
-    options.onCommand = [&](std::string_view command) { seen.emplace_back(command); };
-    Effect effect(ScriptedEffect::enter, {}, options);
-    Sequence sequence(effect);
-    seen.clear();
-    sequence.render(request);
-    sequence.render(request);
-    EXPECT_THAT(seen, ElementsAre("FRAME_SETUP", "RENDER", "FRAME_SETDOWN", "SMART_PRE_RENDER",
-                                  "SMART_RENDER", "SMART_PRE_RENDER", "SMART_RENDER"));
-}
-
-TEST_F(SmartChoiceTest, AutoPrefersRender) {
-    copyAtRender();
-    std::vector<std::string> seen;
-    HostOptions options = strictOptions();
-    options.onCommand = [&](std::string_view command) { seen.emplace_back(command); };
-    Effect effect(ScriptedEffect::enter, {}, options);
-    Sequence sequence(effect);
-    seen.clear();
-    sequence.render(request);
-    EXPECT_THAT(seen, ElementsAre("FRAME_SETUP", "RENDER", "FRAME_SETDOWN"));
-    seen.clear();
-    request.smart = SmartUse::On;
-    sequence.render(request);
-    EXPECT_THAT(seen, ElementsAre("SMART_PRE_RENDER", "SMART_RENDER"));
-}
-
-TEST_F(SmartChoiceTest, EffectThatMayWriteItsInputWritesACopy) {
-    script.declareFlags(PF_OutFlag_I_WRITE_INPUT_BUFFER, PF_OutFlag2_SUPPORTS_SMART_RENDER);
-    script.on(PF_Cmd_SMART_RENDER, [](const EffectCall& call) {
-        PF_EffectWorld* pixels = nullptr;
-        PF_EffectWorld* output = nullptr;
-        EXPECT_EQ(renderExtra(call).cb->checkout_layer_pixels(call.in->effect_ref, 0, &pixels), 0);
-        EXPECT_EQ(renderExtra(call).cb->checkout_output(call.in->effect_ref, &output), 0);
-        pixels->data->red ^= 0xFF;
-        return renderExtra(call).cb->checkin_layer_pixels(call.in->effect_ref, 0);
-    });
-    request.smart = SmartUse::On;
-    const std::uint64_t given = input.checksum();
-    for (const bool isStrict : {false, true}) {
-        HostOptions options;
-        options.strict = isStrict;
-        Effect effect(ScriptedEffect::enter, {}, options);
-        Sequence(effect).render(request);
-        EXPECT_EQ(input.checksum(), given);
-        EXPECT_THAT(faults(effect), IsEmpty());
-    }
-}
-
-TEST_F(SmartChoiceTest, TablesThatAnEffectWritesIntoAreWholeForTheNextFrame) {
-    script.on(PF_Cmd_SMART_PRE_RENDER, [](const EffectCall& call) {
-        const PF_Err code = promiseInput(call);
-        preExtra(call).cb->checkout_layer = nullptr;
-        return code;
-    });
-    script.on(PF_Cmd_SMART_RENDER, [](const EffectCall& call) {
-        const PF_Err code = invertInput<PF_Pixel>(call);
-        renderExtra(call).cb->checkout_output = nullptr;
-        return code;
-    });
-    request.smart = SmartUse::On;
-    Effect effect(ScriptedEffect::enter, {}, strictOptions());
-    Sequence sequence(effect);
-    sequence.render(request);
-    EXPECT_THAT(faults(effect), ElementsAre("SMART_PRE_RENDER: a table of callbacks was changed",
-                                            "SMART_RENDER: a table of callbacks was changed"));
-    sequence.render(request);
-}
-
-TEST_F(SmartChoiceTest, WhatTheEffectDoesNotHaveIsRefusedInWords) {
-    const auto wordsOf = [&] {
-        try {
-            Effect effect(ScriptedEffect::enter, {}, strictOptions());
-            Sequence(effect).render(request);
-        } catch (const Error& error) {
-            return std::string(error.what());
-        }
-        return std::string();
-    };
-    request.smart = SmartUse::Off;
-    EXPECT_THAT(wordsOf(), HasSubstr("--smart auto"));
-    const World floats(5, 4, PixelDepth::Float);
-    request.smart = SmartUse::Auto;
-    request.input = &floats;
-    EXPECT_THAT(wordsOf(), HasSubstr("floating-point"));
-    request.input = &input;
-    script.declareFlags(0);
-    request.smart = SmartUse::On;
-    EXPECT_THAT(wordsOf(), HasSubstr("does not declare smart rendering"));
 }
 
 }  // namespace
