@@ -30,7 +30,10 @@ EffectDescription describeBundle(const Bundle& bundle, const std::string& symbol
 }
 
 CallbackTables callbackTables() {
-    return {.interaction = interactionCallbacks(), .utilities = utilityCallbacks(), .suites = basicSuite()};
+    return {.interaction = interactionCallbacks(),
+            .utilities = utilityCallbacks(),
+            .suites = basicSuite(),
+            .suiteTables = suiteTables()};
 }
 
 std::unique_ptr<Host> loadHost(const std::filesystem::path& plugin, HostOptions options) {

@@ -12,21 +12,6 @@
 namespace perch {
 namespace {
 
-// Byte by byte: what lies between the fields of a copy need not be what lay there before.
-template <typename T>
-std::vector<std::byte> bytesOf(const T& table) {
-    const auto* const first = reinterpret_cast<const std::byte*>(&table);
-    return {first, first + sizeof table};
-}
-
-// True where it was changed.
-template <typename T>
-bool restore(const std::vector<std::byte>& bytes, T& table) {
-    if (std::memcmp(&table, bytes.data(), sizeof table) == 0) return false;
-    std::memcpy(&table, bytes.data(), sizeof table);
-    return true;
-}
-
 std::filesystem::path currentFolder() {
     std::error_code unknown;
     return std::filesystem::current_path(unknown);
@@ -35,11 +20,11 @@ std::filesystem::path currentFolder() {
 }  // namespace
 
 ProcessGuard::ProcessGuard(Ledger& ledger, const CallbackTables& tables, ProcessWatch watch)
-    : ledger(ledger),
-      tables(tables),
-      utilities(bytesOf(*tables.utilities)),
-      suites(bytesOf(*tables.suites)),
-      watch(std::move(watch)) {
+    : ledger(ledger), watch(std::move(watch)) {
+    watchTable(std::as_writable_bytes(std::span(tables.utilities, 1)));
+    watchTable(std::as_writable_bytes(std::span(tables.suites, 1)));
+    for (const std::span<std::byte> table : tables.suiteTables)
+        watchTable(table);
     this->watch.leaveLoading();
 }
 
@@ -72,10 +57,19 @@ void ProcessGuard::restoreRounding() {
     ledger.fault("", "the rounding mode was changed");
 }
 
+// Byte by byte: what lies between the fields of a copy need not be what lay there before.
+void ProcessGuard::watchTable(std::span<std::byte> table) {
+    tables.push_back({table, {table.begin(), table.end()}});
+}
+
 void ProcessGuard::restoreTables() {
-    const bool isOtherUtilities = restore(utilities, *tables.utilities);
-    const bool isOtherSuites = restore(suites, *tables.suites);
-    if (isOtherUtilities || isOtherSuites) ledger.fault("", "a table of callbacks was changed");
+    bool isChanged = false;
+    for (const WatchedTable& table : tables) {
+        if (std::memcmp(table.place.data(), table.bytes.data(), table.bytes.size()) == 0) continue;
+        std::memcpy(table.place.data(), table.bytes.data(), table.bytes.size());
+        isChanged = true;
+    }
+    if (isChanged) ledger.fault("", "a table of callbacks was changed");
 }
 
 void ProcessGuard::reportThreads(const WorkerPool& pool) {

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <span>
 #include <vector>
 
 #include "CallbackTables.h"
@@ -27,14 +28,18 @@ public:
     void reportThreads(const WorkerPool& pool);
 
 private:
+    void watchTable(std::span<std::byte> table);
     void restoreFolder();
     void restoreRounding();
     void restoreTables();
 
+    struct WatchedTable {
+        std::span<std::byte> place;
+        std::vector<std::byte> bytes;  // as they were
+    };
+
     Ledger& ledger;
-    const CallbackTables tables;
-    const std::vector<std::byte> utilities;  // as they were
-    const std::vector<std::byte> suites;
+    std::vector<WatchedTable> tables;
     std::filesystem::path folder;
     int rounding = 0;
     ProcessWatch watch;

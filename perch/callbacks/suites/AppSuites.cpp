@@ -140,11 +140,11 @@ PF_Err checkinChannel(PF_ProgPtr, PF_ChannelRefPtr, PF_ChannelChunk*) {
 }  // namespace
 
 std::span<const SuiteEntry> appSuites() {
-    static const auto app6 = appSuite<PF_AEAppSuite6>();
-    static const auto app7 = appSuiteWithLanguage<PF_AEAppSuite7>();
-    static const auto app1 = appSuiteWithLanguage<PF_AEAppSuite1>();
-    static const PF_ChannelSuite1 channels{countChannels, findChannelByIndex, findChannelByType,
-                                           checkoutChannel, checkinChannel};
+    static auto app6 = appSuite<PF_AEAppSuite6>();
+    static auto app7 = appSuiteWithLanguage<PF_AEAppSuite7>();
+    static auto app1 = appSuiteWithLanguage<PF_AEAppSuite1>();
+    static PF_ChannelSuite1 channels{countChannels, findChannelByIndex, findChannelByType, checkoutChannel,
+                                     checkinChannel};
     static const SuiteEntry entries[] = {
         {"PF AE App Suite", 6, &app6},
         {"PF AE App Suite", 7, &app7},

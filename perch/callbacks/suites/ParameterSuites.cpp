@@ -191,13 +191,13 @@ PF_Err getConstSequenceData(PF_ProgPtr effectRef, PF_ConstHandle* data) {
 }  // namespace
 
 std::span<const SuiteEntry> parameterSuites() {
-    static const PF_ParamUtilsSuite1 utilities1{
+    static PF_ParamUtilsSuite1 utilities1{
         updateParamUi,    getCurrentStateOfAll, hasParamChanged,  haveInputsChanged, isIdenticalCheckout,
         findKeyframeTime, getKeyframeCount,     checkoutKeyframe, checkinKeyframe,   keyIndexToTime};
-    static const PF_ParamUtilsSuite3 utilities3{updateParamUi,       getCurrentState,  areStatesIdentical,
-                                                isIdenticalCheckout, findKeyframeTime, getKeyframeCount,
-                                                checkoutKeyframe,    checkinKeyframe,  keyIndexToTime};
-    static const PF_EffectSequenceDataSuite1 sequenceData{getConstSequenceData};
+    static PF_ParamUtilsSuite3 utilities3{updateParamUi,       getCurrentState,  areStatesIdentical,
+                                          isIdenticalCheckout, findKeyframeTime, getKeyframeCount,
+                                          checkoutKeyframe,    checkinKeyframe,  keyIndexToTime};
+    static PF_EffectSequenceDataSuite1 sequenceData{getConstSequenceData};
     static const SuiteEntry entries[] = {
         {"PF Param Utils Suite", 1, &utilities1},
         {"PF Param Utils Suite", 2, &utilities1},

@@ -54,29 +54,28 @@ PF_Err getPixelFormat(const PF_EffectWorld* world, PF_PixelFormat* format) {
 
 std::span<const SuiteEntry> pixelSuites() {
     static const PF_UtilCallbacks& utilities = *utilityCallbacks();
-    static const PF_ANSICallbacksSuite1 ansi = utilities.ansi;
-    static const PF_HandleSuite1 handles{utilities.host_new_handle,      utilities.host_lock_handle,
-                                         utilities.host_unlock_handle,   utilities.host_dispose_handle,
-                                         utilities.host_get_handle_size, utilities.host_resize_handle};
-    static const PF_Iterate8Suite1 iterate8{utilities.iterate, utilities.iterate_origin,
-                                            utilities.iterate_lut, utilities.iterate_origin_non_clip_src,
-                                            utilities.iterate_generic};
-    static const PF_iterate16Suite1 iterate16{utilities.iterate16, utilities.iterate_origin16,
-                                              utilities.iterate_origin_non_clip_src16};
-    static const PF_iterateFloatSuite1 iterateFloat = floatIterateSuite();
-    static const PF_WorldSuite2 worlds{newWorld, disposeWorld, getPixelFormat};
-    static const PF_WorldTransformSuite1 transforms{
+    static PF_ANSICallbacksSuite1 ansi = utilities.ansi;
+    static PF_HandleSuite1 handles{utilities.host_new_handle,      utilities.host_lock_handle,
+                                   utilities.host_unlock_handle,   utilities.host_dispose_handle,
+                                   utilities.host_get_handle_size, utilities.host_resize_handle};
+    static PF_Iterate8Suite1 iterate8{utilities.iterate, utilities.iterate_origin, utilities.iterate_lut,
+                                      utilities.iterate_origin_non_clip_src, utilities.iterate_generic};
+    static PF_iterate16Suite1 iterate16{utilities.iterate16, utilities.iterate_origin16,
+                                        utilities.iterate_origin_non_clip_src16};
+    static PF_iterateFloatSuite1 iterateFloat = floatIterateSuite();
+    static PF_WorldSuite2 worlds{newWorld, disposeWorld, getPixelFormat};
+    static PF_WorldTransformSuite1 transforms{
         utilities.composite_rect, utilities.blend,          utilities.convolve, utilities.copy, copyFiltered,
         utilities.transfer_rect,  utilities.transform_world};
-    static const PF_FillMatteSuite2 fills{utilities.fill,
-                                          utilities.fill16,
-                                          fillFloat,
-                                          utilities.premultiply,
-                                          utilities.premultiply_color,
-                                          utilities.premultiply_color16,
-                                          premultiplyColorFloat};
-    static const PF_PixelDataSuite1 pixelData{utilities.get_pixel_data8, utilities.get_pixel_data16,
-                                              pixelDataFloat};
+    static PF_FillMatteSuite2 fills{utilities.fill,
+                                    utilities.fill16,
+                                    fillFloat,
+                                    utilities.premultiply,
+                                    utilities.premultiply_color,
+                                    utilities.premultiply_color16,
+                                    premultiplyColorFloat};
+    static PF_PixelDataSuite1 pixelData{utilities.get_pixel_data8, utilities.get_pixel_data16,
+                                        pixelDataFloat};
     static const SuiteEntry entries[] = {
         {"PF ANSI Suite", 1, &ansi},
         {"PF Fill Matte Suite", 2, &fills},

@@ -174,15 +174,15 @@ Extended<Suite> extend(const Suite& declared) {
 }  // namespace
 
 std::span<const SuiteEntry> projectSuites() {
-    static const auto utility7 = utilitySuite<AEGP_UtilitySuite3>();
-    static const auto utility13 = extend(utilitySuite<AEGP_UtilitySuite13>());
-    static const auto interface1 = interfaceSuite();
-    static const auto stream4 = streamSuite<AEGP_StreamSuite1>();
-    static const auto stream11 = extend(streamSuite<AEGP_StreamSuite11>());
-    static const auto dynamic1 = dynamicStreamSuite();
-    static const auto dynamic5 = extend(newDynamicStreamSuite());
-    static const auto effect1 = effectSuite<AEGP_EffectSuite1>();
-    static const auto effect4 = extend(effectSuite<AEGP_EffectSuite4>());
+    static auto utility7 = utilitySuite<AEGP_UtilitySuite3>();
+    static auto utility13 = extend(utilitySuite<AEGP_UtilitySuite13>());
+    static auto interface1 = interfaceSuite();
+    static auto stream4 = streamSuite<AEGP_StreamSuite1>();
+    static auto stream11 = extend(streamSuite<AEGP_StreamSuite11>());
+    static auto dynamic1 = dynamicStreamSuite();
+    static auto dynamic5 = extend(newDynamicStreamSuite());
+    static auto effect1 = effectSuite<AEGP_EffectSuite1>();
+    static auto effect4 = extend(effectSuite<AEGP_EffectSuite4>());
     // Older versions are the first slots of newer ones.
     static const SuiteEntry entries[] = {
         {"AEGP Utility Suite", 3, &utility7},        {"AEGP Utility Suite", 5, &utility7},

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <bit>
+#include <cstddef>
 #include <span>
 
 #include "AEGP_Suites.h"
@@ -10,9 +11,13 @@
 namespace perch {
 
 struct SuiteEntry {
+    template <typename Suite>
+    SuiteEntry(const char* name, A_long version, Suite* table)
+        : name(name), version(version), table(std::as_writable_bytes(std::span(table, 1))) {}
+
     const char* name;
     A_long version;
-    const void* table;
+    std::span<std::byte> table;  // can be written, so that what an effect has written there can be undone
 };
 
 // What is offered, by family.

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <span>
+#include <vector>
 
 #include "CallGuard.h"
 #include "SuiteEntry.h"
@@ -21,7 +21,7 @@ std::array<std::span<const SuiteEntry>, 5> families() {
 const void* findSuite(const char* name, A_long version) {
     for (const std::span<const SuiteEntry> family : families())
         for (const SuiteEntry& entry : family)
-            if (entry.version == version && std::strcmp(entry.name, name) == 0) return entry.table;
+            if (entry.version == version && std::strcmp(entry.name, name) == 0) return entry.table.data();
     return nullptr;
 }
 
@@ -87,6 +87,17 @@ SPBasicSuite* basicSuite() {
     static SPBasicSuite suite{acquireSuite, releaseSuite,    isEqual,  allocateBlock,
                               freeBlock,    reallocateBlock, undefined};
     return &suite;
+}
+
+std::span<const std::span<std::byte>> suiteTables() {
+    static const std::vector<std::span<std::byte>> tables = [] {
+        std::vector<std::span<std::byte>> all;
+        for (const std::span<const SuiteEntry> family : families())
+            for (const SuiteEntry& entry : family)
+                all.push_back(entry.table);
+        return all;
+    }();
+    return tables;
 }
 
 std::set<std::string> suiteNames() {

@@ -64,10 +64,10 @@ PF_Err setOptionsButtonName(PF_ProgPtr effectRef, const A_char* name) {
 }  // namespace
 
 std::span<const SuiteEntry> valueSuites() {
-    static const PF_EffectUISuite1 button{setOptionsButtonName};
-    static const PF_ColorParamSuite1 colors{floatColor};
-    static const PF_PointParamSuite1 points{floatPoint};
-    static const PF_AngleParamSuite1 angles{floatAngle};
+    static PF_EffectUISuite1 button{setOptionsButtonName};
+    static PF_ColorParamSuite1 colors{floatColor};
+    static PF_PointParamSuite1 points{floatPoint};
+    static PF_AngleParamSuite1 angles{floatAngle};
     static const SuiteEntry entries[] = {
         {"PF Effect UI Suite", 1, &button},
         {"PF ColorParamSuite", 1, &colors},

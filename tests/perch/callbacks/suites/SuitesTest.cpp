@@ -180,6 +180,19 @@ TEST_F(SuitesTest, SuiteHeldAtTheEndIsANoteAndReleasedTooOftenAFault) {
                             "more times than released"));
 }
 
+TEST_F(SuitesTest, TableThatTheEffectWritesIntoIsWholeForTheNextCommand) {
+    const auto handles = [](const EffectCall& call) {
+        // Effects are given constants, and some take no notice.
+        return const_cast<PF_HandleSuite1*>(call.suite<PF_HandleSuite1>("PF Handle Suite", 2));
+    };
+    script.on(PF_Cmd_FRAME_SETUP, [&](const EffectCall& call) {
+        handles(call)->host_new_handle = nullptr;
+        return PF_Err_NONE;
+    });
+    runAt(PF_Cmd_RENDER, [&](const EffectCall& call) { EXPECT_NE(handles(call)->host_new_handle, nullptr); });
+    EXPECT_THAT(found, ElementsAre("FRAME_SETUP: a table of callbacks was changed"));
+}
+
 TEST_F(SuitesTest, BlocksKeepTheirBytesWhenTheyGrow) {
     runAt(PF_Cmd_RENDER, [](const EffectCall& call) {
         const SPBasicSuite& basic = *call.in->pica_basicP;
