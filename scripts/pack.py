@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """pack.py ARCHIVE FOLDER: packs a folder into ARCHIVE, a .zip or .tar.gz, with the folder's name at the top.
 
-The same files give the same bytes: sorted by name, dated SOURCE_DATE_EPOCH (in a .zip 1980 at the earliest), owned by nobody, and of two kinds only, what
-may be run and what may not.
+The same files give the same bytes: sorted by name, dated SOURCE_DATE_EPOCH (in a .zip 1980 at the earliest), owned by
+nobody, and of two kinds only, what may be run and what may not.
 """
 
 import gzip
@@ -13,6 +13,8 @@ import tarfile
 import time
 import zipfile
 
+FIRST_ZIP_DATE = 315532800  # 1 January 1980
+
 
 def files_of(folder: pathlib.Path) -> list[tuple[str, pathlib.Path, int]]:
     """The name in the archive, the path and the mode of each file."""
@@ -20,9 +22,6 @@ def files_of(folder: pathlib.Path) -> list[tuple[str, pathlib.Path, int]]:
     return [
         (str(path.relative_to(folder.parent)), path, 0o755 if os.access(path, os.X_OK) else 0o644) for path in paths
     ]
-
-
-FIRST_ZIP_DATE = 315532800  # 1 January 1980
 
 
 def pack_zip(archive: pathlib.Path, folder: pathlib.Path, date: int) -> None:

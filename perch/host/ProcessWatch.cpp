@@ -57,6 +57,7 @@ void ProcessWatch::endIfCopied() const {
 }
 
 void ProcessWatch::leaveLoading() {
+    endIfCopied();
     prctl(PR_SET_NAME, kNameBetweenCommands);
 }
 
