@@ -100,4 +100,13 @@ std::vector<std::string> longOptionNames(const CLI::App& app) {
     return names;
 }
 
+int parseNumber(std::string_view option, const std::string& text, int least, int most) {
+    int number = 0;
+    const char* const end = text.data() + text.size();
+    const auto parsed = std::from_chars(text.data(), end, number);
+    if (parsed.ec == std::errc() && parsed.ptr == end && number >= least && number <= most) return number;
+    throw UsageError(
+        fmt::format("{} takes a whole number from {} to {}, not \"{}\"", option, least, most, text));
+}
+
 }  // namespace perch

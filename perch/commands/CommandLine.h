@@ -35,4 +35,7 @@ void parseAllArguments(CLI::App& app, const std::vector<std::string>& arguments)
 // Without their dashes.
 std::vector<std::string> longOptionNames(const CLI::App& app);
 
+// A whole number from `least` to `most`. Throws UsageError with what the option takes.
+int parseNumber(std::string_view option, const std::string& text, int least, int most);
+
 }  // namespace perch

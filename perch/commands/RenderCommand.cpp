@@ -17,6 +17,7 @@
 #include "Console.h"
 #include "Effect.h"
 #include "Error.h"
+#include "JobDisplay.h"
 #include "PlanReport.h"
 #include "RenderOptions.h"
 #include "ReplacedFile.h"
@@ -52,57 +53,14 @@ void catchInterrupts() {
     }
 }
 
-// To the beginning of the line, and all of it blank.
-constexpr char kClearLine[] = "\r\x1B[K";
-
-// One line on the terminal that is written over until the job is done; nothing when stderr is not a terminal.
-class ProgressLine {
-public:
-    ~ProgressLine() { clear(); }
-    ProgressLine() = default;
-    ProgressLine(const ProgressLine&) = delete;
-    ProgressLine& operator=(const ProgressLine&) = delete;
-
-    // `number` of `count` frames is under way and `fraction` of it done.
-    void show(std::size_t number, std::size_t count, double fraction) {
-        if (!isSeen) return;
-        const double done = (static_cast<double>(number - 1) + fraction) / static_cast<double>(count);
-        std::string now = fmt::format("\rframe {} of {}: {:3}%", number, count, static_cast<int>(done * 100));
-        if (now == shown) return;
-        shown = std::move(now);
-        sayAsItIs(shown);
-    }
-
-    void clear() {
-        if (!shown.empty()) sayAsItIs(kClearLine);
-        shown.clear();
-    }
-
-private:
-    const bool isSeen = isatty(STDERR_FILENO) == 1;
-    std::string shown;
-};
-
-// What the user sees of a job under way.
-struct Display {
-    std::int32_t frame = 0;  // number
-    ProgressLine line;
-};
-
-bool isOfFrame(std::string_view command) {
-    return command == "RENDER" || command.starts_with("FRAME_");
-}
-
 // `display` outlives the effect.
-HostOptions hostOptions(const LoadOptions& options, Display& display) {
+HostOptions hostOptions(const LoadOptions& options, JobDisplay& display) {
     HostOptions host;
     host.threads = options.threads;
     host.strict = options.strict;
     host.application = options.application;
     host.onMessage = [&display](std::string_view command, std::string_view message) {
-        display.line.clear();
-        const std::string place = isOfFrame(command) ? fmt::format("frame {}: ", display.frame) : "";
-        say(fmt::format("{}{}: \"{}\"", place, command, message));
+        display.tellMessage(command, message);
     };
     return host;
 }
@@ -115,7 +73,7 @@ int printHelp(const LoadOptions& options) {
         printResult(renderHelp(nullptr));  // without an effect to list the parameters of
         return kDone;
     }
-    Display display;
+    JobDisplay display(ProgressForm::None, false);
     Effect effect(bundle, hostOptions(options, display));
     effect.close();
     printResult(renderHelp(&effect.description()));
@@ -154,16 +112,16 @@ void reportTiming(const RenderReport& report, std::chrono::steady_clock::duratio
 }
 
 // What did not fail and should be known.
-void reportNotes(const RenderReport& report, std::optional<pictures::Transfer> transfer) {
+void reportNotes(const RenderReport& report, std::optional<pictures::Transfer> transfer,
+                 JobDisplay& display) {
     for (const std::string& note : report.notes.all())
-        fmt::print(stderr, "perch: note: {}\n", note);
+        display.tellNote("note: " + note);
     if (report.pixelsClipped == 0) return;
     const bool isLog = transfer == pictures::Transfer::Log;
-    fmt::print(
-        stderr,
-        "perch: note: {:.2g} % of the pixels of {} frames are below 0 or above {} and were clipped{}\n",
+    display.tellNote(fmt::format(
+        "note: {:.2g} % of the pixels of {} frames are below 0 or above {} and were clipped{}",
         100.0 * static_cast<double>(report.pixelsClipped) / static_cast<double>(report.pixelsRead),
-        report.framesWritten.load(), isLog ? "64" : "1", isLog ? "" : "; --encode log keeps up to 64");
+        report.framesWritten.load(), isLog ? "64" : "1", isLog ? "" : "; --encode log keeps up to 64"));
 }
 
 int reportInterrupt(const RenderReport& report, std::size_t count) {
@@ -174,32 +132,38 @@ int reportInterrupt(const RenderReport& report, std::size_t count) {
     return gEndingSignal == SIGTERM ? kTerminated : kInterrupted;
 }
 
-// Renders, and returns whether the job came to its end.
-bool render(Effect& effect, const RenderSettings& settings, const std::vector<ParameterCurve>& parameters,
-            const FramePlan& plan, Display& display, RenderReport& report) {
-    std::size_t current = 0;
+RenderWatch watchOf(JobDisplay& display, bool goesOn) {
     RenderWatch watch;
     watch.cancelled = &gWasInterrupted;
-    watch.frameBegins = [&](std::size_t index) {
-        current = index;
-        display.frame = plan.frames[index].frame;
-        display.line.show(index + 1, plan.frames.size(), 0);
+    watch.frameBegins = [&display](std::size_t index) { display.frameBegins(index); };
+    watch.frameProgresses = [&display](double fraction) { display.frameProgresses(fraction); };
+    watch.frameEnds = [&display, goesOn](const FrameEnd& end) {
+        display.frameEnds(end);
+        if (end.state != FrameEnd::State::Failed || !goesOn) return;
+        display.clearLine();
+        say(end.message);
     };
-    watch.frameProgresses = [&](double fraction) {
-        display.line.show(current + 1, plan.frames.size(), fraction);
-    };
+    return watch;
+}
+
+// Renders, and returns whether the job came to its end.
+bool render(Effect& effect, const RenderOptions& options, const RenderSettings& settings,
+            const std::vector<ParameterCurve>& parameters, const FramePlan& plan, JobDisplay& display,
+            RenderReport& report) {
+    display.begin(plan);
     try {
-        renderFrames(effect, settings, parameters, plan, watch, report);
+        renderFrames(effect, settings, parameters, plan, watchOf(display, settings.goesOn), report);
         effect.close();
     } catch (const Cancelled&) {
-        display.line.clear();
+        display.clearLine();
         return false;
     } catch (const Error&) {
-        display.line.clear();
+        display.clearLine();
         reportFindings(effect);
+        if (!display.totals().failed.empty()) display.finish(options.names.output);
         throw;
     }
-    display.line.clear();
+    display.clearLine();
     return true;
 }
 
@@ -216,13 +180,13 @@ int runRenderCommand(const std::vector<std::string>& arguments) {
     whereabouts().limit = options.frameLimit.count();
     if (options.wantsHelp) return printHelp(options.load);
     pictures::keepStartFolder();
-    Display display;
+    JobDisplay display(options.job.progress, options.job.isQuiet);
     Effect effect(chooseBundle(options.load.plugin), hostOptions(options.load, display));
     const ParameterArguments parameters = parseParameterArguments(arguments, effect.description().parameters);
     FramePlan plan = planFrames(options.names, parameters.layers);
     plan.emptyLayers = parameters.emptyLayers;
     for (const std::string& note : plan.notes)
-        say(note);
+        display.tellNote(note);
     if (options.use != PlanUse::Render)
         return printPlan(options, {.plan = plan,
                                    .settings = options.settings,
@@ -237,11 +201,14 @@ int runRenderCommand(const std::vector<std::string>& arguments) {
     catchInterrupts();
     pictures::watchTemporaryFiles({.appears = noteTemporary, .isGone = forgetTemporary});
     RenderReport report;
-    if (!render(effect, settings, parameters.curves, plan, display, report))
+    if (!render(effect, options, settings, parameters.curves, plan, display, report))
         return reportInterrupt(report, plan.frames.size());
-    reportNotes(report, settings.transfer);
+    reportNotes(report, settings.transfer, display);
     if (options.wantsTiming) reportTiming(report, std::chrono::steady_clock::now() - start);
-    return reportFindings(effect) ? kFailed : kDone;
+    const bool hasFault = reportFindings(effect);
+    display.finish(options.names.output);
+    if (hasFault) return kFailed;
+    return display.totals().failed.empty() ? kDone : kSomeFailed;
 }
 
 }  // namespace perch

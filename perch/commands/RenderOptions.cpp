@@ -11,6 +11,7 @@
 
 #include "CommandLine.h"
 #include "Error.h"
+#include "JobOptions.h"
 #include "NearestName.h"
 #include "PF_Values.h"
 #include "SequenceOptions.h"
@@ -41,6 +42,7 @@ struct Texts {
     std::string mostMemory;
     bool hasNoProvenance = false;
     SequenceTexts sequence;
+    JobTexts job;
     std::string frameLimit = "0";
     std::string preset;
     bool isDryRun = false;
@@ -109,15 +111,6 @@ std::optional<pictures::Transfer> parseTransfer(const std::string& text) {
     throw UsageError(fmt::format("--encode takes linear, srgb or log, not \"{}\"", text));
 }
 
-int parseNumber(std::string_view option, const std::string& text, int least, int most) {
-    int number = 0;
-    const char* const end = text.data() + text.size();
-    const auto parsed = std::from_chars(text.data(), end, number);
-    if (parsed.ec == std::errc() && parsed.ptr == end && number >= least && number <= most) return number;
-    throw UsageError(
-        fmt::format("{} takes a whole number from {} to {}, not \"{}\"", option, least, most, text));
-}
-
 int parseThreads(const std::string& text) {
     constexpr int kMostThreads = 1024;
     return parseNumber("--threads", text, 0, kMostThreads);
@@ -174,6 +167,7 @@ void addOwnOptions(CLI::App& app, Texts& texts) {
            "where the input's has one")
         ->type_name("PICTURE");
     addSequenceOptions(app, texts.sequence);
+    addJobOptions(app, texts.job);
     app.add_option("--preset", texts.preset,
                    "values and keys from a file, which perch preset writes; options replace them")
         ->type_name("FILE");
@@ -288,6 +282,8 @@ RenderOptions parseRenderOptions(const std::vector<std::string>& arguments) {
     options.names.input = texts.input;
     options.names.output = texts.output;
     takeSequenceOptions(app, texts.sequence, options.names);
+    options.job = parseJobOptions(texts.job);
+    takeFailureOptions(texts.job, options.settings);
     options.settings.quality = parseQuality(texts.quality);
     options.settings.smart = parseSmart(texts.smart);
     options.settings.downsample = parseDownsample(texts.downsample);

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "JobOptions.h"
 #include "ParameterArguments.h"
 #include "ParameterOptions.h"
 #include "RenderJob.h"
@@ -33,6 +34,7 @@ struct RenderOptions {
     LoadOptions load;
     PictureNames names;
     RenderSettings settings;
+    JobOptions job;
 };
 
 // The names of the command's own options, which no parameter's option takes.

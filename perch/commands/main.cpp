@@ -15,6 +15,7 @@
 #include "Commands.h"
 #include "Console.h"
 #include "Error.h"
+#include "ExitCodes.h"
 #include "NearestName.h"
 #include "Supervisor.h"
 #include "Worker.h"
@@ -41,7 +42,7 @@ std::string helpText() {
         "Usage: perch COMMAND [OPTIONS]\n\nCommands:\n";
     for (const Command& command : kCommands)
         text += fmt::format("  {:<10}{}\n", command.name, command.summary);
-    return text +
+    return text + "\nExit codes:\n" + perch::exitCodesText() +
            "\nperch COMMAND --help lists the options of a command; perch --version prints the version.\n";
 }
 

@@ -122,25 +122,24 @@ FramePlan planSequence(const PictureNames& names, const LayerNames& layers, Patt
             plan.stillLayers[index] = layer.name;
         }
     }
-    std::vector<std::int32_t> skipped;
     for (const std::int32_t frame : wanted) {
         if (hasFile(patterns.input, frame, names.missingFrame)) {
             plan.frames.push_back(filesOf(patterns, frame));
         } else {
-            skipped.push_back(frame);
+            plan.skipped.push_back(frame);
         }
     }
     for (const FrameFiles& files : plan.frames)
         plan.firstLayers.insert(files.layers.begin(), files.layers.end());
     if (plan.frames.empty()) {
         throw Error(fmt::format("\"{}\" has no file for {}, which is all; check the name and --frames",
-                                names.input, countedFrames(skipped)));
+                                names.input, countedFrames(plan.skipped)));
     }
     plan.firstFrame = plan.frames.front().frame;
     plan.lastFrame = std::ranges::max(plan.frames, {}, &FrameFiles::frame).frame;
-    if (!skipped.empty()) {
+    if (!plan.skipped.empty()) {
         plan.notes.push_back(
-            fmt::format("\"{}\" has no file for {}; skipped", names.input, countedFrames(skipped)));
+            fmt::format("\"{}\" has no file for {}; skipped", names.input, countedFrames(plan.skipped)));
     }
     for (const auto& [index, layer] : patterns.layers)
         if (!layer.note().empty()) plan.notes.push_back(layer.note());
@@ -154,6 +153,7 @@ void keepShard(FramePlan& plan, const std::vector<std::int32_t>& wanted, const S
     for (std::size_t i = shard.number - 1; i < wanted.size(); i += shard.count)
         own.insert(wanted[i]);
     std::erase_if(plan.frames, [&](const FrameFiles& files) { return !own.contains(files.frame); });
+    std::erase_if(plan.skipped, [&](std::int32_t frame) { return !own.contains(frame); });
     if (plan.frames.empty())
         plan.notes.push_back(fmt::format("shard {}/{} has no frame to render", shard.number, shard.count));
 }

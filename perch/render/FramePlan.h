@@ -50,6 +50,7 @@ struct FramePlan {
     // The first picture of each layer that has one for every frame, other shards' too.
     std::map<PF_ParamIndex, std::filesystem::path> firstLayers{};
     std::set<PF_ParamIndex> emptyLayers{};  // that the user has set to none
+    std::vector<std::int32_t> skipped{};    // that have no file
     std::vector<std::string> notes{};       // sentences about files that are missing
 };
 

@@ -1,10 +1,11 @@
 #include "RenderJob.h"
 
 #include <fmt/format.h>
-#include <time.h>
 
 #include <algorithm>
+#include <exception>
 #include <memory>
+#include <thread>
 #include <type_traits>
 #include <utility>
 
@@ -13,6 +14,7 @@
 #include "OrderedTasks.h"
 #include "PF_Values.h"
 #include "Sequence.h"
+#include "StepTimer.h"
 #include "StillLayers.h"
 #include "Whereabouts.h"
 
@@ -20,26 +22,6 @@ namespace perch {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::chrono::nanoseconds timeOf(clockid_t clock) {
-    timespec now{};
-    clock_gettime(clock, &now);
-    return std::chrono::seconds(now.tv_sec) + std::chrono::nanoseconds(now.tv_nsec);
-}
-
-// Adds the time of its life to a sum.
-class Timer {
-public:
-    Timer(clockid_t clock, RenderReport::Time& sum) : clock(clock), sum(sum) {}
-    ~Timer() { sum += (timeOf(clock) - start).count(); }
-    Timer(const Timer&) = delete;
-    Timer& operator=(const Timer&) = delete;
-
-private:
-    const clockid_t clock;
-    RenderReport::Time& sum;
-    const std::chrono::nanoseconds start = timeOf(clock);
-};
 
 // What a frame is rendered from, and the form in which it is written.
 struct FramePictures {
@@ -50,6 +32,29 @@ struct FramePictures {
     std::int32_t fullHeight = 0;
     OutputFormat output;
 };
+
+// A step of a frame, done or failed, with what it adds to the frame's account.
+template <typename T>
+struct Step {
+    std::optional<T> result{};
+    std::exception_ptr error{};  // an Error
+    int retries = 0;
+    std::chrono::nanoseconds time{0};
+};
+
+// A frame on its way to its end.
+struct EndingFrame {
+    FrameEnd end;
+    std::exception_ptr error{};
+};
+
+std::string messageOf(const std::exception_ptr& error) {
+    try {
+        std::rethrow_exception(error);
+    } catch (const Error& known) {
+        return known.what();
+    }
+}
 
 void requireDepth(const Effect& effect, const World& input) {
     if (!input.isDeep() || effect.supportsDeepColor()) return;
@@ -70,17 +75,15 @@ public:
 
     void run() {
         prepare();
-        for (std::size_t index = 0; index < plan.frames.size(); ++index) {
-            readAhead();
-            throwIfCancelled(index);
-            const FramePictures pictures = reads.next();
-            readAhead();
-            RenderedFrame result = render(index, pictures);
-            throwIfCancelled(index);
-            startWriting(index, std::move(result), pictures);
+        try {
+            for (std::size_t index = 0; index < plan.frames.size() && mayGoOn(); ++index)
+                run(index);
+        } catch (...) {
+            takeAllEnds();
+            throw;
         }
-        while (!writes.isEmpty())
-            writes.next();
+        takeAllEnds();
+        if (!mayGoOn()) std::rethrow_exception(firstError);
     }
 
 private:
@@ -103,13 +106,59 @@ private:
         }
     }
 
+    bool mayGoOn() const { return settings.goesOn || !hasFailure; }
+
+    void run(std::size_t index) {
+        readAhead();
+        throwIfCancelled(index);
+        Step<FramePictures> pictures = reads.next();
+        readAhead();
+        FrameEnd end{.index = index, .retries = pictures.retries, .decodeTime = pictures.time};
+        if (pictures.error != nullptr) return endFailed(end, pictures.error);
+        if (watch.frameBegins) watch.frameBegins(index);
+        tellTheUsersChoices(pictures.result->input->pixels);
+        Step<RenderedFrame> rendered = render(index, *pictures.result);
+        end.retries += rendered.retries;
+        end.renderTime = rendered.time;
+        if (rendered.error != nullptr) return endFailed(end, rendered.error);
+        throwIfCancelled(index);
+        startWriting(end, std::move(*rendered.result), *pictures.result);
+    }
+
+    // Does `body` until it does not fail, as often as the settings say. `pause` is before each further time.
+    template <typename F>
+    auto tried(clockid_t clock, RenderReport::Time& sum, std::chrono::milliseconds pause,
+               const F& body) const {
+        Step<std::invoke_result_t<F>> step;
+        for (;; ++step.retries) {
+            try {
+                const StepTimer timer(clock, sum, step.time);
+                step.result.emplace(body());
+                return step;
+            } catch (const Cancelled&) {
+                throw;
+            } catch (const EffectBroke&) {
+                throw;
+            } catch (const Error&) {
+                if (step.retries == settings.retries || isCancelled()) {
+                    step.error = std::current_exception();
+                    return step;
+                }
+            }
+            std::this_thread::sleep_for(pause);
+        }
+    }
+
     void readAhead() {
-        for (; !reads.isFull() && nextRead < plan.frames.size(); ++nextRead)
-            reads.start([this, index = nextRead] { return named(index, [&] { return read(index); }); });
+        for (; !reads.isFull() && nextRead < plan.frames.size(); ++nextRead) {
+            reads.start([this, index = nextRead] {
+                return tried(CLOCK_THREAD_CPUTIME_ID, report.decodeTime, settings.pause,
+                             [&] { return named(index, [&] { return read(index); }); });
+            });
+        }
     }
 
     FramePictures read(std::size_t index) {
-        const Timer timer(CLOCK_THREAD_CPUTIME_ID, report.decodeTime);
         const FrameFiles& files = plan.frames[index];
         const SharedPicture picture = readPictureFile(files.input, "", settings.limits);
         if (picture->parts > 1) report.notes.add("parts", partsNote(files.input, picture->parts));
@@ -171,17 +220,16 @@ private:
         return pictures::Transfer::Srgb;
     }
 
-    RenderedFrame render(std::size_t index, const FramePictures& pictures) {
-        const Timer timer(CLOCK_MONOTONIC, report.renderTime);
-        if (watch.frameBegins) watch.frameBegins(index);
-        if (index == 0) tellTheUsersChoices(pictures.input->pixels);
-        return sequence.render(requestFor(index, pictures));
+    Step<RenderedFrame> render(std::size_t index, const FramePictures& pictures) {
+        return tried(CLOCK_MONOTONIC, report.renderTime, {},
+                     [&] { return sequence.render(requestFor(index, pictures)); });
     }
 
     // Before the first frame the effect is told of what the user has set, parameter by parameter, as it would
     // be where the user sets it in a window; what it changes then holds for all frames, except where a value
     // has keys.
     void tellTheUsersChoices(const World& input) {
+        if (std::exchange(knowsTheUsersChoices, true)) return;
         const std::vector<Parameter>& declared = effect.description().parameters;
         const auto isSupervised = [](const Parameter& parameter) {
             return (parameter.definition.flags & PF_ParamFlag_SUPERVISE) != 0;
@@ -240,25 +288,58 @@ private:
         return values;
     }
 
-    void startWriting(std::size_t index, RenderedFrame result, const FramePictures& pictures) {
-        while (writes.isFull() || writes.isNextReady())
-            writes.next();
-        writes.start(
-            [this, index, input = pictures.input, output = pictures.output, result = std::move(result)] {
-                named(index, [&] { write(index, result.picture, *input, output); });
-            });
+    void startWriting(const FrameEnd& rendered, RenderedFrame result, const FramePictures& pictures) {
+        startEnding([this, end = rendered, input = pictures.input, output = pictures.output,
+                     result = std::move(result)]() mutable {
+            const auto write = [&] {
+                writeWorld(plan.frames[end.index].output, result.picture, *input, output);
+                return true;
+            };
+            const Step<bool> written = tried(CLOCK_THREAD_CPUTIME_ID, report.encodeTime, settings.pause,
+                                             [&] { return named(end.index, write); });
+            end.retries += written.retries;
+            end.encodeTime = written.time;
+            if (written.error == nullptr) {
+                ++report.framesWritten;
+                whereabouts().hasWritten = true;
+            }
+            return EndingFrame{end, written.error};
+        });
     }
 
-    void write(std::size_t index, const World& picture, const FileWorld& input, const OutputFormat& output) {
-        const Timer timer(CLOCK_THREAD_CPUTIME_ID, report.encodeTime);
-        writeWorld(plan.frames[index].output, picture, input, output);
-        ++report.framesWritten;
-        whereabouts().hasWritten = true;
+    // A failed frame ends in its turn, behind those that are still being written.
+    void endFailed(const FrameEnd& end, const std::exception_ptr& error) {
+        hasFailure = true;
+        startEnding([end, error] { return EndingFrame{end, error}; });
     }
+
+    template <typename F>
+    void startEnding(F task) {
+        while (writes.isFull() || writes.isNextReady())
+            takeEnd();
+        writes.start(std::move(task));
+    }
+
+    void takeEnd() {
+        EndingFrame frame = writes.next();
+        if (frame.error != nullptr) {
+            frame.end.state = FrameEnd::State::Failed;
+            frame.end.message = messageOf(frame.error);
+            if (firstError == nullptr) firstError = frame.error;
+            hasFailure = true;
+        }
+        if (watch.frameEnds) watch.frameEnds(frame.end);
+    }
+
+    void takeAllEnds() {
+        while (!writes.isEmpty())
+            takeEnd();
+    }
+
+    bool isCancelled() const { return watch.cancelled != nullptr && watch.cancelled->load(); }
 
     void throwIfCancelled(std::size_t index) const {
-        if (watch.cancelled != nullptr && watch.cancelled->load())
-            throw Cancelled("RENDER", PF_Interrupt_CANCEL, "", plan.frames[index].frame);
+        if (isCancelled()) throw Cancelled("RENDER", PF_Interrupt_CANCEL, "", plan.frames[index].frame);
     }
 
     Effect& effect;
@@ -273,10 +354,13 @@ private:
     StillLayers stillLayers{plan.stillLayers, layerReader, scale};
     Sequence sequence{effect};
     std::map<std::size_t, PF_ParamDef> changedByEffect;  // values, by index
+    bool knowsTheUsersChoices = false;
     std::size_t nextRead = 0;
+    bool hasFailure = false;        // of a frame
+    std::exception_ptr firstError;  // in the order of the frames
     // Last, so that the tasks end before what they use.
-    OrderedTasks<FramePictures> reads{settings.framesAhead};
-    OrderedTasks<void> writes{settings.framesAhead};
+    OrderedTasks<Step<FramePictures>> reads{settings.framesAhead};
+    OrderedTasks<EndingFrame> writes{settings.framesAhead};
 };
 
 }  // namespace

@@ -12,6 +12,7 @@
 
 #include "Effect.h"
 #include "FileWorlds.h"
+#include "FrameEnd.h"
 #include "FramePlan.h"
 #include "LayerReading.h"
 #include "Notes.h"
@@ -35,15 +36,22 @@ struct RenderSettings {
     // So many frames at most are read ahead, and so many wait to be written; beside the one that renders,
     // they are all that is in memory.
     std::size_t framesAhead = 1;
+    bool goesOn = false;  // past a frame that fails
+    // So often reading, rendering or writing a frame is tried again; files, which may be on a server, after a
+    // pause.
+    int retries = 0;
+    std::chrono::milliseconds pause{0};
 };
 
 // How a caller follows a job. The functions are called on the thread of renderFrames; frameBegins may throw,
-// which ends the job, frameProgresses is called from within the effect and must not. `cancelled` may be set
-// from any thread or a signal handler and must outlive the job.
+// which ends the job, frameProgresses is called from within the effect and must not. frameEnds comes once for
+// each frame that was begun, in their order; the frame's file is written then, or never will be. `cancelled`
+// may be set from any thread or a signal handler and must outlive the job.
 struct RenderWatch {
     const std::atomic<bool>* cancelled = nullptr;
     std::function<void(std::size_t index)> frameBegins;    // of the plan's frames
     std::function<void(double fraction)> frameProgresses;  // 0 to 1
+    std::function<void(const FrameEnd& end)> frameEnds;
 };
 
 // What has been done, complete also when the job ends by an exception.
@@ -60,8 +68,9 @@ struct RenderReport {
 };
 
 // Renders the frames in order. Throws Error for the first failure, which ends the job, and names the frame
-// where the plan is a sequence; Cancelled when the flag of `watch` was seen, also between the effect's
-// commands. Each output is written whole or not at all; frames before the failure stay.
+// where the plan is a sequence; where the job goes on, frameEnds tells of the failures of frames instead.
+// Throws Cancelled when the flag of `watch` was seen, also between the effect's commands. Each output is
+// written whole or not at all; frames before the failure stay.
 void renderFrames(Effect& effect, const RenderSettings& settings,
                   const std::vector<ParameterCurve>& parameters, const FramePlan& plan,
                   const RenderWatch& watch, RenderReport& report);

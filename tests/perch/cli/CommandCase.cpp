@@ -1,6 +1,7 @@
 #include "CommandCase.h"
 
 #include <fstream>
+#include <regex>
 #include <stdexcept>
 
 namespace perch::test {
@@ -64,6 +65,12 @@ std::vector<std::string> wordsOf(const std::string& command) {
         }
     }
     return words;
+}
+
+std::string withoutTimes(const std::string& text) {
+    static const std::regex times(R"( in [0-9.]+ s(, [0-9.e+]+ per second)?: )");
+    static const std::regex progress(R"(perch: frame [0-9]+ of [0-9]+: [^\n]*\n)");
+    return std::regex_replace(std::regex_replace(text, progress, ""), times, " in {time}: ");
 }
 
 std::string replaceAll(std::string text, const std::string& from, const std::string& to) {

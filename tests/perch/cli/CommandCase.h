@@ -6,8 +6,8 @@
 //     --- stderr
 //     perch: --output is missing; see perch render --help
 //
-// {plugins} stands for the folder of test effects. Several commands in one file run one after another in the
-// same folder.
+// {plugins} stands for the folder of test effects, {time} for what a job took. Several commands in one file
+// run one after another in the same folder.
 #pragma once
 
 #include <filesystem>
@@ -28,6 +28,10 @@ void writeCases(const std::filesystem::path& file, const std::vector<CommandCase
 
 // The words of a command line, separated by blanks; double quotes keep blanks.
 std::vector<std::string> wordsOf(const std::string& command);
+
+// What a job took is {time}: "4 frames done in {time}: out.####.png". Lines of progress, which come every ten
+// seconds, are left out.
+std::string withoutTimes(const std::string& text);
 
 std::string replaceAll(std::string text, const std::string& from, const std::string& to);
 

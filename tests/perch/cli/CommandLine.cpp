@@ -78,7 +78,7 @@ CommandLine::CommandLine() {
 ProgramResult CommandLine::run(const std::string& command) const {
     ProgramResult result = runProgram(commandOf(command), folder);
     result.out = replaceAll(result.out, PERCH_TEST_PLUGINS, "{plugins}");
-    result.err = replaceAll(result.err, PERCH_TEST_PLUGINS, "{plugins}");
+    result.err = withoutTimes(replaceAll(result.err, PERCH_TEST_PLUGINS, "{plugins}"));
     return result;
 }
 

@@ -14,7 +14,8 @@ class CommandLine {
 public:
     CommandLine();
 
-    // {plugins} in a command, and in what it answers, stands for the folder of test effects.
+    // {plugins} in a command, and in what it answers, stands for the folder of test effects; {time} in what
+    // it answers for what a job took.
     ProgramResult run(const std::string& command) const;
     std::vector<std::string> commandOf(const std::string& command) const;
 

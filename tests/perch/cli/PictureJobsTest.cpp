@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "CommandCase.h"
 #include "Program.h"
 #include "TemporaryFolder.h"
 #include "ToolRun.h"
@@ -148,10 +149,11 @@ TEST_F(PictureJobsTest, LaterFrameOutsideTheRangeOfTheFirstIsToldOnce) {
         perch("-i in.#.png -o out.#.png --control-layer z.#.exr --control-range auto --threads 1");
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(
-        result.err,
+        withoutTimes(result.err),
         "perch: note: --control-range auto is --control-range 2:30\n"
         "perch: note: \"z.3.exr\" has depths of 4:60, outside the 2:30 that --control-range auto found in "
-        "the first frame\n");
+        "the first frame\n"
+        "perch: 4 frames done in {time}: out.#.png\n");
 }
 
 TEST_F(PictureJobsTest, PartsOfOneFileAreBeautyAndDepth) {
@@ -179,13 +181,16 @@ TEST_F(PictureJobsTest, ClippedLightIsCountedOnce) {
         "oiiotool --create 10x10 3 --fill:color=2,0.5,0.5 10x3+0+0 -d half -o in.1.exr && cp in.1.exr "
         "in.2.exr");
     const std::string job = "-i in.#.exr -o out.#.exr --blend-with-original 100";
+    const std::string summary = "perch: 2 frames done in {time}: out.#.exr\n";
     EXPECT_EQ(
-        perch(job).err,
+        withoutTimes(perch(job).err),
         "perch: note: the pictures hold light in floats, which the effect gets by the curve of sRGB, as with "
         "--encode srgb\n"
         "perch: note: 30 % of the pixels of 2 frames are below 0 or above 1 and were clipped; --encode log "
-        "keeps up to 64\n");
-    EXPECT_EQ(perch(job + " --encode log").err, "");
+        "keeps up to 64\n" +
+            summary);
+    EXPECT_EQ(withoutTimes(perch(job + " --encode log").err), summary);
+    EXPECT_EQ(perch(job + " --quiet").err, "");
 }
 
 TEST_F(PictureJobsTest, OutputHasTheDepthOfTheInputOrTheOneAskedFor) {

@@ -50,6 +50,20 @@ TEST(RenderOptionsTest, OtherDownsamplesAreRefused) {
         EXPECT_THROW(parsed("--downsample", text), UsageError) << '"' << text << '"';
 }
 
+TEST(RenderOptionsTest, FailuresEndAJobUnlessItIsToGoOn) {
+    EXPECT_FALSE(parsed("--on-error", "stop").settings.goesOn);
+    EXPECT_TRUE(parsed("--on-error", "continue").settings.goesOn);
+    EXPECT_EQ(parsed("--on-error", "stop").settings.retries, 0);
+    EXPECT_EQ(parsed("--retries", "100").settings.retries, 100);
+    EXPECT_EQ(parsed("--retries", "1").job.progress, ProgressForm::Auto);
+    EXPECT_EQ(parsed("--progress", "json").job.progress, ProgressForm::Json);
+    EXPECT_TRUE(parsed("--on-error", "stop").settings.pause.count() > 0);
+    for (const auto& [option, text] :
+         {std::pair{"--on-error", "go"}, std::pair{"--on-error", ""}, std::pair{"--retries", "101"},
+          std::pair{"--retries", "-1"}, std::pair{"--progress", "openjd"}})
+        EXPECT_THROW(parsed(option, text), UsageError) << option << ' ' << text;
+}
+
 TEST(RenderOptionsTest, ShardIsANumberAndHowManyThereAre) {
     for (const std::size_t number : {1U, 2U, 1000000U}) {
         const Shard shard = *parsed("--shard", std::to_string(number) + "/1000000").names.shard;

@@ -179,17 +179,19 @@ TEST_F(FramePlanTest, ShardsShareOutThePlan) {
     struct Part {
         Shard shard;
         std::vector<std::int32_t> frames;
+        std::vector<std::int32_t> skipped{};
     };
     names.frames = {{4, 3, 2, 1}};
     names.missingFrame = MissingFrame::Skip;  // 3 keeps its turn
     layers[kMatte].name = in("depth.####.png");
     names.missingLayerFrame = MissingLayerFrame::None;  // 4 has none, so that 2 has the first
-    for (const auto& [shard, frames] :
-         {Part{{1, 1}, {4, 2, 1}}, Part{{1, 2}, {4, 2}}, Part{{2, 2}, {1}}, Part{{1, 3}, {4, 1}},
-          Part{{2, 3}, {}}, Part{{3, 3}, {2}}, Part{{5, 5}, {}}}) {
+    for (const auto& [shard, frames, skipped] :
+         {Part{{1, 1}, {4, 2, 1}, {3}}, Part{{1, 2}, {4, 2}}, Part{{2, 2}, {1}, {3}}, Part{{1, 3}, {4, 1}},
+          Part{{2, 3}, {}, {3}}, Part{{3, 3}, {2}}, Part{{5, 5}, {}}}) {
         names.shard = shard;
         const FramePlan plan = planFrames(names, layers);
         EXPECT_EQ(numbersOf(plan), frames) << shard.number << '/' << shard.count;
+        EXPECT_EQ(plan.skipped, skipped) << shard.number << '/' << shard.count;
         EXPECT_EQ(plan.firstFrame, 4) << shard.number << '/' << shard.count;
         EXPECT_EQ(plan.lastFrame, 4) << shard.number << '/' << shard.count;
         EXPECT_EQ(plan.firstLayers.at(kMatte), folder / "depth.0002.png");

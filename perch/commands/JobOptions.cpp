@@ -1,0 +1,57 @@
+#include "JobOptions.h"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <chrono>
+
+#include "CommandLine.h"
+#include "Error.h"
+
+namespace perch {
+namespace {
+
+bool parseGoesOn(const std::string& text) {
+    if (text == "stop") return false;
+    if (text == "continue") return true;
+    throw UsageError(fmt::format("--on-error takes stop or continue, not \"{}\"", text));
+}
+
+ProgressForm parseProgress(const std::string& text) {
+    if (text == "auto") return ProgressForm::Auto;
+    if (text == "line") return ProgressForm::Lines;
+    if (text == "json") return ProgressForm::Json;
+    if (text == "none") return ProgressForm::None;
+    throw UsageError(fmt::format("--progress takes auto, line, json or none, not \"{}\"", text));
+}
+
+}  // namespace
+
+void addJobOptions(CLI::App& app, JobTexts& texts) {
+    app.add_option("--on-error", texts.onError,
+                   "after a frame that fails: stop, or continue with the others and exit with 7 at the end "
+                   "(default stop)")
+        ->type_name("WHAT");
+    app.add_option("--retries", texts.retries,
+                   "try reading, rendering or writing a frame again so often before it fails (default 0)")
+        ->type_name("N");
+    app.add_option("--progress", texts.progress,
+                   "auto: a line on a terminal, in a log one every 10 s; line: one for each frame; json: the "
+                   "same as JSON on standard output; or none (default auto)")
+        ->type_name("FORM");
+    app.add_flag("-q,--quiet", texts.isQuiet, "tell of failures alone");
+}
+
+JobOptions parseJobOptions(const JobTexts& texts) {
+    return {.progress = parseProgress(texts.progress), .isQuiet = texts.isQuiet};
+}
+
+void takeFailureOptions(const JobTexts& texts, RenderSettings& settings) {
+    constexpr int kMostRetries = 100;
+    constexpr std::chrono::milliseconds kPause{500};  // a server may need it
+    settings.goesOn = parseGoesOn(texts.onError);
+    settings.retries = parseNumber("--retries", texts.retries, 0, kMostRetries);
+    settings.pause = kPause;
+}
+
+}  // namespace perch

@@ -1,0 +1,35 @@
+// The options of a command line that say how a job runs and what is told of it.
+#pragma once
+
+#include <string>
+
+#include "ProgressForm.h"
+#include "RenderJob.h"
+
+namespace CLI {
+class App;
+}
+
+namespace perch {
+
+// As they were given.
+struct JobTexts {
+    std::string onError = "stop";
+    std::string retries = "0";
+    std::string progress = "auto";
+    bool isQuiet = false;
+};
+
+struct JobOptions {
+    ProgressForm progress = ProgressForm::Auto;
+    bool isQuiet = false;
+};
+
+// Makes `app` take the options into `texts`, which must outlive it.
+void addJobOptions(CLI::App& app, JobTexts& texts);
+
+// Both throw UsageError with what was expected.
+JobOptions parseJobOptions(const JobTexts& texts);
+void takeFailureOptions(const JobTexts& texts, RenderSettings& settings);
+
+}  // namespace perch

@@ -1,0 +1,136 @@
+#include "JobDisplay.h"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <nlohmann/json.hpp>
+
+#include "Console.h"
+#include "ProgressText.h"
+
+namespace perch {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr char kClearToTheEnd[] = "\x1B[K";
+constexpr double kSecondsBetweenLines = 10;  // of a log
+
+bool isOfFrame(std::string_view command) {
+    return command == "RENDER" || command.starts_with("FRAME_");
+}
+
+// Names of files have no certain encoding.
+void printLine(const Json& json) {
+    printResult(json.dump(-1, ' ', false, Json::error_handler_t::replace) + '\n');
+}
+
+}  // namespace
+
+JobDisplay::JobDisplay(ProgressForm form, bool isQuiet)
+    : form(isQuiet && form != ProgressForm::Json ? ProgressForm::None : form),
+      isQuiet(isQuiet),
+      isTerminal(isatty(STDERR_FILENO) == 1) {}
+
+JobDisplay::~JobDisplay() {
+    clearLine();
+}
+
+void JobDisplay::begin(const FramePlan& planned) {
+    plan = &planned;
+    counted.skipped = planned.skipped;
+    start = std::chrono::steady_clock::now();
+}
+
+void JobDisplay::frameBegins(std::size_t index) {
+    current = index;
+    showLine(0);
+}
+
+void JobDisplay::frameProgresses(double fraction) {
+    showLine(fraction);
+}
+
+void JobDisplay::frameEnds(const FrameEnd& end) {
+    const FrameFiles& files = plan->frames[end.index];
+    const bool isFailed = end.state == FrameEnd::State::Failed;
+    if (isFailed) {
+        counted.failed.push_back(files.frame);
+    } else {
+        ++counted.done;
+    }
+    if (end.retries > 0) ++counted.triedAgain;
+    if (form == ProgressForm::Json) printJson(end);
+    if (form == ProgressForm::Lines && !isFailed)
+        say(fmt::format("frame {} done, {} of {}", files.frame, end.index + 1, plan->frames.size()));
+}
+
+void JobDisplay::finish(const std::string& output) {
+    clearLine();
+    if (form == ProgressForm::Json) {
+        printLine({{"done", counted.done},
+                   {"skipped", counted.skipped},
+                   {"failed", counted.failed},
+                   {"seconds", seconds()}});
+    }
+    if (plan->isSequence && !isQuiet) say(summaryText(counted, seconds(), output));
+}
+
+void JobDisplay::tellMessage(std::string_view command, std::string_view message) {
+    if (isQuiet) return;
+    clearLine();
+    const std::string place = plan != nullptr && isOfFrame(command) && !plan->frames.empty()
+                                  ? fmt::format("frame {}: ", plan->frames[current].frame)
+                                  : "";
+    say(fmt::format("{}{}: \"{}\"", place, command, message));
+}
+
+void JobDisplay::tellNote(const std::string& sentence) {
+    if (isQuiet) return;
+    clearLine();
+    say(sentence);
+}
+
+void JobDisplay::clearLine() {
+    if (!shown.empty()) sayAsItIs(std::string("\r") + kClearToTheEnd);
+    shown.clear();
+}
+
+void JobDisplay::showLine(double fraction) {
+    if (form != ProgressForm::Auto) return;
+    const std::string text = progressText(
+        {.number = current + 1, .count = plan->frames.size(), .fraction = fraction, .seconds = seconds()});
+    if (isTerminal) {
+        if (text == shown) return;
+        shown = text;
+        sayAsItIs('\r' + shown + kClearToTheEnd);
+    } else if (seconds() - lastLine >= kSecondsBetweenLines) {
+        lastLine = seconds();
+        say(text);
+    }
+}
+
+void JobDisplay::printJson(const FrameEnd& end) const {
+    const auto secondsOf = [](std::chrono::nanoseconds time) {
+        return std::chrono::duration<double>(time).count();
+    };
+    const FrameFiles& files = plan->frames[end.index];
+    const bool isFailed = end.state == FrameEnd::State::Failed;
+    Json json{{"frame", files.frame},
+              {"state", isFailed ? "failed" : "done"},
+              {"number", end.index + 1},
+              {"of", plan->frames.size()},
+              {"output", files.output.string()},
+              {"retries", end.retries},
+              {"decodeSeconds", secondsOf(end.decodeTime)},
+              {"renderSeconds", secondsOf(end.renderTime)},
+              {"encodeSeconds", secondsOf(end.encodeTime)}};
+    if (isFailed) json["message"] = end.message;
+    printLine(json);
+}
+
+double JobDisplay::seconds() const {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+}  // namespace perch

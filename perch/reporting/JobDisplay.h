@@ -1,0 +1,58 @@
+// What the user is told of a job under way and at its end, on standard error except for JSON.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "FrameEnd.h"
+#include "FramePlan.h"
+#include "JobTotals.h"
+#include "ProgressForm.h"
+
+namespace perch {
+
+// On one thread.
+class JobDisplay {
+public:
+    // A quiet one tells of failures alone.
+    JobDisplay(ProgressForm form, bool isQuiet);
+    ~JobDisplay();
+    JobDisplay(const JobDisplay&) = delete;
+    JobDisplay& operator=(const JobDisplay&) = delete;
+
+    // Before the frames. `plan` outlives the display.
+    void begin(const FramePlan& plan);
+    void frameBegins(std::size_t index);  // of the plan's frames
+    void frameProgresses(double fraction);
+    void frameEnds(const FrameEnd& end);
+    // Tells what became of the frames, which are where `output` says.
+    void finish(const std::string& output);
+
+    // What the effect says at a command.
+    void tellMessage(std::string_view command, std::string_view message);
+    // What is known to be no failure.
+    void tellNote(const std::string& sentence);
+    // Takes the line of progress off the terminal.
+    void clearLine();
+
+    const JobTotals& totals() const { return counted; }
+
+private:
+    void showLine(double fraction);
+    void printJson(const FrameEnd& end) const;
+    double seconds() const;
+
+    const ProgressForm form;
+    const bool isQuiet;
+    const bool isTerminal;
+    const FramePlan* plan = nullptr;
+    std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
+    double lastLine = 0;  // seconds after the start
+    std::size_t current = 0;
+    std::string shown;  // on the terminal
+    JobTotals counted;
+};
+
+}  // namespace perch

@@ -1,0 +1,21 @@
+// What became of the frames of a job, counted.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace perch {
+
+struct JobTotals {
+    std::size_t done = 0;
+    std::vector<std::int32_t> skipped;  // numbers of frames
+    std::vector<std::int32_t> failed;
+    std::size_t triedAgain = 0;  // frames that needed it
+};
+
+// The last line of a job: "22 frames done, 1 skipped, 1 failed (12) in 3.2 s, 6.9 per second: out.####.png".
+std::string summaryText(const JobTotals& totals, double seconds, const std::string& output);
+
+}  // namespace perch

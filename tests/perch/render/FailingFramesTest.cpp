@@ -1,0 +1,171 @@
+// What a job does about frames that fail.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "PictureFiles.h"
+#include "RenderJob.h"
+#include "ScriptedEffect.h"
+#include "TemporaryFolder.h"
+
+namespace perch::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+struct FailingFramesTest : testing::Test {
+    TemporaryFolder folder;
+    FramePlan plan{.isSequence = true, .frames = {}, .stillLayers = {}};
+    RenderSettings settings;
+    ScriptedEffect script;
+    RenderWatch watch;
+    std::vector<FrameEnd> ends;
+    RenderReport report;
+
+    FailingFramesTest() {
+        for (int frame = 1; frame <= 5; ++frame) {
+            const std::string name = std::to_string(frame) + ".png";
+            writeFile<std::uint8_t>(folder / ("in." + name), {}, {10, 20, 30, 255});
+            plan.frames.push_back({frame, folder / ("in." + name), folder / ("out." + name), {}});
+        }
+        watch.frameEnds = [this](const FrameEnd& end) { ends.push_back(end); };
+    }
+
+    void damageInputOf(int frame) {
+        writeBytes(plan.frames[static_cast<std::size_t>(frame - 1)].input, "no picture");
+    }
+
+    // Longer than a file's name may be, which shows when the written file is given its name.
+    void makeOutputImpossibleOf(int frame) {
+        plan.frames[static_cast<std::size_t>(frame - 1)].output = folder / (std::string(300, 'x') + ".png");
+    }
+
+    void failEffectAt(int frame) {
+        script.on(PF_Cmd_RENDER,
+                  [frame](const EffectCall& call) { return call.in->current_time == frame ? 4 : 0; });
+    }
+
+    void render() {
+        Effect effect(ScriptedEffect::enter, {}, strictOptions());
+        renderFrames(effect, settings, {}, plan, watch, report);
+    }
+
+    // Of the frames that have ended, in their order.
+    std::vector<std::string> states() const {
+        std::vector<std::string> texts;
+        for (const FrameEnd& end : ends)
+            texts.push_back(std::to_string(plan.frames[end.index].frame) +
+                            (end.state == FrameEnd::State::Done ? " done" : " failed"));
+        return texts;
+    }
+};
+
+TEST_F(FailingFramesTest, JobGoesOnWhereItIsTo) {
+    settings.goesOn = true;
+    damageInputOf(2);
+    failEffectAt(3);
+    makeOutputImpossibleOf(4);
+    for (const std::size_t framesAhead : {1U, 8U}) {
+        settings.framesAhead = framesAhead;
+        ends.clear();
+        render();
+        EXPECT_THAT(states(), ElementsAre("1 done", "2 failed", "3 failed", "4 failed", "5 done"));
+        EXPECT_THAT(ends[1].message, HasSubstr("frame 2: cannot read \"" + plan.frames[1].input.string()));
+        EXPECT_THAT(ends[2].message, HasSubstr("frame 3: plug-in returned 4 at RENDER"));
+        EXPECT_THAT(ends[3].message, HasSubstr("frame 4: cannot write"));
+    }
+    EXPECT_EQ(report.framesWritten, 4U) << "in two jobs";
+    for (std::size_t i = 0; i < plan.frames.size(); ++i)
+        EXPECT_EQ(std::filesystem::exists(folder / ("out." + std::to_string(i + 1) + ".png")),
+                  i == 0 || i == 4)
+            << i;
+}
+
+TEST_F(FailingFramesTest, JobEndsAtTheFirstWhereItIsNotToGoOn) {
+    settings.framesAhead = 8;
+    failEffectAt(3);
+    EXPECT_THROW(render(), EffectError);
+    EXPECT_THAT(states(), ElementsAre("1 done", "2 done", "3 failed"));
+    damageInputOf(2);
+    ends.clear();
+    EXPECT_THROW(render(), Error);
+    EXPECT_THAT(states(), ElementsAre("1 done", "2 failed"));
+}
+
+// Frames that were begun before the failure showed may follow it.
+TEST_F(FailingFramesTest, FirstFailureIsThatOfTheFirstFrame) {
+    settings.framesAhead = 8;
+    makeOutputImpossibleOf(1);
+    damageInputOf(3);
+    try {
+        render();
+        ADD_FAILURE() << "nothing was thrown";
+    } catch (const Error& error) {
+        EXPECT_THAT(error.what(), HasSubstr("frame 1: cannot write"));
+    }
+    EXPECT_EQ(states().front(), "1 failed");
+}
+
+TEST_F(FailingFramesTest, EffectIsAskedAgainAsOftenAsWanted) {
+    std::map<A_long, int> failures;
+    script.on(PF_Cmd_RENDER,
+              [&](const EffectCall& call) { return failures[call.in->current_time]++ < 2 ? 4 : 0; });
+    settings.retries = 2;
+    render();
+    for (const FrameEnd& end : ends)
+        EXPECT_EQ(end.retries, 2);
+    EXPECT_EQ(report.framesWritten, 5U);
+    failures.clear();
+    ends.clear();
+    settings.retries = 1;
+    EXPECT_THROW(render(), EffectError);
+    EXPECT_THAT(states(), ElementsAre("1 failed"));
+    EXPECT_EQ(ends[0].retries, 1);
+}
+
+TEST_F(FailingFramesTest, FilesAreTriedAgainAsOftenAsWanted) {
+    settings.goesOn = true;
+    settings.retries = 3;
+    damageInputOf(1);
+    makeOutputImpossibleOf(2);
+    render();
+    EXPECT_THAT(states(), ElementsAre("1 failed", "2 failed", "3 done", "4 done", "5 done"));
+    EXPECT_EQ(ends[0].retries, 3);
+    EXPECT_EQ(ends[1].retries, 3);
+    EXPECT_EQ(ends[2].retries, 0);
+}
+
+TEST_F(FailingFramesTest, CancelEndsAJobThatGoesOn) {
+    settings.goesOn = true;
+    settings.retries = 9;
+    std::atomic<bool> cancelled{false};
+    watch.cancelled = &cancelled;
+    script.on(PF_Cmd_RENDER, [&](const EffectCall& call) {
+        cancelled = call.in->current_time == 3;
+        return PF_Err_NONE;
+    });
+    EXPECT_THROW(render(), Cancelled);
+    EXPECT_THAT(states(), ElementsAre("1 done", "2 done"));
+}
+
+TEST_F(FailingFramesTest, UsersChoicesAreToldOnceThoughTheFirstFrameFails) {
+    settings.goesOn = true;
+    damageInputOf(1);
+    int tellings = 0;
+    script.declareFlags(PF_OutFlag_SEND_UPDATE_PARAMS_UI);
+    script.on(PF_Cmd_UPDATE_PARAMS_UI, [&](const EffectCall&) {
+        ++tellings;
+        return PF_Err_NONE;
+    });
+    render();
+    EXPECT_EQ(tellings, 1);
+    EXPECT_EQ(report.framesWritten, 4U);
+}
+
+}  // namespace
+}  // namespace perch::test

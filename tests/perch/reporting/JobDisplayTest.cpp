@@ -1,0 +1,147 @@
+// What a job says of itself.
+#include "JobDisplay.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "ProgressText.h"
+
+namespace perch::test {
+namespace {
+
+using Json = nlohmann::json;
+
+TEST(JobTotalsTest, SummaryCountsFramesAndSaysWhereTheyAre) {
+    struct Case {
+        JobTotals totals;
+        double seconds;
+        const char* text;
+    };
+    const Case cases[] = {
+        {{.done = 24, .skipped = {}, .failed = {}}, 3.2, "24 frames done in 3.2 s, 7.5 per second: o.#.png"},
+        {{.done = 1, .skipped = {}, .failed = {}}, 0.04, "1 frame done in 0.0 s: o.#.png"},
+        {{.done = 0, .skipped = {4}, .failed = {}}, 0, "0 frames done, 1 skipped in 0.0 s: o.#.png"},
+        {{.done = 2, .skipped = {4, 5}, .failed = {1, 2, 3, 9}, .triedAgain = 3},
+         4,
+         "2 frames done, 2 skipped, 4 failed (1-3,9), 3 tried again in 4.0 s, 0.5 per second: o.#.png"},
+    };
+    for (const auto& [totals, seconds, text] : cases)
+        EXPECT_EQ(summaryText(totals, seconds, "o.#.png"), text);
+}
+
+TEST(ProgressTextTest, RateAndTimeLeftComeOnceThereIsSomethingToGoBy) {
+    struct Case {
+        JobProgress progress;
+        const char* text;
+    };
+    const Case cases[] = {
+        {{.number = 1, .count = 4, .fraction = 0, .seconds = 0}, "frame 1 of 4:   0%"},
+        {{.number = 1, .count = 4, .fraction = 0, .seconds = 30}, "frame 1 of 4:   0%"},
+        {{.number = 1, .count = 4, .fraction = 0.5, .seconds = 0.9}, "frame 1 of 4:  12%"},
+        {{.number = 1, .count = 1, .fraction = 0.25, .seconds = 20},
+         "frame 1 of 1:  25%, 0.013 per second, 1:00 left"},
+        {{.number = 3, .count = 4, .fraction = 0, .seconds = 10},
+         "frame 3 of 4:  50%, 0.2 per second, 0:10 left"},
+        {{.number = 1001, .count = 5001, .fraction = 0, .seconds = 1000},
+         "frame 1001 of 5001:  19%, 1 per second, 1:06:41 left"},
+        {{.number = 1, .count = 1000000, .fraction = 0.5, .seconds = 3600},
+         "frame 1 of 1000000:   0%, 0.00014 per second"},
+    };
+    for (const auto& [progress, text] : cases)
+        EXPECT_EQ(progressText(progress), text);
+}
+
+FramePlan planOf(std::vector<std::int32_t> numbers) {
+    FramePlan plan{.isSequence = true, .frames = {}, .stillLayers = {}};
+    for (const std::int32_t number : numbers)
+        plan.frames.push_back({number, "in.png", "out." + std::to_string(number) + ".png", {}});
+    return plan;
+}
+
+struct Output {
+    std::string out;
+    std::string err;
+};
+
+// A job of frames 7, 8 and 9, the second of which fails after a second try.
+Output jobAs(ProgressForm form, bool isQuiet = false) {
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    FramePlan plan = planOf({7, 8, 9});
+    plan.skipped = {3};
+    {
+        JobDisplay display(form, isQuiet);
+        display.begin(plan);
+        for (std::size_t i = 0; i < plan.frames.size(); ++i) {
+            display.frameBegins(i);
+            display.tellMessage("RENDER", "well");
+            display.frameProgresses(0.5);
+            const bool fails = i == 1;
+            display.frameEnds({.index = i,
+                               .state = fails ? FrameEnd::State::Failed : FrameEnd::State::Done,
+                               .message = fails ? "why" : "",
+                               .retries = fails ? 1 : 0,
+                               .renderTime = std::chrono::milliseconds(1500)});
+        }
+        display.tellNote("note: by the way");
+        display.finish("out.#.png");
+    }
+    return {testing::internal::GetCapturedStdout(), testing::internal::GetCapturedStderr()};
+}
+
+TEST(JobDisplayTest, LinesAreOneForEachFrameThatIsDone) {
+    const Output job = jobAs(ProgressForm::Lines);
+    EXPECT_EQ(job.out, "");
+    const std::string lines =
+        "perch: frame 7: RENDER: \"well\"\nperch: frame 7 done, 1 of 3\n"
+        "perch: frame 8: RENDER: \"well\"\n"
+        "perch: frame 9: RENDER: \"well\"\nperch: frame 9 done, 3 of 3\n"
+        "perch: note: by the way\n"
+        "perch: 2 frames done, 1 skipped, 1 failed (8), 1 tried again in ";
+    EXPECT_EQ(job.err.substr(0, lines.size()), lines);
+}
+
+TEST(JobDisplayTest, LogOfAShortJobHasNoProgress) {
+    for (const ProgressForm form : {ProgressForm::Auto, ProgressForm::None}) {
+        const Output job = jobAs(form);
+        EXPECT_EQ(job.out, "");
+        EXPECT_EQ(std::ranges::count(job.err, '\n'), 5) << job.err;
+        EXPECT_EQ(job.err.find('\r'), std::string::npos);
+    }
+}
+
+TEST(JobDisplayTest, QuietJobSaysNothing) {
+    for (const ProgressForm form : {ProgressForm::Auto, ProgressForm::Lines, ProgressForm::None}) {
+        const Output job = jobAs(form, true);
+        EXPECT_EQ(job.out + job.err, "");
+    }
+}
+
+TEST(JobDisplayTest, JsonIsALineForEachFrameAndOneForAll) {
+    const Output job = jobAs(ProgressForm::Json, true);
+    EXPECT_EQ(job.err, "");
+    std::istringstream stream(job.out);
+    std::vector<Json> lines;
+    for (std::string line; std::getline(stream, line);)
+        lines.push_back(Json::parse(line));
+    ASSERT_EQ(lines.size(), 4U);
+    EXPECT_EQ(lines[0]["frame"], 7);
+    EXPECT_EQ(lines[0]["state"], "done");
+    EXPECT_EQ(lines[0]["output"], "out.7.png");
+    EXPECT_EQ(lines[0]["renderSeconds"], 1.5);
+    EXPECT_FALSE(lines[0].contains("message"));
+    EXPECT_EQ(lines[1]["state"], "failed");
+    EXPECT_EQ(lines[1]["message"], "why");
+    EXPECT_EQ(lines[1]["retries"], 1);
+    EXPECT_EQ(lines[2]["number"], 3);
+    EXPECT_EQ(lines[2]["of"], 3);
+    EXPECT_EQ(lines[3]["done"], 2);
+    EXPECT_EQ(lines[3]["skipped"], Json({3}));
+    EXPECT_EQ(lines[3]["failed"], Json({8}));
+}
+
+}  // namespace
+}  // namespace perch::test
