@@ -29,7 +29,7 @@ TEST(DocumentTest, CommandsDoWhatTheyShow) {
     fs::create_directories(folder / "out");
     fs::create_directory_symlink(fs::path(PERCH_SOURCES) / "samples", folder / "samples");
     std::vector<std::string> commands;
-    for (const char* const document : {"perch.md", "guide.md"}) {
+    for (const char* const document : {"perch.md", "guide.md", "farm.md"}) {
         const std::vector<std::string> shown = commandsShownIn(fs::path(PERCH_SOURCES) / "docs" / document);
         EXPECT_GE(shown.size(), 4U) << document;
         commands.insert(commands.end(), shown.begin(), shown.end());
@@ -40,8 +40,9 @@ TEST(DocumentTest, CommandsDoWhatTheyShow) {
         const ProgramResult result = runProgram(words, folder);
         EXPECT_EQ(result.status, 0) << command << '\n' << result.err;
     }
-    for (const char* const name : {"still.png", "shot.0001.png", "shot.0024.png", "half.0001.tif",
-                                   "half.0023.tif", "metres.png", "near-black.png", "lens.png", "auto.png"})
+    for (const char* const name :
+         {"still.png", "shot.0001.png", "shot.0024.png", "half.0001.tif", "half.0023.tif", "farm.0001.png",
+          "farm.0004.png", "metres.png", "near-black.png", "lens.png", "auto.png"})
         EXPECT_TRUE(fs::exists(folder / "out" / name)) << name;
     EXPECT_FALSE(fs::exists(folder / "out" / "half.0002.tif"));
 }
