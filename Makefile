@@ -2,6 +2,7 @@
 #   make demo   renders the sample picture and says where the results are
 #   make test   builds and runs every test, optimised and under the address and undefined-behaviour sanitizers, and the
 #               plug-in for Windows where mingw-w64 and Wine are installed
+#   make test-elsewhere tests the libraries for other processors in emulators
 #   make bundles builds the plug-in for Windows, macOS and Linux and packs what ships into dist/
 #   make bench  runs the benchmarks; make bench-all every kind of frame as well; make bench-compare times other programs
 #               at the same job, where they are installed
@@ -14,7 +15,9 @@ TEST_PACKAGES := $(PRODUCT_PACKAGES) libgtest-dev libgmock-dev libbenchmark-dev 
 BUNDLE_PACKAGES := $(PRODUCT_PACKAGES) clang lld llvm-14 g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 \
     dpkg-dev binutils python3
 
-.PHONY: demo test bundles bench bench-all bench-compare clean
+ELSEWHERE_PACKAGES := $(TEST_PACKAGES) g++-aarch64-linux-gnu
+
+.PHONY: demo test test-elsewhere bundles bench bench-all bench-compare clean
 .DEFAULT_GOAL := demo
 
 demo: ; @scripts/demo.sh $(PRODUCT_PACKAGES)
@@ -23,6 +26,10 @@ test:
 	@scripts/install-packages.sh $(TEST_PACKAGES)
 	@scripts/test.sh release asan
 	@scripts/test-elsewhere.sh windows-x64
+
+test-elsewhere:
+	@scripts/install-packages.sh $(ELSEWHERE_PACKAGES)
+	@scripts/test-elsewhere.sh linux-arm64 linux-powerpc64 linux-i386
 
 bundles:
 	@scripts/install-packages.sh $(BUNDLE_PACKAGES)
