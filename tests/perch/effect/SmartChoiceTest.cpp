@@ -19,12 +19,19 @@ struct SmartChoiceTest : testing::Test {
     ScriptedEffect script;
     World input = noise<PF_Pixel>(5, 4, 1);
     FrameRequest request;
+    std::vector<std::string> seen;
 
     SmartChoiceTest() {
         script.declareFlags(0, PF_OutFlag2_SUPPORTS_SMART_RENDER);
         script.on(PF_Cmd_SMART_PRE_RENDER, promiseInput);
         script.on(PF_Cmd_SMART_RENDER, invertInput<PF_Pixel>);
         request.input = &input;
+    }
+    // Every command goes to `seen`.
+    HostOptions watchedOptions() {
+        HostOptions options = strictOptions();
+        options.onCommand = [this](std::string_view command) { seen.emplace_back(command); };
+        return options;
     }
     void copyAtRender() {
         script.on(PF_Cmd_RENDER, [](const EffectCall& call) {
@@ -35,10 +42,7 @@ struct SmartChoiceTest : testing::Test {
 };
 
 TEST_F(SmartChoiceTest, AutoTakesTheSmartWayOnceRenderHasBeenDeclined) {
-    std::vector<std::string> seen;
-    HostOptions options = strictOptions();
-    options.onCommand = [&](std::string_view command) { seen.emplace_back(command); };
-    Effect effect(ScriptedEffect::enter, {}, options);
+    Effect effect(ScriptedEffect::enter, {}, watchedOptions());
     Sequence sequence(effect);
     seen.clear();
     sequence.render(request);
@@ -49,10 +53,7 @@ TEST_F(SmartChoiceTest, AutoTakesTheSmartWayOnceRenderHasBeenDeclined) {
 
 TEST_F(SmartChoiceTest, AutoPrefersRender) {
     copyAtRender();
-    std::vector<std::string> seen;
-    HostOptions options = strictOptions();
-    options.onCommand = [&](std::string_view command) { seen.emplace_back(command); };
-    Effect effect(ScriptedEffect::enter, {}, options);
+    Effect effect(ScriptedEffect::enter, {}, watchedOptions());
     Sequence sequence(effect);
     seen.clear();
     sequence.render(request);
