@@ -8,6 +8,6 @@ for preset in "$@"; do
     cmake --preset "$preset"
     cmake --build --preset "$preset"
     ctest --preset "$preset" --parallel "$jobs"
-    awk '/^\[  PASSED  \]/ { passed += $4 } /^\[  SKIPPED \].*listed below/ { skipped += $4 }
+    awk '/^\[  PASSED  \]/ { passed += $4 } /^\[  SKIPPED \] [0-9]+ tests?[.,]/ { skipped += $4 }
         END { printf "%d single tests passed, %d skipped\n", passed, skipped }' "build/$preset/Testing/Temporary/LastTest.log"
 done
