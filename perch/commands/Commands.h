@@ -13,6 +13,7 @@ int runRenderCommand(const std::vector<std::string>& arguments);
 int runDescribeCommand(const std::vector<std::string>& arguments);
 int runPresetCommand(const std::vector<std::string>& arguments);
 int runCurveCommand(const std::vector<std::string>& arguments);
+int runJobCommand(const std::vector<std::string>& arguments);
 int runCheckCommand(const std::vector<std::string>& arguments);
 
 }  // namespace perch

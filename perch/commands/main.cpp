@@ -32,6 +32,7 @@ constexpr std::array kCommands{
     Command{"render", perch::runRenderCommand, "apply an effect to a picture or a sequence"},
     Command{"curve", perch::runCurveCommand, "print the values of every frame, before anything is rendered"},
     Command{"preset", perch::runPresetCommand, "write the values of an effect's parameters to a file"},
+    Command{"job", perch::runJobCommand, "print a render command as a job for several machines"},
     Command{"describe", perch::runDescribeCommand, "print what an effect says of itself"},
     Command{"check", perch::runCheckCommand, "try an effect against the rules of the interface"},
 };
