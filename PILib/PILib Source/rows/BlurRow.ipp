@@ -201,28 +201,50 @@ struct Reach {
     }
 };
 
-// Fetches the lowest table row that the largest radius reaches: the rows above have brought in all others.
-// Where radii differ from pixel to pixel its cells would be waited for one by one.
+// Fetches the lowest table cells that the next row down reaches with the largest radius, a share of them
+// beside each block of this row, so that memory works while blocks are read out: the rows above have brought
+// in all other cells.
 template <class Entry>
-PILIB_INLINE void PrefetchLowestCells(const RowToBlur<Entry>& row) {
-    constexpr std::ptrdiff_t kCacheLine = 64 / sizeof(Entry);
-    const Reach reach(row);
-    const std::ptrdiff_t below = row.centre + reach.y * row.stride;
-    for (std::ptrdiff_t cell = below - reach.x; cell <= below + row.count + reach.x; cell += kCacheLine) {
-        __builtin_prefetch(row.alpha + cell);
-        __builtin_prefetch(row.red + cell);
-        __builtin_prefetch(row.green + cell);
-        __builtin_prefetch(row.blue + cell);
+class NextRowsCells {
+public:
+    explicit PILIB_INLINE NextRowsCells(const RowToBlur<Entry>& row) : row(row) {
+        const Reach reach(row);
+        const std::ptrdiff_t blocks = 1 + (row.count - 1) / kLanes;  // 1 for an empty row
+        next = row.centre + (reach.y + 1) * row.stride - reach.x;
+        perBlock = (row.count + 2 * reach.x + blocks) / blocks;
     }
-}
+
+    PILIB_INLINE void fetchShare() {
+        constexpr std::ptrdiff_t kCacheLine = 64 / sizeof(Entry);
+        for (const std::ptrdiff_t end = next + perBlock; next < end; next += kCacheLine) {
+            fetch(row.alpha);
+            fetch(row.red);
+            fetch(row.green);
+            fetch(row.blue);
+        }
+    }
+
+private:
+    // Below a picture's last row the cell may lie past its table, where no pointer may go: a fetch takes any
+    // address.
+    PILIB_INLINE void fetch(const Entry* table) const {
+        const auto offset = static_cast<std::uintptr_t>(next) * sizeof(Entry);
+        __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<std::uintptr_t>(table) + offset));
+    }
+
+    const RowToBlur<Entry>& row;
+    std::ptrdiff_t next;
+    std::ptrdiff_t perBlock;
+};
 
 template <class Filter, class Depth>
 void BlurRow(const RowToBlur<typename Filter::Entry>& row) {
-    PrefetchLowestCells(row);
-    int x = 0;
-    for (; x + kLanes <= row.count; x += kLanes)
-        ReadBlock<Filter, Depth>(row, x, kLanes);
-    if (x < row.count) ReadBlock<Filter, Depth>(row, x, row.count - x);
+    NextRowsCells<typename Filter::Entry> nextRows(row);
+    for (int x = 0; x < row.count; x += kLanes) {
+        nextRows.fetchShare();
+        const int left = row.count - x;
+        left >= kLanes ? ReadBlock<Filter, Depth>(row, x, kLanes) : ReadBlock<Filter, Depth>(row, x, left);
+    }
 }
 
 template <class Depth>

@@ -165,6 +165,23 @@ TYPED_TEST(BlurRowTest, RowsShorterThanAVectorEqualThePerPixelReadOut) {
     }
 }
 
+TYPED_TEST(BlurRowTest, EmptyRowWritesNothing) {
+    using C = ChannelOf<TypeParam>;
+    using P = PixelOf<TypeParam>;
+    for (const SimdLevel level : VectorLevels()) {
+        Random random(1);
+        const Scene<C> scene(random, 2, 1);
+        FakeContext context;
+        TypeParam blur(context, scene.picture, 2, 2, level);
+        blur.initialize();
+        const P before(1, 2, 3, 4);
+        P output = before;
+        blur.getBlurRow(1, 0, scene.map.row(0).begin() + 1, scene.picture.row(0).begin() + 1, &output, 0,
+                        2.0F, 2.0F);
+        EXPECT_EQ(before, output) << static_cast<int>(level);
+    }
+}
+
 TYPED_TEST(BlurRowTest, NegativeRadiiEqualThePerPixelReadOut) {
     for (const SimdLevel level : VectorLevels()) {
         for (const float radius : {-0.5F, -3.0F, -100.0F}) {
