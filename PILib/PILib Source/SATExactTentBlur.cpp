@@ -48,11 +48,16 @@ void SATExactTentBlur<P>::build(Tables<Cell>& sums) {
     // Progress tells of two passes, of which each builds half of the rows.
     int built = 0;
     const auto buildRowsTo = [&](int end) {
-        for (; built < end; ++built) {
+        while (built < end) {
+            const int count = std::min(static_cast<int>(detail::kRowsAddedDown), this->tableHeight - built);
+            const auto sourceRow = [&](int row) {
+                return this->source.row(std::clamp(built + row - this->borderY, 0, this->height - 1));
+            };
             const std::size_t start = static_cast<std::size_t>(built) * rows.width;
             rows.writeNext(
-                this->source.row(std::clamp(built - this->borderY, 0, this->height - 1)),
+                static_cast<std::size_t>(count), sourceRow,
                 {&sums.sumRed[start], &sums.sumGreen[start], &sums.sumBlue[start], &sums.sumAlpha[start]});
+            built += count;
         }
     };
     for (int ty = 0; ty < this->tableHeight; ++ty) {

@@ -63,13 +63,18 @@ struct RowToSumTwice {
     T* sums[4]{};
 };
 
-// One row of sums down the columns: column[i] += addend[i], and out[i] = above[i] + column[i]. None overlap.
+// Table rows whose sums down the columns are taken together, as each of them alone would read and write the
+// columns once more.
+inline constexpr std::size_t kRowsAddedDown = 4;
+
+// Those rows from the top downwards: for row r, column[i] += addends[r][i], and outs[r][i] = column[i] + the
+// row above, which is `above` and then the one before. None overlap, but addends may be the same row.
 template <class T>
-struct RowToAddDown {
-    const T* addend;
+struct RowsToAddDown {
+    const T* addends[kRowsAddedDown];
     T* column;
     const T* above;
-    T* out;
+    T* outs[kRowsAddedDown];
     std::size_t count;
 };
 
@@ -91,8 +96,8 @@ struct DepthKernels {
     void (*runningSums)(const RowToSum& row) = nullptr;
     void (*narrowSumsTwice)(const RowToSumTwice<std::uint32_t>& row) = nullptr;
     void (*wideSumsTwice)(const RowToSumTwice<std::uint64_t>& row) = nullptr;
-    void (*narrowAddDown)(const RowToAddDown<std::uint32_t>& row) = nullptr;
-    void (*wideAddDown)(const RowToAddDown<std::uint64_t>& row) = nullptr;
+    void (*narrowAddDown)(const RowsToAddDown<std::uint32_t>& rows) = nullptr;
+    void (*wideAddDown)(const RowsToAddDown<std::uint64_t>& rows) = nullptr;
     void (*blend)(const RowToBlend& row) = nullptr;
 };
 

@@ -37,8 +37,8 @@ constexpr DepthKernels KernelsAt() {
         .wideTent = BlurRowByTents<Depth, std::uint64_t>,
         .narrowSumsTwice = WriteRunningSumsTwice<Depth, NarrowSums, std::uint32_t>,
         .wideSumsTwice = WriteRunningSumsTwice<Depth, WideSums, std::uint64_t>,
-        .narrowAddDown = AddDown<std::uint32_t>,
-        .wideAddDown = AddDown<std::uint64_t>,
+        .narrowAddDown = AddDown<Uint, std::uint32_t>,
+        .wideAddDown = AddDown<Ulong, std::uint64_t>,
     };
     if constexpr (kLanes >= kFewestLanesForSums) kernels.runningSums = WriteRunningSums<Depth>;
 #if PILIB_LANES >= 8

@@ -135,19 +135,27 @@ void WriteRunningSumsTwice(const RowToSumTwice<Cell>& row) {
     });
 }
 
-// A plain loop, which compilers turn into vectors.
-template <class Cell>
-void AddDown(const RowToAddDown<Cell>& row) {
-    const Cell* __restrict const addend = row.addend;
-    Cell* __restrict const column = row.column;
-    const Cell* __restrict const above = row.above;
-    Cell* __restrict const out = row.out;
-    const std::size_t count = row.count;
-    for (std::size_t i = 0; i < count; ++i) {
-        const Cell sum = column[i] + addend[i];
-        column[i] = sum;
-        out[i] = above[i] + sum;
+// As many cells as V has lanes; V may be a cell.
+template <class V, class Cell>
+PILIB_INLINE void AddDownAt(const RowsToAddDown<Cell>& rows, std::size_t i) {
+    V column = Load<V>(rows.column + i);
+    V sum = Load<V>(rows.above + i);
+    for (std::size_t row = 0; row < kRowsAddedDown; ++row) {
+        column += Load<V>(rows.addends[row] + i);
+        sum += column;
+        StoreSome(rows.outs[row] + i, sum, sizeof sum);
     }
+    StoreSome(rows.column + i, column, sizeof column);
+}
+
+template <class V, class Cell>
+void AddDown(const RowsToAddDown<Cell>& rows) {
+    constexpr std::size_t kCells = sizeof(V) / sizeof(Cell);
+    std::size_t i = 0;
+    for (; i + kCells <= rows.count; i += kCells)
+        AddDownAt<V>(rows, i);
+    for (; i < rows.count; ++i)
+        AddDownAt<Cell>(rows, i);
 }
 
 }  // namespace

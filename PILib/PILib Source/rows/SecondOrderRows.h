@@ -29,7 +29,7 @@ public:
     SecondOrderRows(SimdLevel level, std::int32_t border, std::int32_t tableWidth)
         : width(static_cast<std::size_t>(tableWidth)),
           border(border),
-          twice(4 * width),
+          twice(kRowsAddedDown * 4 * width),
           columns(4 * width),
           top(width) {
         // The kernels' first running sums are of 32 bits, which hold those of rows up to this width.
@@ -45,20 +45,27 @@ public:
         }
     }
 
-    // The next table row of red, green, blue and alpha, over `source`. Above each of `out` lies what was
-    // written before.
-    void writeNext(const Row<Pixel<C>>& source, const std::array<Cell*, 4>& out) {
-        if (source.begin() != last) sum(source);
-        last = source.begin();
+    // The next `count` table rows of red, green, blue and alpha, at most kRowsAddedDown, over the rows
+    // sourceRow(0) to sourceRow(count - 1). Above each of `out` lies what was written before.
+    template <class SourceRow>
+    void writeNext(std::size_t count, SourceRow sourceRow, const std::array<Cell*, 4>& out) {
+        std::array<const Cell*, kRowsAddedDown> summed{};
+        for (std::size_t row = 0; row < count; ++row)
+            summed[row] = sumsOf(sourceRow(static_cast<int>(row)));
+        const bool byVectors = addDown != nullptr && count == kRowsAddedDown;
         for (std::size_t table = 0; table < 4; ++table) {
-            const RowToAddDown<Cell> row = {
-                .addend = &twice[table * width],
+            RowsToAddDown<Cell> rows = {
+                .addends = {},
                 .column = &columns[table * width],
                 .above = isTop ? top.data() : out[table] - width,
-                .out = out[table],
+                .outs = {},
                 .count = width,
             };
-            addDown != nullptr ? addDown(row) : addDownPlainly(row);
+            for (std::size_t row = 0; row < count; ++row) {
+                rows.addends[row] = summed[row] + table * width;
+                rows.outs[row] = out[table] + row * width;
+            }
+            byVectors ? addDown(rows) : addDownPlainly(rows, count);
         }
         isTop = false;
     }
@@ -81,14 +88,26 @@ private:
         }
     }
 
-    void sum(const Row<Pixel<C>>& source) {
-        if (sumTwice == nullptr) return sumPlainly(source);
+    // The running sums of running sums of red, green, blue and alpha, one behind the other. The last
+    // kRowsAddedDown results stay where they are.
+    const Cell* sumsOf(const Row<Pixel<C>>& source) {
+        if (source.begin() != last) {
+            set = (set + 1) % kRowsAddedDown;
+            sumTwice != nullptr ? sum(source, setBegin()) : sumPlainly(source, setBegin());
+            last = source.begin();
+        }
+        return setBegin();
+    }
+
+    Cell* setBegin() { return &twice[set * 4 * width]; }
+
+    void sum(const Row<Pixel<C>>& source, Cell* to) const {
         const int pixels = source.size();
         const Values first = premultiplied(source[0]);
         const Values end = premultiplied(source[pixels - 1]);
         RowToSumTwice<Cell> row = {.pixels = source.begin(), .count = pixels};
         for (std::size_t table = 0; table < 4; ++table) {
-            Cell* const begin = &twice[table * width];
+            Cell* const begin = to + table * width;
             sumRepeated(first[table], 0, 0, border, begin);
             row.start[table] = static_cast<std::uint32_t>(border) * first[table];
             row.startTwice[table] = begin[border - 1];
@@ -101,7 +120,7 @@ private:
         }
     }
 
-    void sumPlainly(const Row<Pixel<C>>& source) {
+    void sumPlainly(const Row<Pixel<C>>& source, Cell* to) const {
         std::array<Cell, 4> sums{};
         std::array<Cell, 4> sumsOfSums{};
         for (int tx = 0; tx < static_cast<int>(width); ++tx) {
@@ -109,26 +128,31 @@ private:
             for (std::size_t table = 0; table < 4; ++table) {
                 sums[table] += values[table];
                 sumsOfSums[table] += sums[table];
-                twice[table * width + static_cast<std::size_t>(tx)] = sumsOfSums[table];
+                to[table * width + static_cast<std::size_t>(tx)] = sumsOfSums[table];
             }
         }
     }
 
-    static void addDownPlainly(const RowToAddDown<Cell>& row) {
-        for (std::size_t i = 0; i < row.count; ++i) {
-            row.column[i] += row.addend[i];
-            row.out[i] = row.above[i] + row.column[i];
+    static void addDownPlainly(const RowsToAddDown<Cell>& rows, std::size_t count) {
+        const Cell* above = rows.above;
+        for (std::size_t row = 0; row < count; ++row) {
+            for (std::size_t i = 0; i < rows.count; ++i) {
+                rows.column[i] += rows.addends[row][i];
+                rows.outs[row][i] = above[i] + rows.column[i];
+            }
+            above = rows.outs[row];
         }
     }
 
     const std::int32_t border;
     void (*sumTwice)(const RowToSumTwice<Cell>& row) = nullptr;  // where vectors do it
-    void (*addDown)(const RowToAddDown<Cell>& row) = nullptr;
-    std::vector<Cell> twice;    // of red, green, blue and alpha, one row each
-    std::vector<Cell> columns;  // likewise
+    void (*addDown)(const RowsToAddDown<Cell>& rows) = nullptr;
+    std::vector<Cell> twice;    // sets of red, green, blue and alpha, one row each
+    std::vector<Cell> columns;  // one set
     std::vector<Cell> top;      // zeros, above the top row
     bool isTop = true;
-    const Pixel<C>* last = nullptr;  // the source row that `twice` is of
+    const Pixel<C>* last = nullptr;  // the source row that was summed last
+    std::size_t set = 0;             // its sums in `twice`
 };
 
 }  // namespace PILib::detail

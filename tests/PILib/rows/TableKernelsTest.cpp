@@ -108,25 +108,35 @@ TYPED_TEST(TableKernelsTest, RunningSumsOfRunningSumsAreThoseOfAPlainLoop) {
 
 TYPED_TEST(TableKernelsTest, SumsDownTheColumnsAreThoseOfAPlainLoop) {
     using Cell = typename TypeParam::CellType;
+    using Row = std::vector<Cell>;
     for (const SimdLevel level : VectorLevels()) {
         for (std::size_t count = 0; count <= 70; ++count) {
-            const std::vector<Cell> addend = this->cells(count);
-            const std::vector<Cell> above = this->cells(count);
-            std::vector<Cell> column = this->cells(count + this->kAfter);
-            std::vector<Cell> out = this->cells(count + this->kAfter);
-            std::vector<Cell> expectedColumn = column;
-            std::vector<Cell> expectedOut = out;
-            for (std::size_t i = 0; i < count; ++i) {
-                expectedColumn[i] += addend[i];
-                expectedOut[i] = above[i] + expectedColumn[i];
+            const Row above = this->cells(count);
+            Row column = this->cells(count + this->kAfter);
+            std::array<Row, detail::kRowsAddedDown> addends;
+            std::array<Row, detail::kRowsAddedDown> outs;
+            detail::RowsToAddDown<Cell> rows = {
+                .addends = {}, .column = column.data(), .above = above.data(), .outs = {}, .count = count};
+            for (std::size_t row = 0; row < detail::kRowsAddedDown; ++row) {
+                addends[row] = this->cells(count);
+                outs[row] = this->cells(count + this->kAfter);
+                rows.addends[row] = addends[row].data();
+                rows.outs[row] = outs[row].data();
             }
-            AddDownOf<Cell>(detail::KernelsFor<typename TypeParam::Channel>(level))({.addend = addend.data(),
-                                                                                     .column = column.data(),
-                                                                                     .above = above.data(),
-                                                                                     .out = out.data(),
-                                                                                     .count = count});
+            rows.addends[1] = rows.addends[0];
+            Row expectedColumn = column;
+            auto expectedOuts = outs;
+            for (std::size_t i = 0; i < count; ++i) {
+                Cell sum = above[i];
+                for (std::size_t row = 0; row < detail::kRowsAddedDown; ++row) {
+                    expectedColumn[i] += rows.addends[row][i];
+                    sum += expectedColumn[i];
+                    expectedOuts[row][i] = sum;
+                }
+            }
+            AddDownOf<Cell>(detail::KernelsFor<typename TypeParam::Channel>(level))(rows);
             ASSERT_EQ(expectedColumn, column) << "level " << static_cast<int>(level) << ", cells " << count;
-            ASSERT_EQ(expectedOut, out) << "level " << static_cast<int>(level) << ", cells " << count;
+            ASSERT_EQ(expectedOuts, outs) << "level " << static_cast<int>(level) << ", cells " << count;
         }
     }
 }
@@ -143,7 +153,7 @@ TEST(SecondOrderRowsTest, WhiteRowsAroundTheWidestOfVectorsAreThoseOfAFormula) {
             std::array<std::vector<std::uint64_t>, 4> tables;
             for (auto& table : tables)
                 table.resize(static_cast<std::size_t>(tableWidth));
-            rows.writeNext(source.row(0),
+            rows.writeNext(1, [&source](int /*row*/) { return source.row(0); },
                            {tables[0].data(), tables[1].data(), tables[2].data(), tables[3].data()});
             for (const auto& table : tables) {
                 for (std::uint64_t n = 1; n <= table.size(); ++n) {
