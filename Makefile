@@ -10,7 +10,7 @@
 PRODUCT_PACKAGES := g++ cmake ninja-build pkg-config libopenimageio-dev zlib1g-dev libcli11-dev libfmt-dev nlohmann-json3-dev
 TEST_PACKAGES := $(PRODUCT_PACKAGES) libgtest-dev libgmock-dev libbenchmark-dev binutils \
     openimageio-tools imagemagick ffmpeg libimage-exiftool-perl \
-    g++-12-multilib g++-powerpc64-linux-gnu qemu-user python3 zsh fish parallel
+    g++-12-multilib g++-powerpc64-linux-gnu qemu-user python3 python3-jsonschema zsh fish parallel
 
 BUNDLE_PACKAGES := $(PRODUCT_PACKAGES) clang lld llvm-14 g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 \
     dpkg-dev binutils python3

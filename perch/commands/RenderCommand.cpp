@@ -8,8 +8,10 @@
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "Bundle.h"
@@ -17,10 +19,14 @@
 #include "Console.h"
 #include "Effect.h"
 #include "Error.h"
+#include "ExistingFrames.h"
+#include "FrameList.h"
+#include "JobAccount.h"
 #include "JobDisplay.h"
 #include "PlanReport.h"
 #include "RenderOptions.h"
 #include "ReplacedFile.h"
+#include "ReportFile.h"
 #include "StartFolder.h"
 #include "Whereabouts.h"
 
@@ -53,14 +59,28 @@ void catchInterrupts() {
     }
 }
 
-// `display` outlives the effect.
-HostOptions hostOptions(const LoadOptions& options, JobDisplay& display) {
+// Whoever is told of a job.
+struct Audience {
+    explicit Audience(const JobOptions& options) : display(options.progress, options.isQuiet) {}
+
+    void tellMessage(std::string_view command, std::string_view message) {
+        display.tellMessage(command, message);
+        const std::optional<std::int32_t> frame = display.frameOf(command);
+        if (report && frame) report->addMessage(*frame, fmt::format("{}: {}", command, message));
+    }
+
+    JobDisplay display;
+    std::optional<ReportFile> report;
+};
+
+// `audience` outlives the effect.
+HostOptions hostOptions(const LoadOptions& options, Audience& audience) {
     HostOptions host;
     host.threads = options.threads;
     host.strict = options.strict;
     host.application = options.application;
-    host.onMessage = [&display](std::string_view command, std::string_view message) {
-        display.tellMessage(command, message);
+    host.onMessage = [&audience](std::string_view command, std::string_view message) {
+        audience.tellMessage(command, message);
     };
     return host;
 }
@@ -73,8 +93,8 @@ int printHelp(const LoadOptions& options) {
         printResult(renderHelp(nullptr));  // without an effect to list the parameters of
         return kDone;
     }
-    JobDisplay display(ProgressForm::None, false);
-    Effect effect(bundle, hostOptions(options, display));
+    Audience audience({.progress = ProgressForm::None});
+    Effect effect(bundle, hostOptions(options, audience));
     effect.close();
     printResult(renderHelp(&effect.description()));
     return kDone;
@@ -132,13 +152,15 @@ int reportInterrupt(const RenderReport& report, std::size_t count) {
     return gEndingSignal == SIGTERM ? kTerminated : kInterrupted;
 }
 
-RenderWatch watchOf(JobDisplay& display, bool goesOn) {
+RenderWatch watchOf(Audience& audience, const FramePlan& plan, bool goesOn) {
     RenderWatch watch;
+    JobDisplay& display = audience.display;
     watch.cancelled = &gWasInterrupted;
     watch.frameBegins = [&display](std::size_t index) { display.frameBegins(index); };
     watch.frameProgresses = [&display](double fraction) { display.frameProgresses(fraction); };
-    watch.frameEnds = [&display, goesOn](const FrameEnd& end) {
+    watch.frameEnds = [&audience, &display, &plan, goesOn](const FrameEnd& end) {
         display.frameEnds(end);
+        if (audience.report) audience.report->frameEnds(plan.frames[end.index].frame, end);
         if (end.state != FrameEnd::State::Failed || !goesOn) return;
         display.clearLine();
         say(end.message);
@@ -148,23 +170,58 @@ RenderWatch watchOf(JobDisplay& display, bool goesOn) {
 
 // Renders, and returns whether the job came to its end.
 bool render(Effect& effect, const RenderOptions& options, const RenderSettings& settings,
-            const std::vector<ParameterCurve>& parameters, const FramePlan& plan, JobDisplay& display,
+            const std::vector<ParameterCurve>& parameters, const FramePlan& plan, Audience& audience,
             RenderReport& report) {
+    JobDisplay& display = audience.display;
     display.begin(plan);
     try {
-        renderFrames(effect, settings, parameters, plan, watchOf(display, settings.goesOn), report);
+        renderFrames(effect, settings, parameters, plan, watchOf(audience, plan, settings.goesOn), report);
         effect.close();
     } catch (const Cancelled&) {
         display.clearLine();
+        if (audience.report) audience.report->finish("interrupted", "", report.notes.all());
         return false;
-    } catch (const Error&) {
+    } catch (const Error& error) {
         display.clearLine();
+        if (audience.report) audience.report->finish("failed", error.what(), report.notes.all());
         reportFindings(effect);
         if (!display.totals().failed.empty()) display.finish(options.names.output);
         throw;
     }
     display.clearLine();
     return true;
+}
+
+void setFingerprints(const EffectDescription& effect, const std::string& effectBuild, const LoadOptions& load,
+                     const RenderSettings& settings, const std::vector<ParameterCurve>& parameters,
+                     FramePlan& plan) {
+    const FrameSources sources{.plan = plan,
+                               .settings = settings,
+                               .parameters = parameters,
+                               .mayChangeValues = mayChangeValues(effect),
+                               .maker = fmt::format("perch {}, {} {}, {}", PERCH_VERSION, effect.name,
+                                                    effectBuild, load.application)};
+    for (FrameFiles& files : plan.frames)
+        files.fingerprint = frameFingerprint(sources, files);
+}
+
+void takeExisting(ExistingUse use, const std::optional<JobRecord>& earlier, const RenderSettings& settings,
+                  FramePlan& plan) {
+    if (use == ExistingUse::Error) refuseExistingFrames(plan);
+    if (use != ExistingUse::Skip) return;
+    takeCurrentFrames(plan, earlier ? tracesOf(*earlier) : FrameTraces{}, settings.limits,
+                      settings.framesAhead);
+}
+
+std::string currentNote(const FramePlan& plan) {
+    std::vector<std::int32_t> frames;
+    for (const FrameFiles& files : plan.current)
+        frames.push_back(files.frame);
+    if (!plan.isSequence)
+        return fmt::format("\"{}\" is up to date and stays as it is", plan.current.front().output.string());
+    return fmt::format("{}, {} up to date and stay{} as {}", countedFrames(frames),
+                       frames.size() == 1 ? "is" : "are", frames.size() == 1 ? "s" : "",
+                       frames.size() == 1 ? "it is" : "they are");
 }
 
 int printPlan(const RenderOptions& options, const PlannedJob& job) {
@@ -180,35 +237,51 @@ int runRenderCommand(const std::vector<std::string>& arguments) {
     whereabouts().limit = options.frameLimit.count();
     if (options.wantsHelp) return printHelp(options.load);
     pictures::keepStartFolder();
-    JobDisplay display(options.job.progress, options.job.isQuiet);
-    Effect effect(chooseBundle(options.load.plugin), hostOptions(options.load, display));
+    Audience audience(options.job);
+    JobDisplay& display = audience.display;
+    const std::filesystem::path bundle = chooseBundle(options.load.plugin);
+    Effect effect(bundle, hostOptions(options.load, audience));
     const ParameterArguments parameters = parseParameterArguments(arguments, effect.description().parameters);
     FramePlan plan = planFrames(options.names, parameters.layers);
     plan.emptyLayers = parameters.emptyLayers;
     for (const std::string& note : plan.notes)
         display.tellNote(note);
-    if (options.use != PlanUse::Render)
-        return printPlan(options, {.plan = plan,
-                                   .settings = options.settings,
-                                   .options = optionsOf(effect.description().parameters),
-                                   .parameters = parameters});
     RenderSettings settings = options.settings;
     settings.layers = parameters.readings;
     if (options.hasProvenance) {
         settings.encoding.software =
             fmt::format("perch {}, {}:{}", PERCH_VERSION, effect.description().name, parameters.given);
     }
+    const std::string effectBuild = fileFingerprint(openBundle(bundle).library);
+    setFingerprints(effect.description(), effectBuild, options.load, settings, parameters.curves, plan);
+    const std::optional<JobRecord> earlier =
+        options.job.report.empty() ? std::nullopt : readRecord(options.job.report);
+    takeExisting(options.job.existing, earlier, settings, plan);
+    if (!plan.current.empty()) display.tellNote(currentNote(plan));
+    const std::vector<ParameterOption> parameterOptions = optionsOf(effect.description().parameters);
+    const PlannedJob job{
+        .plan = plan, .settings = settings, .options = parameterOptions, .parameters = parameters};
+    if (options.use != PlanUse::Render) return printPlan(options, job);
     catchInterrupts();
     pictures::watchTemporaryFiles({.appears = noteTemporary, .isGone = forgetTemporary});
+    if (!options.job.report.empty()) {
+        JobRecord record = accountOf(job, earlier);
+        record.version = PERCH_VERSION;
+        record.arguments = arguments;
+        record.effect = effect.description().name;
+        record.effectBuild = effectBuild;
+        audience.report.emplace(options.job.report, std::move(record));
+    }
     RenderReport report;
-    if (!render(effect, options, settings, parameters.curves, plan, display, report))
+    if (!render(effect, options, settings, parameters.curves, plan, audience, report))
         return reportInterrupt(report, plan.frames.size());
     reportNotes(report, settings.transfer, display);
     if (options.wantsTiming) reportTiming(report, std::chrono::steady_clock::now() - start);
     const bool hasFault = reportFindings(effect);
     display.finish(options.names.output);
-    if (hasFault) return kFailed;
-    return display.totals().failed.empty() ? kDone : kSomeFailed;
+    const int status = hasFault ? kFailed : display.totals().failed.empty() ? kDone : kSomeFailed;
+    if (audience.report) audience.report->finish(status == kDone ? "done" : "failed", "", report.notes.all());
+    return status;
 }
 
 }  // namespace perch

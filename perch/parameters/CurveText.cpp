@@ -115,4 +115,16 @@ ParameterCurve parseCurve(const Parameter& parameter, std::string_view name, std
     return curve;
 }
 
+std::string curveText(const Parameter& parameter, const ParameterCurve& curve) {
+    const auto valueOf = [&](const ParameterKey& key) {
+        return valueText(parameter, {curve.index, key.numbers});
+    };
+    if (!curve.moves()) return valueOf(curve.keys.front());
+    std::string text;
+    for (const ParameterKey& key : curve.keys)
+        text +=
+            fmt::format("{}{}:{}:{}", text.empty() ? "" : ",", key.frame, valueOf(key), kindName(key.kind));
+    return text;
+}
+
 }  // namespace perch

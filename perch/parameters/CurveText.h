@@ -20,4 +20,7 @@ ParameterCurve parseCurve(const Parameter& parameter, std::string_view name, std
 // "hold", "linear" or "smooth".
 std::string_view kindName(ParameterKey::Kind kind);
 
+// What parseCurve makes the same curve of.
+std::string curveText(const Parameter& parameter, const ParameterCurve& curve);
+
 }  // namespace perch

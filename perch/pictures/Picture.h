@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <variant>
 #include <vector>
 
@@ -36,6 +37,7 @@ struct Picture {
     int parts = 1;                 // of the file; the picture is the first, or that of the channel asked for
     std::variant<std::vector<std::uint8_t>, std::vector<std::uint16_t>, std::vector<float>> samples;
     std::shared_ptr<const Metadata> metadata;  // may be null
+    std::string software{};                    // what the file says that it was made by
 };
 
 // Black and transparent, and not premultiplied.

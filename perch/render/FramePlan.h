@@ -39,6 +39,7 @@ struct FrameFiles {
     std::filesystem::path output;
     std::map<PF_ParamIndex, std::filesystem::path> layers;  // of this frame alone
     std::set<PF_ParamIndex> missingLayers{};                // that it is rendered without
+    std::string fingerprint{};                              // of what it is made from; see Fingerprint.h
 };
 
 struct FramePlan {
@@ -51,6 +52,7 @@ struct FramePlan {
     std::map<PF_ParamIndex, std::filesystem::path> firstLayers{};
     std::set<PF_ParamIndex> emptyLayers{};  // that the user has set to none
     std::vector<std::int32_t> skipped{};    // that have no file
+    std::vector<FrameFiles> current{};      // whose outputs are up to date; not among the frames
     std::vector<std::string> notes{};       // sentences about files that are missing
 };
 

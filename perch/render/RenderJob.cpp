@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "Error.h"
+#include "Fingerprint.h"
 #include "LayerReader.h"
 #include "OrderedTasks.h"
 #include "PF_Values.h"
@@ -59,6 +60,10 @@ std::string messageOf(const std::exception_ptr& error) {
 void requireDepth(const Effect& effect, const World& input) {
     if (!input.isDeep() || effect.supportsDeepColor()) return;
     throw Error("the effect does not declare 16 bits per channel; render with --depth 8");
+}
+
+bool isSupervised(const Parameter& parameter) {
+    return (parameter.definition.flags & PF_ParamFlag_SUPERVISE) != 0;
 }
 
 // One run through a plan. Reading and writing tasks share only what is const or guarded.
@@ -164,6 +169,7 @@ private:
         if (picture->parts > 1) report.notes.add("parts", partsNote(files.input, picture->parts));
         FramePictures pictures;
         pictures.output = {outputType(files.output, *picture), settings.encoding};
+        pictures.output.encoding.software = withFingerprint(settings.encoding.software, files.fingerprint);
         requireOutput(files.output, pictures.output.type, picture->hasAlpha());
         LayerPictures layers;
         for (const auto& [layer, path] : files.layers)
@@ -231,18 +237,12 @@ private:
     void tellTheUsersChoices(const World& input) {
         if (std::exchange(knowsTheUsersChoices, true)) return;
         const std::vector<Parameter>& declared = effect.description().parameters;
-        const auto isSupervised = [](const Parameter& parameter) {
-            return (parameter.definition.flags & PF_ParamFlag_SUPERVISE) != 0;
-        };
         const ParameterValues given = valuesFor(plan.firstFrame, input);
         ParameterValues values = given;
         for (const Parameter& parameter : declared)
             if (isSupervised(parameter) && isSetByUser(parameter.index))
                 sequence.userChangedParam(parameter.index, values);
-        if (std::ranges::any_of(declared, isSupervised) ||
-            (effect.description().flags & PF_OutFlag_SEND_UPDATE_PARAMS_UI) != 0) {
-            sequence.updateParamsUi(values);
-        }
+        if (mayChangeValues(effect.description())) sequence.updateParamsUi(values);
         for (std::size_t index = 1; index < values.size(); ++index)
             if (!isSameValue(given[index], values[index])) changedByEffect[index] = values[index];
     }
@@ -364,6 +364,11 @@ private:
 };
 
 }  // namespace
+
+bool mayChangeValues(const EffectDescription& effect) {
+    return std::ranges::any_of(effect.parameters, isSupervised) ||
+           (effect.flags & PF_OutFlag_SEND_UPDATE_PARAMS_UI) != 0;
+}
 
 void renderFrames(Effect& effect, const RenderSettings& settings,
                   const std::vector<ParameterCurve>& parameters, const FramePlan& plan,

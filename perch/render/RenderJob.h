@@ -67,6 +67,9 @@ struct RenderReport {
     Time encodeTime{0};  // processor time
 };
 
+// Whether the effect may answer what the user sets with other values, which hold for all frames then.
+bool mayChangeValues(const EffectDescription& effect);
+
 // Renders the frames in order. Throws Error for the first failure, which ends the job, and names the frame
 // where the plan is a sequence; where the job goes on, frameEnds tells of the failures of frames instead.
 // Throws Cancelled when the flag of `watch` was seen, also between the effect's commands. Each output is

@@ -39,6 +39,7 @@ JobDisplay::~JobDisplay() {
 void JobDisplay::begin(const FramePlan& planned) {
     plan = &planned;
     counted.skipped = planned.skipped;
+    counted.current = planned.current.size();
     start = std::chrono::steady_clock::now();
 }
 
@@ -69,6 +70,7 @@ void JobDisplay::finish(const std::string& output) {
     clearLine();
     if (form == ProgressForm::Json) {
         printLine({{"done", counted.done},
+                   {"upToDate", counted.current},
                    {"skipped", counted.skipped},
                    {"failed", counted.failed},
                    {"seconds", seconds()}});
@@ -79,10 +81,13 @@ void JobDisplay::finish(const std::string& output) {
 void JobDisplay::tellMessage(std::string_view command, std::string_view message) {
     if (isQuiet) return;
     clearLine();
-    const std::string place = plan != nullptr && isOfFrame(command) && !plan->frames.empty()
-                                  ? fmt::format("frame {}: ", plan->frames[current].frame)
-                                  : "";
-    say(fmt::format("{}{}: \"{}\"", place, command, message));
+    const std::optional<std::int32_t> frame = frameOf(command);
+    say(fmt::format("{}{}: \"{}\"", frame ? fmt::format("frame {}: ", *frame) : "", command, message));
+}
+
+std::optional<std::int32_t> JobDisplay::frameOf(std::string_view command) const {
+    if (plan == nullptr || !isOfFrame(command) || plan->frames.empty()) return std::nullopt;
+    return plan->frames[current].frame;
 }
 
 void JobDisplay::tellNote(const std::string& sentence) {

@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -38,6 +39,8 @@ public:
     void clearLine();
 
     const JobTotals& totals() const { return counted; }
+    // The number of the frame under way that a command is of; absent where it is of none.
+    std::optional<std::int32_t> frameOf(std::string_view command) const;
 
 private:
     void showLine(double fraction);

@@ -8,6 +8,7 @@ namespace perch {
 
 std::string summaryText(const JobTotals& totals, double seconds, const std::string& output) {
     std::string text = fmt::format("{} frame{} done", totals.done, totals.done == 1 ? "" : "s");
+    if (totals.current > 0) text += fmt::format(", {} up to date", totals.current);
     if (!totals.skipped.empty()) text += fmt::format(", {} skipped", totals.skipped.size());
     if (!totals.failed.empty())
         text += fmt::format(", {} failed ({})", totals.failed.size(), frameListText(totals.failed));

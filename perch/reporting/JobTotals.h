@@ -10,6 +10,7 @@ namespace perch {
 
 struct JobTotals {
     std::size_t done = 0;
+    std::size_t current = 0;            // up to date before the job
     std::vector<std::int32_t> skipped;  // numbers of frames
     std::vector<std::int32_t> failed;
     std::size_t triedAgain = 0;  // frames that needed it

@@ -25,6 +25,13 @@ ProgressForm parseProgress(const std::string& text) {
     throw UsageError(fmt::format("--progress takes auto, line, json or none, not \"{}\"", text));
 }
 
+ExistingUse parseExisting(const std::string& text) {
+    if (text == "overwrite") return ExistingUse::Overwrite;
+    if (text == "skip") return ExistingUse::Skip;
+    if (text == "error") return ExistingUse::Error;
+    throw UsageError(fmt::format("--existing takes overwrite, skip or error, not \"{}\"", text));
+}
+
 }  // namespace
 
 void addJobOptions(CLI::App& app, JobTexts& texts) {
@@ -40,10 +47,22 @@ void addJobOptions(CLI::App& app, JobTexts& texts) {
                    "same as JSON on standard output; or none (default auto)")
         ->type_name("FORM");
     app.add_flag("-q,--quiet", texts.isQuiet, "tell of failures alone");
+    app.add_option(
+           "--existing", texts.existing,
+           "files of frames that are there: overwrite them; skip those that are up to date, made by the "
+           "same effect from the same pictures and parameters; or error (default overwrite)")
+        ->type_name("WHAT");
+    app.add_option("--report", texts.report,
+                   "keep what becomes of each frame in this file, as JSON, which is whole at any time; in a "
+                   "name like report.##.json --shard puts its number")
+        ->type_name("FILE");
 }
 
 JobOptions parseJobOptions(const JobTexts& texts) {
-    return {.progress = parseProgress(texts.progress), .isQuiet = texts.isQuiet};
+    return {.progress = parseProgress(texts.progress),
+            .isQuiet = texts.isQuiet,
+            .existing = parseExisting(texts.existing),
+            .report = texts.report};
 }
 
 void takeFailureOptions(const JobTexts& texts, RenderSettings& settings) {

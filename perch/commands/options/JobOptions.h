@@ -1,8 +1,10 @@
 // The options of a command line that say how a job runs and what is told of it.
 #pragma once
 
+#include <filesystem>
 #include <string>
 
+#include "ExistingFrames.h"
 #include "ProgressForm.h"
 #include "RenderJob.h"
 
@@ -18,11 +20,15 @@ struct JobTexts {
     std::string retries = "0";
     std::string progress = "auto";
     bool isQuiet = false;
+    std::string existing = "overwrite";
+    std::string report;
 };
 
 struct JobOptions {
     ProgressForm progress = ProgressForm::Auto;
     bool isQuiet = false;
+    ExistingUse existing = ExistingUse::Overwrite;
+    std::filesystem::path report{};  // empty: none
 };
 
 // Makes `app` take the options into `texts`, which must outlive it.

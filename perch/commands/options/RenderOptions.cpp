@@ -11,6 +11,7 @@
 
 #include "CommandLine.h"
 #include "Error.h"
+#include "FramePattern.h"
 #include "JobOptions.h"
 #include "NearestName.h"
 #include "PF_Values.h"
@@ -245,6 +246,13 @@ PlanUse planUse(const Texts& texts) {
     return texts.wantsJson ? PlanUse::PrintJson : PlanUse::PrintText;
 }
 
+// Each task writes its own.
+void takeReportOfShard(RenderOptions& options) {
+    if (!options.names.shard) return;
+    if (const std::optional<FramePattern> pattern = FramePattern::parse(options.job.report.string()))
+        options.job.report = pattern->pathOf(static_cast<std::int32_t>(options.names.shard->number));
+}
+
 }  // namespace
 
 const std::vector<std::string>& renderOptionNames() {
@@ -284,6 +292,7 @@ RenderOptions parseRenderOptions(const std::vector<std::string>& arguments) {
     takeSequenceOptions(app, texts.sequence, options.names);
     options.job = parseJobOptions(texts.job);
     takeFailureOptions(texts.job, options.settings);
+    takeReportOfShard(options);
     options.settings.quality = parseQuality(texts.quality);
     options.settings.smart = parseSmart(texts.smart);
     options.settings.downsample = parseDownsample(texts.downsample);

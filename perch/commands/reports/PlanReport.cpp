@@ -35,15 +35,6 @@ struct GivenValue {
     std::vector<std::pair<std::int32_t, std::string>> values;
 };
 
-const ParameterOption& optionOf(const PlannedJob& job, PF_ParamIndex index) {
-    return *std::ranges::find(job.options, index,
-                              [](const ParameterOption& option) { return option.parameter.index; });
-}
-
-std::string layerOption(const PlannedJob& job, PF_ParamIndex index) {
-    return "--" + optionOf(job, index).name;
-}
-
 PictureFacts factsOf(const std::string& use, const fs::path& path, bool isStill,
                      const std::string& channel = {}) {
     const pictures::Picture picture = pictures::readPicture(path, channel);
@@ -135,9 +126,9 @@ std::string filesText(const PlannedJob& job, const FrameFiles& files) {
     return text + fmt::format(" -> {}{}", files.output.string(), isThere(files.output) ? " (exists)" : "");
 }
 
-std::vector<std::int32_t> numbersOf(const FramePlan& plan) {
+std::vector<std::int32_t> numbersOf(const std::vector<FrameFiles>& frames) {
     std::vector<std::int32_t> numbers;
-    for (const FrameFiles& files : plan.frames)
+    for (const FrameFiles& files : frames)
         numbers.push_back(files.frame);
     return numbers;
 }
@@ -160,7 +151,7 @@ Json frameToJson(const PlannedJob& job, const FrameFiles& files) {
 std::string planAsText(const PlannedJob& job) {
     const std::vector<FrameFiles>& frames = job.plan.frames;
     const std::vector<PictureFacts> pictures = firstPictures(job);
-    std::string text = frames.empty() ? "no frames\n" : countedFrames(numbersOf(job.plan)) + '\n';
+    std::string text = frames.empty() ? "no frames\n" : countedFrames(numbersOf(frames)) + '\n';
     for (const PictureFacts& picture : pictures) {
         text +=
             fmt::format("{}: {}, {} x {}, {} bits{}, {}\n", picture.use, picture.path.string(), picture.width,
@@ -200,8 +191,9 @@ std::string planAsJson(const PlannedJob& job) {
     Json frames = Json::array();
     for (const FrameFiles& files : job.plan.frames)
         frames.push_back(frameToJson(job, files));
-    const Json json{{"frames", frameListText(numbersOf(job.plan))},
+    const Json json{{"frames", frameListText(numbersOf(job.plan.frames))},
                     {"count", job.plan.frames.size()},
+                    {"upToDate", frameListText(numbersOf(job.plan.current))},
                     {"notes", job.plan.notes},
                     {"firstFrame", pictures},
                     {"values", values},

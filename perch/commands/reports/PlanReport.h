@@ -2,21 +2,10 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
-#include "ParameterArguments.h"
-#include "ParameterOptions.h"
-#include "RenderJob.h"
+#include "PlannedJob.h"
 
 namespace perch {
-
-// What a report is made from.
-struct PlannedJob {
-    const FramePlan& plan;
-    const RenderSettings& settings;
-    const std::vector<ParameterOption>& options;
-    const ParameterArguments& parameters;
-};
 
 // Both read the pictures of the first frame, and end with a line break. Throw where one cannot be read.
 std::string planAsText(const PlannedJob& job);

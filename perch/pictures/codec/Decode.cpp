@@ -375,6 +375,7 @@ Picture decode(std::span<const unsigned char> bytes, FileFormat format, const st
     Picture picture = readPart(*file, format, source, limits);
     picture.metadata = metadataOf(file->spec(), format, bytes, picture.channels < 3);
     picture.parts = parts;
+    picture.software = file->spec().get_string_attribute("Software");
     return picture;
 }
 

@@ -1,0 +1,76 @@
+#include "ReportFile.h"
+
+#include <fmt/chrono.h>
+
+#include <algorithm>
+#include <ctime>
+#include <span>
+#include <utility>
+
+#include "Error.h"
+#include "PictureError.h"
+#include "ReplacedFile.h"
+
+namespace perch {
+namespace {
+
+double secondsOf(std::chrono::nanoseconds time) {
+    return std::chrono::duration<double>(time).count();
+}
+
+}  // namespace
+
+ReportFile::ReportFile(std::filesystem::path path, JobRecord record)
+    : path(std::move(path)), record(std::move(record)) {
+    for (std::size_t place = 0; place < this->record.frames.size(); ++place)
+        places[this->record.frames[place].frame] = place;
+    this->record.begin = fmt::format("{:%FT%TZ}", fmt::gmtime(std::time(nullptr)));
+    try {
+        pictures::prepareToReplace(std::span(&this->path, 1));
+    } catch (const pictures::PictureError& error) {
+        throw Error(error.what());
+    }
+    write();
+}
+
+void ReportFile::frameEnds(std::int32_t frame, const FrameEnd& end) {
+    FrameRecord& ended = recordOf(frame);
+    const bool isDone = end.state == FrameEnd::State::Done;
+    ended.state = isDone ? FrameRecord::State::Done : FrameRecord::State::Failed;
+    ended.error = end.message;
+    ended.retries = end.retries;
+    ended.seconds = FrameRecord::Times{.decode = secondsOf(end.decodeTime),
+                                       .render = secondsOf(end.renderTime),
+                                       .encode = secondsOf(end.encodeTime)};
+    if (isDone) ended.outputState = fileState(ended.output);
+    if (Clock::now() >= nextWrite) write();
+}
+
+void ReportFile::addMessage(std::int32_t frame, const std::string& message) {
+    recordOf(frame).messages.push_back(message);
+}
+
+void ReportFile::finish(const std::string& state, const std::string& error,
+                        const std::vector<std::string>& notes) {
+    record.state = state;
+    record.error = error;
+    record.notes.insert(record.notes.end(), notes.begin(), notes.end());
+    write();
+}
+
+void ReportFile::write() {
+    constexpr std::chrono::seconds kPause{1};
+    constexpr int kShare = 20;  // writing takes no more than one part in so many of the time
+    const Clock::time_point begin = Clock::now();
+    record.seconds = secondsOf(begin - start);
+    const std::string text = recordText(record);
+    try {
+        pictures::replaceFile(path, {reinterpret_cast<const unsigned char*>(text.data()), text.size()});
+    } catch (const pictures::PictureError& error) {
+        throw Error(error.what());
+    }
+    const Clock::time_point end = Clock::now();
+    nextWrite = end + std::max<Clock::duration>(kPause, kShare * (end - begin));
+}
+
+}  // namespace perch

@@ -1,0 +1,42 @@
+// The report of a job under way, in a file that is whole at any time: it is replaced when frames have ended,
+// once a second or less, and at the job's end. Whoever kills the program finds in it what was done before.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "FrameEnd.h"
+#include "JobRecord.h"
+
+namespace perch {
+
+// On one thread. Failures are Error, where the file cannot be written.
+class ReportFile {
+public:
+    // Writes the first.
+    ReportFile(std::filesystem::path path, JobRecord record);
+
+    // Of a frame that the record has.
+    void frameEnds(std::int32_t frame, const FrameEnd& end);
+    // What the effect says at the frame, which has not ended.
+    void addMessage(std::int32_t frame, const std::string& message);
+    void finish(const std::string& state, const std::string& error, const std::vector<std::string>& notes);
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    FrameRecord& recordOf(std::int32_t frame) { return record.frames[places.at(frame)]; }
+    void write();
+
+    const std::filesystem::path path;
+    JobRecord record;
+    std::map<std::int32_t, std::size_t> places;  // in the record's frames, by number
+    const Clock::time_point start = Clock::now();
+    Clock::time_point nextWrite;
+};
+
+}  // namespace perch

@@ -1,0 +1,108 @@
+// What a report holds while a job runs, and whether it is as its schema says.
+#include "ReportFile.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <string>
+
+#include "Error.h"
+#include "PictureFiles.h"
+#include "TemporaryFolder.h"
+#include "ToolRun.h"
+
+namespace perch::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using State = FrameRecord::State;
+
+struct ReportFileTest : testing::Test {
+    const TemporaryFolder folder;
+    const std::filesystem::path path = folder / "report.json";
+    JobRecord record{.version = "1.0.0",
+                     .arguments = {"-i", "in.####.png", "--label", "caf\xE9"},
+                     .effect = "Effect",
+                     .effectBuild = "0123456789abcdef",
+                     .parameters = {{"--amount", "1:10:linear,3:30:smooth"}},
+                     .skipped = {4},
+                     .notes = {"one"},
+                     .frames = {}};
+
+    ReportFileTest() {
+        for (const std::int32_t frame : {1, 2, 3}) {
+            const std::string name = std::to_string(frame) + ".png";
+            writeBytes(folder / ("out." + name), "a picture");
+            record.frames.push_back({.frame = frame,
+                                     .input = "in." + name,
+                                     .layers = {{"--matte", "none"}},
+                                     .output = (folder / ("out." + name)).string(),
+                                     .values = {{"--amount", "10"}},
+                                     .fingerprint = "fedcba9876543210"});
+        }
+    }
+
+    JobRecord onDisk() const { return readRecord(path).value(); }
+};
+
+bool isAsTheSchemaSays(const TemporaryFolder& folder, const std::string& report) {
+    writeBytes(folder / "validate.py",
+               "import json, jsonschema, sys\n"
+               "schema = json.load(open(sys.argv[1]))\n"
+               "jsonschema.Draft202012Validator.check_schema(schema)\n"
+               "jsonschema.Draft202012Validator(schema).validate(json.load(open(sys.argv[2])))\n");
+    try {
+        runTool(folder.path, "python3 validate.py " PERCH_SOURCES "/docs/report.schema.json " + report);
+        return true;
+    } catch (const std::runtime_error&) {
+        return false;
+    }
+}
+
+TEST_F(ReportFileTest, ItTellsWhatHasBecomeOfEachFrame) {
+    ReportFile file(path, record);
+    EXPECT_EQ(onDisk().state, "running");
+    EXPECT_EQ(onDisk().frames[0].state, State::Waiting);
+    file.addMessage(1, "RENDER: \"hello\"");
+    file.frameEnds(1, {.index = 0, .retries = 2, .decodeTime = std::chrono::milliseconds(1500)});
+    file.frameEnds(3, {.index = 1, .state = FrameEnd::State::Failed, .message = "frame 3: no"});
+    file.finish("failed", "frame 3: no", {"two"});
+    const JobRecord end = onDisk();
+    EXPECT_EQ(end.state, "failed");
+    EXPECT_EQ(end.error, "frame 3: no");
+    EXPECT_THAT(end.notes, ElementsAre("one", "two"));
+    EXPECT_EQ(end.frames[0].state, State::Done);
+    EXPECT_EQ(end.frames[0].retries, 2);
+    EXPECT_EQ(end.frames[0].seconds.value().decode, 1.5);
+    EXPECT_EQ(end.frames[0].outputState, fileState(folder / "out.1.png"));
+    EXPECT_THAT(end.frames[0].messages, ElementsAre("RENDER: \"hello\""));
+    EXPECT_EQ(end.frames[1].state, State::Waiting);
+    EXPECT_EQ(end.frames[2].state, State::Failed);
+    EXPECT_EQ(end.frames[2].error, "frame 3: no");
+    EXPECT_EQ(recordText(end), bytesOf(path));
+    EXPECT_EQ(tracesOf(end).size(), 1U);
+}
+
+TEST_F(ReportFileTest, ItIsAsItsSchemaSays) {
+    ReportFile file(path, record);
+    EXPECT_TRUE(isAsTheSchemaSays(folder, "report.json")) << bytesOf(folder / "tool.log");
+    file.frameEnds(1, {.index = 0});
+    file.frameEnds(2, {.index = 1, .state = FrameEnd::State::Failed, .message = "no"});
+    file.finish("failed", "no", {});
+    EXPECT_TRUE(isAsTheSchemaSays(folder, "report.json")) << bytesOf(folder / "tool.log");
+    file.finish("done", "no", {});
+    EXPECT_FALSE(isAsTheSchemaSays(folder, "report.json")) << "done, with an error";
+}
+
+TEST_F(ReportFileTest, AnotherFileIsNotTakenForAReport) {
+    EXPECT_FALSE(readRecord(path));
+    for (const char* const text : {"", "{}", "[1, 2]", "{\"form\": 2}"}) {
+        writeBytes(path, text);
+        EXPECT_THROW(readRecord(path), Error) << text;
+    }
+}
+
+}  // namespace
+}  // namespace perch::test
