@@ -14,6 +14,7 @@ int runDescribeCommand(const std::vector<std::string>& arguments);
 int runPresetCommand(const std::vector<std::string>& arguments);
 int runCurveCommand(const std::vector<std::string>& arguments);
 int runJobCommand(const std::vector<std::string>& arguments);
+int runSheetCommand(const std::vector<std::string>& arguments);
 int runCheckCommand(const std::vector<std::string>& arguments);
 
 }  // namespace perch

@@ -30,6 +30,7 @@ struct Command {
 
 constexpr std::array kCommands{
     Command{"render", perch::runRenderCommand, "apply an effect to a picture or a sequence"},
+    Command{"sheet", perch::runSheetCommand, "draw frames, or values of a parameter, side by side"},
     Command{"curve", perch::runCurveCommand, "print the values of every frame, before anything is rendered"},
     Command{"preset", perch::runPresetCommand, "write the values of an effect's parameters to a file"},
     Command{"job", perch::runJobCommand, "print a render command as a job for several machines"},
@@ -98,7 +99,7 @@ Ending runHere(const Arguments& arguments) {
 
 // The commands that load an effect themselves; check starts a child for each of its rules.
 bool isSupervised(const Arguments& arguments) {
-    constexpr std::array<std::string_view, 4> kLoading{"render", "curve", "preset", "describe"};
+    constexpr std::array<std::string_view, 5> kLoading{"render", "sheet", "curve", "preset", "describe"};
     const bool loadsAnEffect = !arguments.empty() && std::ranges::count(kLoading, arguments[0]) > 0;
     return loadsAnEffect && std::ranges::find(arguments, perch::kInProcessOption) == arguments.end();
 }

@@ -255,13 +255,19 @@ FramePlan planFrames(const PictureNames& names, const LayerNames& layers) {
         names.areFiles ? std::nullopt : FramePattern::parse(names.input);
     if (!input) {
         FramePlan plan = planStill(names, layers);
-        refuseToOverwrite(plan);
+        if (!names.output.empty()) refuseToOverwrite(plan);
         return plan;
     }
-    const Patterns patterns{*input, outputPattern(names, *input), {}};
+    const bool writesFrames = !names.output.empty();
+    const Patterns patterns{*input, writesFrames ? outputPattern(names, *input) : *input, {}};
     const std::vector<std::int32_t> wanted = wantedFrames(names, *input);
     FramePlan plan = planSequence(names, layers, patterns, wanted);
-    refuseToOverwrite(plan);
+    if (writesFrames) {
+        refuseToOverwrite(plan);
+    } else {
+        for (FrameFiles& files : plan.frames)
+            files.output.clear();
+    }
     if (names.shard) keepShard(plan, wanted, *names.shard);
     return plan;
 }

@@ -18,7 +18,7 @@ namespace perch {
 // As given. A name may be a FramePattern; an input that is one makes a sequence.
 struct PictureNames {
     std::string input;
-    std::string output;
+    std::string output;                               // empty: no file for each frame
     std::optional<std::vector<std::int32_t>> frames;  // absent: all that the input's pattern finds
     bool areFiles = false;                            // whatever they look like
     MissingFrame missingFrame = MissingFrame::Error;

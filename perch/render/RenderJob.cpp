@@ -95,6 +95,7 @@ private:
     void prepare() {
         layerReader.findRanges(plan);
         std::vector<fs::path> outputs;
+        if (watch.takesPicture) return;
         for (const FrameFiles& files : plan.frames)
             outputs.push_back(files.output);
         prepareOutputs(outputs);
@@ -122,12 +123,22 @@ private:
         if (pictures.error != nullptr) return endFailed(end, pictures.error);
         if (watch.frameBegins) watch.frameBegins(index);
         tellTheUsersChoices(pictures.result->input->pixels);
-        Step<RenderedFrame> rendered = render(index, *pictures.result);
+        if (watch.takesPicture) return handOver(index, *pictures.result);
+        Step<RenderedFrame> rendered = render(index, *pictures.result, {});
         end.retries += rendered.retries;
         end.renderTime = rendered.time;
         if (rendered.error != nullptr) return endFailed(end, rendered.error);
         throwIfCancelled(index);
         startWriting(end, std::move(*rendered.result), *pictures.result);
+    }
+
+    void handOver(std::size_t index, const FramePictures& pictures) {
+        for (const Variant& variant : settings.variants) {
+            const Step<RenderedFrame> rendered = render(index, pictures, variant);
+            if (rendered.error != nullptr) std::rethrow_exception(rendered.error);
+            throwIfCancelled(index);
+            watch.takesPicture(rendered.result->picture);
+        }
     }
 
     // Does `body` until it does not fail, as often as the settings say. `pause` is before each further time.
@@ -170,7 +181,7 @@ private:
         FramePictures pictures;
         pictures.output = {outputType(files.output, *picture), settings.encoding};
         pictures.output.encoding.software = withFingerprint(settings.encoding.software, files.fingerprint);
-        requireOutput(files.output, pictures.output.type, picture->hasAlpha());
+        if (!watch.takesPicture) requireOutput(files.output, pictures.output.type, picture->hasAlpha());
         LayerPictures layers;
         for (const auto& [layer, path] : files.layers)
             layers[layer] = layerReader.read(layer, path);
@@ -226,9 +237,11 @@ private:
         return pictures::Transfer::Srgb;
     }
 
-    Step<RenderedFrame> render(std::size_t index, const FramePictures& pictures) {
-        return tried(CLOCK_MONOTONIC, report.renderTime, {},
-                     [&] { return sequence.render(requestFor(index, pictures)); });
+    Step<RenderedFrame> render(std::size_t index, const FramePictures& pictures, const Variant& variant) {
+        FrameRequest request = requestFor(index, pictures);
+        for (const ParameterSetting& setting : variant)
+            applySetting(setting, request.values, settings.downsample);
+        return tried(CLOCK_MONOTONIC, report.renderTime, {}, [&] { return sequence.render(request); });
     }
 
     // Before the first frame the effect is told of what the user has set, parameter by parameter, as it would

@@ -21,6 +21,9 @@
 
 namespace perch {
 
+// Values that replace those that parameters have.
+using Variant = std::vector<ParameterSetting>;
+
 // The same for all frames of a job.
 struct RenderSettings {
     LayerReadings layers;
@@ -41,6 +44,8 @@ struct RenderSettings {
     // pause.
     int retries = 0;
     std::chrono::milliseconds pause{0};
+    // Where the watch takes the pictures: each frame is rendered once with each of these.
+    std::vector<Variant> variants;
 };
 
 // How a caller follows a job. The functions are called on the thread of renderFrames; frameBegins may throw,
@@ -52,6 +57,8 @@ struct RenderWatch {
     std::function<void(std::size_t index)> frameBegins;    // of the plan's frames
     std::function<void(double fraction)> frameProgresses;  // 0 to 1
     std::function<void(const FrameEnd& end)> frameEnds;
+    // Where it is set, pictures come here instead of to files, frame by frame in each variant.
+    std::function<void(const World& picture)> takesPicture;
 };
 
 // What has been done, complete also when the job ends by an exception.

@@ -60,7 +60,8 @@ std::chrono::nanoseconds parseSeconds(std::string_view option, const std::string
 
 std::vector<std::string> parseArguments(CLI::App& app, const std::vector<std::string>& arguments) {
     for (CLI::Option* const option : app.get_options()) {
-        option->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+        if (option->get_multi_option_policy() != CLI::MultiOptionPolicy::TakeAll)
+            option->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
     }
     app.allow_extras();
     requireFlagsWithoutValue(app, arguments);

@@ -189,6 +189,35 @@ TEST(RenderJobTest, KeysGiveEachFrameTheValueOfItsNumber) {
     EXPECT_EQ(rendered, (std::vector<A_long>{60, 90})) << "whichever frames are rendered beside them";
 }
 
+TEST(RenderJobTest, VariantsOfAFrameAreRenderedFromPicturesThatAreReadOnce) {
+    const TemporaryFolder folder;
+    const FramePlan plan = sequenceIn(folder, 2);
+    ScriptedEffect script;
+    script.declareParameters({parameterOfType(PF_Param_SLIDER, "S")});
+    std::vector<A_long> rendered;
+    script.on(PF_Cmd_RENDER, [&](const EffectCall& call) {
+        rendered.push_back(call.params[1]->u.sd.value);
+        return PF_Err_NONE;
+    });
+    Effect effect(ScriptedEffect::enter, {}, strictOptions());
+    RenderReport once;
+    renderFrames(effect, {}, {}, plan, {}, once);
+    for (const FrameFiles& files : plan.frames)
+        std::filesystem::remove(files.output);
+    rendered.clear();
+    RenderSettings settings;
+    settings.variants = {{{1, {5}}}, {{1, {7}}}};
+    std::size_t taken = 0;
+    RenderWatch watch;
+    watch.takesPicture = [&](const World&) { ++taken; };
+    RenderReport report;
+    renderFrames(effect, settings, {}, plan, watch, report);
+    EXPECT_EQ(rendered, (std::vector<A_long>{5, 7, 5, 7}));
+    EXPECT_EQ(taken, 4U);
+    EXPECT_EQ(report.pixelsRead, once.pixelsRead);
+    EXPECT_FALSE(std::filesystem::exists(plan.frames[0].output));
+}
+
 // A layer that is this layer by default must not stand in for one that is missing.
 TEST(RenderJobTest, FrameWithoutItsLayerIsRenderedWithNone) {
     const TemporaryFolder folder;
