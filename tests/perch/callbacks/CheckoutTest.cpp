@@ -133,6 +133,16 @@ TEST_F(CheckoutTest, RecordMayBeMovedBeforeItIsCheckedIn) {
     EXPECT_THAT(found, IsEmpty());
 }
 
+TEST_F(CheckoutTest, TimeWithoutAScaleIsRefusedAndStillBalanced) {
+    const auto found = renderAndCheck([](const EffectCall& call) {
+        PF_ParamDef param{};
+        const PF_Err error = call.in->inter.checkout_param(call.in->effect_ref, 1, 0, 1, 0, &param);
+        EXPECT_EQ(error, PF_Err_BAD_CALLBACK_PARAM);
+        return checkIn(call, param);
+    });
+    EXPECT_THAT(found, ElementsAre("RENDER, checkout_param: time_scale is 0"));
+}
+
 TEST_F(CheckoutTest, IndexOutsideTheParametersIsRefusedAndStillBalanced) {
     const auto found = renderAndCheck([](const EffectCall& call) {
         PF_ParamDef param{};
