@@ -7,6 +7,7 @@
 #include <sstream>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "PF_Values.h"
 #include "WorldPictures.h"
@@ -103,6 +104,41 @@ TYPED_TEST(PixelOpsTest, CopyClipsBothRectanglesTogether) {
             const P expected = isCopied ? at<P>(from, x - 3, y - 2) : grey<P>(1, 2);
             EXPECT_TRUE(same(at<P>(to, x, y), expected)) << x << ", " << y;
         }
+    }
+}
+
+TYPED_TEST(PixelOpsTest, PartOfAWorldMayBeMovedOverItself) {
+    using P = TypeParam;
+    const PF_Rect before{1, 1, 4, 5};
+    for (const auto& [right, down] : {std::pair{1, 2}, {-1, 1}, {1, -1}, {-1, 0}, {1, 0}}) {
+        World world = noise<P>(6, 8, 1);
+        World expected = world;
+        for (A_long y = before.top; y < before.bottom; ++y) {
+            for (A_long x = before.left; x < before.right; ++x)
+                at<P>(expected, x + right, y + down) = at<P>(world, x, y);
+        }
+        const PF_Rect after{before.left + right, before.top + down, before.right + right,
+                            before.bottom + down};
+        ASSERT_EQ(copyWorld(world.record(), &before, world.record(), &after), PF_Err_NONE);
+        EXPECT_EQ(world.checksum(), expected.checksum()) << right << ", " << down;
+    }
+}
+
+// The pixel whose centre lies nearest, so that each half of a picture that shrinks gives its share.
+TYPED_TEST(PixelOpsTest, StretchedCopyTakesTheNearestPixel) {
+    using P = TypeParam;
+    struct {
+        A_long width;
+        std::vector<std::uint32_t> picked;
+    } const cases[] = {{2, {1, 3}}, {3, {0, 2, 3}}, {8, {0, 0, 1, 1, 2, 2, 3, 3}}, {1, {2}}};
+    World from = filled(4, 1, grey<P>(kWhite<P>, 0));
+    for (std::int32_t x = 0; x < 4; ++x)
+        at<P>(from, x, 0).red = static_cast<ChannelOf<P>>(x);
+    for (const auto& [width, picked] : cases) {
+        World to(width, 1, kDeep<P>);
+        ASSERT_EQ(copyWorld(from.record(), nullptr, to.record(), nullptr), PF_Err_NONE);
+        for (A_long x = 0; x < width; ++x)
+            EXPECT_EQ(at<P>(to, x, 0).red, picked[static_cast<std::size_t>(x)]) << x << " of " << width;
     }
 }
 
@@ -239,6 +275,20 @@ TYPED_TEST(PixelOpsTest, OpaquePixelsSurvivePremultiplication) {
     ASSERT_EQ(premultiplyWorld(true, world.record()), PF_Err_NONE);
     EXPECT_TRUE(same(at<P>(world, 0, 0), grey<P>(kWhite<P>, 77)));
     EXPECT_TRUE(same(at<P>(world, 1, 0), grey<P>(0, 0)));
+}
+
+TYPED_TEST(PixelOpsTest, MattedColoursAreRoundedToTheNearest) {
+    using P = TypeParam;
+    constexpr std::uint32_t kOne = kWhite<P>;
+    constexpr std::uint32_t kHalf = (kOne + 1) / 2;
+    struct {
+        std::uint32_t alpha, code, matted;
+    } const cases[] = {{kHalf, 1, 1}, {kHalf - 1, 1, 0}, {kHalf, 3, 2}, {1, kHalf, 1}};
+    for (const auto& [alpha, code, matted] : cases) {
+        World world = filled(1, 1, grey<P>(alpha, code));
+        ASSERT_EQ(premultiplyWorld(world.record(), grey<P>(kOne, 0), true, world.record()), PF_Err_NONE);
+        EXPECT_EQ(at<P>(world, 0, 0).red, matted) << code << " under " << alpha;
+    }
 }
 
 TYPED_TEST(PixelOpsTest, IdentityIsACopy) {
