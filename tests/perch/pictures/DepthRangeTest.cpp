@@ -71,8 +71,9 @@ TEST(DepthRangeTest, AlphaIsNoDepth) {
 TEST(DepthRangeTest, TextIsTwoDepthsAndReciprocalOrNothing) {
     for (const char* const text : {"2.5:40", "-1:1e3", "40:2.5", "2.5:40:reciprocal"})
         EXPECT_EQ(textOf(parseDepthRange(text).value()), text == std::string("-1:1e3") ? "-1:1000" : text);
-    for (const char* const text : {"", "2.5", "2.5:", ":40", "2.5:40:", "2.5:40:even", "a:b", "2.5:40 ",
-                                   "1:1", "inf:1", "1:nan", "0:40:reciprocal", "-1:40:reciprocal"})
+    for (const char* const text :
+         {"", "2.5", "2.5:", ":40", "2.5:40:", "2.5:40:even", "a:b", "2.5:40 ", "1:1", "inf:1", "1:nan",
+          "0:40:reciprocal", "-1:40:reciprocal", "40:0:reciprocal"})
         EXPECT_FALSE(parseDepthRange(text)) << text;
 }
 
