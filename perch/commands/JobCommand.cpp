@@ -61,6 +61,8 @@ RenderTasks tasksOf(const Arguments& command, int count) {
     if (options.wantsHelp || options.use != PlanUse::Render)
         throw UsageError("--help and --dry-run render nothing; leave them out of the command behind --");
     if (options.names.shard) throw UsageError("--shard is what the job adds to each task; leave it out");
+    if (!options.job.report.empty())
+        throw UsageError("all tasks would write the one file of --report; leave it out");
     if (options.names.areFiles || !FramePattern::parse(options.names.input))
         throw UsageError(
             "a job is for sequences; give --input a place for the frame number, like in.####.png");
