@@ -134,14 +134,23 @@ void reportTiming(const RenderReport& report, std::chrono::steady_clock::duratio
 // What did not fail and should be known.
 void reportNotes(const RenderReport& report, std::optional<pictures::Transfer> transfer,
                  JobDisplay& display) {
-    for (const std::string& note : report.notes.all())
-        display.tellNote("note: " + note);
+    display.tellNotes(report.notes);
     if (report.pixelsClipped == 0) return;
     const bool isLog = transfer == pictures::Transfer::Log;
     display.tellNote(fmt::format(
         "note: {:.2g} % of the pixels of {} frames are below 0 or above {} and were clipped{}",
         100.0 * static_cast<double>(report.pixelsClipped) / static_cast<double>(report.pixelsRead),
         report.framesWritten.load(), isLog ? "64" : "1", isLog ? "" : "; --encode log keeps up to 64"));
+}
+
+// What is likely a mistake, as far as it shows before any picture is read.
+void warnOfMistakes(const ParameterArguments& parameters, Notes& notes) {
+    for (const std::string& option : parameters.repeated)
+        notes.warn(option, fmt::format("{} is given more than once; the last one counts", option));
+    if (!parameters.missingLayer.empty()) {
+        notes.warn("layer", fmt::format("the effect gets values and no picture; give one by {0}, or {0} none",
+                                        parameters.missingLayer));
+    }
 }
 
 int reportInterrupt(const RenderReport& report, std::size_t count) {
@@ -179,11 +188,11 @@ bool render(Effect& effect, const RenderOptions& options, const RenderSettings& 
         effect.close();
     } catch (const Cancelled&) {
         display.clearLine();
-        if (audience.report) audience.report->finish("interrupted", "", report.notes.all());
+        if (audience.report) audience.report->finish("interrupted", "", report.notes.sentences());
         return false;
     } catch (const Error& error) {
         display.clearLine();
-        if (audience.report) audience.report->finish("failed", error.what(), report.notes.all());
+        if (audience.report) audience.report->finish("failed", error.what(), report.notes.sentences());
         reportFindings(effect);
         if (!display.totals().failed.empty()) display.finish(options.names.output);
         throw;
@@ -209,7 +218,7 @@ void takeExisting(ExistingUse use, const std::optional<JobRecord>& earlier, cons
                   FramePlan& plan) {
     if (use == ExistingUse::Error) refuseExistingFrames(plan);
     if (use != ExistingUse::Skip) return;
-    takeCurrentFrames(plan, earlier ? tracesOf(*earlier) : FrameTraces{}, settings.limits,
+    takeCurrentFrames(plan, earlier ? tracesOf(*earlier) : FrameTraces{}, settings.reading,
                       settings.framesAhead);
 }
 
@@ -273,6 +282,8 @@ int runRenderCommand(const std::vector<std::string>& arguments) {
         audience.report.emplace(options.job.report, std::move(record));
     }
     RenderReport report;
+    report.notes.areWarningsErrors = options.areWarningsErrors;
+    warnOfMistakes(parameters, report.notes);
     if (!render(effect, options, settings, parameters.curves, plan, audience, report))
         return reportInterrupt(report, plan.frames.size());
     reportNotes(report, settings.transfer, display);
@@ -280,7 +291,8 @@ int runRenderCommand(const std::vector<std::string>& arguments) {
     const bool hasFault = reportFindings(effect);
     display.finish(options.names.output);
     const int status = hasFault ? kFailed : display.totals().failed.empty() ? kDone : kSomeFailed;
-    if (audience.report) audience.report->finish(status == kDone ? "done" : "failed", "", report.notes.all());
+    if (audience.report)
+        audience.report->finish(status == kDone ? "done" : "failed", "", report.notes.sentences());
     return status;
 }
 

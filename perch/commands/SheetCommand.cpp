@@ -219,8 +219,7 @@ int runSheetCommand(const Arguments& arguments) {
     RenderReport report;
     renderFrames(effect, settings, parameters.curves, plan, watch, report);
     effect.close();
-    for (const std::string& note : report.notes.all())
-        display.tellNote("note: " + note);
+    display.tellNotes(report.notes);
     writeWorld(output, sheet.world(), false, settings.encoding);
     return kDone;
 }

@@ -1,6 +1,7 @@
 #include "CodeRows.h"
 
 #include <algorithm>
+#include <array>
 #include <limits>
 #include <type_traits>
 
@@ -86,31 +87,52 @@ std::int32_t fillRowOfLight(const T* samples, const Picture& picture, std::uint3
     return clipped;
 }
 
+constexpr std::size_t kPatternSide = 8;
+
+// Each of the 64 shares from 1/128 on in steps of 1/64 once, those of neighbours far apart: bit by bit, from
+// the coarsest, the bits of x ^ y and y of the place, from the finest.
+double patternAt(std::size_t x, std::size_t y) {
+    unsigned rank = 0;
+    for (std::size_t bit = 1; bit < kPatternSide; bit *= 2)
+        rank = rank << 2 | (((x ^ y) & bit) != 0 ? 2U : 0U) | ((y & bit) != 0 ? 1U : 0U);
+    return (rank + 0.5) / (kPatternSide * kPatternSide);
+}
+
+// What is added to a share of the greatest sample before its fraction is dropped, column by column.
+std::array<double, kPatternSide> thresholdsOf(Rounding rounding, std::int32_t y) {
+    std::array<double, kPatternSide> thresholds{};
+    for (std::size_t x = 0; x < kPatternSide; ++x)
+        thresholds[x] = rounding == Rounding::Dithered ? patternAt(x, static_cast<std::size_t>(y)) : 0.5;
+    return thresholds;
+}
+
 // One sample of a file for a share of 0 to 1, or of more light.
 template <typename T>
-T sampleOf(double share) {
+T sampleOf(double share, double threshold) {
     if constexpr (std::is_floating_point_v<T>) return static_cast<T>(share);
-    return static_cast<T>(std::clamp(share, 0.0, 1.0) * kMost<T> + 0.5);
+    return static_cast<T>(std::clamp(share, 0.0, 1.0) * kMost<T> + threshold);
 }
 
 template <typename T>
 void writeRowOfLight(std::span<const Codes> row, std::uint32_t white, Picture& picture, Transfer transfer,
-                     T* next) {
+                     const std::array<double, kPatternSide>& thresholds, T* next) {
+    std::size_t x = 0;
     for (const Codes& codes : row) {
+        const double threshold = thresholds[x++ % kPatternSide];
         const auto share = [white](std::uint32_t code) {
             return static_cast<double>(std::min(code, white)) / white;
         };
         const double alpha = share(codes.alpha);
         const double scale = picture.isPremultiplied ? alpha : 1;
         const auto sample = [&](std::uint32_t code) {
-            return sampleOf<T>(lightOfCode(transfer, share(code)) * scale);
+            return sampleOf<T>(lightOfCode(transfer, share(code)) * scale, threshold);
         };
         *next++ = sample(codes.red);
         if (picture.channels > kGreyChannels) {
             *next++ = sample(codes.green);
             *next++ = sample(codes.blue);
         }
-        if (picture.hasAlpha()) *next++ = sampleOf<T>(alpha);
+        if (picture.hasAlpha()) *next++ = sampleOf<T>(alpha, threshold);
     }
 }
 
@@ -150,19 +172,20 @@ std::int32_t readCodes(const Picture& picture, std::int32_t y, std::uint32_t whi
 }
 
 void writeCodes(std::span<const Codes> row, std::uint32_t white, std::int32_t y, Picture& picture,
-                Transfer transfer) {
+                Transfer transfer, Rounding rounding) {
     std::visit(
         [&]<typename T>(std::vector<T>& samples) {
             T* const first = rowOf(samples, picture, y);
             if constexpr (std::is_integral_v<T>) {
-                if (transfer == Transfer::Linear && !picture.isPremultiplied) {
+                const bool isNearest = rounding == Rounding::Nearest;
+                if (transfer == Transfer::Linear && !picture.isPremultiplied && isNearest) {
                     // Constants, so that the divisions become multiplications.
                     if (white == 255) return writeRow(row, 255, picture, first);
                     if (white == 32768) return writeRow(row, 32768, picture, first);
                     return writeRow(row, white, picture, first);
                 }
             }
-            writeRowOfLight(row, white, picture, transfer, first);
+            writeRowOfLight(row, white, picture, transfer, thresholdsOf(rounding, y), first);
         },
         picture.samples);
 }

@@ -30,10 +30,14 @@ constexpr std::uint32_t rescale(std::uint32_t value, std::uint32_t from, std::ui
 std::int32_t readCodes(const Picture& picture, std::int32_t y, std::uint32_t white, std::span<Codes> row,
                        Transfer transfer = Transfer::Linear);
 
+// How whole numbers come from more exact ones: the nearest, or up or down in a fixed pattern of 8 x 8 pixels
+// whose mean is the exact one. Numbers that are whole stay.
+enum class Rounding { Nearest, Dithered };
+
 // Into a picture of any channels; grey takes red. Codes above white are taken for white, and `transfer` is
 // undone.
 void writeCodes(std::span<const Codes> row, std::uint32_t white, std::int32_t y, Picture& picture,
-                Transfer transfer = Transfer::Linear);
+                Transfer transfer = Transfer::Linear, Rounding rounding = Rounding::Nearest);
 
 // Copies the pixels of a row for which `isCopied` is not 0, bit by bit. The pictures have the same size and
 // type, and both or neither are premultiplied. Grey becomes red, green and blue; alpha that one of them lacks

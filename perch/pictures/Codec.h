@@ -10,13 +10,19 @@
 #include "EncodingOptions.h"
 #include "FileFormat.h"
 #include "Picture.h"
-#include "ReadLimits.h"
+#include "ReadOptions.h"
 
 namespace pictures {
 
 struct Encoding {
     FileFormat format = FileFormat::Png;
     EncodingOptions options;
+};
+
+struct EncodedPicture {
+    std::vector<unsigned char> bytes;
+    // What the picture's own file says of it and the format does not hold, by name.
+    std::vector<std::string> unheld;
 };
 
 // Any thread. Failures are PictureError, with the reason and how to mend it alone: whose bytes they are, the
@@ -30,8 +36,8 @@ public:
 
     // With a channel, "Z" or "depth.Z", the picture is that channel alone, in grey, of whichever part has it.
     virtual Picture decode(std::span<const unsigned char> bytes, FileFormat format,
-                           const std::string& channel, const ReadLimits& limits) const = 0;
-    virtual std::vector<unsigned char> encode(const Picture& picture, const Encoding& encoding) const = 0;
+                           const std::string& channel, const ReadOptions& options) const = 0;
+    virtual EncodedPicture encode(const Picture& picture, const Encoding& encoding) const = 0;
 };
 
 const Codec& codec();

@@ -34,6 +34,7 @@ struct Picture {
     std::size_t channels = 0;      // 1 grey, 2 grey and alpha, 3 RGB, 4 RGBA
     bool isPremultiplied = false;  // colours are multiplied by alpha
     bool isHalf = false;           // each float is one of 16 bits
+    bool isDamaged = false;        // what could not be read is black, or whatever the decoder makes of it
     int parts = 1;                 // of the file; the picture is the first, or that of the channel asked for
     std::variant<std::vector<std::uint8_t>, std::vector<std::uint16_t>, std::vector<float>> samples;
     std::shared_ptr<const Metadata> metadata;  // may be null

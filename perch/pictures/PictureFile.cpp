@@ -35,11 +35,11 @@ FileFormat requireFormat(const fs::path& path) {
 
 }  // namespace
 
-Picture readPicture(const fs::path& path, const std::string& channel, const ReadLimits& limits) {
+Picture readPicture(const fs::path& path, const std::string& channel, const ReadOptions& options) {
     const FileBytes bytes = readFile(path);
     const FileFormat format = requireFormat(path, bytes);
     try {
-        return codec().decode(bytes, format, channel, limits);
+        return codec().decode(bytes, format, channel, options);
     } catch (const PictureError& error) {
         refuseToRead(path, error.what());
     }
@@ -92,15 +92,17 @@ void requireNotRead(const fs::path& output, std::span<const fs::path> inputs) {
     }
 }
 
-void writePicture(const fs::path& path, const Picture& picture, const EncodingOptions& options) {
+std::vector<std::string> writePicture(const fs::path& path, const Picture& picture,
+                                      const EncodingOptions& options) {
     requireWritable(path, picture.type(), picture.hasAlpha());
-    FileBytes bytes;
+    EncodedPicture encoded;
     try {
-        bytes = codec().encode(picture, {.format = requireFormat(path), .options = options});
+        encoded = codec().encode(picture, {.format = requireFormat(path), .options = options});
     } catch (const PictureError& error) {
         refuseToWrite(path, error.what());
     }
-    replaceFile(path, bytes);
+    replaceFile(path, encoded.bytes);
+    return encoded.unheld;
 }
 
 }  // namespace pictures

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "Codec.h"
 #include "Picture.h"
@@ -19,7 +20,7 @@ constexpr std::int32_t kLargestExtent = 30000;
 // Opens the file once and decodes its bytes from memory.
 // Without the name of a channel the picture is the file's first.
 Picture readPicture(const std::filesystem::path& path, const std::string& channel = {},
-                    const ReadLimits& limits = {});
+                    const ReadOptions& options = {});
 
 // A file and one of its channels, as "depth.####.exr:Z" names them.
 struct ChannelOfFile {
@@ -41,8 +42,8 @@ void prepareOutputs(std::span<const std::filesystem::path> paths);
 void requireNotRead(const std::filesystem::path& output, std::span<const std::filesystem::path> inputs);
 
 // Writes the picture in the format of the ending. The file appears whole or not at all, and only then
-// replaces one of the same name.
-void writePicture(const std::filesystem::path& path, const Picture& picture,
-                  const EncodingOptions& options = {});
+// replaces one of the same name. Returns what the picture's own file says of it and the format does not hold.
+std::vector<std::string> writePicture(const std::filesystem::path& path, const Picture& picture,
+                                      const EncodingOptions& options = {});
 
 }  // namespace pictures

@@ -14,15 +14,15 @@
 namespace perch {
 namespace {
 
-bool hasFingerprint(const FrameFiles& frame, const pictures::ReadLimits& limits) {
+bool hasFingerprint(const FrameFiles& frame, const pictures::ReadOptions& reading) {
     try {
-        return fingerprintIn(readPictureFile(frame.output, "", limits)->software) == frame.fingerprint;
+        return fingerprintIn(readPictureFile(frame.output, "", reading)->software) == frame.fingerprint;
     } catch (const Error&) {
         return false;  // damaged or cut short
     }
 }
 
-bool isCurrent(const FrameFiles& frame, const FrameTraces& traces, const pictures::ReadLimits& limits) {
+bool isCurrent(const FrameFiles& frame, const FrameTraces& traces, const pictures::ReadOptions& reading) {
     const std::optional<FileState> state = fileState(frame.output);
     if (!state) return false;
     const auto trace = traces.find({frame.frame, frame.output.string()});
@@ -30,12 +30,12 @@ bool isCurrent(const FrameFiles& frame, const FrameTraces& traces, const picture
         trace->second.output == *state) {
         return true;
     }
-    return hasFingerprint(frame, limits);
+    return hasFingerprint(frame, reading);
 }
 
 }  // namespace
 
-void takeCurrentFrames(FramePlan& plan, const FrameTraces& traces, const pictures::ReadLimits& limits,
+void takeCurrentFrames(FramePlan& plan, const FrameTraces& traces, const pictures::ReadOptions& reading,
                        std::size_t tasks) {
     std::vector<FrameFiles> frames = std::exchange(plan.frames, {});
     OrderedTasks<bool> answers(tasks);
@@ -43,7 +43,7 @@ void takeCurrentFrames(FramePlan& plan, const FrameTraces& traces, const picture
     for (FrameFiles& frame : frames) {
         for (; !answers.isFull() && next < frames.size(); ++next)
             answers.start(
-                [&asked = frames[next], &traces, &limits] { return isCurrent(asked, traces, limits); });
+                [&asked = frames[next], &traces, &reading] { return isCurrent(asked, traces, reading); });
         (answers.next() ? plan.current : plan.frames).push_back(std::move(frame));
     }
 }

@@ -9,7 +9,7 @@
 
 #include "Fingerprint.h"
 #include "FramePlan.h"
-#include "ReadLimits.h"
+#include "ReadOptions.h"
 
 namespace perch {
 
@@ -29,7 +29,7 @@ using FrameTraces = std::map<std::pair<std::int32_t, std::string>, FrameTrace>; 
 // Moves the frames that are up to date from the plan's frames to its current ones: those whose file is whole
 // and has the frame's fingerprint, or is the one that a trace with that fingerprint tells of. `tasks` files
 // are read at once.
-void takeCurrentFrames(FramePlan& plan, const FrameTraces& traces, const pictures::ReadLimits& limits,
+void takeCurrentFrames(FramePlan& plan, const FrameTraces& traces, const pictures::ReadOptions& reading,
                        std::size_t tasks);
 
 // Throws Error where a file of a frame is there.

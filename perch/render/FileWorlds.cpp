@@ -20,6 +20,7 @@ namespace fs = std::filesystem;
 using pictures::Codes;
 using pictures::FileFormat;
 using pictures::Picture;
+using pictures::Rounding;
 using pictures::SampleType;
 using pictures::Transfer;
 
@@ -48,13 +49,13 @@ std::int64_t fillWorld(const Picture& picture, Transfer transfer, const World& w
 }
 
 template <typename P>
-void fillPicture(const World& world, Transfer transfer, Picture& picture) {
+void fillPicture(const World& world, Transfer transfer, Rounding rounding, Picture& picture) {
     std::vector<Codes> row(static_cast<std::size_t>(picture.width));
     for (std::int32_t y = 0; y < picture.height; ++y) {
         std::ranges::transform(pixelRow<P>(world.record(), y), row.begin(), [](const P& pixel) {
             return Codes{pixel.alpha, pixel.red, pixel.green, pixel.blue};
         });
-        writeCodes(row, kWhite<P>, y, picture, transfer);
+        writeCodes(row, kWhite<P>, y, picture, transfer, rounding);
     }
 }
 
@@ -101,11 +102,12 @@ bool isGrey(const World& world) {
     return world.isDeep() ? isGreyAs<PF_Pixel16>(world) : isGreyAs<PF_Pixel>(world);
 }
 
-void fill(const World& world, Transfer transfer, Picture& picture) {
+void fill(const World& world, Transfer transfer, Picture& picture, bool isDithered = false) {
     if (world.isDeep()) {
-        fillPicture<PF_Pixel16>(world, transfer, picture);
+        const bool dithers = isDithered && picture.type() == SampleType::Bits8;
+        fillPicture<PF_Pixel16>(world, transfer, dithers ? Rounding::Dithered : Rounding::Nearest, picture);
     } else {
-        fillPicture<PF_Pixel>(world, transfer, picture);
+        fillPicture<PF_Pixel>(world, transfer, Rounding::Nearest, picture);
     }
 }
 
@@ -121,18 +123,19 @@ Transfer transferToUndo(const FileWorld& source, SampleType written) {
     return staysEncoded ? Transfer::Linear : source.transfer;
 }
 
-// TIFF has both, and keeps what it was.
+// TIFF has both, and keeps what it was. Readers take the alpha of DPX for associated.
 bool isWrittenPremultiplied(const fs::path& path, const Picture& source) {
     const std::optional<FileFormat> format = pictures::formatOfName(path);
-    return format == FileFormat::OpenExr || (format == FileFormat::Tiff && source.isPremultiplied);
+    return format == FileFormat::OpenExr || format == FileFormat::Dpx ||
+           (format == FileFormat::Tiff && source.isPremultiplied);
 }
 
 }  // namespace
 
 SharedPicture readPictureFile(const fs::path& path, const std::string& channel,
-                              const pictures::ReadLimits& limits) {
+                              const pictures::ReadOptions& options) {
     return asError(
-        [&] { return std::make_shared<const Picture>(pictures::readPicture(path, channel, limits)); });
+        [&] { return std::make_shared<const Picture>(pictures::readPicture(path, channel, options)); });
 }
 
 Depth depthOf(const Picture& picture) {
@@ -180,8 +183,8 @@ void requireOutput(const fs::path& path, SampleType type, bool withAlpha) {
     }
 }
 
-void writeWorld(const fs::path& path, const World& world, const FileWorld& source,
-                const OutputFormat& format) {
+std::vector<std::string> writeWorld(const fs::path& path, const World& world, const FileWorld& source,
+                                    const OutputFormat& format) {
     // An effect may make an opaque picture transparent.
     const bool withAlpha = source.source->hasAlpha() || !needsNoAlpha(world);
     requireOutput(path, format.type, withAlpha);
@@ -190,7 +193,7 @@ void writeWorld(const fs::path& path, const World& world, const FileWorld& sourc
                                            (staysGrey ? 1U : 3U) + (withAlpha ? 1U : 0U), format.type);
     picture.isPremultiplied = withAlpha && isWrittenPremultiplied(path, *source.source);
     picture.metadata = source.source->metadata;
-    fill(world, transferToUndo(source, format.type), picture);
+    fill(world, transferToUndo(source, format.type), picture, format.isDithered);
     if (canKeepSamples(world, source, picture)) {
         if (world.isDeep()) {
             keepSamples<PF_Pixel16>(world, source, picture);
@@ -198,7 +201,7 @@ void writeWorld(const fs::path& path, const World& world, const FileWorld& sourc
             keepSamples<PF_Pixel>(world, source, picture);
         }
     }
-    asError([&] { pictures::writePicture(path, picture, format.encoding); });
+    return asError([&] { return pictures::writePicture(path, picture, format.encoding); });
 }
 
 void writeWorld(const fs::path& path, const World& world, bool withAlpha,

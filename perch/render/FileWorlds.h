@@ -10,6 +10,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "PictureFile.h"
 #include "Transfer.h"
@@ -33,7 +34,7 @@ struct FileWorld {
 using SharedPicture = std::shared_ptr<const pictures::Picture>;
 
 SharedPicture readPictureFile(const std::filesystem::path& path, const std::string& channel = {},
-                              const pictures::ReadLimits& limits = {});
+                              const pictures::ReadOptions& options = {});
 
 // That keeps the most of the picture.
 Depth depthOf(const pictures::Picture& picture);
@@ -54,6 +55,7 @@ void prepareOutputs(std::span<const std::filesystem::path> paths);
 struct OutputFormat {
     pictures::SampleType type = pictures::SampleType::Bits8;
     pictures::EncodingOptions encoding;
+    bool isDithered = false;  // 8 bits from more
 };
 
 // Throws unless a file of this name can be expected to hold such a picture.
@@ -62,9 +64,9 @@ void requireOutput(const std::filesystem::path& path, pictures::SampleType type,
 // Writes the world in the format of the ending, with alpha where the source has it or the world is not
 // opaque. Pixels that are those of the source are taken from its samples, bit by bit, where the file has
 // their type; the transfer is undone unless light in floats was encoded for codes of a file. The file appears
-// whole or not at all.
-void writeWorld(const std::filesystem::path& path, const World& world, const FileWorld& source,
-                const OutputFormat& format);
+// whole or not at all. Returns what the source's file says of its picture and the format does not hold.
+std::vector<std::string> writeWorld(const std::filesystem::path& path, const World& world,
+                                    const FileWorld& source, const OutputFormat& format);
 
 // The same for a world that comes from no file.
 void writeWorld(const std::filesystem::path& path, const World& world, bool withAlpha,

@@ -55,11 +55,12 @@ int numberOf(const std::optional<T>& choice) {
 
 std::string textOf(const RenderSettings& settings) {
     const pictures::EncodingOptions& encoding = settings.encoding;
-    return fmt::format(
-        "settings {} {} {} {} {} {}/{} {} {} {} {} {}", numberOf(settings.depth),
-        numberOf(settings.outputType), numberOf(settings.transfer), static_cast<int>(settings.quality),
-        static_cast<int>(settings.smart), settings.downsample.num, settings.downsample.den, settings.resizes,
-        encoding.compression, encoding.openExrCompression, encoding.jpegQuality, !encoding.software.empty());
+    return fmt::format("settings {} {} {} {} {} {}/{} {} {} {} {} {} {} {}", numberOf(settings.depth),
+                       numberOf(settings.outputType), numberOf(settings.transfer),
+                       static_cast<int>(settings.quality), static_cast<int>(settings.smart),
+                       settings.downsample.num, settings.downsample.den, settings.resizes,
+                       encoding.compression, encoding.openExrCompression, encoding.jpegQuality,
+                       !encoding.software.empty(), settings.isDithered, settings.reading.acceptsDamage);
 }
 
 }  // namespace

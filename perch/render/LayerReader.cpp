@@ -4,6 +4,8 @@
 
 #include <memory>
 #include <optional>
+#include <string_view>
+#include <variant>
 
 #include "Error.h"
 
@@ -28,13 +30,52 @@ void requireShares(const fs::path& path, const pictures::Picture& picture, const
                     extent->greatest));
 }
 
+std::string_view nameOf(LayerChannel channel) {
+    switch (channel) {
+        case LayerChannel::Alpha:
+            return "the alpha";
+        case LayerChannel::Red:
+            return "the red";
+        case LayerChannel::Green:
+            return "the green";
+        case LayerChannel::Blue:
+            return "the blue";
+        case LayerChannel::Any:
+            break;
+    }
+    return "the colour";
+}
+
+// Alpha that a file lacks is full; grey is all colours.
+bool isConstant(const pictures::Picture& picture, LayerChannel channel) {
+    if (channel == LayerChannel::Alpha && !picture.hasAlpha()) return true;
+    const std::size_t colours = picture.channels - (picture.hasAlpha() ? 1 : 0);
+    std::size_t first = 0;
+    std::size_t end = colours;
+    if (channel == LayerChannel::Alpha) {
+        first = end++;
+    } else if (channel != LayerChannel::Any && colours > 1) {
+        first = static_cast<std::size_t>(channel) - static_cast<std::size_t>(LayerChannel::Red);
+        end = first + 1;
+    }
+    return std::visit(
+        [&](const auto& samples) {
+            for (std::size_t pixel = 0; pixel < samples.size(); pixel += picture.channels) {
+                for (std::size_t i = first; i < end; ++i)
+                    if (samples[pixel + i] != samples[i]) return false;
+            }
+            return true;
+        },
+        picture.samples);
+}
+
 }  // namespace
 
 void LayerReader::findRanges(const FramePlan& plan) {
     for (auto& [index, reading] : readings) {
         const fs::path* const path = firstFileOf(plan, index);
         if (!reading.hasUsualRange || path == nullptr) continue;
-        reading.range = pictures::usualRange(*readPictureFile(*path, reading.channel, limits));
+        reading.range = pictures::usualRange(*readPictureFile(*path, reading.channel, options));
         if (!reading.range) {
             throw Error(
                 fmt::format("cannot find near and far in \"{}\": it has one depth at most; give {} "
@@ -46,29 +87,71 @@ void LayerReader::findRanges(const FramePlan& plan) {
     }
 }
 
-SharedPicture LayerReader::read(PF_ParamIndex index, const fs::path& path) const {
+SharedPicture LayerReader::read(PF_ParamIndex index, const fs::path& path, std::size_t place) const {
     const auto found = readings.find(index);
     const LayerReading reading = found != readings.end() ? found->second : LayerReading{};
-    const SharedPicture picture = readPictureFile(path, reading.channel, limits);
-    if (picture->parts > 1 && reading.channel.empty()) notes.add("parts", partsNote(path, picture->parts));
+    const SharedPicture picture = readPictureFile(path, reading.channel, options);
+    if (picture->isDamaged) notes.add("damaged", damageNote(path), place);
+    if (picture->parts > 1 && reading.channel.empty())
+        notes.add("parts", partsNote(path, picture->parts), place);
     if (reading.range) {
-        if (reading.hasUsualRange) compare(path, *picture, reading);
-        return std::make_shared<const pictures::Picture>(ranged(*picture, *reading.range));
+        if (reading.hasUsualRange) compare(path, *picture, reading, place);
+        const auto greys = std::make_shared<const pictures::Picture>(ranged(*picture, *reading.range));
+        warnWhereConstant(path, *greys, reading, place);
+        return greys;
     }
     if (isFloat(picture->type())) requireShares(path, *picture, reading);
+    warnWhereConstant(path, *picture, reading, place);
     return picture;
 }
 
+void LayerReader::compareSizes(const pictures::Picture& input, const pictures::Picture& layer,
+                               const fs::path& path, std::size_t place) const {
+    if (layer.width == input.width && layer.height == input.height) return;
+    const bool isStretched =
+        std::int64_t{layer.width} * input.height != std::int64_t{input.width} * layer.height;
+    notes.warn("size of a layer",
+               fmt::format("\"{}\" has {} x {} pixels and the input {} x {}: it is {}, or does not cover it",
+                           path.string(), layer.width, layer.height, input.width, input.height,
+                           isStretched ? "stretched to another aspect" : "scaled"),
+               place);
+}
+
+void LayerReader::warnWhereConstant(const fs::path& path, const pictures::Picture& picture,
+                                    const LayerReading& reading, std::size_t place) const {
+    if (!isConstant(picture, reading.usedChannel)) return;
+    const std::string advice = reading.channelOption.empty()
+                                   ? "choose another picture"
+                                   : fmt::format("choose another {} or picture", reading.channelOption);
+    notes.warn("constant " + reading.option,
+               fmt::format("{} of \"{}\" is the same everywhere, so that {} makes no difference; {}",
+                           nameOf(reading.usedChannel), path.string(), reading.option, advice),
+               place);
+}
+
 // A frame's own usual range may leave that of the first by a twentieth.
-void LayerReader::compare(const fs::path& path, const pictures::Picture& picture,
-                          const LayerReading& reading) const {
+void LayerReader::compare(const fs::path& path, const pictures::Picture& picture, const LayerReading& reading,
+                          std::size_t place) const {
     const std::optional<pictures::DepthRange> own = pictures::usualRange(picture);
     if (!own) return;
     const double slack = (reading.range->far - reading.range->near) / 20;
     if (own->near >= reading.range->near - slack && own->far <= reading.range->far + slack) return;
     notes.add(reading.rangeOption + " left",
               fmt::format("\"{}\" has depths of {}, outside the {} that {} auto found in the first frame",
-                          path.string(), textOf(*own), textOf(*reading.range), reading.rangeOption));
+                          path.string(), textOf(*own), textOf(*reading.range), reading.rangeOption),
+              place);
+}
+
+std::string damageNote(const fs::path& path) {
+    return fmt::format("\"{}\" is damaged or cut short; what can be read of it is taken", path.string());
+}
+
+std::string unheldNote(const fs::path& output, std::vector<std::string> unheld) {
+    constexpr std::size_t kMostNamed = 6;
+    const std::size_t more = unheld.size() > kMostNamed ? unheld.size() - kMostNamed : 0;
+    unheld.resize(unheld.size() - more);
+    return fmt::format("\"{}\" does not say all that the input's file does; without {}{}", output.string(),
+                       fmt::join(unheld, ", "), more > 0 ? fmt::format(" and {} more", more) : "");
 }
 
 std::string partsNote(const fs::path& path, int parts) {

@@ -1,8 +1,10 @@
 // Reads the pictures of layer parameters: one channel where one is named, scene depths as shades of grey.
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "FileWorlds.h"
 #include "FramePlan.h"
@@ -14,24 +16,36 @@ namespace perch {
 class LayerReader {
 public:
     // `notes` outlives the reader.
-    LayerReader(const LayerReadings& readings, const pictures::ReadLimits& limits, Notes& notes)
-        : readings(readings), limits(limits), notes(notes) {}
+    LayerReader(const LayerReadings& readings, const pictures::ReadOptions& options, Notes& notes)
+        : readings(readings), options(options), notes(notes) {}
 
     // Finds the ranges that are left to the first frame, before any picture is read.
     void findRanges(const FramePlan& plan);
 
     // Throws Error, which names the file, where it cannot be read or where floats beyond 0 to 1 have no
-    // range. Any thread.
-    SharedPicture read(PF_ParamIndex index, const std::filesystem::path& path) const;
+    // range. Any thread. `place` is that of the notes.
+    SharedPicture read(PF_ParamIndex index, const std::filesystem::path& path, std::size_t place) const;
+
+    // Warns where the layer's picture has another size than the input.
+    void compareSizes(const pictures::Picture& input, const pictures::Picture& layer,
+                      const std::filesystem::path& path, std::size_t place) const;
 
 private:
+    void warnWhereConstant(const std::filesystem::path& path, const pictures::Picture& picture,
+                           const LayerReading& reading, std::size_t place) const;
     void compare(const std::filesystem::path& path, const pictures::Picture& picture,
-                 const LayerReading& reading) const;
+                 const LayerReading& reading, std::size_t place) const;
 
     LayerReadings readings;
-    pictures::ReadLimits limits;
+    pictures::ReadOptions options;
     Notes& notes;
 };
+
+// What is said of a file that is read though it is damaged.
+std::string damageNote(const std::filesystem::path& path);
+
+// What is said of a file that cannot hold all that the input's says of its picture.
+std::string unheldNote(const std::filesystem::path& output, std::vector<std::string> unheld);
 
 // What is said of a file of several parts, of which the first is read.
 std::string partsNote(const std::filesystem::path& path, int parts);

@@ -1,34 +1,67 @@
 // What a user should know of a job though nothing failed, each kind once however many frames have it. Any
-// thread.
+// thread; what is kept does not depend on which frame is read first.
 #pragma once
 
+#include <cstddef>
 #include <map>
 #include <mutex>
 #include <string>
+#include <utility>
 #include <vector>
+
+#include "Error.h"
 
 namespace perch {
 
+struct Note {
+    bool isWarning = false;  // of what is likely a mistake
+    std::string sentence;
+};
+
 class Notes {
 public:
-    // The first note of a kind stays.
-    void add(const std::string& kind, const std::string& sentence) {
-        const std::lock_guard lock(mutex);
-        if (sentences.emplace(kind, sentence).second) order.push_back(kind);
+    // `place` is that of the frame among the job's, from 1 on; 0 for the job. Of a kind the first place's
+    // stays.
+    void add(const std::string& kind, const std::string& sentence, std::size_t place = 0) {
+        keep(kind, place, {false, sentence});
     }
 
-    std::vector<std::string> all() const {
+    // Throws Error instead where warnings are to be errors.
+    void warn(const std::string& kind, const std::string& sentence, std::size_t place = 0) {
+        if (areWarningsErrors) throw Error(sentence);
+        keep(kind, place, {true, sentence});
+    }
+
+    // In the order of their places, those of one in that of their kinds' names.
+    std::vector<Note> all() const {
         const std::lock_guard lock(mutex);
-        std::vector<std::string> result;
-        for (const std::string& kind : order)
-            result.push_back(sentences.at(kind));
+        std::map<std::pair<std::size_t, std::string>, Note> inOrder;
+        for (const auto& [kind, placed] : notes)
+            inOrder[{placed.first, kind}] = placed.second;
+        std::vector<Note> result;
+        for (const auto& [key, note] : inOrder)
+            result.push_back(note);
         return result;
     }
 
+    std::vector<std::string> sentences() const {
+        std::vector<std::string> result;
+        for (const Note& note : all())
+            result.push_back(note.sentence);
+        return result;
+    }
+
+    bool areWarningsErrors = false;  // to be set before the job begins
+
 private:
+    void keep(const std::string& kind, std::size_t place, const Note& note) {
+        const std::lock_guard lock(mutex);
+        const auto [kept, isNew] = notes.try_emplace(kind, place, note);
+        if (!isNew && place < kept->second.first) kept->second = {place, note};
+    }
+
     mutable std::mutex mutex;
-    std::map<std::string, std::string> sentences;  // by kind
-    std::vector<std::string> order;
+    std::map<std::string, std::pair<std::size_t, Note>> notes;  // by kind
 };
 
 }  // namespace perch

@@ -15,6 +15,7 @@
 #include "OrderedTasks.h"
 #include "PF_Values.h"
 #include "Sequence.h"
+#include "ShotForm.h"
 #include "StepTimer.h"
 #include "StillLayers.h"
 #include "Whereabouts.h"
@@ -120,6 +121,7 @@ private:
         Step<FramePictures> pictures = reads.next();
         readAhead();
         FrameEnd end{.index = index, .retries = pictures.retries, .decodeTime = pictures.time};
+        if (pictures.error == nullptr) pictures.error = errorOfForm(index, *pictures.result);
         if (pictures.error != nullptr) return endFailed(end, pictures.error);
         if (watch.frameBegins) watch.frameBegins(index);
         tellTheUsersChoices(pictures.result->input->pixels);
@@ -176,16 +178,22 @@ private:
 
     FramePictures read(std::size_t index) {
         const FrameFiles& files = plan.frames[index];
-        const SharedPicture picture = readPictureFile(files.input, "", settings.limits);
-        if (picture->parts > 1) report.notes.add("parts", partsNote(files.input, picture->parts));
+        const SharedPicture picture = readPictureFile(files.input, "", settings.reading);
+        if (picture->isDamaged) report.notes.add("damaged", damageNote(files.input), index + 1);
+        if (picture->parts > 1) report.notes.add("parts", partsNote(files.input, picture->parts), index + 1);
         FramePictures pictures;
-        pictures.output = {outputType(files.output, *picture), settings.encoding};
+        pictures.output = {outputType(files.output, *picture), settings.encoding, settings.isDithered};
         pictures.output.encoding.software = withFingerprint(settings.encoding.software, files.fingerprint);
         if (!watch.takesPicture) requireOutput(files.output, pictures.output.type, picture->hasAlpha());
         LayerPictures layers;
         for (const auto& [layer, path] : files.layers)
-            layers[layer] = layerReader.read(layer, path);
-        const Depth depth = chooseDepth(*picture, layers, stillLayers.read());
+            layers[layer] = layerReader.read(layer, path, index + 1);
+        const LayerPictures still = stillLayers.read();
+        const Depth depth = chooseDepth(*picture, layers, still);
+        for (const auto& [layer, layerPicture] : layers)
+            layerReader.compareSizes(*picture, *layerPicture, files.layers.at(layer), index + 1);
+        for (const auto& [layer, layerPicture] : still)
+            layerReader.compareSizes(*picture, *layerPicture, plan.stillLayers.at(layer), index + 1);
         pictures.input =
             std::make_shared<const FileWorld>(resized(worldOf(picture, depth, transferFor(*picture)), scale));
         requireDepth(effect, pictures.input->pixels);
@@ -201,6 +209,15 @@ private:
                 std::make_shared<const FileWorld>(resized(worldOf(layerPicture, depth), scale));
         }
         return pictures;
+    }
+
+    std::exception_ptr errorOfForm(std::size_t index, const FramePictures& pictures) {
+        try {
+            named(index, [&] { form.require(plan.frames[index], *pictures.input, pictures.layers); });
+        } catch (const Error&) {
+            return std::current_exception();
+        }
+        return nullptr;
     }
 
     // The deepest, so that a matte of 16 bits stays one beside a beauty of 8.
@@ -305,7 +322,9 @@ private:
         startEnding([this, end = rendered, input = pictures.input, output = pictures.output,
                      result = std::move(result)]() mutable {
             const auto write = [&] {
-                writeWorld(plan.frames[end.index].output, result.picture, *input, output);
+                const fs::path& path = plan.frames[end.index].output;
+                const std::vector<std::string> unheld = writeWorld(path, result.picture, *input, output);
+                if (!unheld.empty()) report.notes.add("unheld", unheldNote(path, unheld), end.index + 1);
                 return true;
             };
             const Step<bool> written = tried(CLOCK_THREAD_CPUTIME_ID, report.encodeTime, settings.pause,
@@ -363,11 +382,12 @@ private:
     RenderReport& report;
     const PF_RationalScale scale =  // that pictures are resized by
         settings.resizes ? settings.downsample : PF_RationalScale{1, 1};
-    LayerReader layerReader{settings.layers, settings.limits, report.notes};
+    LayerReader layerReader{settings.layers, settings.reading, report.notes};
     StillLayers stillLayers{plan.stillLayers, layerReader, scale};
     Sequence sequence{effect};
     std::map<std::size_t, PF_ParamDef> changedByEffect;  // values, by index
     bool knowsTheUsersChoices = false;
+    ShotForm form;
     std::size_t nextRead = 0;
     bool hasFailure = false;        // of a frame
     std::exception_ptr firstError;  // in the order of the frames

@@ -35,7 +35,8 @@ struct RenderSettings {
     PF_RationalScale downsample{1, 1};  // the pictures are this much smaller than the layer
     bool resizes = false;               // makes the pictures as much smaller, for they are not yet
     pictures::EncodingOptions encoding;
-    pictures::ReadLimits limits;  // of each picture
+    bool isDithered = false;  // files of 8 bits from more
+    pictures::ReadOptions reading;
     // So many frames at most are read ahead, and so many wait to be written; beside the one that renders,
     // they are all that is in memory.
     std::size_t framesAhead = 1;

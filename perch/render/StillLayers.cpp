@@ -6,7 +6,7 @@ LayerPictures StillLayers::read() {
     const std::lock_guard lock(mutex);
     for (const auto& [index, path] : paths) {
         SharedPicture& layer = pictures[index];
-        if (layer == nullptr) layer = reader.read(index, path);
+        if (layer == nullptr) layer = reader.read(index, path, 0);
     }
     return pictures;
 }

@@ -96,6 +96,11 @@ void JobDisplay::tellNote(const std::string& sentence) {
     say(sentence);
 }
 
+void JobDisplay::tellNotes(const Notes& notes) {
+    for (const Note& note : notes.all())
+        tellNote((note.isWarning ? "warning: " : "note: ") + note.sentence);
+}
+
 void JobDisplay::clearLine() {
     if (!shown.empty()) sayAsItIs(std::string("\r") + kClearToTheEnd);
     shown.clear();

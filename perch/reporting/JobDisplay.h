@@ -10,6 +10,7 @@
 #include "FrameEnd.h"
 #include "FramePlan.h"
 #include "JobTotals.h"
+#include "Notes.h"
 #include "ProgressForm.h"
 
 namespace perch {
@@ -35,6 +36,7 @@ public:
     void tellMessage(std::string_view command, std::string_view message);
     // What is known to be no failure.
     void tellNote(const std::string& sentence);
+    void tellNotes(const Notes& notes);
     // Takes the line of progress off the terminal.
     void clearLine();
 

@@ -110,4 +110,12 @@ int parseNumber(std::string_view option, const std::string& text, int least, int
         fmt::format("{} takes a whole number from {} to {}, not \"{}\"", option, least, most, text));
 }
 
+std::vector<std::string> repeatedOptions(const CLI::App& app) {
+    std::vector<std::string> names;
+    for (const CLI::Option* const option : app.get_options()) {
+        if (option->count() > 1) names.push_back("--" + option->get_lnames().front());
+    }
+    return names;
+}
+
 }  // namespace perch

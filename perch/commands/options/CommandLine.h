@@ -38,4 +38,7 @@ std::vector<std::string> longOptionNames(const CLI::App& app);
 // A whole number from `least` to `most`. Throws UsageError with what the option takes.
 int parseNumber(std::string_view option, const std::string& text, int least, int most);
 
+// The names, with their dashes, of options that were given more than once.
+std::vector<std::string> repeatedOptions(const CLI::App& app);
+
 }  // namespace perch

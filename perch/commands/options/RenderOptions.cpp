@@ -42,6 +42,9 @@ struct Texts {
     std::string mostPixels;
     std::string mostMemory;
     bool hasNoProvenance = false;
+    bool areWarningsErrors = false;
+    bool isDithered = false;
+    bool acceptsDamage = false;
     SequenceTexts sequence;
     JobTexts job;
     std::string frameLimit = "0";
@@ -140,10 +143,10 @@ void takeCompression(const std::string& text, pictures::EncodingOptions& encodin
 void takeLimits(const Texts& texts, RenderSettings& settings) {
     constexpr int kMost = std::numeric_limits<int>::max();
     if (!texts.mostPixels.empty())
-        settings.limits.pixels = parseNumber("--max-pixels", texts.mostPixels, 1, kMost);
+        settings.reading.pixels = parseNumber("--max-pixels", texts.mostPixels, 1, kMost);
     if (texts.mostMemory.empty()) return;
     const auto pictures = static_cast<std::int64_t>(2 * (2 * settings.framesAhead + 1));
-    settings.limits.bytes =
+    settings.reading.bytes =
         (std::int64_t{parseNumber("--max-memory", texts.mostMemory, 1, kMost)} << 20) / pictures;
 }
 
@@ -194,6 +197,12 @@ void addOwnOptions(CLI::App& app, Texts& texts) {
     app.add_flag("--dry-run", texts.isDryRun,
                  "print which frames would be rendered, from and to which files; nothing is written");
     app.add_flag("--json", texts.wantsJson, "print what --dry-run does as JSON");
+    app.add_flag("--dither", texts.isDithered,
+                 "write 8 bits of more in a fixed pattern of dots, against steps in soft gradients");
+    app.add_flag("--accept-damaged", texts.acceptsDamage,
+                 "take what can be read of damaged pictures, and say so");
+    app.add_flag("--warnings-as-errors", texts.areWarningsErrors,
+                 "fail where something is likely a mistake instead of only saying so");
     app.add_flag("--timing", texts.wantsTiming, "tell how long reading, rendering and writing took");
     app.add_flag("--strict", texts.strict, "watch for breaches of the interface's rules; any is a failure");
     app.add_option("--quality", texts.quality, "draft or best (default best)")->type_name("QUALITY");
@@ -304,6 +313,9 @@ RenderOptions parseRenderOptions(const std::vector<std::string>& arguments) {
     if (!texts.jpegQuality.empty())
         options.settings.encoding.jpegQuality = parseNumber("--jpeg-quality", texts.jpegQuality, 1, 100);
     options.hasProvenance = !texts.hasNoProvenance;
+    options.areWarningsErrors = texts.areWarningsErrors;
+    options.settings.isDithered = texts.isDithered;
+    options.settings.reading.acceptsDamage = texts.acceptsDamage;
     options.settings.framesAhead = framesAheadFor(options.load.threads);
     takeLimits(texts, options.settings);
     return options;
@@ -319,7 +331,9 @@ ParameterArguments parseParameterArguments(const std::vector<std::string>& argum
     addParameterOptions(app, options, texts);
     parseAllArguments(app, arguments);
 
-    return takeParameterArguments(app, options, texts, ownTexts.preset);
+    ParameterArguments result = takeParameterArguments(app, options, texts, ownTexts.preset);
+    result.repeated = repeatedOptions(app);
+    return result;
 }
 
 std::string renderHelp(const EffectDescription* effect) {

@@ -28,7 +28,8 @@ enum class PlanUse { Render, PrintText, PrintJson };
 struct RenderOptions {
     bool wantsHelp = false;  // then only load.plugin and frameLimit are set
     bool wantsTiming = false;
-    bool hasProvenance = true;               // files written tell what made them
+    bool hasProvenance = true;  // files written tell what made them
+    bool areWarningsErrors = false;
     std::chrono::nanoseconds frameLimit{0};  // that the effect may take for one command; 0: any time
     PlanUse use = PlanUse::Render;
     LoadOptions load;

@@ -92,6 +92,43 @@ void takeOffset(const ParameterOption& option, std::string_view text, ParameterA
     layer->second.offset = *offset;
 }
 
+// The channel that a popup behind the layer names, as "Alpha"; of one with keys the first.
+LayerChannel usedChannel(const Parameter& popup, const std::vector<ParameterCurve>& curves) {
+    const auto curve = std::ranges::find(curves, popup.index, &ParameterCurve::index);
+    const double number =
+        curve != curves.end() ? curve->keys.front().numbers[0] : popup.defaultNumber.value_or(0);
+    const auto item = static_cast<std::size_t>(number);
+    if (item < 1 || item > popup.items.size()) return LayerChannel::Any;
+    const std::string& name = popup.items[item - 1];
+    if (name == "Alpha") return LayerChannel::Alpha;
+    if (name == "Red") return LayerChannel::Red;
+    if (name == "Green") return LayerChannel::Green;
+    return name == "Blue" ? LayerChannel::Blue : LayerChannel::Any;
+}
+
+// Of layers with a picture, what to watch for in it.
+void findUsedChannels(const std::vector<ParameterOption>& options, ParameterArguments& arguments) {
+    for (std::size_t i = 0; i < options.size(); ++i) {
+        const ParameterOption& option = options[i];
+        if (!isLayer(option.parameter)) continue;
+        LayerReading& reading = arguments.readings[option.parameter.index];
+        reading.option = "--" + option.name;
+        if (i + 1 == options.size() || options[i + 1].parameter.items.empty()) continue;
+        reading.usedChannel = usedChannel(options[i + 1].parameter, arguments.curves);
+        reading.channelOption = "--" + options[i + 1].name;
+    }
+}
+
+// An effect that gets values and no picture at all has nothing to take them for.
+std::string missingLayer(const std::vector<ParameterOption>& options, const ParameterArguments& arguments) {
+    if (arguments.curves.empty() || !arguments.layers.empty() || !arguments.emptyLayers.empty()) return "";
+    const auto needsPicture = [](const ParameterOption& option) {
+        return isLayer(option.parameter) && !isOfThisLayer(option.parameter);
+    };
+    const auto found = std::ranges::find_if(options, needsPicture);
+    return found != options.end() ? "--" + found->name : "";
+}
+
 }  // namespace
 
 void addParameterOptions(CLI::App& app, const std::vector<ParameterOption>& options, ParameterTexts& texts) {
@@ -121,11 +158,14 @@ ParameterArguments takeParameterArguments(const CLI::App& app, const std::vector
         if (!option.offsetName.empty() && app.count("--" + option.offsetName) > 0)
             takeOffset(option, texts.at(option.offsetName), result);
     }
-    if (preset.empty()) return result;
-    for (ParameterCurve& curve : readPreset(preset, options)) {
-        if (std::ranges::find(result.curves, curve.index, &ParameterCurve::index) == result.curves.end())
-            result.curves.push_back(std::move(curve));
+    if (!preset.empty()) {
+        for (ParameterCurve& curve : readPreset(preset, options)) {
+            if (std::ranges::find(result.curves, curve.index, &ParameterCurve::index) == result.curves.end())
+                result.curves.push_back(std::move(curve));
+        }
     }
+    findUsedChannels(options, result);
+    result.missingLayer = missingLayer(options, result);
     return result;
 }
 

@@ -23,6 +23,10 @@ struct ParameterArguments {
     LayerNames layers;
     LayerReadings readings;  // of all layers
     std::set<PF_ParamIndex> emptyLayers;
+    std::vector<std::string> repeated{};  // options given more than once
+    // An option of a picture that the effect has none of, though it got values for other parameters; or
+    // empty.
+    std::string missingLayer{};
     std::string given;  // the options as they were given, of pictures the file names alone
 };
 

@@ -79,24 +79,24 @@ bool covers(const OIIO::ImageSpec& layout, const Window& window) {
            layout.y + layout.height >= window.y + window.height;
 }
 
-void requireSize(int width, int height, std::size_t sampleBytes, const ReadLimits& limits) {
+void requireSize(int width, int height, std::size_t sampleBytes, const ReadOptions& options) {
     if (width <= 0 || height <= 0) throw PictureError(kEmpty);
     if (width > kLargestExtent || height > kLargestExtent) {
         throw PictureError(fmt::format("it has {} x {} pixels, the largest is {} x {}; make it smaller",
                                        width, height, kLargestExtent, kLargestExtent));
     }
     const std::int64_t pixels = std::int64_t{width} * height;
-    if (pixels > limits.pixels) {
+    if (pixels > options.pixels) {
         throw PictureError(
             fmt::format("it has {} x {} pixels, {} in all, and --max-pixels allows {}; make it smaller, "
                         "or allow more",
-                        width, height, pixels, limits.pixels));
+                        width, height, pixels, options.pixels));
     }
-    if (pixels > limits.bytes / static_cast<std::int64_t>(sampleBytes)) {
+    if (pixels > options.bytes / static_cast<std::int64_t>(sampleBytes)) {
         throw PictureError(
             fmt::format("its {} x {} pixels take more memory than --max-memory leaves to each "
                         "picture, {} MB; make it smaller, allow more, or use fewer --threads",
-                        width, height, limits.bytes >> 20));
+                        width, height, options.bytes >> 20));
     }
 }
 
@@ -271,8 +271,8 @@ bool readRows(OIIO::ImageInput& file, int part, const ChannelRange& range, T* da
 }
 
 template <typename T>
-bool readSamples(OIIO::ImageInput& file, const Source& source, const Window& window, const ReadLimits& limits,
-                 std::vector<T>& samples, const Picture& picture) {
+bool readSamples(OIIO::ImageInput& file, const Source& source, const Window& window,
+                 const ReadOptions& options, std::vector<T>& samples, const Picture& picture) {
     const OIIO::ImageSpec layout = file.spec();
     const Channels& channels = source.channels;
     const ChannelRange range(channels);
@@ -281,11 +281,11 @@ bool readSamples(OIIO::ImageInput& file, const Source& source, const Window& win
                          layout.width == window.width && layout.height == window.height &&
                          covers(layout, window);
     if (isWhole) return readRows(file, source.part, range, samples.data());
-    requireSize(layout.width, layout.height, channelCount * sizeof(T), limits);
+    requireSize(layout.width, layout.height, channelCount * sizeof(T), options);
     std::vector<T> pixels(layout.image_pixels() * channelCount);
-    if (!readRows(file, source.part, range, pixels.data())) return false;
+    const bool isRead = readRows(file, source.part, range, pixels.data());
     place(pixels, layout, range, channels, window, samples, picture);
-    return true;
+    return isRead;
 }
 
 std::shared_ptr<const Metadata> metadataOf(const OIIO::ImageSpec& layout, FileFormat format,
@@ -308,25 +308,31 @@ SampleType requireType(const OIIO::ImageSpec& layout, const Channels& channels) 
                                    typeName(stored)));
 }
 
+bool isInterlaced(std::span<const unsigned char> png) {
+    constexpr std::size_t kInterlacing = 28;
+    return png.size() > kInterlacing && png[kInterlacing] != 0;
+}
+
 // Some decoders hold the whole picture as well.
-std::size_t copiesHeld(const OIIO::ImageSpec& layout, FileFormat format) {
+std::size_t copiesHeld(std::span<const unsigned char> bytes, FileFormat format) {
     const bool isHeld = format == FileFormat::Targa || format == FileFormat::WebP ||
-                        (format == FileFormat::Png && layout.get_int_attribute("png:interlaced") != 0);
+                        (format == FileFormat::Png && isInterlaced(bytes));
     return isHeld ? 2 : 1;
 }
 
 // Throws where the size is more than is allowed or than the file's length can stand for.
 void requireBelievable(const OIIO::ImageSpec& layout, FileFormat format, const Channels& channels,
-                       std::size_t fileSize, const ReadLimits& limits) {
+                       std::span<const unsigned char> bytes, const ReadOptions& options) {
     const SampleType type = requireType(layout, channels);
     const Window window = windowOf(layout, format);
     const std::size_t pixelBytes = (channels.size() + 1) * memoryType(type).size();
-    requireSize(window.width, window.height, pixelBytes * copiesHeld(layout, format), limits);
-    requireBytesFor(layout, format, fileSize);
+    requireSize(window.width, window.height, pixelBytes * copiesHeld(bytes, format), options);
+    requireBytesFor(layout, format, bytes.size());
     if (format == FileFormat::Tiff) requireStrips(layout);
 }
 
-Picture readPart(OIIO::ImageInput& file, FileFormat format, const Source& source, const ReadLimits& limits) {
+Picture readPart(OIIO::ImageInput& file, FileFormat format, const Source& source,
+                 const ReadOptions& options) {
     const OIIO::ImageSpec& layout = file.spec();
     const Channels& channels = source.channels;
     const SampleType type = requireType(layout, channels);
@@ -340,20 +346,22 @@ Picture readPart(OIIO::ImageInput& file, FileFormat format, const Source& source
         std::ranges::fill(std::get<std::vector<float>>(picture.samples),
                           std::numeric_limits<float>::quiet_NaN());
     }
-    const bool isRead =
-        std::visit([&](auto& samples) { return readSamples(file, source, window, limits, samples, picture); },
-                   picture.samples);
+    const bool isRead = std::visit(
+        [&](auto& samples) { return readSamples(file, source, window, options, samples, picture); },
+        picture.samples);
     // The error is asked for as well: the reader leaves missing parts of a TIFF file black and reports
     // success.
-    if (const std::string error = file.geterror(); !isRead || !error.empty()) throw PictureError(kDamaged);
+    const std::string error = file.geterror();
+    picture.isDamaged = !isRead || !error.empty();
     return picture;
 }
 
 }  // namespace
 
 Picture decode(std::span<const unsigned char> bytes, FileFormat format, const std::string& channel,
-               const ReadLimits& limits) {
-    if (!reachesItsEnd(bytes, format)) throw PictureError(kDamaged);
+               const ReadOptions& options) {
+    bool isDamaged = !reachesItsEnd(bytes, format);
+    if (isDamaged && !options.acceptsDamage) throw PictureError(kDamaged);
     if (isEmptyPng(bytes, format)) throw PictureError(kEmpty);
     OIIO::Filesystem::IOMemReader memory(bytes.data(), bytes.size());
     OIIO::ImageSpec keepAlpha;
@@ -370,12 +378,15 @@ Picture decode(std::span<const unsigned char> bytes, FileFormat format, const st
     const Source source =
         channel.empty() ? Source{0, firstChannels(layout, format)} : findChannel(*file, channel, parts);
     file->seek_subimage(source.part, 0);
-    requireBelievable(file->spec(), format, source.channels, bytes.size(), limits);
-    if (format == FileFormat::Tiff && hasDamagedStrip(bytes, source.part)) throw PictureError(kDamaged);
-    Picture picture = readPart(*file, format, source, limits);
+    requireBelievable(file->spec(), format, source.channels, bytes, options);
+    if (format == FileFormat::Tiff && hasDamagedStrip(bytes, source.part)) isDamaged = true;
+    if (isDamaged && !options.acceptsDamage) throw PictureError(kDamaged);
+    Picture picture = readPart(*file, format, source, options);
     picture.metadata = metadataOf(file->spec(), format, bytes, picture.channels < 3);
     picture.parts = parts;
     picture.software = file->spec().get_string_attribute("Software");
+    picture.isDamaged = picture.isDamaged || isDamaged;
+    if (picture.isDamaged && !options.acceptsDamage) throw PictureError(kDamaged);
     return picture;
 }
 

@@ -6,12 +6,12 @@
 
 #include "FileFormat.h"
 #include "Picture.h"
-#include "ReadLimits.h"
+#include "ReadOptions.h"
 
 namespace pictures {
 
 // As Codec::decode.
 Picture decode(std::span<const unsigned char> bytes, FileFormat format, const std::string& channel,
-               const ReadLimits& limits);
+               const ReadOptions& options);
 
 }  // namespace pictures

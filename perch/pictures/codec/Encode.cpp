@@ -49,32 +49,13 @@ void describeOpenExr(const Metadata* source, const std::string& compression, OII
     layout.y = layout.full_y = source->originY;
 }
 
-// What says how the samples of the source were stored, which is decided anew.
-bool isOfStorage(std::string_view name) {
-    constexpr std::string_view kNames[] = {"oiio:BitsPerSample",
-                                           "oiio:UnassociatedAlpha",
-                                           "oiio:subimages",
-                                           "oiio:subimagename",
-                                           "planarconfig",
-                                           "compression",
-                                           "CompressionQuality",
-                                           "Software",
-                                           "Exif:ImageHistory",
-                                           "name",
-                                           "view",
-                                           "dpx:Packing",
-                                           "dpx:ImageDescriptor",
-                                           "dpx:Encoding"};
-    return std::ranges::find(kNames, name) != std::end(kNames) || name.starts_with("tiff:") ||
-           name.starts_with("png:") || name.starts_with("targa:") || name.starts_with("openexr:") ||
-           name.starts_with("jpeg:");
-}
-
 // A profile of grey means nothing to colours. Of formats other than OpenEXR readers suppose a colour space
 // where the file names none.
 bool isKept(const Metadata& metadata, std::string_view name, const Picture& picture, FileFormat format) {
     if (isOfStorage(name)) return false;
     if (name == "ICCProfile") return metadata.isGrey == (picture.channels < 3);
+    // The library does not read back the pixels of DPX files that it writes with an orientation.
+    if (name == "Orientation" && format == FileFormat::Dpx) return false;
     const bool isSameFormat = metadata.format == format;
     if (name == "oiio:ColorSpace") return isSameFormat && format == FileFormat::OpenExr;
     return isSameFormat || !name.starts_with("dpx:");
@@ -128,7 +109,7 @@ std::string firstLine(const std::string& text) {
 }  // namespace
 
 // In memory: the encoders do not notice when a write to a file fails.
-std::vector<unsigned char> encode(const Picture& picture, const Encoding& encoding) {
+EncodedPicture encode(const Picture& picture, const Encoding& encoding) {
     std::vector<unsigned char> bytes;
     OIIO::Filesystem::IOVecOutput memory(bytes);
     const OIIO::ImageSpec layout = layoutOf(picture, encoding);
@@ -143,9 +124,11 @@ std::vector<unsigned char> encode(const Picture& picture, const Encoding& encodi
     const std::string error = file->geterror();
     if (!isWritten) throw PictureError("its encoder failed: " + firstLine(error));
     const Metadata* const source = picture.metadata.get();
-    if (encoding.format != FileFormat::Png || source == nullptr || source->format != FileFormat::Png)
-        return bytes;
-    return describedBy(source->pngChunks, source->isGrey == (picture.channels < 3), bytes);
+    if (source == nullptr) return {std::move(bytes), {}};
+    if (encoding.format == FileFormat::Png && source->format == FileFormat::Png)
+        bytes = describedBy(source->pngChunks, source->isGrey == (picture.channels < 3), bytes);
+    std::vector<std::string> unheld = unheldBy(bytes, encoding.format, *source);
+    return {std::move(bytes), std::move(unheld)};
 }
 
 }  // namespace pictures

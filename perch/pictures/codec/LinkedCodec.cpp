@@ -15,11 +15,11 @@ public:
     }
 
     Picture decode(std::span<const unsigned char> bytes, FileFormat format, const std::string& channel,
-                   const ReadLimits& limits) const override {
-        return pictures::decode(bytes, format, channel, limits);
+                   const ReadOptions& options) const override {
+        return pictures::decode(bytes, format, channel, options);
     }
 
-    std::vector<unsigned char> encode(const Picture& picture, const Encoding& encoding) const override {
+    EncodedPicture encode(const Picture& picture, const Encoding& encoding) const override {
         return pictures::encode(picture, encoding);
     }
 };

@@ -3,7 +3,10 @@
 
 #include <OpenImageIO/paramlist.h>
 
+#include <span>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "FileFormat.h"
 
@@ -19,5 +22,12 @@ public:
     OIIO::ParamValueList attributes;
     std::string pngChunks;  // of PNG files, those that describe the picture
 };
+
+// Whether an attribute says how the samples of its file are stored, which is decided anew for each file.
+bool isOfStorage(std::string_view name);
+
+// What the source says and a file that was made from it does not, by name.
+std::vector<std::string> unheldBy(std::span<const unsigned char> bytes, FileFormat format,
+                                  const Metadata& source);
 
 }  // namespace pictures

@@ -67,6 +67,10 @@ std::string describingChunks(std::span<const unsigned char> bytes) {
     return result;
 }
 
+std::vector<PngChunk> describingChunksIn(const std::string& chunks) {
+    return chunksOf(chunks);
+}
+
 std::vector<unsigned char> describedBy(const std::string& chunks, bool keepsProfile,
                                        std::span<const unsigned char> bytes) {
     std::string result(textOf(bytes).substr(0, kSignature));
@@ -74,7 +78,7 @@ std::vector<unsigned char> describedBy(const std::string& chunks, bool keepsProf
         if (isDescribing(chunk)) continue;
         result += chunk.whole;
         if (chunk.name != "IHDR") continue;
-        for (const PngChunk& describing : chunksOf(chunks)) {
+        for (const PngChunk& describing : describingChunksIn(chunks)) {
             if (keepsProfile || describing.name != "iCCP") result += describing.whole;
         }
     }

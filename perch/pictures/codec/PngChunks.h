@@ -26,6 +26,9 @@ std::vector<PngChunk> pngChunks(std::span<const unsigned char> bytes);
 // time of its last change, what depends on how samples are stored, and the program it was made by.
 std::string describingChunks(std::span<const unsigned char> bytes);
 
+// The same one by one.
+std::vector<PngChunk> describingChunksIn(const std::string& chunks);
+
 // The file with those chunks in place of its own of their kinds. A colour profile is left out where the file
 // is of grey and the chunks are of a file of colours, or the other way round.
 std::vector<unsigned char> describedBy(const std::string& chunks, bool keepsProfile,

@@ -98,7 +98,7 @@ TEST_F(PictureJobsTest, PixelsThatTheEffectLeavesAloneKeepTheFilesSamples) {
 }
 
 TEST_F(PictureJobsTest, DepthsNeedARangeAndTheRefusalSuggestsOne) {
-    make("oiiotool --pattern fill:top=2:bottom=30 4x9 1 --chnames Z -d float -o z.exr && " + kNoise +
+    make("oiiotool --pattern fill:top=2:bottom=30 62x43 1 --chnames Z -d float -o z.exr && " + kNoise +
          "-d uint8 -o in.png");
     const ProgramResult refused = perch("-i in.png -o out.png --control-layer z.exr");
     EXPECT_EQ(refused.status, 1);
@@ -140,7 +140,7 @@ TEST_F(PictureJobsTest, DepthsMakeTheMatteThatTheyStandFor) {
 
 TEST_F(PictureJobsTest, LaterFrameOutsideTheRangeOfTheFirstIsToldOnce) {
     make(
-        "oiiotool --pattern fill:top=2:bottom=30 4x40 1 --chnames Z -d float -o z.1.exr && cp z.1.exr "
+        "oiiotool --pattern fill:top=2:bottom=30 62x43 1 --chnames Z -d float -o z.1.exr && cp z.1.exr "
         "z.2.exr && "
         "oiiotool z.1.exr --mulc 2 -o z.3.exr && cp z.3.exr z.4.exr && " +
         kNoise +
@@ -180,7 +180,7 @@ TEST_F(PictureJobsTest, ClippedLightIsCountedOnce) {
     make(
         "oiiotool --create 10x10 3 --fill:color=2,0.5,0.5 10x3+0+0 -d half -o in.1.exr && cp in.1.exr "
         "in.2.exr");
-    const std::string job = "-i in.#.exr -o out.#.exr --blend-with-original 100";
+    const std::string job = "-i in.#.exr -o out.#.exr --control-layer none --blend-with-original 100";
     const std::string summary = "perch: 2 frames done in {time}: out.#.exr\n";
     EXPECT_EQ(
         withoutTimes(perch(job).err),

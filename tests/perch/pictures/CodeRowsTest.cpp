@@ -49,6 +49,32 @@ TEST(CodeRowsTest, EveryCodeSurvivesFloatsThroughEveryTransfer) {
     }
 }
 
+TEST(CodeRowsTest, DitheredSamplesAreTheirExactValueInTheMean) {
+    constexpr int kSide = 8;
+    for (const std::uint16_t code : std::initializer_list<std::uint16_t>{0, 1, 100, 12345, 32700, 32768}) {
+        const std::vector<Codes> row(kSide, Codes{32768, code, code, code});
+        Picture picture = newPicture(kSide, kSide, 1, SampleType::Bits8);
+        for (std::int32_t y = 0; y < kSide; ++y)
+            writeCodes(row, kDeepWhite, y, picture, Transfer::Linear, Rounding::Dithered);
+        const auto& samples = std::get<std::vector<std::uint8_t>>(picture.samples);
+        const double exact = code * 255.0 / kDeepWhite;
+        double sum = 0;
+        for (const std::uint8_t sample : samples) {
+            EXPECT_LT(std::abs(sample - exact), 1);
+            sum += sample;
+        }
+        EXPECT_NEAR(sum / (kSide * kSide), exact, 0.5 / (kSide * kSide)) << code;
+    }
+    for (std::uint32_t sample = 0; sample <= 255; ++sample) {
+        const auto code = static_cast<std::uint16_t>(rescale(sample, 255, kDeepWhite));
+        const std::vector<Codes> row(kSide, Codes{32768, code, code, code});
+        Picture picture = newPicture(kSide, 1, 1, SampleType::Bits8);
+        writeCodes(row, kDeepWhite, 0, picture, Transfer::Linear, Rounding::Dithered);
+        EXPECT_EQ(std::get<std::vector<std::uint8_t>>(picture.samples),
+                  std::vector<std::uint8_t>(kSide, static_cast<std::uint8_t>(sample)));
+    }
+}
+
 // The error that documents promise: half a step, as a share of the light, from 1/1000 of white on.
 TEST(CodeRowsTest, LogKeepsLightToAShareOfItself) {
     double worst = 0;

@@ -4,7 +4,10 @@
 
 #include <cmath>
 #include <limits>
+#include <string>
 #include <vector>
+
+#include "PictureFile.h"
 
 namespace pictures {
 namespace {
@@ -97,6 +100,12 @@ TEST(DepthRangeTest, ExtentIsThatOfFiniteDepths) {
     EXPECT_EQ(extent->least, -1);
     EXPECT_EQ(extent->greatest, 8);
     EXPECT_FALSE(extentOf(depths({std::numeric_limits<float>::quiet_NaN()})));
+}
+
+TEST(DepthRangeTest, SampleDepthsGiveTheSampleMatte) {
+    const std::string folder = PERCH_SOURCES "/samples/still/";
+    const Picture greys = ranged(readPicture(folder + "depth.exr"), {1.5, 16, false});
+    EXPECT_TRUE(greys.samples == readPicture(folder + "depth.png").samples);
 }
 
 }  // namespace

@@ -116,6 +116,7 @@ TEST_F(ExistingFramesTest, FrameIsRenderedAgainWhereItsFileIsMissingDamagedOrMad
         {"another build of the effect", [](auto& test) { test.maker += '1'; }, all},
         {"another quality", [](auto& test) { test.settings.quality = PF_Quality_LO; }, all},
         {"another channel of the layer", [](auto& test) { test.settings.layers[kMatte].channel = "R"; }, all},
+        {"dithered", [](auto& test) { test.settings.isDithered = true; }, all},
         {"another compression", [](auto& test) { test.settings.encoding.compression = 6; }, all},
         {"more threads", [](auto& test) { test.settings.framesAhead = 3; }, {}},
     };

@@ -7,6 +7,7 @@
 
 #include "FileWorlds.h"
 #include "PictureFiles.h"
+#include "SmallProfile.h"
 #include "TemporaryFolder.h"
 #include "ToolRun.h"
 
@@ -41,12 +42,14 @@ constexpr const char* kExrAttributes[] = {
 
 class MetadataTest : public testing::Test {
 protected:
-    // As a job does that changes nothing.
-    void copy(const std::string& from, const std::string& to) const {
+    // As a job does that changes nothing; returns what is left behind.
+    std::vector<std::string> copy(const std::string& from, const std::string& to) const {
         const SharedPicture picture = readPictureFile(folder / from);
         const FileWorld world = worldOf(picture, Depth::Bits16, pictures::Transfer::Linear);
-        writeWorld(folder / to, world.pixels, world,
-                   {.type = picture->type(), .encoding = {.software = "perch"}});
+        const pictures::FileFormat format = pictures::formatOfName(to).value();
+        const pictures::SampleType type = nearestType(format, picture->type()).value();
+        return writeWorld(folder / to, world.pixels, world,
+                          {.type = type, .encoding = {.software = "perch"}});
     }
 
     std::string listOf(const std::string& name, const std::string& command) const {
@@ -56,19 +59,6 @@ protected:
 
     TemporaryFolder folder;
 };
-
-// A header, and a text for its one tag, at 144.
-std::string smallProfile() {
-    std::string profile(160, '\0');
-    profile[3] = static_cast<char>(profile.size());
-    profile[8] = 2;  // version
-    profile.replace(12, 12, "mntrRGB XYZ ");
-    profile.replace(36, 4, "acsp");
-    profile.replace(128, 16, std::string("\0\0\0\1cprt\0\0\0\x90\0\0\0\x10", 16));
-    profile.replace(144, 4, "text");
-    profile.replace(152, 4, "free");
-    return profile;
-}
 
 std::vector<std::string> linesOf(const std::string& text) {
     std::vector<std::string> lines;
@@ -87,7 +77,7 @@ int tagsIn(const std::string& line) {
 }
 
 TEST_F(MetadataTest, WhatDescribesThePictureSurvivesFormatByFormat) {
-    test::writeBytes(folder / "p.icc", smallProfile());
+    test::writeBytes(folder / "p.icc", test::smallProfile());
     runTool(folder.path,
             "convert -size 9x7 gradient:red-blue -depth 8 a8.png && "
             "convert a8.png -density 72 -units PixelsPerCentimeter -set Artist Ada -set Description Gradient "
@@ -128,11 +118,14 @@ TEST_F(MetadataTest, AttributesAndWindowsOfOpenExrSurvive) {
         "--attrib comments Gradient --attrib:type=int my.attribute 7 --attrib:type=timecode smpte:TimeCode "
         "01:02:03:04 "
         "-d half --compression piz -o a.exr");
-    copy("a.exr", "out.exr");
+    EXPECT_EQ(copy("a.exr", "out.exr"), std::vector<std::string>{});
     const std::string after = listOf("out.exr", "oiiotool --info -v");
     for (const char* const attribute : kExrAttributes)
         EXPECT_NE(after.find(attribute), std::string::npos) << attribute << " is not in " << after;
     EXPECT_NE(after.find("compression: \"zip\""), std::string::npos) << after;
+    EXPECT_EQ(copy("a.exr", "out.png"),
+              (std::vector<std::string>{"FramesPerSecond", "my.attribute", "smpte:TimeCode",
+                                        "the display window's place"}));
 }
 
 // Chunks that no library here reads pass as they are.

@@ -73,5 +73,47 @@ TEST(RenderOptionsTest, ShardIsANumberAndHowManyThereAre) {
     EXPECT_FALSE(parsed("--threads", "1").names.shard);
 }
 
+// A layer, a popup of its channels and a slider.
+std::vector<Parameter> layerAndSlider() {
+    Parameter layer;
+    layer.index = 1;
+    layer.name = "Matte";
+    layer.definition.param_type = PF_Param_LAYER;
+    Parameter channel;
+    channel.index = 2;
+    channel.name = "Matte Channel";
+    channel.definition.param_type = PF_Param_POPUP;
+    channel.items = {"Alpha", "Red", "Luma"};
+    channel.defaultNumber = 2;
+    Parameter amount;
+    amount.index = 3;
+    amount.name = "Amount";
+    amount.definition.param_type = PF_Param_SLIDER;
+    amount.validRange = Parameter::Range{0, 100};
+    return {layer, channel, amount};
+}
+
+TEST(RenderOptionsTest, LikelyMistakesOfTheCommandLineAreNoticed) {
+    const auto parse = [](const std::vector<std::string>& arguments) {
+        return parseParameterArguments(arguments, layerAndSlider());
+    };
+    EXPECT_EQ(parse({"--amount", "3"}).missingLayer, "--matte");
+    EXPECT_EQ(parse({}).missingLayer, "");
+    EXPECT_EQ(parse({"--amount", "3", "--matte", "none"}).missingLayer, "");
+    const ParameterArguments twice =
+        parse({"--amount", "3", "--matte", "a.png", "--amount", "4", "--threads", "1", "--threads", "2"});
+    EXPECT_EQ(twice.missingLayer, "");
+    EXPECT_EQ(twice.repeated, (std::vector<std::string>{"--threads", "--amount"}));
+}
+
+TEST(RenderOptionsTest, PopupBehindALayerTellsItsChannel) {
+    const auto channelOf = [](const std::vector<std::string>& arguments) {
+        return parseParameterArguments(arguments, layerAndSlider()).readings.at(1).usedChannel;
+    };
+    EXPECT_EQ(channelOf({"--matte", "a.png"}), LayerChannel::Red);
+    EXPECT_EQ(channelOf({"--matte", "a.png", "--matte-channel", "Alpha"}), LayerChannel::Alpha);
+    EXPECT_EQ(channelOf({"--matte", "a.png", "--matte-channel", "Luma"}), LayerChannel::Any);
+}
+
 }  // namespace
 }  // namespace perch::test

@@ -5,10 +5,11 @@
 
 namespace pictures {
 
-// What a file may claim before any memory is asked for.
-struct ReadLimits {
+struct ReadOptions {
+    // What a file may claim before any memory is asked for.
     std::int64_t pixels = std::int64_t{1} << 28;
     std::int64_t bytes = std::numeric_limits<std::int64_t>::max();  // of samples as they are in memory
+    bool acceptsDamage = false;  // takes what can be read, as long as there is a size
 };
 
 }  // namespace pictures
