@@ -6,7 +6,7 @@ _perch_complete() {
     local IFS=$'\n'
     COMPREPLY=()
     if ((COMP_CWORD == 1)); then
-        candidates=$("$program" --help 2>/dev/null | sed -n '/^Commands:/,/^$/s/^  \([a-z]*\) .*/\1/p')
+        candidates=$("$program" --help 2>/dev/null | sed -n '/^Commands:/,/^$/s/^  \([a-z-]*\) .*/\1/p')
         COMPREPLY=($(compgen -W "$candidates"$'\n--help\n--version' -- "$word"))
         return
     fi

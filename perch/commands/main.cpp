@@ -34,6 +34,7 @@ constexpr std::array kCommands{
     Command{"curve", perch::runCurveCommand, "print the values of every frame, before anything is rendered"},
     Command{"preset", perch::runPresetCommand, "write the values of an effect's parameters to a file"},
     Command{"job", perch::runJobCommand, "print a render command as a job for several machines"},
+    Command{"merge-report", perch::runMergeReportCommand, "join the reports of a job's tasks to one"},
     Command{"describe", perch::runDescribeCommand, "print what an effect says of itself"},
     Command{"check", perch::runCheckCommand, "try an effect against the rules of the interface"},
 };
@@ -43,7 +44,7 @@ std::string helpText() {
         "Runs effects without the application they were made for.\n"
         "Usage: perch COMMAND [OPTIONS]\n\nCommands:\n";
     for (const Command& command : kCommands)
-        text += fmt::format("  {:<10}{}\n", command.name, command.summary);
+        text += fmt::format("  {:<14}{}\n", command.name, command.summary);
     return text + "\nExit codes:\n" + perch::exitCodesText() +
            "\nperch COMMAND --help lists the options of a command; perch --version prints the version.\n";
 }
