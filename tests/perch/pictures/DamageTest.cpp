@@ -85,6 +85,16 @@ protected:
         }
     }
 
+    // Of a few bytes, which cannot hold as much.
+    static FileBytes pngThatClaims12345Squared() {
+        FileBytes png = readFile(*folder / "8.png");
+        // Width, height, depth, colours and so on, and the check sum of them.
+        const std::array<unsigned char, 17> claim{0x00, 0x00, 0x30, 0x39, 0x00, 0x00, 0x30, 0x39, 8,
+                                                  2,    0,    0,    0,    0x83, 0x73, 0xFA, 0x9C};
+        std::ranges::copy(claim, png.begin() + 16);
+        return png;
+    }
+
     static std::unique_ptr<TemporaryFolder> folder;
 };
 
@@ -129,12 +139,7 @@ TEST_F(DamageTest, CutFilesAreRefusedUnlessTheyHaveThePictureStill) {
 }
 
 TEST_F(DamageTest, ClaimedSizesAreNotBelieved) {
-    // Width, height and check sum of a PNG whose few bytes cannot hold as much, and the size of a TGA.
-    FileBytes png = readFile(*folder / "8.png");
-    const std::array<unsigned char, 17> claim{0x00, 0x00, 0x30, 0x39, 0x00, 0x00, 0x30, 0x39, 8,
-                                              2,    0,    0,    0,    0x83, 0x73, 0xFA, 0x9C};
-    std::ranges::copy(claim, png.begin() + 16);
-    EXPECT_THROW(codec().decode(png, FileFormat::Png, "", {}), PictureError);
+    EXPECT_THROW(codec().decode(pngThatClaims12345Squared(), FileFormat::Png, "", {}), PictureError);
     FileBytes tga = readFile(*folder / "a.tga");
     tga[12] = tga[14] = 0x30;
     tga[13] = tga[15] = 0x75;
@@ -150,6 +155,51 @@ TEST_F(DamageTest, ClaimedSizesAreNotBelieved) {
     EXPECT_FALSE(isRefused(readFile(*folder / "8.png"), FileFormat::Png));
     EXPECT_THROW(codec().decode(readFile(*folder / "8.png"), FileFormat::Png, "", {.bytes = 9000}),
                  PictureError);
+}
+
+TEST_F(DamageTest, LimitOfPixelsIsThatOfThePicture) {
+    const FileBytes png = readFile(*folder / "8.png");
+    EXPECT_NO_THROW(codec().decode(png, FileFormat::Png, "", {.pixels = 64 * 48}));
+    EXPECT_THROW(codec().decode(png, FileFormat::Png, "", {.pixels = 64 * 48 - 1}), PictureError);
+}
+
+// A TIFF of 8-bit RGB, compressed by LZW into one strip of a few zeros.
+FileBytes tiffOfOneStrip(std::uint32_t width, std::uint32_t height) {
+    constexpr std::uint32_t kShort = 3;
+    constexpr std::uint32_t kLong = 4;
+    constexpr std::uint32_t kStripBytes = 40;
+    const std::array<std::uint32_t, 4> entries[] = {
+        {256, kLong, 1, width}, {257, kLong, 1, height}, {258, kShort, 3, 122},
+        {259, kShort, 1, 5},    {262, kShort, 1, 2},     {273, kLong, 1, 128},
+        {277, kShort, 1, 3},    {278, kLong, 1, height}, {279, kLong, 1, kStripBytes}};
+    FileBytes bytes;
+    const auto append = [&](std::uint32_t value, int count) {
+        for (int i = 0; i < count; ++i)
+            bytes.push_back(static_cast<unsigned char>(value >> (8 * i)));
+    };
+    append(0x002A4949, 4);
+    append(8, 4);
+    append(std::size(entries), 2);
+    for (const auto& [tag, type, count, value] : entries) {
+        append(tag, 2);
+        append(type, 2);
+        append(count, 4);
+        append(value, 4);
+    }
+    append(0, 4);  // no other directory
+    for (int channel = 0; channel < 3; ++channel)
+        append(8, 2);
+    bytes.resize(bytes.size() + kStripBytes);
+    return bytes;
+}
+
+TEST_F(DamageTest, StripThatTheReaderCannotCountIsRefused) {
+    try {
+        codec().decode(tiffOfOneStrip(27000, 27000), FileFormat::Tiff, "", {.pixels = 1 << 30});
+        ADD_FAILURE() << "nothing was thrown";
+    } catch (const PictureError& error) {
+        EXPECT_STREQ(error.what(), "its strips are too large; save it with more strips, or with tiles");
+    }
 }
 
 // Sanitizers hold memory of their own.
@@ -180,6 +230,13 @@ std::int64_t memoryTakenBy(const F& body) {
 // Some decoders hold the whole picture themselves.
 bool isHeldTwice(FileFormat format) {
     return format == FileFormat::Targa || format == FileFormat::WebP;
+}
+
+TEST_F(DamageTest, FalseSizeTakesNoMemory) {
+    const FileBytes png = pngThatClaims12345Squared();
+    const std::int64_t taken =
+        memoryTakenBy([&] { EXPECT_THROW(codec().decode(png, FileFormat::Png, "", {}), PictureError); });
+    EXPECT_LE(taken, kSlack);
 }
 
 TEST_F(DamageTest, ReadingTakesLittleMoreMemoryThanThePicture) {

@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
+#include <utility>
 
+#include "PictureError.h"
 #include "PictureFiles.h"
 #include "TemporaryFolder.h"
 
@@ -19,6 +22,22 @@ TEST(FileBytesTest, BytesAreReadAsTheyAreWritten) {
         writeBytes(folder / "a", bytes);
         const FileBytes read = readFile(folder / "a");
         EXPECT_EQ(std::string(read.begin(), read.end()), bytes);
+    }
+}
+
+TEST(FileBytesTest, WhatIsNoFileIsNamed) {
+    const TemporaryFolder folder;
+    const std::pair<std::filesystem::path, const char*> cases[] = {
+        {folder / "none.png", "there is no such file; check the name"},
+        {folder.path, "it is a folder; name a picture file"},
+        {"/dev/null", "it is not a file; name a picture file"}};
+    for (const auto& [path, reason] : cases) {
+        try {
+            readFile(path);
+            ADD_FAILURE() << path << " was read";
+        } catch (const PictureError& error) {
+            EXPECT_EQ(error.what(), "cannot read \"" + path.string() + "\": " + reason);
+        }
     }
 }
 
