@@ -109,15 +109,16 @@ TEST(SupervisionTest, SignalsThatTheStarterIgnoresStayIgnored) {
 }
 
 TEST(SupervisionTest, TimeThatTheProgramIsStoppedDoesNotCount) {
-    const CommandLine commandLine;
-    RunningProgram program(commandLine.commandOf(std::string(kWaiting) + " --timeout-frame 2"),
-                           commandLine.folder);
-    ASSERT_TRUE(program.waitUntilItCatches(SIGINT)) << program.finish().err;
-    program.send(SIGTSTP);
-    std::this_thread::sleep_for(std::chrono::milliseconds(2200));
-    program.send(SIGCONT);
-    program.send(SIGINT);
-    EXPECT_EQ(program.finish().status, 130);
+    HangingProgram hanging("hang@RENDER",
+                           "perch render --plugin {plugins}/Hostile.so -i rgb8.png -o out.png "
+                           "--timeout-frame 3");
+    hanging.program->send(SIGTSTP);
+    std::this_thread::sleep_for(std::chrono::milliseconds(3200));
+    hanging.program->send(SIGCONT);
+    // Long enough for the program to look at its clock.
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    hanging.program->send(SIGHUP);
+    EXPECT_EQ(hanging.program->finish().status, 128 + SIGHUP);
 }
 
 // One that has left the worker's group and session, and whose parent has ended.
