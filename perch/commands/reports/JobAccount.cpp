@@ -50,11 +50,11 @@ Records recordsOf(const std::optional<JobRecord>& job) {
 }
 
 // Of a frame that is up to date. The earlier run may have ended before it could record it.
-FrameRecord currentRecord(FrameRecord planned, const Records& earlier) {
+FrameRecord currentRecord(const FrameRecord& planned, const Records& earlier) {
     const auto found = earlier.find({planned.frame, planned.output});
     const bool isKnown = found != earlier.end() && found->second.fingerprint == planned.fingerprint &&
                          found->second.state == FrameRecord::State::Done;
-    FrameRecord record = isKnown ? found->second : std::move(planned);
+    FrameRecord record = isKnown ? found->second : planned;
     record.state = FrameRecord::State::Done;
     record.outputState = fileState(record.output);
     return record;
