@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <optional>
+#include <limits>
 
 #include "Error.h"
 #include "NearestName.h"
@@ -38,29 +38,31 @@ const ParameterOption& optionNamed(const std::vector<ParameterOption>& options, 
         name, suggestion(name, names)));
 }
 
-std::optional<double> number(const std::string& text) {
+constexpr double kNoNumber = std::numeric_limits<double>::quiet_NaN();
+
+double number(const std::string& text) {
     double value = 0;
     const char* const end = text.data() + text.size();
     const auto parsed = std::from_chars(text.data(), end, value);
-    if (parsed.ec != std::errc() || parsed.ptr != end || !std::isfinite(value)) return std::nullopt;
+    if (parsed.ec != std::errc() || parsed.ptr != end || !std::isfinite(value)) return kNoNumber;
     return value;
 }
 
 // "0:100:25" as the texts of the values. The last is there where a whole number of steps comes to it.
 std::vector<std::string> rangeTexts(const std::string& name, const std::string& text) {
     const std::vector<std::string> ends = parts(text, ':');
-    const auto first = number(ends.front());
-    const auto last = ends.size() == 3 ? number(ends[1]) : std::nullopt;
-    const auto step = ends.size() == 3 ? number(ends[2]) : std::nullopt;
-    const double steps = first && last && step && *step != 0 ? (*last - *first) / *step : -1;
-    if (steps < 0 || steps >= static_cast<double>(kMostValues))
+    const auto at = [&](std::size_t i) { return ends.size() == 3 ? number(ends[i]) : kNoNumber; };
+    const double first = at(0);
+    const double step = at(2);
+    const double steps = (at(1) - first) / step;
+    if (!(steps >= 0 && steps < static_cast<double>(kMostValues)))
         throw UsageError(fmt::format(
             "--over {0} takes FIRST:LAST:STEP of at most {1} values, like {0}=0:100:25, not \"{2}\"", name,
             kMostValues, text));
     constexpr double kRounding = 1e-9;  // of a step, for steps like 0.1
     std::vector<std::string> texts;
     for (int i = 0; i <= static_cast<int>(std::floor(steps + kRounding)); ++i)
-        texts.push_back(formatNumber(*first + i * *step));
+        texts.push_back(formatNumber(first + i * step));
     return texts;
 }
 
