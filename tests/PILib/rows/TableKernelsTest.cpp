@@ -156,8 +156,9 @@ TEST(SecondOrderRowsTest, WhiteRowsAroundTheWidestOfVectorsAreThoseOfAFormula) {
             rows.writeNext(1, [&source](int /*row*/) { return source.row(0); },
                            {tables[0].data(), tables[1].data(), tables[2].data(), tables[3].data()});
             for (const auto& table : tables) {
-                for (std::uint64_t n = 1; n <= table.size(); ++n) {
-                    ASSERT_EQ(C::kOne * (n * (n + 1) / 2), table[n - 1])
+                for (std::size_t i = 0; i < table.size(); ++i) {
+                    const std::uint64_t n = i + 1;
+                    ASSERT_EQ(C::kOne * (n * (n + 1) / 2), table[i])
                         << "level " << static_cast<int>(level) << ", width " << tableWidth;
                 }
             }
