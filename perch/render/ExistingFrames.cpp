@@ -14,7 +14,8 @@
 namespace perch {
 namespace {
 
-bool hasFingerprint(const FrameFiles& frame, const pictures::ReadOptions& reading) {
+bool hasFingerprint(const FrameFiles& frame, pictures::ReadOptions reading) {
+    reading.acceptsDamage = false;  // of inputs, which may be all that there is
     try {
         return fingerprintIn(readPictureFile(frame.output, "", reading)->software) == frame.fingerprint;
     } catch (const Error&) {

@@ -59,7 +59,7 @@ struct ExistingFramesTest : testing::Test {
     // Renders the frames that are not up to date and returns which those were.
     std::vector<int> render() const {
         FramePlan wanted = plan();
-        takeCurrentFrames(wanted, traces, {}, 2);
+        takeCurrentFrames(wanted, traces, settings.reading, 2);
         std::vector<int> rendered;
         for (const FrameFiles& files : wanted.frames)
             rendered.push_back(files.frame);
@@ -134,6 +134,14 @@ TEST_F(ExistingFramesTest, EveryFormatThatIsWrittenKeepsTheFingerprint) {
         EXPECT_THAT(render(), ElementsAre(1, 2, 3)) << format;
         EXPECT_THAT(render(), IsEmpty()) << format;
     }
+}
+
+TEST_F(ExistingFramesTest, DamagedFileIsRenderedAgainThoughDamagedInputsAreTaken) {
+    ending = ".dpx";
+    settings.reading.acceptsDamage = true;
+    EXPECT_THAT(render(), ElementsAre(1, 2, 3));
+    fs::resize_file(outputOf(3), fs::file_size(outputOf(3)) - 20);
+    EXPECT_THAT(render(), ElementsAre(3));
 }
 
 TEST_F(ExistingFramesTest, FilesThatTellNothingAreKnownByAReportAlone) {
