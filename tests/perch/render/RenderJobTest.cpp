@@ -166,45 +166,47 @@ TYPED_TEST(SampleTypeTest, SupervisedSettingsAreToldBeforeTheFirstFrameAndWhatTh
                                                   "RENDER", "FRAME_SETDOWN", "SEQUENCE_SETDOWN"}));
 }
 
+// An effect of one slider, and the values that it has rendered with.
+struct SliderEffect {
+    ScriptedEffect script;
+    std::vector<A_long> rendered;
+
+    SliderEffect() {
+        script.declareParameters({parameterOfType(PF_Param_SLIDER, "S")});
+        script.on(PF_Cmd_RENDER, [this](const EffectCall& call) {
+            rendered.push_back(call.params[1]->u.sd.value);
+            return PF_Err_NONE;
+        });
+    }
+};
+
 TEST(RenderJobTest, KeysGiveEachFrameTheValueOfItsNumber) {
     const TemporaryFolder folder;
     FramePlan plan = sequenceIn(folder, 4);
     const auto numberOf = [&](std::size_t i) { return plan.frames[i].frame; };
     const ParameterCurve curve{
         1, {{.frame = numberOf(0), .numbers = {0}}, {.frame = numberOf(3), .numbers = {90}}}};
-    ScriptedEffect script;
-    script.declareParameters({parameterOfType(PF_Param_SLIDER, "S")});
-    std::vector<A_long> rendered;
-    script.on(PF_Cmd_RENDER, [&](const EffectCall& call) {
-        rendered.push_back(call.params[1]->u.sd.value);
-        return PF_Err_NONE;
-    });
+    SliderEffect slider;
     Effect effect(ScriptedEffect::enter, {}, strictOptions());
     RenderReport report;
     renderFrames(effect, {}, {curve}, plan, {}, report);
-    EXPECT_EQ(rendered, (std::vector<A_long>{0, 30, 60, 90}));
+    EXPECT_EQ(slider.rendered, (std::vector<A_long>{0, 30, 60, 90}));
     plan.frames.erase(plan.frames.begin(), plan.frames.begin() + 2);
-    rendered.clear();
+    slider.rendered.clear();
     renderFrames(effect, {}, {curve}, plan, {}, report);
-    EXPECT_EQ(rendered, (std::vector<A_long>{60, 90})) << "whichever frames are rendered beside them";
+    EXPECT_EQ(slider.rendered, (std::vector<A_long>{60, 90})) << "whichever frames are rendered beside them";
 }
 
 TEST(RenderJobTest, VariantsOfAFrameAreRenderedFromPicturesThatAreReadOnce) {
     const TemporaryFolder folder;
     const FramePlan plan = sequenceIn(folder, 2);
-    ScriptedEffect script;
-    script.declareParameters({parameterOfType(PF_Param_SLIDER, "S")});
-    std::vector<A_long> rendered;
-    script.on(PF_Cmd_RENDER, [&](const EffectCall& call) {
-        rendered.push_back(call.params[1]->u.sd.value);
-        return PF_Err_NONE;
-    });
+    SliderEffect slider;
     Effect effect(ScriptedEffect::enter, {}, strictOptions());
     RenderReport once;
     renderFrames(effect, {}, {}, plan, {}, once);
     for (const FrameFiles& files : plan.frames)
         std::filesystem::remove(files.output);
-    rendered.clear();
+    slider.rendered.clear();
     RenderSettings settings;
     settings.variants = {{{1, {5}}}, {{1, {7}}}};
     std::size_t taken = 0;
@@ -212,7 +214,7 @@ TEST(RenderJobTest, VariantsOfAFrameAreRenderedFromPicturesThatAreReadOnce) {
     watch.takesPicture = [&](const World&) { ++taken; };
     RenderReport report;
     renderFrames(effect, settings, {}, plan, watch, report);
-    EXPECT_EQ(rendered, (std::vector<A_long>{5, 7, 5, 7}));
+    EXPECT_EQ(slider.rendered, (std::vector<A_long>{5, 7, 5, 7}));
     EXPECT_EQ(taken, 4U);
     EXPECT_EQ(report.pixelsRead, once.pixelsRead);
     EXPECT_FALSE(std::filesystem::exists(plan.frames[0].output));
