@@ -12,6 +12,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+constexpr char kFormatKey[] = "specificationVersion";  // so named by Open Job Description
 constexpr std::size_t kMostParameters = 50;
 constexpr std::size_t kLongestDefault = 1024;  // code points
 
@@ -102,7 +103,7 @@ std::string jobTemplate(const RenderTasks& tasks) {
     // SIGTERM first: perch then ends the frame under way, and removes what it has begun to write.
     step["script"]["actions"]["onRun"] = {
         {"command", "/bin/sh"}, {"args", arguments}, {"cancelation", {{"mode", "NOTIFY_THEN_TERMINATE"}}}};
-    return printed({{"specificationVersion", "jobtemplate-2023-09"},
+    return printed({{kFormatKey, "jobtemplate-2023-09"},
                     {"name", "perch render"},
                     {"parameterDefinitions", parameters.definitions},
                     {"steps", Json::array({step})}});

@@ -26,10 +26,10 @@ TEST(JobTemplateTest, BreachesOfTheStructureAreFound) {
     const JobTexts texts;
     const Json sound = Json::parse(jobTemplate(texts.tasks({"a\nb"})));
     const struct {
-        const char* place;
+        std::string place;
         Json value;
     } breaches[] = {
-        {"/specificationVersion", "jobtemplate-2024-01"},
+        {std::string("/") + kFormatKey, "jobtemplate-2024-01"},
         {"/name", ""},
         {"/name", std::string(129, 'a')},
         {"/parameterDefinitions", Json::array()},

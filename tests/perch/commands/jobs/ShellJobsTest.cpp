@@ -49,7 +49,6 @@ TEST(ShellJobsTest, LineOfParallelIsAsOneWouldWriteIt) {
 }
 
 TEST(ShellJobsTest, TasksOfParallelGetEveryWordAsItWas) {
-    if (!std::filesystem::exists("/usr/bin/parallel")) GTEST_SKIP() << "GNU parallel is not installed";
     const JobTexts texts;
     const ProgramResult result =
         runProgram({"/bin/sh", "-c", parallelLine(texts.tasks(kDifficultWords))}, "/");

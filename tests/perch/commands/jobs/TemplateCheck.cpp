@@ -160,10 +160,10 @@ void checkStep(Check& check, const Json& json, std::set<std::string> names) {
 
 std::vector<std::string> breachesOf(const Json& jobTemplate) {
     Check check;
-    if (!check.isObject(jobTemplate, "the template", {"specificationVersion", "name", "steps"},
+    if (!check.isObject(jobTemplate, "the template", {kFormatKey, "name", "steps"},
                         {"$schema", "description", "parameterDefinitions", "jobEnvironments", "extensions"}))
         return check.breaches;
-    check.require(jobTemplate["specificationVersion"] == "jobtemplate-2023-09", "specificationVersion");
+    check.require(jobTemplate[kFormatKey] == "jobtemplate-2023-09", "the format's name");
     check.isString(jobTemplate["name"], "the name", 1, 128);
     std::set<std::string> names;
     if (jobTemplate.contains("parameterDefinitions") &&

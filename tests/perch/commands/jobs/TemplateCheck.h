@@ -9,6 +9,9 @@
 
 namespace perch::test {
 
+// By which a template names its format.
+inline constexpr char kFormatKey[] = "specificationVersion";
+
 // A sentence for each breach.
 std::vector<std::string> breachesOf(const nlohmann::json& jobTemplate);
 
