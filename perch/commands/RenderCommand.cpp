@@ -21,6 +21,7 @@
 #include "Error.h"
 #include "ExistingFrames.h"
 #include "FrameList.h"
+#include "GivenValues.h"
 #include "JobAccount.h"
 #include "JobDisplay.h"
 #include "PlanReport.h"

@@ -165,6 +165,12 @@ FileWorld readWorld(const fs::path& path, std::optional<Depth> depth) {
     return worldOf(picture, depth.value_or(depthOf(*picture)));
 }
 
+Picture pictureOf(const World& world, const FileWorld& source, SampleType type) {
+    Picture picture = pictures::newPicture(world.width(), world.height(), 4, type);
+    fill(world, transferToUndo(source, type), picture);
+    return picture;
+}
+
 bool needsNoAlpha(const World& world) {
     return world.isDeep() ? needsNoAlphaAs<PF_Pixel16>(world) : needsNoAlphaAs<PF_Pixel>(world);
 }

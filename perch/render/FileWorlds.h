@@ -72,6 +72,9 @@ std::vector<std::string> writeWorld(const std::filesystem::path& path, const Wor
 void writeWorld(const std::filesystem::path& path, const World& world, bool withAlpha,
                 const pictures::EncodingOptions& encoding = {});
 
+// What a file of RGBA of that type would hold of the world.
+pictures::Picture pictureOf(const World& world, const FileWorld& source, pictures::SampleType type);
+
 // Whether a file without alpha shows the same: no alpha is below white. Codes above white are written as
 // white.
 bool needsNoAlpha(const World& world);

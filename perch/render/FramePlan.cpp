@@ -250,6 +250,18 @@ void refuseToOverwrite(const FramePlan& plan) {
 
 }  // namespace
 
+std::set<PF_ParamIndex> layersSetByUser(const FramePlan& plan) {
+    std::set<PF_ParamIndex> layers = plan.emptyLayers;
+    for (const auto& [index, path] : plan.stillLayers)
+        layers.insert(index);
+    if (plan.frames.empty()) return layers;
+    const FrameFiles& first = plan.frames.front();
+    for (const auto& [index, path] : first.layers)
+        layers.insert(index);
+    layers.insert(first.missingLayers.begin(), first.missingLayers.end());
+    return layers;
+}
+
 FramePlan planFrames(const PictureNames& names, const LayerNames& layers) {
     const std::optional<FramePattern> input =
         names.areFiles ? std::nullopt : FramePattern::parse(names.input);

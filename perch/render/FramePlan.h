@@ -56,6 +56,9 @@ struct FramePlan {
     std::vector<std::string> notes{};       // sentences about files that are missing
 };
 
+// The layer parameters that the user has set, to none as well.
+std::set<PF_ParamIndex> layersSetByUser(const FramePlan& plan);
+
 // Empty only where the shard has no frame. Throws UsageError where the names do not go together; Error where
 // a frame's file is missing and must not be, the first one by name, and where a picture would be written over
 // one that is read, also by another shard.

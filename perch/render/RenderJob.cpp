@@ -11,6 +11,7 @@
 
 #include "Error.h"
 #include "Fingerprint.h"
+#include "GivenValues.h"
 #include "LayerReader.h"
 #include "OrderedTasks.h"
 #include "PF_Values.h"
@@ -61,10 +62,6 @@ std::string messageOf(const std::exception_ptr& error) {
 void requireDepth(const Effect& effect, const World& input) {
     if (!input.isDeep() || effect.supportsDeepColor()) return;
     throw Error("the effect does not declare 16 bits per channel; render with --depth 8");
-}
-
-bool isSupervised(const Parameter& parameter) {
-    return (parameter.definition.flags & PF_ParamFlag_SUPERVISE) != 0;
 }
 
 // One run through a plan. Reading and writing tasks share only what is const or guarded.
@@ -189,7 +186,7 @@ private:
         for (const auto& [layer, path] : files.layers)
             layers[layer] = layerReader.read(layer, path, index + 1);
         const LayerPictures still = stillLayers.read();
-        const Depth depth = chooseDepth(*picture, layers, still);
+        const Depth depth = workDepth(settings, effect, *picture, {layers, still});
         for (const auto& [layer, layerPicture] : layers)
             layerReader.compareSizes(*picture, *layerPicture, files.layers.at(layer), index + 1);
         for (const auto& [layer, layerPicture] : still)
@@ -220,19 +217,6 @@ private:
         return nullptr;
     }
 
-    // The deepest, so that a matte of 16 bits stays one beside a beauty of 8.
-    Depth chooseDepth(const pictures::Picture& input, const LayerPictures& layers,
-                      const LayerPictures& still) const {
-        if (settings.depth) return *settings.depth;
-        if (!effect.supportsDeepColor()) return depthOf(input);
-        Depth depth = depthOf(input);
-        for (const LayerPictures* const some : {&layers, &still}) {
-            for (const auto& [index, picture] : *some)
-                depth = std::max(depth, depthOf(*picture));
-        }
-        return depth;
-    }
-
     // The input's, unless another is asked for; the nearest that the format has.
     pictures::SampleType outputType(const fs::path& path, const pictures::Picture& input) const {
         if (settings.outputType) return *settings.outputType;
@@ -245,13 +229,13 @@ private:
     }
 
     pictures::Transfer transferFor(const pictures::Picture& input) {
-        if (settings.transfer) return *settings.transfer;
-        if (!isFloat(input.type())) return pictures::Transfer::Linear;
-        report.notes.add(
-            "transfer",
-            "the pictures hold light in floats, which the effect gets by the curve of sRGB, as with "
-            "--encode srgb");
-        return pictures::Transfer::Srgb;
+        if (!settings.transfer && isFloat(input.type())) {
+            report.notes.add(
+                "transfer",
+                "the pictures hold light in floats, which the effect gets by the curve of sRGB, as with "
+                "--encode srgb");
+        }
+        return workTransfer(settings, input);
     }
 
     Step<RenderedFrame> render(std::size_t index, const FramePictures& pictures, const Variant& variant) {
@@ -261,26 +245,9 @@ private:
         return tried(CLOCK_MONOTONIC, report.renderTime, {}, [&] { return sequence.render(request); });
     }
 
-    // Before the first frame the effect is told of what the user has set, parameter by parameter, as it would
-    // be where the user sets it in a window; what it changes then holds for all frames, except where a value
-    // has keys.
     void tellTheUsersChoices(const World& input) {
         if (std::exchange(knowsTheUsersChoices, true)) return;
-        const std::vector<Parameter>& declared = effect.description().parameters;
-        const ParameterValues given = valuesFor(plan.firstFrame, input);
-        ParameterValues values = given;
-        for (const Parameter& parameter : declared)
-            if (isSupervised(parameter) && isSetByUser(parameter.index))
-                sequence.userChangedParam(parameter.index, values);
-        if (mayChangeValues(effect.description())) sequence.updateParamsUi(values);
-        for (std::size_t index = 1; index < values.size(); ++index)
-            if (!isSameValue(given[index], values[index])) changedByEffect[index] = values[index];
-    }
-
-    bool isSetByUser(PF_ParamIndex index) const {
-        return plan.stillLayers.contains(index) || plan.frames.front().layers.contains(index) ||
-               plan.frames.front().missingLayers.contains(index) || plan.emptyLayers.contains(index) ||
-               std::ranges::find(parameters, index, &ParameterCurve::index) != parameters.end();
+        values.tell(sequence, plan.firstFrame, input);
     }
 
     FrameRequest requestFor(std::size_t index, const FramePictures& pictures) const {
@@ -297,7 +264,7 @@ private:
         request.downsampleX = request.downsampleY = settings.downsample;
         request.fullWidth = pictures.fullWidth;
         request.fullHeight = pictures.fullHeight;
-        request.values = valuesFor(request.frame, input);
+        request.values = values.at(request.frame, input);
         // A frame has one time, whichever frames are rendered beside it.
         request.time = request.frame * request.timeStep;
         request.totalTime = (std::max(plan.lastFrame, 0) + 1) * request.timeStep;
@@ -306,16 +273,6 @@ private:
         request.cancelled = watch.cancelled;
         request.progress = watch.frameProgresses;
         return request;
-    }
-
-    ParameterValues valuesFor(std::int32_t frame, const World& input) const {
-        ParameterValues values = effect.defaultValues(input.width(), input.height());
-        for (const auto& [index, value] : changedByEffect)
-            takeValue(value, values[index]);
-        for (const ParameterCurve& curve : parameters)
-            if (curve.moves() || !changedByEffect.contains(static_cast<std::size_t>(curve.index)))
-                applySetting(settingAt(curve, frame), values, settings.downsample);
-        return values;
     }
 
     void startWriting(const FrameEnd& rendered, RenderedFrame result, const FramePictures& pictures) {
@@ -385,7 +342,7 @@ private:
     LayerReader layerReader{settings.layers, settings.reading, report.notes};
     StillLayers stillLayers{plan.stillLayers, layerReader, scale};
     Sequence sequence{effect};
-    std::map<std::size_t, PF_ParamDef> changedByEffect;  // values, by index
+    GivenValues values{effect, parameters, layersSetByUser(plan), settings.downsample};
     bool knowsTheUsersChoices = false;
     ShotForm form;
     std::size_t nextRead = 0;
@@ -398,9 +355,21 @@ private:
 
 }  // namespace
 
-bool mayChangeValues(const EffectDescription& effect) {
-    return std::ranges::any_of(effect.parameters, isSupervised) ||
-           (effect.flags & PF_OutFlag_SEND_UPDATE_PARAMS_UI) != 0;
+Depth workDepth(const RenderSettings& settings, const Effect& effect, const pictures::Picture& input,
+                const std::vector<LayerPictures>& layers) {
+    if (settings.depth) return *settings.depth;
+    Depth depth = depthOf(input);
+    if (!effect.supportsDeepColor()) return depth;
+    for (const LayerPictures& some : layers) {
+        for (const auto& [index, picture] : some)
+            depth = std::max(depth, depthOf(*picture));
+    }
+    return depth;
+}
+
+pictures::Transfer workTransfer(const RenderSettings& settings, const pictures::Picture& input) {
+    if (settings.transfer) return *settings.transfer;
+    return isFloat(input.type()) ? pictures::Transfer::Srgb : pictures::Transfer::Linear;
 }
 
 void renderFrames(Effect& effect, const RenderSettings& settings,

@@ -18,6 +18,7 @@
 #include "Notes.h"
 #include "ParameterCurve.h"
 #include "SmartUse.h"
+#include "StillLayers.h"
 
 namespace perch {
 
@@ -49,6 +50,13 @@ struct RenderSettings {
     std::vector<Variant> variants;
 };
 
+// What the settings make of a frame's pictures: the depth of the effect's work, the deepest picture's unless
+// one is given, so that a matte of 16 bits stays one beside a beauty of 8; and the curve between light and
+// codes.
+Depth workDepth(const RenderSettings& settings, const Effect& effect, const pictures::Picture& input,
+                const std::vector<LayerPictures>& layers);
+pictures::Transfer workTransfer(const RenderSettings& settings, const pictures::Picture& input);
+
 // How a caller follows a job. The functions are called on the thread of renderFrames; frameBegins may throw,
 // which ends the job, frameProgresses is called from within the effect and must not. frameEnds comes once for
 // each frame that was begun, in their order; the frame's file is written then, or never will be. `cancelled`
@@ -74,9 +82,6 @@ struct RenderReport {
     Time renderTime{0};  // elapsed
     Time encodeTime{0};  // processor time
 };
-
-// Whether the effect may answer what the user sets with other values, which hold for all frames then.
-bool mayChangeValues(const EffectDescription& effect);
 
 // Renders the frames in order. Throws Error for the first failure, which ends the job, and names the frame
 // where the plan is a sequence; where the job goes on, frameEnds tells of the failures of frames instead.
