@@ -93,7 +93,50 @@ ParameterKey parseKey(const Parameter& parameter, std::string_view name, std::st
     return {*frameOf(text), setting->numbers, kind.value_or(isChoice(parameter) ? Kind::Hold : Kind::Linear)};
 }
 
+// As many of the numbers as the type has, in as many digits as tell them apart from all others.
+std::string numbersText(const std::array<double, 4>& numbers, std::size_t count) {
+    return fmt::format("{}",
+                       fmt::join(numbers.begin(), numbers.begin() + static_cast<std::ptrdiff_t>(count), ","));
+}
+
+// An item's name where it stands for that item alone and cannot be taken for a key, else its number.
+std::string itemText(const Parameter& parameter, const ParameterSetting& setting) {
+    const std::string name = valueText(parameter, setting);
+    const bool isPlain = name.find_first_of(",:") == std::string::npos;
+    return isPlain && parseSetting(parameter, name) == setting ? name : numbersText(setting.numbers, 1);
+}
+
+// With every digit of the value, unlike what is shown to users.
+std::string exactText(const Parameter& parameter, const std::array<double, 4>& numbers) {
+    const ParameterSetting setting{parameter.index, numbers};
+    switch (parameter.definition.param_type) {
+        case PF_Param_FIX_SLIDER:
+        case PF_Param_ANGLE:
+        case PF_Param_FLOAT_SLIDER:
+            return numbersText(numbers, 1);
+        case PF_Param_POINT:
+            return numbersText(numbers, 2);
+        case PF_Param_POINT_3D:
+            return numbersText(numbers, 3);
+        case PF_Param_POPUP:
+            return itemText(parameter, setting);
+        default:
+            return valueText(parameter, setting);
+    }
+}
+
 }  // namespace
+
+std::string curveText(const Parameter& parameter, const ParameterCurve& curve) {
+    if (!curve.moves()) return exactText(parameter, curve.keys.front().numbers);
+    std::string text;
+    for (const ParameterKey& key : curve.keys) {
+        const Kind usual = isChoice(parameter) ? Kind::Hold : Kind::Linear;
+        text += fmt::format("{}{}:{}", text.empty() ? "" : ",", key.frame, exactText(parameter, key.numbers));
+        if (key.kind != usual) text += fmt::format(":{}", kindName(key.kind));
+    }
+    return text;
+}
 
 std::string_view kindName(Kind kind) {
     return std::ranges::find(kKindNames, kind, [](const auto& known) { return known.second; })->first;
@@ -113,18 +156,6 @@ ParameterCurve parseCurve(const Parameter& parameter, std::string_view name, std
     if (twice != curve.keys.end())
         throw UsageError(fmt::format("{} has two keys at frame {}", name, twice->frame));
     return curve;
-}
-
-std::string curveText(const Parameter& parameter, const ParameterCurve& curve) {
-    const auto valueOf = [&](const ParameterKey& key) {
-        return valueText(parameter, {curve.index, key.numbers});
-    };
-    if (!curve.moves()) return valueOf(curve.keys.front());
-    std::string text;
-    for (const ParameterKey& key : curve.keys)
-        text +=
-            fmt::format("{}{}:{}:{}", text.empty() ? "" : ",", key.frame, valueOf(key), kindName(key.kind));
-    return text;
 }
 
 }  // namespace perch

@@ -17,10 +17,10 @@ namespace perch {
 // what the user knows the parameter by, like "--focal-point". Not for layers.
 ParameterCurve parseCurve(const Parameter& parameter, std::string_view name, std::string_view text);
 
+// The text that is read back as this very curve.
+std::string curveText(const Parameter& parameter, const ParameterCurve& curve);
+
 // "hold", "linear" or "smooth".
 std::string_view kindName(ParameterKey::Kind kind);
-
-// What parseCurve makes the same curve of.
-std::string curveText(const Parameter& parameter, const ParameterCurve& curve);
 
 }  // namespace perch

@@ -50,17 +50,7 @@ std::string textOfKeys(const Json& keys, const std::string& name) {
     return text;
 }
 
-ParameterCurve curveOf(const ParameterOption& option, const Json& value, const std::string& name) {
-    if (isLayer(option.parameter))
-        throw UsageError(
-            fmt::format("{} is a layer, which a preset does not hold; give --{}", name, option.name));
-    const std::string text = isKeys(value) ? textOfKeys(value, name) : textOf(value);
-    return parseCurve(option.parameter, name, text);
-}
-
-Json parseJson(const std::filesystem::path& path) {
-    const auto bytes = pictures::readFile(path);
-    const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+Json parseJson(std::string_view text, const std::string& name) {
     try {
         return Json::parse(text, nullptr, true, true);
     } catch (const Json::parse_error& error) {
@@ -68,11 +58,47 @@ Json parseJson(const std::filesystem::path& path) {
         throw UsageError(
             fmt::format("preset \"{}\" is not JSON at line {}; a preset is like "
                         "{{\"focal-point\": 40, \"blur-type\": \"Fine\"}}",
-                        path.string(), 1 + std::ranges::count(before, '\n')));
+                        name, 1 + std::ranges::count(before, '\n')));
     }
 }
 
-Json jsonOf(const Parameter& parameter, const std::array<double, 4>& numbers) {
+}  // namespace
+
+ParameterCurve parsePresetValue(const ParameterOption& option, const Json& value, const std::string& name) {
+    if (isLayer(option.parameter))
+        throw UsageError(
+            fmt::format("{} is a layer, which a preset does not hold; give --{}", name, option.name));
+    const std::string text = isKeys(value) ? textOfKeys(value, name) : textOf(value);
+    return parseCurve(option.parameter, name, text);
+}
+
+std::vector<ParameterCurve> parsePreset(std::string_view text, const std::string& preset,
+                                        const std::vector<ParameterOption>& options) {
+    const Json json = parseJson(text, preset);
+    if (!json.is_object())
+        throw UsageError(fmt::format(
+            "preset \"{}\" is not a list of names and values, like {{\"focal-point\": 40}}", preset));
+    std::vector<std::string> names;
+    for (const ParameterOption& option : options)
+        names.push_back(option.name);
+    std::vector<ParameterCurve> curves;
+    for (const auto& [name, value] : json.items()) {
+        const auto option = std::ranges::find(options, name, &ParameterOption::name);
+        if (option == options.end())
+            throw UsageError(fmt::format("preset \"{}\": the effect has no parameter \"{}\"{}", preset, name,
+                                         suggestion(name, names)));
+        curves.push_back(parsePresetValue(*option, value, fmt::format("preset \"{}\": {}", preset, name)));
+    }
+    return curves;
+}
+
+std::vector<ParameterCurve> readPreset(const std::filesystem::path& path,
+                                       const std::vector<ParameterOption>& options) {
+    const auto bytes = pictures::readFile(path);
+    return parsePreset({reinterpret_cast<const char*>(bytes.data()), bytes.size()}, path.string(), options);
+}
+
+Json presetValue(const Parameter& parameter, const std::array<double, 4>& numbers) {
     switch (parameter.definition.param_type) {
         case PF_Param_SLIDER:
             return static_cast<std::int64_t>(numbers[0]);
@@ -90,35 +116,14 @@ Json jsonOf(const Parameter& parameter, const std::array<double, 4>& numbers) {
     }
 }
 
-Json jsonOf(const Parameter& parameter, const ParameterCurve& curve) {
-    if (!curve.moves()) return jsonOf(parameter, curve.keys.front().numbers);
+Json presetValue(const Parameter& parameter, const ParameterCurve& curve) {
+    if (!curve.moves()) return presetValue(parameter, curve.keys.front().numbers);
     Json keys = Json::array();
     for (const ParameterKey& key : curve.keys)
-        keys.push_back(
-            {{"frame", key.frame}, {"value", jsonOf(parameter, key.numbers)}, {"key", kindName(key.kind)}});
+        keys.push_back({{"frame", key.frame},
+                        {"value", presetValue(parameter, key.numbers)},
+                        {"key", kindName(key.kind)}});
     return keys;
-}
-
-}  // namespace
-
-std::vector<ParameterCurve> readPreset(const std::filesystem::path& path,
-                                       const std::vector<ParameterOption>& options) {
-    const Json json = parseJson(path);
-    if (!json.is_object())
-        throw UsageError(fmt::format(
-            "preset \"{}\" is not a list of names and values, like {{\"focal-point\": 40}}", path.string()));
-    std::vector<std::string> names;
-    for (const ParameterOption& option : options)
-        names.push_back(option.name);
-    std::vector<ParameterCurve> curves;
-    for (const auto& [name, value] : json.items()) {
-        const auto option = std::ranges::find(options, name, &ParameterOption::name);
-        if (option == options.end())
-            throw UsageError(fmt::format("preset \"{}\": the effect has no parameter \"{}\"{}", path.string(),
-                                         name, suggestion(name, names)));
-        curves.push_back(curveOf(*option, value, fmt::format("preset \"{}\": {}", path.string(), name)));
-    }
-    return curves;
 }
 
 std::string presetText(const std::vector<ParameterOption>& options,
@@ -126,7 +131,7 @@ std::string presetText(const std::vector<ParameterOption>& options,
     Json json = Json::object();
     for (const ParameterOption& option : options) {
         const auto curve = std::ranges::find(curves, option.parameter.index, &ParameterCurve::index);
-        if (curve != curves.end()) json[option.name] = jsonOf(option.parameter, *curve);
+        if (curve != curves.end()) json[option.name] = presetValue(option.parameter, *curve);
     }
     return json.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
 }

@@ -9,8 +9,11 @@
 //   }
 #pragma once
 
+#include <array>
 #include <filesystem>
+#include <nlohmann/json_fwd.hpp>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "ParameterCurve.h"
@@ -24,8 +27,18 @@ namespace perch {
 std::vector<ParameterCurve> readPreset(const std::filesystem::path& path,
                                        const std::vector<ParameterOption>& options);
 
+// The same from the text of a preset, which `name` is told of in messages.
+std::vector<ParameterCurve> parsePreset(std::string_view text, const std::string& name,
+                                        const std::vector<ParameterOption>& options);
+// One value or list of keys; `name` is what the user knows the parameter by.
+ParameterCurve parsePresetValue(const ParameterOption& option, const nlohmann::ordered_json& value,
+                                const std::string& name);
+
 // The preset of these curves, one for each of some options, in their order.
 std::string presetText(const std::vector<ParameterOption>& options,
                        const std::vector<ParameterCurve>& curves);
+// A value, and what a curve is in a preset: a value where it does not move, else its keys.
+nlohmann::ordered_json presetValue(const Parameter& parameter, const std::array<double, 4>& numbers);
+nlohmann::ordered_json presetValue(const Parameter& parameter, const ParameterCurve& curve);
 
 }  // namespace perch
