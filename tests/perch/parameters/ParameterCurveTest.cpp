@@ -133,6 +133,32 @@ TEST(CurveTextTest, KeysAreFramesValuesAndKinds) {
         EXPECT_EQ((ParameterCurve{1, c.keys}), parseCurve(parameterOf(c.type), "--o", c.text)) << c.text;
 }
 
+TEST(CurveTextTest, TextOfACurveIsReadBackAsTheSameCurve) {
+    struct Case {
+        PF_ParamType type;
+        std::vector<ParameterKey> keys;
+        const char* text;
+    };
+    const Case cases[] = {
+        {PF_Param_FLOAT_SLIDER, {{0, {100.0 / 3}, Kind::Hold}}, "33.333333333333336"},
+        {PF_Param_FLOAT_SLIDER,
+         {{1, {0.1}, Kind::Linear}, {48, {70}, Kind::Smooth}, {50, {16777217.0 / 16777216}, Kind::Hold}},
+         "1:0.1,48:70:smooth,50:1.0000000596046448:hold"},
+        {PF_Param_POINT, {{0, {0.1, -1234.25}, Kind::Hold}}, "0.1,-1234.25"},
+        {PF_Param_COLOR, {{0, {255, 128, 0, 255}, Kind::Hold}}, "#ff8000"},
+        {PF_Param_CHECKBOX, {{1, {1}, Kind::Hold}, {5, {0}, Kind::Hold}}, "1:on,5:off"},
+        {PF_Param_POPUP, {{1, {2}, Kind::Hold}, {9, {1}, Kind::Hold}}, "1:Fine,9:Coarse"},
+        {PF_Param_POPUP, {{0, {4}, Kind::Hold}}, "4"},  // whose name would be taken for a key
+    };
+    for (const Case& c : cases) {
+        const Parameter parameter = parameterOf(c.type);
+        const ParameterCurve curve{1, c.keys};
+        const std::string text = curveText(parameter, curve);
+        EXPECT_EQ(text, c.text);
+        EXPECT_EQ(parseCurve(parameter, "--o", text), curve) << text;
+    }
+}
+
 TEST(CurveTextTest, RefusalsNameTheKeyAndWhatWasExpected) {
     struct Case {
         PF_ParamType type;
