@@ -1,0 +1,82 @@
+// What the effect and the server tell, newest first, until it is put away.
+import { LitElement, css, html, nothing } from 'lit';
+import { customElement, state } from 'lit/decorators.js';
+import { shared } from './theme';
+
+export interface Message {
+  readonly kind: 'error' | 'warning' | 'message';
+  readonly text: string;
+  readonly command?: string | null;
+}
+
+const most = 4;
+
+@customElement('message-list')
+export class MessageList extends LitElement {
+  static override styles = [
+    shared,
+    css`
+      :host {
+        position: absolute;
+        right: 8px;
+        bottom: 8px;
+        width: min(520px, calc(100% - 16px));
+      }
+      .message {
+        display: grid;
+        grid-template-columns: 1fr auto;
+        gap: 4px 8px;
+        margin-top: 4px;
+        padding: 6px 4px 6px 10px;
+        border: 1px solid var(--line);
+        border-left: 3px solid var(--edge);
+        border-radius: 3px;
+        background: var(--ground);
+        overflow-wrap: anywhere;
+      }
+      .warning {
+        border-left-color: var(--accent);
+      }
+      .error {
+        border-left-color: var(--bad);
+      }
+      code {
+        grid-column: 1 / -1;
+        font: var(--mono);
+        color: var(--dim);
+        user-select: all;
+      }
+    `,
+  ];
+
+  @state() private messages: readonly Message[] = [];
+
+  // The same again is told once.
+  add(message: Message): void {
+    if (this.messages[0]?.text === message.text) return;
+    this.messages = [message, ...this.messages].slice(0, most);
+  }
+
+  // Errors that the newest picture has overcome.
+  clearErrors(): void {
+    if (this.messages.some(({ kind }) => kind === 'error'))
+      this.messages = this.messages.filter(({ kind }) => kind !== 'error');
+  }
+
+  protected override render() {
+    return html`<div role="log" aria-label="Messages" aria-live="polite">
+      ${this.messages.map(
+        (message) =>
+          html`<div class="message ${message.kind}">
+            <span>${message.text}</span>
+            <button class="bare" aria-label="Put away" title="Put away" @click=${() => this.putAway(message)}>×</button>
+            ${message.command ? html`<code>${message.command}</code>` : nothing}
+          </div>`,
+      )}
+    </div>`;
+  }
+
+  private putAway(message: Message): void {
+    this.messages = this.messages.filter((other) => other !== message);
+  }
+}

@@ -1,0 +1,132 @@
+// The server's addresses as functions. A refusal is an ApiError with the server's own sentence.
+import type { Curves, PictureKind, PixelAnswer, Session, State } from '../model/session';
+
+export class ApiError extends Error {
+  constructor(
+    readonly status: number,
+    message: string,
+    readonly frame: number | null = null,
+    readonly command: string | null = null,
+  ) {
+    super(message);
+  }
+}
+
+export interface Times {
+  readonly decode: number;
+  readonly render: number;
+  readonly encode: number;
+  readonly transfer: number;
+}
+
+export interface Picture {
+  readonly kind: PictureKind;
+  readonly serial: number;
+  readonly width: number;
+  readonly height: number;
+  readonly isFull: boolean;
+  readonly isExact: boolean; // the very codes that were rendered, 8 bits of each
+  readonly image: ImageData | ImageBitmap;
+  readonly times: Times;
+}
+
+export interface PictureWish {
+  readonly serial: number;
+  readonly kind: PictureKind;
+  readonly size: { readonly width: number; readonly height: number } | 'full';
+}
+
+async function answer(path: string, init: RequestInit = {}): Promise<Response> {
+  let response: Response;
+  try {
+    response = await fetch(path, { credentials: 'same-origin', ...init });
+  } catch (error) {
+    if (error instanceof DOMException && error.name === 'AbortError') throw error;
+    throw new ApiError(0, 'The server does not answer; it may have been ended.');
+  }
+  if (response.ok) return response;
+  const text = await response.text();
+  let told: { error?: string; frame?: number; command?: string } = {};
+  try {
+    told = JSON.parse(text) as typeof told;
+  } catch {
+    told = { error: text };
+  }
+  throw new ApiError(
+    response.status,
+    told.error?.trim() || `The server refused with ${response.status}.`,
+    told.frame ?? null,
+    told.command ?? null,
+  );
+}
+
+async function json<T>(path: string, init: RequestInit = {}): Promise<T> {
+  return (await (await answer(path, init)).json()) as T;
+}
+
+function sending(method: string, body: string): RequestInit {
+  return { method, body, headers: { 'Content-Type': 'application/json' } };
+}
+
+function serverTimes(header: string): { decode: number; render: number; encode: number } {
+  const times = { decode: 0, render: 0, encode: 0 };
+  for (const match of header.matchAll(/(decode|render|encode)\s*;\s*dur=([\d.]+)/g))
+    times[match[1] as keyof typeof times] = Number(match[2]);
+  return times;
+}
+
+export const api = {
+  async session(): Promise<Session> {
+    const session = await json<Session>('/api/session');
+    const keyed = session.parameters.map((parameter) => ({ ...parameter, key: parameter.key ?? parameter.name }));
+    return { ...session, parameters: keyed };
+  },
+
+  state: () => json<State>('/api/state'),
+
+  send: (serial: number, frame: number, parameters: Curves) =>
+    json<State>('/api/state', sending('POST', JSON.stringify({ serial, frame, parameters }))),
+
+  pixel: (serial: number, x: number, y: number) =>
+    json<PixelAnswer>(`/api/pixel?serial=${serial}&x=${x}&y=${y}`),
+
+  histogram: (frame: number) => json<{ bins: number[] }>(`/api/histogram?frame=${frame}`),
+
+  preset: async () => (await answer('/api/preset')).text(),
+  savePreset: (name: string) => answer('/api/preset', sending('POST', JSON.stringify({ name }))),
+  loadPreset: (text: string) => json<State>('/api/preset', sending('PUT', text)),
+
+  render: () => answer('/api/render', sending('POST', '{}')),
+  cancelRender: () => answer('/api/render', { method: 'DELETE' }),
+
+  // A full picture comes without loss; a smaller one as the server sends it fastest.
+  async picture(wish: PictureWish, signal: AbortSignal): Promise<Picture> {
+    const size = wish.size === 'full' ? 'full&format=raw' : `${wish.size.width}x${wish.size.height}`;
+    const begin = performance.now();
+    const response = await answer(`/api/picture?serial=${wish.serial}&size=${size}&kind=${wish.kind}`, { signal });
+    const type = response.headers.get('Content-Type') ?? '';
+    const number = (name: string) => Number(response.headers.get(name));
+    const isRaw = type.startsWith('application/octet-stream');
+    const bytes = isRaw ? await response.arrayBuffer() : null;
+    const blob = isRaw ? null : await response.blob();
+    const spent = performance.now() - begin;
+    const width = number('X-Width');
+    const image = bytes
+      ? new ImageData(new Uint8ClampedArray(bytes), width)
+      : await createImageBitmap(blob as Blob, { colorSpaceConversion: 'none' });
+    const times = serverTimes(response.headers.get('Server-Timing') ?? '');
+    const transfer = Math.max(spent - times.decode - times.render - times.encode, 0);
+    return {
+      kind: wish.kind,
+      serial: number('X-Serial'),
+      width: image.width,
+      height: image.height,
+      isFull: response.headers.get('X-Full') === '1',
+      isExact: !type.startsWith('image/jpeg'),
+      image,
+      times: { ...times, transfer },
+    };
+  },
+};
+
+export type Api = typeof api;
