@@ -30,7 +30,7 @@ async function pullFocus(page: Page): Promise<void> {
 
 for (const viewport of sizes)
   for (const colorScheme of ['dark', 'light'] as const) {
-    const { page, complaints, close } = await open({}, { viewport, colorScheme });
+    const { page, complaints, close } = await open({ scene: 'still' }, { viewport, colorScheme });
     await pullFocus(page);
     await page.screenshot({ path: `${folder}/${viewport.width}-${colorScheme}.png` });
     if (viewport.width === 1440) {
@@ -44,7 +44,7 @@ for (const viewport of sizes)
     if (complaints.length > 0) console.log(complaints);
     await close();
   }
-const { page, close } = await open({ effect: 'everything' });
+const { page, close } = await open({ effect: 'everything', scene: 'still' }, { viewport: { width: 1440, height: 900 } });
 await page.screenshot({ path: `${folder}/everything.png` });
 await close();
 await closeBrowser();

@@ -93,7 +93,8 @@ export class PerchView extends LitElement implements RendererView {
 
   protected override render() {
     const { store, viewing, session } = this;
-    return html`<top-bar
+    return html`<header>
+        <top-bar
         .store=${store}
         .news=${this.news}
         rendered=${this.rendered}
@@ -105,6 +106,7 @@ export class PerchView extends LitElement implements RendererView {
         @render=${this.startRender}
         @cancel-render=${() => this.attempt(() => api.cancelRender())}
       ></top-bar>
+      </header>
       <main>
         <section class="picture" aria-label="Picture and its view">
           <picture-bar .viewing=${viewing} ?hasFocusView=${hasFocusView(session)}></picture-bar>
@@ -129,8 +131,12 @@ export class PerchView extends LitElement implements RendererView {
             : nothing}
         </aside>
       </main>
-      <time-line .store=${store} .nextPicture=${() => this.renderer.nextPicture()}></time-line>
-      <status-bar .at=${this.at} .pixel=${this.pixel} command=${this.command} .speed=${this.speed}></status-bar>
+      <section class="time" aria-label="Timeline">
+        <time-line .store=${store} .nextPicture=${() => this.renderer.nextPicture()}></time-line>
+      </section>
+      <footer>
+        <status-bar .at=${this.at} .pixel=${this.pixel} command=${this.command} .speed=${this.speed}></status-bar>
+      </footer>
       <save-dialog></save-dialog>`;
   }
 

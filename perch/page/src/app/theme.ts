@@ -40,7 +40,7 @@ export const pageStyle = css`
   body {
     margin: 0;
     height: 100%;
-    overflow: hidden;
+    overflow: clip;
     background: var(--ground);
     color: var(--text);
     font: var(--font);

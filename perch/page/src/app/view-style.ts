@@ -3,14 +3,18 @@ import { css } from 'lit';
 export const viewStyle = css`
   :host {
     display: grid;
+    grid-template-columns: minmax(0, 1fr);
     grid-template-rows: auto minmax(0, 1fr) 196px auto;
     height: 100vh;
-    overflow: hidden;
+    overflow: clip;
     font: var(--font);
   }
   main {
     display: grid;
     grid-template-columns: minmax(0, 1fr) 400px;
+    min-height: 0;
+  }
+  .time {
     min-height: 0;
   }
   .picture {

@@ -9,7 +9,7 @@ export const stageStyle = css`
     display: flex;
     gap: 1px;
     height: 100%;
-    overflow: hidden;
+    overflow: clip;
     background: var(--line);
     cursor: crosshair;
     touch-action: none;
@@ -22,7 +22,7 @@ export const stageStyle = css`
     position: relative;
     flex: 1;
     min-width: 0;
-    overflow: hidden;
+    overflow: clip;
     background: var(--around);
   }
   .sheet {

@@ -3,6 +3,7 @@ import { css } from 'lit';
 export const timeLineStyle = css`
   :host {
     display: grid;
+    height: 100%;
     grid-template-rows: auto auto 1fr;
     gap: 3px;
     padding: 6px 8px 8px;

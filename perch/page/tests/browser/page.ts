@@ -14,7 +14,7 @@ export interface OpenPage {
 }
 
 export function launch(): Promise<Browser> {
-  browser ??= chromium.launch({ executablePath: process.env.CHROMIUM ?? '/usr/bin/chromium', args: ['--no-sandbox'] });
+  browser ??= chromium.launch({ executablePath: process.env.CHROMIUM ?? '/usr/bin/chromium', args: ['--no-sandbox', '--disable-gpu'] });
   return browser;
 }
 
@@ -26,8 +26,9 @@ export async function closeBrowser(): Promise<void> {
 export async function open(options: StandInOptions = {}, around: BrowserContextOptions = {}): Promise<OpenPage> {
   const server = new StandIn(options);
   const address = await server.start();
-  const context = await (await launch()).newContext({ viewport: { width: 1440, height: 900 }, ...around });
+  const context = await (await launch()).newContext({ viewport: { width: 1024, height: 640 }, ...around });
   await context.grantPermissions(['clipboard-read', 'clipboard-write']);
+  context.setDefaultTimeout(30_000);
   const page = await context.newPage();
   const complaints: string[] = [];
   page.on('console', (message) => {

@@ -1,9 +1,12 @@
-// The pictures of the stand-in: the sample still, blurred with distance from the focal point. Blurs coarsely;
+// The pictures of the stand-in: a sample, blurred with distance from the focal point. Blurs coarsely;
 // what matters is that every picture depends on the values that were sent.
 import { readFileSync } from 'node:fs';
 import { pageFolder } from '../folder';
 import { readPng } from './png';
 import type { Samples } from './png';
+
+// The still has 1280 x 720 pixels, a frame of the shot 640 x 360.
+export type SceneName = 'still' | 'shot';
 
 export interface Look {
   readonly point: number; // 0 to 1
@@ -12,19 +15,23 @@ export interface Look {
   readonly stamp: number | null; // 32 bits that are drawn into the corner
 }
 
-const still = (name: string) => readPng(readFileSync(new URL(`../../samples/still/${name}`, pageFolder)));
+const sample = (name: string) => readPng(readFileSync(new URL(`../../samples/${name}.png`, pageFolder)));
 
 // Stamps are 32 squares of this many pixels in the first rows, black and white.
 export const stampSize = 8;
 
 export class Scene {
-  private readonly beauty: Samples = still('beauty.png');
-  private readonly depth: Samples = still('depth.png');
+  private readonly beauty: Samples;
+  private readonly depth: Samples;
   private readonly tables: readonly Float64Array[];
-  readonly width = this.beauty.width;
-  readonly height = this.beauty.height;
+  readonly width: number;
+  readonly height: number;
 
-  constructor() {
+  constructor(name: SceneName) {
+    this.beauty = sample(name === 'still' ? 'still/beauty' : 'shot/beauty.0001');
+    this.depth = sample(name === 'still' ? 'still/depth' : 'shot/depth.0001');
+    this.width = this.beauty.width;
+    this.height = this.beauty.height;
     this.tables = [0, 1, 2, 3].map((channel) => this.table(channel));
   }
 
@@ -67,14 +74,14 @@ export class Scene {
     const [left, right] = [Math.max(x - radius, 0), Math.min(x + radius + 1, this.width)];
     const [top, bottom] = [Math.max(y - radius, 0), Math.min(y + radius + 1, this.height)];
     const row = this.width + 1;
-    const sums = this.tables.map(
-      (table) =>
-        (table[bottom * row + right] as number) - (table[top * row + right] as number) -
-        (table[bottom * row + left] as number) + (table[top * row + left] as number),
-    ) as [number, number, number, number];
-    const alpha = sums[3];
-    const count = (right - left) * (bottom - top);
-    codes.set(alpha > 0 ? [sums[0] / alpha, sums[1] / alpha, sums[2] / alpha, alpha / count] : [0, 0, 0, 0], at);
+    const sum = (table: Float64Array) =>
+      (table[bottom * row + right] as number) - (table[top * row + right] as number) -
+      (table[bottom * row + left] as number) + (table[top * row + left] as number);
+    const alpha = sum(this.tables[3] as Float64Array);
+    if (alpha <= 0) return;
+    for (let channel = 0; channel < 3; channel += 1)
+      codes[at + channel] = sum(this.tables[channel] as Float64Array) / alpha;
+    codes[at + 3] = alpha / ((right - left) * (bottom - top));
   }
 
   // Sums of all that lies above and left; colours times their alpha.

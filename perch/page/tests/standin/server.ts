@@ -5,10 +5,12 @@ import { readFileSync } from 'node:fs';
 import type { AddressInfo } from 'node:net';
 import { pageFolder } from '../folder';
 import { Scene } from './scene';
+import type { SceneName } from './scene';
 import { Refusal, Shot } from './shot';
 import type { ShotOptions } from './shot';
 
 export interface StandInOptions extends ShotOptions {
+  readonly scene?: SceneName;
   readonly hasStamps?: boolean; // pictures show serial and values, for tests of lost updates
   readonly delay?: number; // ms for each picture, beside what it takes
 }
@@ -20,7 +22,7 @@ const document =
   '<!doctype html><html lang="en"><head><meta charset="utf-8"><title>perch view</title>' +
   '<link rel="icon" href="data:,"></head><body><script type="module" src="/page.js"></script></body></html>';
 const token = 'stand-in';
-const scene = new Scene();
+const scenes = new Map<SceneName, Scene>();
 
 // 16 bits of the serial, and above them 16 of the values.
 export function stampOf(serial: number, values: unknown): number {
@@ -29,10 +31,17 @@ export function stampOf(serial: number, values: unknown): number {
   return ((hash << 16) | (serial & 0xffff)) >>> 0;
 }
 
+function sceneNamed(name: SceneName): Scene {
+  const scene = scenes.get(name) ?? new Scene(name);
+  scenes.set(name, scene);
+  return scene;
+}
+
 export class StandIn {
   readonly shot: Shot;
   readonly saved: string[] = [];
   nextError: { status: number; body: object } | null = null;
+  private readonly scene: Scene;
   private readonly server: Server;
   private readonly listeners = new Set<ServerResponse>();
   private readonly newest = new Map<string, number>();
@@ -40,6 +49,7 @@ export class StandIn {
 
   constructor(private readonly options: StandInOptions = {}) {
     this.shot = new Shot(options);
+    this.scene = sceneNamed(options.scene ?? 'shot');
     this.server = createServer((request, response) => void this.answer(request, response));
   }
 
@@ -89,7 +99,7 @@ export class StandIn {
         response.setHeader('Content-Type', 'text/javascript');
         return void response.end(readFileSync(new URL('dist/page.js', pageFolder)));
       case 'GET /api/session':
-        return this.json(response, this.shot.session(scene));
+        return this.json(response, this.shot.session(this.scene));
       case 'POST /api/state':
         this.shot.take(JSON.parse(await body()) as Parameters<Shot['take']>[0]);
         return this.json(response, this.shot.state());
@@ -100,7 +110,7 @@ export class StandIn {
       case 'GET /api/pixel':
         return this.json(response, this.pixel(number('x'), number('y')));
       case 'GET /api/histogram':
-        return this.json(response, { bins: scene.histogram() });
+        return this.json(response, { bins: this.scene.histogram() });
       case 'GET /api/events':
         response.writeHead(200, { 'Content-Type': 'text/event-stream' }).write(':\n\n');
         this.listeners.add(response);
@@ -141,27 +151,27 @@ export class StandIn {
       return this.json(response, body, status);
     }
     const sent = this.shot.sent(serial);
-    const [width, height] = size === 'full' ? [scene.width, scene.height] : (size.split('x').map(Number) as [number, number]);
+    const [width, height] = size === 'full' ? [this.scene.width, this.scene.height] : (size.split('x').map(Number) as [number, number]);
     const per = (name: string) => Number(this.shot.value(sent, name)) / 100 || 0;
     const radius = Number(this.shot.value(sent, 'Maximum Blur')) || 0;
     const values = this.shot.state().parameters;
     const stamp = this.options.hasStamps ? stampOf(serial, values) : null;
     const look = { point: per('Focal Point'), range: per('In-focus Range'), radius, stamp };
-    const codes = scene.picture(kind, look, width, height);
+    const codes = this.scene.picture(kind, look, width, height);
     response.writeHead(200, {
       'Content-Type': 'application/octet-stream',
       'X-Serial': serial,
       'X-Width': width,
       'X-Height': height,
-      'X-Full': width === scene.width ? 1 : 0,
+      'X-Full': width === this.scene.width ? 1 : 0,
       'Server-Timing': `decode;dur=0, render;dur=${(performance.now() - begin).toFixed(2)}, encode;dur=0`,
     });
     response.end(Buffer.from(codes.buffer));
   }
 
   private pixel(x: number, y: number): object {
-    const code = scene.depthAt(x, y);
-    const source = scene.sourceAt(x, y);
+    const code = this.scene.depthAt(x, y);
+    const source = this.scene.sourceAt(x, y);
     return { source, result: source, layer: [code, code, code, 65535], depth: 16, value: (code * 100) / 65535, distance: 16 - (code * 14.5) / 65535 };
   }
 
