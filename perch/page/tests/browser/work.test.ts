@@ -135,10 +135,12 @@ test('a preset is downloaded where the server has no folder', async () => {
 });
 
 test('a render tells its progress and its end, and can be cancelled', async () => {
+  opened.server.frameTime = 2000;
   await button('Render').click();
   await page.getByRole('progressbar', { name: 'Rendering' }).waitFor();
   await button('Cancel').click();
   await page.getByText('The render was cancelled.').waitFor();
+  opened.server.frameTime = 20;
   await button('Render').click();
   await page.getByText('24 frames are rendered.').waitFor();
 });

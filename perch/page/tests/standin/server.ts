@@ -40,6 +40,7 @@ function sceneNamed(name: SceneName): Scene {
 export class StandIn {
   readonly shot: Shot;
   readonly saved: string[] = [];
+  frameTime = 20; // ms for a frame of a render
   nextError: { status: number; body: object } | null = null;
   private readonly scene: Scene;
   private readonly server: Server;
@@ -188,7 +189,7 @@ export class StandIn {
       frame += 1;
       if (frame < of) this.tell('render', { state: 'running', text: '', progress: { frame, state: 'done', of } });
       else this.endRender('done', `${of} frames are rendered.`);
-    }, 60);
+    }, this.frameTime);
   }
 
   private endRender(state: string, text: string): void {
