@@ -54,7 +54,6 @@ export class PerchView extends LitElement implements RendererView {
 
   @state() private isSettled = false;
   @state() private command = '';
-  @state() private copied = '';
   @state() private speed: Speed | null = null;
   @state() private news: RenderNews | null = null;
   @state() private rendered = 0;
@@ -98,7 +97,6 @@ export class PerchView extends LitElement implements RendererView {
         .store=${store}
         .news=${this.news}
         rendered=${this.rendered}
-        copied=${this.copied}
         @copy-command=${this.copyCommand}
         @save-preset=${this.savePreset}
         @load-preset=${(event: CustomEvent<string>) =>
@@ -254,8 +252,10 @@ export class PerchView extends LitElement implements RendererView {
   private async copyCommand(): Promise<void> {
     await this.attempt(async () => {
       const { command } = await api.state();
-      this.copied = (await copyText(command)) ? 'Copied' : 'Select it below';
-      setTimeout(() => (this.copied = ''), 1500);
+      const text = (await copyText(command))
+        ? 'The command is copied.'
+        : 'The browser does not let the page copy. A click selects the command at the bottom of the page.';
+      this.messages.add({ kind: 'message', text });
     });
   }
 

@@ -56,7 +56,6 @@ export class TopBar extends StoreElement {
 
   @property({ attribute: false }) news: RenderNews | null = null;
   @property({ type: Number }) rendered = 0; // frames
-  @property() copied = '';
   @state() private around: Surroundings = surroundings();
 
   protected override render() {
@@ -96,7 +95,7 @@ export class TopBar extends StoreElement {
         <button @click=${() => this.tell('save-preset')}>Save preset</button>
       </div>
       <div class="set">
-        <button @click=${() => this.tell('copy-command')}>${this.copied || 'Copy command'}</button>
+        <button @click=${() => this.tell('copy-command')}>Copy command</button>
         ${this.renderRender()}
       </div>
       <select aria-label="Surroundings" title="Around the picture" @change=${this.chooseAround}>

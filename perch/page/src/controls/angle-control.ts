@@ -37,7 +37,7 @@ export class AngleControl extends Control {
   ];
 
   protected override render() {
-    const { name, enabled, unit = '°', hint } = this.parameter;
+    const { name, enabled, unit, hint } = this.parameter;
     const radians = (this.number * Math.PI) / 180;
     return html`<div
         class="dial"
@@ -56,7 +56,7 @@ export class AngleControl extends Control {
       </div>
       <number-field
         name=${name}
-        unit=${unit}
+        unit=${unit || '°'}
         .value=${this.number}
         .minimum=${this.parameter.minimum ?? -Infinity}
         .maximum=${this.parameter.maximum ?? Infinity}

@@ -19,14 +19,17 @@ export class CheckControl extends Control {
   ];
 
   protected override render() {
-    const { name, enabled, hint } = this.parameter;
-    return html`<input
-      type="checkbox"
-      aria-label=${name}
-      aria-description=${hint ?? ''}
-      ?disabled=${!enabled}
-      .checked=${this.value === true}
-      @change=${(event: Event) => this.settle((event.target as HTMLInputElement).checked)}
-    />`;
+    const { name, label, enabled, hint } = this.parameter;
+    return html`<label>
+      <input
+        type="checkbox"
+        aria-label=${name}
+        aria-description=${hint ?? ''}
+        ?disabled=${!enabled}
+        .checked=${this.value === true}
+        @change=${(event: Event) => this.settle((event.target as HTMLInputElement).checked)}
+      />
+      <span class="dim">${label ?? ''}</span>
+    </label>`;
   }
 }

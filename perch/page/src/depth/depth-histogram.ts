@@ -5,6 +5,7 @@
 //   [  |  band |  ]
 import { css, html, nothing, svg } from 'lit';
 import { customElement, property } from 'lit/decorators.js';
+import type { PropertyValues } from 'lit';
 import { place } from '../app/place';
 import { StoreElement } from '../app/store-element';
 import { shared } from '../app/theme';
@@ -76,6 +77,12 @@ export class DepthHistogram extends StoreElement {
 
   @property({ attribute: false }) bins: readonly number[] = [];
 
+  private outline = '';
+
+  protected override willUpdate(changed: PropertyValues): void {
+    if (changed.has('bins')) this.outline = outlineOf(this.bins);
+  }
+
   protected override render() {
     const focus = focusParameters(this.store.session);
     if (!focus) return nothing;
@@ -91,7 +98,7 @@ export class DepthHistogram extends StoreElement {
         <span class="dim numbers">sharp ${shown(from * 100, 1)} – ${shown(to * 100, 1)} %</span>
       </header>
       <div class="plot" role="img" aria-label="Depth histogram, sharp from ${shown(from * 100, 1)} to ${shown(to * 100, 1)} per cent">
-        ${svg`<svg viewBox="0 0 256 ${height}" preserveAspectRatio="none" aria-hidden="true"><path d=${this.outline()}></path></svg>`}
+        ${svg`<svg viewBox="0 0 256 ${height}" preserveAspectRatio="none" aria-hidden="true"><path d=${this.outline}></path></svg>`}
         <span class="band" ${place({ left: at(from), width: at(to - from) })} @pointerdown=${grab('point')}></span>
         ${focus.range
           ? html`<span class="edge" ${place({ left: at(from) })} @pointerdown=${grab('range')}></span>
@@ -102,16 +109,6 @@ export class DepthHistogram extends StoreElement {
           : nothing}
       </div>
       <footer class="dim numbers"><span>0</span><span>50</span><span>100 %</span></footer>`;
-  }
-
-  // Square roots, so that small things in the frame are seen beside a large background.
-  private outline(): string {
-    const most = Math.sqrt(Math.max(...this.bins.slice(1, -1), 1));
-    const tops = this.bins.map((count, i) => {
-      const y = height - Math.min(Math.sqrt(count) / most, 1) * (height - 3);
-      return `L${i} ${y.toFixed(1)}H${i + 1}`;
-    });
-    return `M0 ${height}${tops.join('')}V${height}Z`;
   }
 
   private grab(event: PointerEvent, part: 'point' | 'range', centre: number): void {
@@ -137,4 +134,14 @@ export class DepthHistogram extends StoreElement {
     window.addEventListener('pointerup', end, { once: true });
     window.addEventListener('pointercancel', end, { once: true });
   }
+}
+
+// Square roots, so that small things in the frame are seen beside a large background.
+function outlineOf(bins: readonly number[]): string {
+  const most = Math.sqrt(Math.max(...bins.slice(1, -1), 1));
+  const tops = bins.map((count, i) => {
+    const y = height - Math.min(Math.sqrt(count) / most, 1) * (height - 3);
+    return `L${i} ${y.toFixed(1)}H${i + 1}`;
+  });
+  return `M0 ${height}${tops.join('')}V${height}Z`;
 }

@@ -32,6 +32,7 @@ export interface Parameter {
   readonly precision?: number;
   readonly unit?: string;
   readonly items?: readonly string[];
+  readonly label?: string; // beside a check box
   readonly hint?: string;
   readonly enabled: boolean;
   readonly visible: boolean;

@@ -28,7 +28,7 @@ export async function open(options: StandInOptions = {}, around: BrowserContextO
   const address = await server.start();
   const context = await (await launch()).newContext({ viewport: { width: 1024, height: 640 }, ...around });
   await context.grantPermissions(['clipboard-read', 'clipboard-write']);
-  context.setDefaultTimeout(30_000);
+  context.setDefaultTimeout(60_000);
   const page = await context.newPage();
   const complaints: string[] = [];
   page.on('console', (message) => {
@@ -49,5 +49,5 @@ export async function open(options: StandInOptions = {}, around: BrowserContextO
 }
 
 export async function settled(page: Page): Promise<void> {
-  await page.locator('canvas[data-kind=result][data-state=settled]').waitFor({ timeout: 30_000 });
+  await page.locator('canvas[data-kind=result][data-state=settled]').waitFor({ timeout: 60_000 });
 }

@@ -91,7 +91,7 @@ test('two looks are kept apart', async () => {
 test('the command is copied as the server gives it', async () => {
   await settled(page);
   await button('Copy command').click();
-  await button('Copied').waitFor();
+  await page.getByText('The command is copied.').waitFor();
   assert.equal(await page.evaluate(() => navigator.clipboard.readText()), opened.server.shot.state().command);
 });
 

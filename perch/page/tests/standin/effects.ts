@@ -21,8 +21,8 @@ export const focusing: readonly Parameter[] = [
   slider('In-focus Range', [0, 100], '%', 0, { hint: 'How far around the focal point stays sharp.' }),
   slider('Maximum Blur', [0, 200], 'px', 10, { sliderMaximum: 100 }),
   slider('Aspect Ratio', [-1, 1], '', 0),
-  other('Invert Control', 'checkbox', false),
-  other('Conform Control Size', 'checkbox', true),
+  other('Invert Control', 'checkbox', false, { label: 'Invert' }),
+  other('Conform Control Size', 'checkbox', true, { label: 'Conform' }),
   slider('Blend With Original', [0, 100], '%', 0),
 ];
 
