@@ -19,6 +19,7 @@ export const viewStyle = css`
   }
   .picture {
     display: grid;
+    grid-template-columns: minmax(0, 1fr);
     grid-template-rows: auto minmax(0, 1fr);
     min-height: 0;
   }
@@ -39,7 +40,7 @@ export const viewStyle = css`
   }
   @media (max-width: 1200px) {
     main {
-      grid-template-columns: minmax(0, 1fr) 340px;
+      grid-template-columns: minmax(0, 1fr) 328px;
     }
     :host {
       grid-template-rows: auto minmax(0, 1fr) 168px auto;

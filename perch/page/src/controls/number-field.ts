@@ -18,10 +18,10 @@ export class NumberField extends LitElement {
         text-align: right;
         padding: 0 6px 0 4px;
       }
-      .short {
+      input.short[type='text'] {
         padding-right: 19px;
       }
-      .long {
+      input.long[type='text'] {
         padding-right: 26px;
       }
       .unit {

@@ -19,10 +19,13 @@ export class PictureBar extends LitElement {
     css`
       :host {
         display: flex;
-        gap: 12px;
+        gap: 8px;
         align-items: center;
         padding: 4px 8px;
         border-bottom: 1px solid var(--line);
+      }
+      select {
+        min-width: 0;
       }
       .space {
         flex: 1;

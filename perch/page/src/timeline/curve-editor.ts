@@ -57,7 +57,7 @@ export class CurveEditor extends StoreElement {
     >
       ${svg`<g aria-hidden="true">
         ${scale.ticks.map((tick) => svg`<line class="tick" x1=${left} x2=${right} y1=${scale.y(tick)} y2=${scale.y(tick)}></line>
-          <text x=${width - 10} y=${scale.y(tick) - 2}>${this.label(parameter, tick)}</text>`)}
+          <text x=${width - 10} y=${Math.max(scale.y(tick) - 2, 10)}>${this.label(parameter, tick)}</text>`)}
         <rect class="outside" x="0" y="0" width=${Math.max(left, 0)} height=${height}></rect>
         <rect class="outside" x=${right} y="0" width=${Math.max(width - right, 0)} height=${height}></rect>
         <line class="now" x1=${now} x2=${now} y1="0" y2=${height}></line>
