@@ -53,7 +53,7 @@ export class MessageList extends LitElement {
 
   // The same again is told once.
   add(message: Message): void {
-    if (this.messages[0]?.text === message.text) return;
+    if (this.messages.some(({ text }) => text === message.text)) return;
     this.messages = [message, ...this.messages].slice(0, most);
   }
 

@@ -42,6 +42,8 @@ import { shared } from './theme';
 import './top-bar';
 import { viewStyle } from './view-style';
 
+const longTime = 700; // ms of waiting for a picture, after which its progress is shown
+
 @customElement('perch-view')
 export class PerchView extends LitElement implements RendererView {
   static override styles = [shared, viewStyle];
@@ -57,6 +59,7 @@ export class PerchView extends LitElement implements RendererView {
   @state() private speed: Speed | null = null;
   @state() private news: RenderNews | null = null;
   @state() private rendered = 0;
+  @state() private progress: number | null = null; // of a picture that is long in coming, 0 to 1
   @state() private bins: readonly number[] = [];
   @state() private at: Place | null = null;
   @state() private pixel: PixelAnswer | null = null;
@@ -65,6 +68,7 @@ export class PerchView extends LitElement implements RendererView {
   @query('message-list') private messages!: MessageList;
   @query('save-dialog') private saveDialog!: SaveDialog;
   private isReading = false;
+  private waitsSince = 0; // for a picture
   private histogramOf = '';
   private fetchingOriginal = false;
   private lookedAt = '';
@@ -78,7 +82,7 @@ export class PerchView extends LitElement implements RendererView {
     this.viewing.addEventListener('change', () => this.looksElsewhere());
     listenForShortcuts(pageShortcuts(this));
     listen({
-      progress: () => {},
+      progress: (serial, fraction) => this.takeProgress(serial, fraction),
       warning: (text) => this.messages.add({ kind: 'warning', text }),
       message: (text) => this.messages.add({ kind: 'message', text }),
       render: (news) => this.takeNews(news),
@@ -87,6 +91,7 @@ export class PerchView extends LitElement implements RendererView {
   }
 
   protected override firstUpdated(): void {
+    for (const text of this.session.warnings) this.messages.add({ kind: 'warning', text });
     this.renderer.changed();
   }
 
@@ -133,7 +138,7 @@ export class PerchView extends LitElement implements RendererView {
         <time-line .store=${store} .nextPicture=${() => this.renderer.nextPicture()}></time-line>
       </section>
       <footer>
-        <status-bar .at=${this.at} .pixel=${this.pixel} command=${this.command} .speed=${this.speed}></status-bar>
+        <status-bar .at=${this.at} .pixel=${this.pixel} command=${this.command} .speed=${this.speed} .progress=${this.progress}></status-bar>
       </footer>
       <save-dialog></save-dialog>`;
   }
@@ -152,6 +157,8 @@ export class PerchView extends LitElement implements RendererView {
 
   async paint(picture: Picture, changedAt: number): Promise<void> {
     const begin = performance.now();
+    this.progress = null;
+    this.waitsSince = begin;
     await this.stage.paint(picture);
     if (picture.kind === 'result')
       this.speed = this.speedometer.take(picture, changedAt, performance.now() - begin);
@@ -159,12 +166,14 @@ export class PerchView extends LitElement implements RendererView {
   }
 
   moves(): void {
+    if (this.isSettled) this.waitsSince = performance.now();
     this.isSettled = false;
     if (this.viewing.isOriginalHeld || this.viewing.comparison === 'wipe') void this.fetchOriginal();
   }
 
   settles(): void {
     this.isSettled = true;
+    this.progress = null;
     void this.fetchOriginal();
     void this.fetchHistogram();
     if (this.at) void this.readPixel();
@@ -262,6 +271,11 @@ export class PerchView extends LitElement implements RendererView {
   private async savePreset(): Promise<void> {
     if (this.session.canSave) this.saveDialog.ask(async (name) => void (await api.savePreset(name)));
     else await this.attempt(async () => download('look.json', await api.preset()));
+  }
+
+  private takeProgress(serial: number, fraction: number): void {
+    const isLong = performance.now() > this.waitsSince + longTime;
+    if (isLong && !this.isSettled && serial === this.renderer.serial) this.progress = fraction;
   }
 
   private takeNews(news: RenderNews): void {

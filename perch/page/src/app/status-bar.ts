@@ -44,6 +44,11 @@ export class StatusBar extends LitElement {
         color: var(--dim);
         user-select: all;
       }
+      progress {
+        width: 90px;
+        height: 6px;
+        accent-color: var(--accent);
+      }
       .speed {
         flex: none;
         color: var(--dim);
@@ -55,11 +60,12 @@ export class StatusBar extends LitElement {
   @property({ attribute: false }) pixel: PixelAnswer | null = null;
   @property() command = '';
   @property({ attribute: false }) speed: Speed | null = null;
+  @property({ attribute: false }) progress: number | null = null;
 
   protected override render() {
     return html`<span class="read" aria-label="Pixel" role="group">${this.renderPixel()}</span>
       <code aria-label="Command" role="group" title=${this.command}>${this.command}</code>
-      ${this.renderSpeed()}`;
+      ${this.progress === null ? this.renderSpeed() : this.renderProgress(this.progress)}`;
   }
 
   private renderPixel() {
@@ -72,6 +78,11 @@ export class StatusBar extends LitElement {
       ${result ? html`<span><span class="dim">result</span> ${result.join(' ')}</span>` : nothing}
       ${value === null ? nothing : html`<span><span class="dim">depth</span> ${shown(value, 2)} %</span>`}
       ${distance === null ? nothing : html`<span><span class="dim">distance</span> ${shown(distance, 2)}</span>`}`;
+  }
+
+  private renderProgress(progress: number) {
+    return html`<progress aria-label="Picture under way" max="1" value=${progress}></progress>
+      <span class="numbers">${Math.floor(progress * 100)} %</span>`;
   }
 
   private renderSpeed() {

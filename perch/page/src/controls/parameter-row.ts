@@ -1,5 +1,5 @@
 // One line of the panel: name, control, key and reset.
-import { css, html, nothing, svg } from 'lit';
+import { css, html, svg } from 'lit';
 import { customElement } from 'lit/decorators.js';
 import { shared } from '../app/theme';
 import { isKeys, hasKeys, hasValue } from '../model/session';
@@ -19,7 +19,7 @@ export class ParameterRow extends Control {
     css`
       :host {
         display: grid;
-        grid-template-columns: var(--name, 128px) minmax(0, 1fr) 20px 20px;
+        grid-template-columns: 138px minmax(0, 1fr) 20px 20px;
         gap: 4px;
         align-items: center;
         min-height: 28px;
@@ -50,7 +50,7 @@ export class ParameterRow extends Control {
   protected override render() {
     const { key, name, type, hint, enabled } = this.parameter;
     const curve = this.store.curve(key);
-    return html`<span class="name ${isKeys(curve) ? 'keyed' : ''}" title=${hint || nothing} aria-hidden="true"
+    return html`<span class="name ${isKeys(curve) ? 'keyed' : ''}" title=${hint ? `${name}: ${hint}` : name} aria-hidden="true"
         >${name}</span
       >
       ${this.control()}
@@ -96,7 +96,7 @@ export class ParameterRow extends Control {
       case 'point':
         return html`<point-control .store=${store} .parameter=${parameter}></point-control>`;
       default:
-        return html`<span class="dim">set in the effect's own window</span>`;
+        return html`<span class="dim">only in the effect's own window</span>`;
     }
   }
 }

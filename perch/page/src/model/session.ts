@@ -48,7 +48,6 @@ export interface State {
 
 export interface Session {
   readonly effect: { readonly name: string; readonly category: string };
-  readonly version: string;
   readonly picture: {
     readonly width: number;
     readonly height: number;
@@ -59,8 +58,9 @@ export interface Session {
   };
   readonly layers: readonly { readonly parameter: string; readonly file: string }[];
   readonly parameters: readonly Parameter[];
-  readonly pick: { readonly value: string | null; readonly layer: string; readonly parameter: string } | null;
+  readonly pick: { readonly layer: string; readonly parameter: string } | null; // names
   readonly canSave: boolean;
+  readonly warnings: readonly string[]; // told before the page came
   readonly state: State;
 }
 

@@ -25,7 +25,6 @@ export interface Picture {
   readonly width: number;
   readonly height: number;
   readonly isFull: boolean;
-  readonly isExact: boolean; // the very codes that were rendered, 8 bits of each
   readonly image: ImageData | ImageBitmap;
   readonly times: Times;
 }
@@ -78,8 +77,8 @@ function serverTimes(header: string): { decode: number; render: number; encode: 
 export const api = {
   async session(): Promise<Session> {
     const session = await json<Session>('/api/session');
-    const keyed = session.parameters.map((parameter) => ({ ...parameter, key: parameter.key ?? parameter.name }));
-    return { ...session, parameters: keyed };
+    const parameters = session.parameters.map((parameter) => ({ ...parameter, key: parameter.key ?? parameter.name }));
+    return { ...session, parameters };
   },
 
   state: () => json<State>('/api/state'),
@@ -122,7 +121,6 @@ export const api = {
       width: image.width,
       height: image.height,
       isFull: response.headers.get('X-Full') === '1',
-      isExact: !type.startsWith('image/jpeg'),
       image,
       times: { ...times, transfer },
     };

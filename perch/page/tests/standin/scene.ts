@@ -23,7 +23,7 @@ export const stampSize = 8;
 export class Scene {
   private readonly beauty: Samples;
   private readonly depth: Samples;
-  private readonly tables: readonly Float64Array[];
+  private readonly sums: Float64Array;
   readonly width: number;
   readonly height: number;
 
@@ -32,7 +32,7 @@ export class Scene {
     this.depth = sample(name === 'still' ? 'still/depth' : 'shot/depth.0001');
     this.width = this.beauty.width;
     this.height = this.beauty.height;
-    this.tables = [0, 1, 2, 3].map((channel) => this.table(channel));
+    this.sums = sumsOf(this.beauty);
   }
 
   depthAt(x: number, y: number): number {
@@ -51,53 +51,59 @@ export class Scene {
 
   picture(kind: string, look: Look, width: number, height: number): Uint8ClampedArray {
     const codes = new Uint8ClampedArray(width * height * 4);
-    for (let y = 0; y < height; y += 1)
-      for (let x = 0; x < width; x += 1) {
+    const source = this.beauty.codes;
+    for (let y = 0, at = 0; y < height; y += 1)
+      for (let x = 0; x < width; x += 1, at += 4) {
         const fullX = Math.floor(((x + 0.5) * this.width) / width);
         const fullY = Math.floor(((y + 0.5) * this.height) / height);
-        this.pixel(kind, look, fullX, fullY, codes, (y * width + x) * 4);
+        const value = this.depthAt(fullX, fullY) / 65535;
+        const distance = Math.max(Math.abs(look.point - value) - look.range, 0);
+        if (kind === 'layer') paintGrey(codes, at, value);
+        else if (kind === 'focus' && distance > 0) paintGrey(codes, at, distance);
+        else if (kind === 'result' && distance > 0) this.blur(fullX, fullY, Math.round(distance * look.radius), codes, at);
+        else
+          for (let channel = 0; channel < 4; channel += 1)
+            codes[at + channel] = source[(fullY * this.width + fullX) * 4 + channel] as number;
       }
     if (look.stamp !== null && kind === 'result') drawStamp(codes, width, look.stamp);
     return codes;
   }
 
-  private pixel(kind: string, look: Look, x: number, y: number, codes: Uint8ClampedArray, at: number): void {
-    const value = this.depthAt(x, y) / 65535;
-    const distance = Math.max(Math.abs(look.point - value) - look.range, 0);
-    if (kind === 'layer') codes.set([value * 255, value * 255, value * 255, 255], at);
-    else if (kind === 'focus' && distance > 0) codes.set([distance * 255, distance * 255, distance * 255, 255], at);
-    else if (kind === 'result' && distance > 0) this.blurred(x, y, Math.round(distance * look.radius), codes, at);
-    else codes.set(this.sourceAt(x, y), at);
-  }
-
-  private blurred(x: number, y: number, radius: number, codes: Uint8ClampedArray, at: number): void {
+  private blur(x: number, y: number, radius: number, codes: Uint8ClampedArray, at: number): void {
     const [left, right] = [Math.max(x - radius, 0), Math.min(x + radius + 1, this.width)];
     const [top, bottom] = [Math.max(y - radius, 0), Math.min(y + radius + 1, this.height)];
+    const { sums } = this;
     const row = this.width + 1;
-    const sum = (table: Float64Array) =>
-      (table[bottom * row + right] as number) - (table[top * row + right] as number) -
-      (table[bottom * row + left] as number) + (table[top * row + left] as number);
-    const alpha = sum(this.tables[3] as Float64Array);
+    const [a, b] = [(top * row + left) * 4, (top * row + right) * 4];
+    const [c, d] = [(bottom * row + left) * 4, (bottom * row + right) * 4];
+    const sum = (channel: number) =>
+      (sums[d + channel] as number) - (sums[b + channel] as number) - (sums[c + channel] as number) + (sums[a + channel] as number);
+    const alpha = sum(3);
     if (alpha <= 0) return;
-    for (let channel = 0; channel < 3; channel += 1)
-      codes[at + channel] = sum(this.tables[channel] as Float64Array) / alpha;
+    for (let channel = 0; channel < 3; channel += 1) codes[at + channel] = sum(channel) / alpha;
     codes[at + 3] = alpha / ((right - left) * (bottom - top));
   }
+}
 
-  // Sums of all that lies above and left; colours times their alpha.
-  private table(channel: number): Float64Array {
-    const row = this.width + 1;
-    const table = new Float64Array(row * (this.height + 1));
-    for (let y = 0; y < this.height; y += 1)
-      for (let x = 0; x < this.width; x += 1) {
-        const at = (y * this.width + x) * 4;
-        const alpha = this.beauty.codes[at + 3] as number;
-        const code = channel === 3 ? alpha : (this.beauty.codes[at + channel] as number) * alpha;
-        table[(y + 1) * row + x + 1] =
-          code + (table[y * row + x + 1] as number) + (table[(y + 1) * row + x] as number) - (table[y * row + x] as number);
+// For each pixel and channel the sum of all that lies above and left; colours times their alpha.
+function sumsOf({ width, height, codes }: Samples): Float64Array {
+  const row = (width + 1) * 4;
+  const sums = new Float64Array(row * (height + 1));
+  for (let y = 0; y < height; y += 1)
+    for (let x = 0; x < width; x += 1) {
+      const alpha = codes[(y * width + x) * 4 + 3] as number;
+      for (let channel = 0; channel < 4; channel += 1) {
+        const at = y * row + x * 4 + channel;
+        const code = channel === 3 ? alpha : (codes[(y * width + x) * 4 + channel] as number) * alpha;
+        sums[at + row + 4] = code + (sums[at + 4] as number) + (sums[at + row] as number) - (sums[at] as number);
       }
-    return table;
-  }
+    }
+  return sums;
+}
+
+function paintGrey(codes: Uint8ClampedArray, at: number, share: number): void {
+  codes[at] = codes[at + 1] = codes[at + 2] = share * 255;
+  codes[at + 3] = 255;
 }
 
 function drawStamp(codes: Uint8ClampedArray, width: number, stamp: number): void {

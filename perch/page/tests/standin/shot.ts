@@ -13,6 +13,7 @@ export class Refusal extends Error {
 export interface ShotOptions {
   readonly effect?: 'focusing' | 'everything';
   readonly canSave?: boolean;
+  readonly warnings?: readonly string[];
 }
 
 interface Sent {
@@ -93,12 +94,12 @@ export class Shot {
     const isFocusing = this.options.effect !== 'everything';
     return {
       effect: { name: isFocusing ? 'Kestrel' : 'Everything', category: 'Blur' },
-      version: '1.0.0',
       picture: { ...size, depth: 8, frames: this.frames, rate: 24, input: 'shot.####.png' },
       layers: isFocusing ? [{ parameter: 'Control Layer', file: 'depth.####.png' }] : [],
       parameters: this.parameters,
-      pick: isFocusing ? { value: 'Luma', layer: 'Control Layer', parameter: 'Focal Point' } : null,
+      pick: isFocusing ? { layer: 'Control Layer', parameter: 'Focal Point' } : null,
       canSave: this.options.canSave ?? false,
+      warnings: this.options.warnings ?? [],
       state: this.state(),
     };
   }
