@@ -17,13 +17,17 @@ BUNDLE_PACKAGES := $(PRODUCT_PACKAGES) clang lld llvm-14 g++-mingw-w64-x86-64-po
 
 ELSEWHERE_PACKAGES := $(TEST_PACKAGES) g++-aarch64-linux-gnu
 
+# Node may be there from elsewhere than Debian, and then brings its own npm.
+INSTALL_NPM := command -v npm >/dev/null || scripts/install-packages.sh npm
+
 .PHONY: demo test test-elsewhere bundles bench bench-all bench-compare clean
 .DEFAULT_GOAL := demo
 
 demo: ; @scripts/demo.sh $(PRODUCT_PACKAGES)
 
 test:
-	@scripts/install-packages.sh $(TEST_PACKAGES)
+	@scripts/install-packages.sh $(TEST_PACKAGES) chromium
+	@$(INSTALL_NPM)
 	@scripts/test.sh release asan
 	@scripts/test-elsewhere.sh windows-x64
 
@@ -33,7 +37,7 @@ test-elsewhere:
 
 bundles:
 	@scripts/install-packages.sh $(BUNDLE_PACKAGES)
-	@command -v npm >/dev/null || scripts/install-packages.sh npm
+	@$(INSTALL_NPM)
 	@scripts/bundles.sh
 
 bench:
