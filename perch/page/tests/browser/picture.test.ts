@@ -23,8 +23,9 @@ after(async () => {
 // What the server has drawn into the corner of the picture that is on the canvas.
 function stampShown(): Promise<number> {
   return result().evaluate((element, size) => {
-    const canvas = element as HTMLCanvasElement;
-    const row = canvas.getContext('2d')?.getImageData(0, 0, 32 * size, 1).data as Uint8ClampedArray;
+    const context = document.createElement('canvas').getContext('2d', { willReadFrequently: true }) as CanvasRenderingContext2D;
+    context.drawImage(element as HTMLCanvasElement, 0, 0);
+    const row = context.getImageData(0, 0, 32 * size, 1).data;
     let stamp = 0;
     for (let bit = 31; bit >= 0; bit -= 1) stamp = stamp * 2 + ((row[bit * size * 4] as number) > 127 ? 1 : 0);
     return stamp;
@@ -169,10 +170,10 @@ for (const [name, boxes] of [['Side by side', 2], ['Overlay', 1]] as const)
   });
 
 test('an error of the effect is shown with its command, and the next picture goes on', async () => {
-  opened.server.nextError = { status: 500, body: { error: 'the effect crashed at RENDER', frame: 3, command: 'perch render …' } };
+  opened.server.breaksAt = 33;
   await focal().fill('33');
   const messages = page.getByRole('log', { name: 'Messages' });
-  await messages.getByText('frame 3: the effect crashed at RENDER').waitFor();
+  await messages.getByText(`frame ${opened.server.shot.newest.frame}: the effect crashed at RENDER`).waitFor();
   await messages.getByText('perch render …').waitFor();
   await focal().fill('34');
   await settled(page);

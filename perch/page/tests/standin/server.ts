@@ -41,7 +41,7 @@ export class StandIn {
   readonly shot: Shot;
   readonly saved: string[] = [];
   frameTime = 20; // ms for a frame of a render
-  nextError: { status: number; body: object } | null = null;
+  breaksAt: number | null = null; // the focal point at which the effect crashes
   private readonly scene: Scene;
   private readonly server: Server;
   private readonly listeners = new Set<ServerResponse>();
@@ -146,12 +146,9 @@ export class StandIn {
     const begin = performance.now();
     if (this.options.delay) await new Promise((done) => setTimeout(done, this.options.delay));
     if ((this.newest.get(kind) ?? 0) > serial) throw new Refusal(409, 'overtaken by newer values');
-    if (this.nextError) {
-      const { status, body } = this.nextError;
-      this.nextError = null;
-      return this.json(response, body, status);
-    }
     const sent = this.shot.sent(serial);
+    if (this.breaksAt !== null && this.shot.value(sent, 'Focal Point') === this.breaksAt)
+      return this.json(response, { error: 'the effect crashed at RENDER', frame: sent.frame, command: 'perch render …' }, 500);
     const [width, height] = size === 'full' ? [this.scene.width, this.scene.height] : (size.split('x').map(Number) as [number, number]);
     const per = (name: string) => Number(this.shot.value(sent, name)) / 100 || 0;
     const radius = Number(this.shot.value(sent, 'Maximum Blur')) || 0;
