@@ -1,0 +1,73 @@
+// Pictures of a shot as files have them and as the effect is given them, kept for as long as there is memory:
+// those that were not asked for the longest go first. Any thread.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <list>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <tuple>
+#include <vector>
+
+#include "Effect.h"
+#include "FileWorlds.h"
+#include "FramePlan.h"
+#include "LayerReader.h"
+#include "RenderJob.h"
+
+namespace perch {
+
+// Of one frame, at one size.
+struct FrameWorlds {
+    std::shared_ptr<const FileWorld> input;
+    LayerWorlds layers{};
+};
+
+class PictureStore {
+public:
+    // Keeps references. Finds the ranges that are left to the first frame.
+    PictureStore(const Effect& effect, const RenderSettings& settings, const FramePlan& plan,
+                 std::int64_t bytes);
+
+    // Throw Error, which names the file. `scale` is of the file's own size.
+    FrameWorlds worlds(const FrameFiles& files, const PF_RationalScale& scale);
+    SharedPicture input(const FrameFiles& files);
+    SharedPicture layer(const FrameFiles& files, PF_ParamIndex index);  // null where there is none
+
+    const FrameFiles& filesOf(std::int32_t frame) const;
+    // That frames before and after a frame are there when they are asked for.
+    void readAround(std::int32_t frame);
+
+private:
+    // 0 is the input; the picture of a file, or a world of it.
+    using Key = std::tuple<PF_ParamIndex, std::filesystem::path, A_long, A_u_long, Depth>;
+    struct Kept {
+        Key key;
+        SharedPicture picture;
+        std::shared_ptr<const FileWorld> world;
+        std::int64_t bytes = 0;
+    };
+
+    SharedPicture picture(PF_ParamIndex index, const std::filesystem::path& path);
+    std::shared_ptr<const FileWorld> world(PF_ParamIndex index, const std::filesystem::path& path,
+                                           const PF_RationalScale& scale, Depth depth);
+    std::map<PF_ParamIndex, std::filesystem::path> layersOf(const FrameFiles& files) const;
+    std::optional<Kept> find(const Key& key);
+    void keep(Kept kept);
+
+    const Effect& effect;
+    const RenderSettings& settings;
+    const FramePlan& plan;
+    const std::int64_t mostBytes;
+    Notes notes;
+    LayerReader reader;
+    std::mutex mutex;
+    std::list<Kept> kept;  // the one asked for last is the first
+    std::map<Key, std::list<Kept>::iterator> byKey;
+    std::int64_t bytes = 0;
+};
+
+}  // namespace perch

@@ -1,0 +1,345 @@
+#include "Session.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <charconv>
+#include <future>
+#include <nlohmann/json.hpp>
+#include <thread>
+#include <utility>
+
+#include "Codec.h"
+#include "Console.h"
+#include "Error.h"
+#include "PF_Values.h"
+#include "ReadOut.h"
+#include "SessionJson.h"
+
+namespace perch {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr std::size_t kMostLooks = 8;
+
+std::string textOf(const Json& json) {
+    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+ViewAnswer jsonAnswer(const Json& json) {
+    return {.body = textOf(json)};
+}
+
+std::int64_t numberOf(const ViewRequest& request, const std::string& name) {
+    const std::string text = request.value(name);
+    std::int64_t number = 0;
+    const char* const end = text.data() + text.size();
+    const auto parsed = std::from_chars(text.data(), end, number);
+    if (parsed.ec != std::errc() || parsed.ptr != end)
+        throw UsageError(fmt::format("\"{}\" takes a whole number, not \"{}\"", name, text));
+    return number;
+}
+
+// "640x360", or "full".
+std::optional<PictureSize> sizeOf(const std::string& text) {
+    if (text.empty() || text == "full") return std::nullopt;
+    PictureSize size;
+    const char* const end = text.data() + text.size();
+    const auto width = std::from_chars(text.data(), end, size.width);
+    const bool hasCross = width.ec == std::errc() && width.ptr != end && *width.ptr == 'x';
+    const auto height = std::from_chars(hasCross ? width.ptr + 1 : end, end, size.height);
+    if (height.ec != std::errc() || height.ptr != end || size.width < 1 || size.height < 1)
+        throw UsageError(fmt::format("\"size\" is like 640x360, or full, not \"{}\"", text));
+    return size;
+}
+
+ViewAnswer overtaken(std::uint64_t id) {
+    ViewAnswer answer = refusal(409, "a newer picture was asked for");
+    answer.id = id;
+    return answer;
+}
+
+double milliseconds(std::chrono::nanoseconds time) {
+    return std::chrono::duration<double, std::milli>(time).count();
+}
+
+// RGBA, straight, or an image file of it.
+ViewAnswer encoded(const Development& development, const std::string& format) {
+    ViewAnswer answer;
+    pictures::Picture picture =
+        pictureOf(development.picture, *development.input, pictures::SampleType::Bits8);
+    if (format.empty() || format == "raw") {
+        const auto& samples = std::get<0>(picture.samples);
+        answer.type = "application/octet-stream";
+        answer.body.assign(samples.begin(), samples.end());
+        return answer;
+    }
+    const bool isPng = format == "png";
+    if (!isPng && format != "jpeg")
+        throw UsageError(fmt::format("\"format\" is raw, png or jpeg, not \"{}\"", format));
+    pictures::Encoding encoding;
+    encoding.format = isPng ? pictures::FileFormat::Png : pictures::FileFormat::Jpeg;
+    encoding.options.compression = 1;
+    encoding.options.jpegQuality = 85;
+    if (!isPng) {  // which has no alpha
+        pictures::Picture opaque =
+            pictures::newPicture(picture.width, picture.height, 3, pictures::SampleType::Bits8);
+        const auto& from = std::get<0>(picture.samples);
+        auto& to = std::get<0>(opaque.samples);
+        for (std::size_t pixel = 0; pixel < from.size() / 4; ++pixel)
+            std::copy_n(from.begin() + static_cast<std::ptrdiff_t>(4 * pixel), 3,
+                        to.begin() + static_cast<std::ptrdiff_t>(3 * pixel));
+        picture = std::move(opaque);
+    }
+    const std::vector<unsigned char> bytes = pictures::codec().encode(picture, encoding).bytes;
+    answer.type = isPng ? "image/png" : "image/jpeg";
+    answer.body.assign(bytes.begin(), bytes.end());
+    return answer;
+}
+
+}  // namespace
+
+ViewAnswer refusal(int status, const std::string& sentence) {
+    return {.status = status, .body = textOf(Json{{"error", sentence}})};
+}
+
+ViewEvent messageEvent(std::string_view message) {
+    return {"message", textOf(Json{{"text", printable(message)}})};
+}
+
+Session::Session(Effect& effect, const RenderSettings& settings, const FramePlan& plan,
+                 const LookReader& looks, Look look, std::int64_t memory, std::string input,
+                 std::map<PF_ParamIndex, std::string> layers)
+    : effect(effect),
+      settings(settings),
+      plan(plan),
+      looks(looks),
+      inputName(std::move(input)),
+      layerNames(std::move(layers)),
+      pick(usualPick(looks.parameters(), effect.description().parameters, layerNames)),
+      store(effect, settings, plan, memory),
+      darkroom(effect, settings, plan, store) {
+    recent.push_back(std::move(look));
+}
+
+void Session::run(Wire& wire) {
+    wireInUse = &wire;
+    wire.send(ViewEvent{"ready", textOf(looks.json(look()))});
+    std::thread reading([&] { read(wire); });
+    std::future<void> ahead;
+    try {
+        while (std::optional<QueuedRequest> queued = queue.next()) {
+            ViewAnswer answer = answerInTurn(queued->request);
+            answer.id = queued->request.id;
+            wire.send(answer);
+            const bool isReading =
+                ahead.valid() && ahead.wait_for(std::chrono::seconds(0)) != std::future_status::ready;
+            if (isReading || queued->kind.empty()) continue;
+            ahead = std::async(std::launch::async, [this, frame = look().frame] {
+                try {
+                    store.readAround(frame);
+                } catch (const Error&) {
+                    // Told when the frame itself is asked for.
+                }
+            });
+        }
+    } catch (...) {
+        wire.end();
+        reading.join();
+        throw;
+    }
+    reading.join();
+}
+
+void Session::read(Wire& wire) {
+    while (std::optional<ViewRequest> request = wire.receiveRequest()) {
+        if (isAnsweredAtOnce(*request)) {
+            ViewAnswer answer = answerAtOnce(*request);
+            answer.id = request->id;
+            wire.send(answer);
+            continue;
+        }
+        QueuedRequest queued{.request = std::move(*request)};
+        if (queued.request.path == "/api/picture") {
+            const std::string kind = queued.request.value("kind");
+            queued.kind = kind.empty() ? "result" : kind;
+            const std::string serial = queued.request.value("serial");
+            std::from_chars(serial.data(), serial.data() + serial.size(), queued.serial);
+        }
+        for (const ViewRequest& late : queue.add(std::move(queued)))
+            wire.send(overtaken(late.id));
+    }
+    queue.end();
+}
+
+ViewAnswer Session::answer(const ViewRequest& request) {
+    return isAnsweredAtOnce(request) ? answerAtOnce(request) : answerInTurn(request);
+}
+
+bool Session::isAnsweredAtOnce(const ViewRequest& request) const {
+    return request.path == "/api/state" || request.path == "/api/session" || request.path == "/api/preset" ||
+           request.path == "/words";
+}
+
+ViewAnswer Session::answerAtOnce(const ViewRequest& request) {
+    try {
+        if (request.path == "/api/session") return description();
+        // For the server alone, which starts the command.
+        if (request.path == "/words") return jsonAnswer(looks.words(look()));
+        if (request.path == "/api/preset" && request.method == "PUT") return takePreset(request.body);
+        if (request.path == "/api/preset") return {.body = looks.presetText(look())};
+        if (request.method == "POST") return takeLook(request.body);
+        return jsonAnswer(looks.json(look()));
+    } catch (const Error& error) {
+        return refusal(422, error.what());
+    }
+}
+
+ViewAnswer Session::answerInTurn(const ViewRequest& request) {
+    const auto failed = [&](const std::exception& error, const Json& command) {
+        return ViewAnswer{
+            .status = 500,
+            .body = textOf(
+                Json{{"error", printable(error.what())}, {"frame", look().frame}, {"command", command}})};
+    };
+    try {
+        if (request.path == "/api/picture") return picture(request);
+        if (request.path == "/api/pixel") return pixel(request);
+        if (request.path == "/api/histogram") return histogram(request);
+        return refusal(404, "there is no such page");
+    } catch (const Cancelled&) {
+        return overtaken(request.id);
+    } catch (const EffectBroke&) {
+        throw;
+    } catch (const UsageError& error) {
+        return refusal(422, error.what());
+    } catch (const EffectError& error) {
+        return failed(error, error.command);
+    } catch (const std::exception& error) {
+        return failed(error, nullptr);
+    }
+}
+
+Look Session::look() const {
+    const std::lock_guard lock(mutex);
+    return recent.back();
+}
+
+std::optional<Look> Session::lookOf(std::int64_t serial) const {
+    const std::lock_guard lock(mutex);
+    const auto found = std::ranges::find(recent, serial, &Look::serial);
+    return found != recent.end() ? std::optional(*found) : std::nullopt;
+}
+
+void Session::keepLook(Look look) {
+    const std::lock_guard lock(mutex);
+    if (look.serial <= recent.back().serial) return;
+    recent.push_back(std::move(look));
+    if (recent.size() > kMostLooks) recent.pop_front();
+}
+
+ViewAnswer Session::takeLook(const std::string& body) {
+    keepLook(looks.parse(body));
+    return jsonAnswer(looks.json(look()));
+}
+
+ViewAnswer Session::takePreset(const std::string& body) {
+    Look changed = looks.withPreset(look(), body);
+    ++changed.serial;
+    keepLook(std::move(changed));
+    return jsonAnswer(looks.json(look()));
+}
+
+ViewAnswer Session::picture(const ViewRequest& request) {
+    const std::int64_t serial = numberOf(request, "serial");
+    const std::optional<Look> wanted = lookOf(serial);
+    if (!wanted) return refusal(409, "that state is no longer known");
+    const std::optional<PictureSize> room = sizeOf(request.value("size"));
+    const std::string kind = request.value("kind");
+    const auto progress = [&](double fraction) {
+        if (wireInUse != nullptr)
+            wireInUse->send(ViewEvent{"progress", textOf(Json{{"serial", serial}, {"fraction", fraction}})});
+    };
+    const auto develop = [&] {
+        if (kind == "original") return darkroom.original(*wanted, room);
+        if (kind == "layer") {
+            if (!pick) throw UsageError("there is no layer to be shown");
+            return darkroom.layer(*wanted, pick->layer, room);
+        }
+        if (kind == "focus")
+            return darkroom.render(inFocusView(*wanted, looks), room, queue.cancelled(), progress);
+        if (!kind.empty() && kind != "result")
+            throw UsageError(fmt::format("\"kind\" is result, original, layer or focus, not \"{}\"", kind));
+        return darkroom.render(*wanted, room, queue.cancelled(), progress);
+    };
+    const Development development = develop();
+    const auto begin = std::chrono::steady_clock::now();
+    ViewAnswer answer = encoded(development, request.value("format"));
+    answer.headers = {{"X-Serial", fmt::format("{}", serial)},
+                      {"X-Width", fmt::format("{}", development.picture.width())},
+                      {"X-Height", fmt::format("{}", development.picture.height())},
+                      {"X-Full", development.isFull ? "1" : "0"},
+                      {"Server-Timing",
+                       fmt::format("decode;dur={:.2f}, render;dur={:.2f}, encode;dur={:.2f}",
+                                   milliseconds(development.decodeTime), milliseconds(development.renderTime),
+                                   milliseconds(std::chrono::steady_clock::now() - begin))}};
+    return answer;
+}
+
+ViewAnswer Session::pixel(const ViewRequest& request) {
+    const std::optional<Look> wanted = lookOf(numberOf(request, "serial"));
+    if (!wanted) return refusal(409, "that state is no longer known");
+    const FrameFiles& files = store.filesOf(wanted->frame);
+    const SharedPicture input = store.input(files);
+    const std::int64_t x = numberOf(request, "x");
+    const std::int64_t y = numberOf(request, "y");
+    if (x < 0 || y < 0 || x >= input->width || y >= input->height)
+        throw UsageError(fmt::format("the picture has {} x {} pixels; there is none at {}, {}", input->width,
+                                     input->height, x, y));
+    Json json{{"source", codesAt(*input, static_cast<std::int32_t>(x), static_cast<std::int32_t>(y))},
+              {"result", nullptr},
+              {"layer", nullptr},
+              {"depth", input->type() == pictures::SampleType::Bits8 ? 8 : 16},
+              {"value", nullptr},
+              {"distance", nullptr}};
+    const SharedPicture layer = pick ? store.layer(files, pick->layer) : nullptr;
+    if (layer == nullptr) return jsonAnswer(json);
+    // A layer of another size covers the same picture.
+    const auto layerX =
+        static_cast<std::int32_t>((2 * x + 1) * layer->width / (2 * std::int64_t{input->width}));
+    const auto layerY =
+        static_cast<std::int32_t>((2 * y + 1) * layer->height / (2 * std::int64_t{input->height}));
+    const double share = shareAt(*layer, layerX, layerY, controlChannel(*wanted, looks));
+    json["layer"] = codesAt(*layer, layerX, layerY);
+    json["value"] = pickedValue(*wanted, looks, *pick, share);
+    const auto reading = settings.layers.find(pick->layer);
+    if (reading != settings.layers.end() && reading->second.range)
+        json["distance"] = distanceOf(share, *reading->second.range);
+    return jsonAnswer(json);
+}
+
+ViewAnswer Session::histogram(const ViewRequest& request) {
+    Look wanted = look();
+    if (!request.value("frame").empty()) wanted.frame = static_cast<std::int32_t>(numberOf(request, "frame"));
+    const SharedPicture layer = pick ? store.layer(store.filesOf(wanted.frame), pick->layer) : nullptr;
+    if (layer == nullptr) return refusal(404, "there is no layer whose values could be counted");
+    return jsonAnswer({{"bins", histogramOf(*layer, controlChannel(wanted, looks))}});
+}
+
+ViewAnswer Session::description() const {
+    const SharedPicture first = const_cast<PictureStore&>(store).input(plan.frames.front());
+    const Look newest = look();
+    Json json = sessionJson(effect.description(), looks, layerNames, pick);
+    std::vector<std::int32_t> frames = looks.frameNumbers();
+    json["picture"] = {{"width", first->width},
+                       {"height", first->height},
+                       {"depth", first->type() == pictures::SampleType::Bits8 ? 8 : 16},
+                       {"frames", frames},
+                       {"rate", 24},
+                       {"input", inputName}};
+    json["state"] = looks.json(newest);
+    return jsonAnswer(json);
+}
+
+}  // namespace perch

@@ -1,0 +1,74 @@
+// What answers the page: the state that it shows, and pictures of it. The server passes requests on to it and
+// holds nothing of the effect itself, so that a session that ends can be replaced by another.
+//
+//     server ==== Wire ===> reading thread: states, presets      answered at once
+//                             |
+//                             +-- RequestQueue --> thread of the effect: pictures, pixels, histograms
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "Darkroom.h"
+#include "Look.h"
+#include "Pick.h"
+#include "PictureStore.h"
+#include "RequestQueue.h"
+#include "Wire.h"
+
+namespace perch {
+
+class Session {
+public:
+    // Keeps references. `look` is what is shown first.
+    Session(Effect& effect, const RenderSettings& settings, const FramePlan& plan, const LookReader& looks,
+            Look look, std::int64_t memory, std::string input, std::map<PF_ParamIndex, std::string> layers);
+
+    // Answers what comes over the wire until its other end closes it. Throws EffectBroke.
+    void run(Wire& wire);
+
+    // One request, on the thread of the effect; what the queue would do is left out. For tests too.
+    ViewAnswer answer(const ViewRequest& request);
+
+private:
+    bool isAnsweredAtOnce(const ViewRequest& request) const;
+    ViewAnswer answerAtOnce(const ViewRequest& request);
+    ViewAnswer answerInTurn(const ViewRequest& request);
+    ViewAnswer takeLook(const std::string& body);
+    ViewAnswer takePreset(const std::string& body);
+    ViewAnswer picture(const ViewRequest& request);
+    ViewAnswer pixel(const ViewRequest& request);
+    ViewAnswer histogram(const ViewRequest& request);
+    ViewAnswer description() const;
+    void read(Wire& wire);
+    Look look() const;
+    std::optional<Look> lookOf(std::int64_t serial) const;
+    void keepLook(Look look);
+
+    Effect& effect;
+    const RenderSettings& settings;
+    const FramePlan& plan;
+    const LookReader& looks;
+    const std::string inputName;
+    const std::map<PF_ParamIndex, std::string> layerNames;
+    const std::optional<Pick> pick;
+    PictureStore store;
+    Darkroom darkroom;
+    RequestQueue queue;
+    Wire* wireInUse = nullptr;
+    mutable std::mutex mutex;
+    std::deque<Look> recent;  // the newest is the last
+};
+
+// The effect's words for the page.
+ViewEvent messageEvent(std::string_view message);
+
+// A failure as JSON, in one sentence.
+ViewAnswer refusal(int status, const std::string& sentence);
+
+}  // namespace perch
