@@ -1,0 +1,148 @@
+#include "ViewOptions.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <utility>
+
+#include "Child.h"
+#include "Console.h"
+#include "Error.h"
+#include "ExitStatus.h"
+#include "Page.h"
+#include "RenderRun.h"
+#include "SaveFolder.h"
+#include "Server.h"
+#include "SessionProcess.h"
+
+namespace perch {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+ViewAnswer jsonAnswer(int status, const Json& json) {
+    return {.status = status, .body = json.dump(-1, ' ', false, Json::error_handler_t::replace)};
+}
+
+ViewAnswer refusal(int status, const std::string& sentence) {
+    return jsonAnswer(status, {{"error", sentence}});
+}
+
+// What the server answers itself, and what it passes on.
+class Desk {
+public:
+    Desk(SessionProcess& session, RenderRun& render, const std::string& saveFolder)
+        : session(session), render(render) {
+        if (!saveFolder.empty()) folder.emplace(saveFolder);
+    }
+
+    ViewAnswer answer(const ViewRequest& request) {
+        try {
+            if (!request.path.starts_with("/api/")) return page(request);
+            if (request.path == "/api/render") return renderAnswer(request);
+            if (request.path == "/api/preset" && request.method == "POST") return save(request);
+            ViewAnswer answer = session.ask(request);
+            if (request.path == "/api/session" && answer.status == 200) addOwn(answer);
+            return answer;
+        } catch (const UsageError& error) {
+            return refusal(422, error.what());
+        } catch (const std::exception& error) {
+            return refusal(500, error.what());
+        }
+    }
+
+private:
+    static ViewAnswer page(const ViewRequest& request) {
+        const std::optional<PageFile> file = request.method == "GET" ? pageFile(request.path) : std::nullopt;
+        if (!file) return refusal(404, "there is no such page");
+        return {.type = file->type, .body = std::string(file->bytes)};
+    }
+
+    void addOwn(ViewAnswer& answer) const {
+        Json json = Json::parse(answer.body);
+        json["canSave"] = folder.has_value();
+        answer.body = json.dump(-1, ' ', false, Json::error_handler_t::replace);
+    }
+
+    ViewAnswer save(const ViewRequest& request) {
+        if (!folder) return refusal(422, "no folder was given by --save-folder; download the preset");
+        const Json asked = Json::parse(request.body, nullptr, false);
+        const auto name = asked.is_object() ? asked.find("name") : asked.end();
+        if (!asked.is_object() || name == asked.end() || !name->is_string())
+            return refusal(422, "a preset is saved by {\"name\": \"look.json\"}");
+        const ViewAnswer preset =
+            session.ask({.method = "GET", .path = "/api/preset", .query = {}, .body = {}});
+        if (preset.status != 200) return preset;
+        folder->save(name->get<std::string>(), preset.body);
+        return jsonAnswer(200, {{"name", *name}});
+    }
+
+    ViewAnswer renderAnswer(const ViewRequest& request) {
+        if (request.method == "DELETE")
+            return render.cancel() ? jsonAnswer(200, Json::object())
+                                   : refusal(409, "nothing is being rendered");
+        if (request.method != "POST")
+            return refusal(405, "a render is started by POST and cancelled by DELETE");
+        const ViewAnswer words = session.ask({.method = "GET", .path = "/words", .query = {}, .body = {}});
+        if (words.status != 200) return words;
+        if (!render.start(Json::parse(words.body).get<std::vector<std::string>>()))
+            return refusal(409, "a render is under way; cancel it first");
+        return jsonAnswer(200, Json::object());
+    }
+
+    SessionProcess& session;
+    RenderRun& render;
+    std::optional<SaveFolder> folder;
+};
+
+// Who has no browser has the address.
+void openBrowser(const std::string& address) {
+    const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
+    try {
+        startChild("xdg-open", {"xdg-open", address}, {{nowhere, STDOUT_FILENO}, {nowhere, STDERR_FILENO}});
+    } catch (const Error&) {
+        say("note: no browser was found; open the address yourself, or leave the search out by --no-open");
+    }
+    close(nowhere);
+}
+
+// Held back from here on, in all threads that are begun later.
+sigset_t holdEndingSignals() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT})
+        sigaddset(&signals, signal);
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    return signals;
+}
+
+}  // namespace
+
+int serveView(const ViewOptions& options) {
+    const sigset_t signals = holdEndingSignals();
+    Events events;
+    SessionProcess session(options.arguments, events);
+    if (const int status = session.start(); status != kDone) return status;
+    RenderRun render(events);
+    Desk desk(session, render, options.saveFolder);
+    Server server(
+        options.port, newToken(), [&](const ViewRequest& request) { return desk.answer(request); }, events);
+    server.start();
+    if (!hasPage()) say(fmt::format("note: {}", kNoPage));
+    printResult(server.gate().address() + '\n');
+    if (options.opensBrowser) openBrowser(server.gate().address());
+    int signal = 0;
+    sigwait(&signals, &signal);
+    // First the answers that are waited for, then those who wait.
+    session.end();
+    events.end();
+    server.stop();
+    return kSignalled + signal;
+}
+
+}  // namespace perch
