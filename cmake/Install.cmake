@@ -6,7 +6,7 @@ install(DIRECTORY "${CMAKE_BINARY_DIR}/Kestrel.plugin" DESTINATION "${CMAKE_INST
   COMPONENT runtime)
 if(KESTREL_PERCH)
   install(TARGETS perch RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT runtime)
-  install(TARGETS perch-codec-module LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}/perch" COMPONENT runtime)
+  install(TARGETS perch-codec-module perch-view-module LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}/perch" COMPONENT runtime)
   execute_process(COMMAND "${PROJECT_SOURCE_DIR}/scripts/source-date.sh" OUTPUT_VARIABLE seconds COMMAND_ERROR_IS_FATAL ANY)
   string(STRIP "${seconds}" seconds)
   set(ENV{SOURCE_DATE_EPOCH} ${seconds})

@@ -33,7 +33,7 @@ _perch_complete() {
             COMPREPLY=($(compgen -W "${candidates//, /$IFS}" -- "$word"))
             ;;
         *"[on|off]"*) COMPREPLY=($(compgen -W $'on\noff' -- "$word")) ;;
-        *" PICTURE "* | *" FILE "* | *" BUNDLE "*) COMPREPLY=($(compgen -f -- "$word")) ;;
+        *" PICTURE "* | *" FILE "* | *" FOLDER "* | *" BUNDLE "*) COMPREPLY=($(compgen -f -- "$word")) ;;
     esac
 }
 

@@ -36,7 +36,7 @@ end
 function __perch_takes_file
     set -l words (commandline -opc)
     not string match -q -- '-*' "$words[-1]"
-    or __perch_help | string match -rq -- "^ *(?:-., *)?$words[-1](?:,--\S+)? (?:PICTURE|FILE|BUNDLE) "
+    or __perch_help | string match -rq -- "^ *(?:-., *)?$words[-1](?:,--\S+)? (?:PICTURE|FILE|FOLDER|BUNDLE) "
 end
 
 complete -c perch -f

@@ -11,6 +11,7 @@ namespace perch {
 
 int runRenderCommand(const std::vector<std::string>& arguments);
 int runMergeReportCommand(const std::vector<std::string>& arguments);
+int runViewCommand(const std::vector<std::string>& arguments);
 int runDescribeCommand(const std::vector<std::string>& arguments);
 int runPresetCommand(const std::vector<std::string>& arguments);
 int runCurveCommand(const std::vector<std::string>& arguments);

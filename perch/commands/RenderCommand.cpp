@@ -19,7 +19,6 @@
 #include "Console.h"
 #include "Effect.h"
 #include "Error.h"
-#include "GivenValues.h"
 #include "ExistingFrames.h"
 #include "FrameList.h"
 #include "GivenValues.h"

@@ -18,6 +18,7 @@
 #include "ExitCodes.h"
 #include "NearestName.h"
 #include "Supervisor.h"
+#include "ViewOptions.h"
 #include "Worker.h"
 
 namespace {
@@ -31,6 +32,7 @@ struct Command {
 constexpr std::array kCommands{
     Command{"render", perch::runRenderCommand, "apply an effect to a picture or a sequence"},
     Command{"sheet", perch::runSheetCommand, "draw frames, or values of a parameter, side by side"},
+    Command{"view", perch::runViewCommand, "show an effect at work in the browser, live"},
     Command{"curve", perch::runCurveCommand, "print the values of every frame, before anything is rendered"},
     Command{"preset", perch::runPresetCommand, "write the values of an effect's parameters to a file"},
     Command{"job", perch::runJobCommand, "print a render command as a job for several machines"},
@@ -98,10 +100,19 @@ Ending runHere(const Arguments& arguments) {
     }
 }
 
+// A server of pages loads no effect; what stands behind it, and its help, do.
+bool viewLoadsAnEffect(const Arguments& arguments) {
+    const auto isOne = [](const std::string& argument) {
+        return argument.starts_with(perch::kSessionOption) || argument == "--help" || argument == "-h";
+    };
+    return arguments[0] == "view" && std::ranges::any_of(arguments, isOne);
+}
+
 // The commands that load an effect themselves; check starts a child for each of its rules.
 bool isSupervised(const Arguments& arguments) {
+    if (arguments.empty()) return false;
     constexpr std::array<std::string_view, 5> kLoading{"render", "sheet", "curve", "preset", "describe"};
-    const bool loadsAnEffect = !arguments.empty() && std::ranges::count(kLoading, arguments[0]) > 0;
+    const bool loadsAnEffect = std::ranges::count(kLoading, arguments[0]) > 0 || viewLoadsAnEffect(arguments);
     return loadsAnEffect && std::ranges::find(arguments, perch::kInProcessOption) == arguments.end();
 }
 

@@ -102,7 +102,7 @@ Development Darkroom::render(const Look& look, const std::optional<PictureSize>&
 
         GivenValues values(effect, look.curves, layersSetByUser(plan), request.downsampleX);
         // What an instance was told for another look it may keep.
-        if (sequence == nullptr || values.tellsAnything()) {
+        if (sequence == nullptr || mayChangeValues(effect.description())) {
             sequence.reset();
             sequence = std::make_unique<Sequence>(effect);
         }

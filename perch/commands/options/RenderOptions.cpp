@@ -11,6 +11,7 @@
 
 #include "CommandLine.h"
 #include "Error.h"
+#include "FileFormat.h"
 #include "FramePattern.h"
 #include "JobOptions.h"
 #include "NearestName.h"
@@ -140,14 +141,14 @@ void takeCompression(const std::string& text, pictures::EncodingOptions& encodin
 }
 
 // What is read ahead, rendered and written at once shares the memory: each frame's input and one layer.
-void takeLimits(const Texts& texts, RenderSettings& settings) {
+void takeLimits(const Texts& texts, RenderOptions& options) {
     constexpr int kMost = std::numeric_limits<int>::max();
+    RenderSettings& settings = options.settings;
     if (!texts.mostPixels.empty())
         settings.reading.pixels = parseNumber("--max-pixels", texts.mostPixels, 1, kMost);
     if (texts.mostMemory.empty()) return;
-    const auto pictures = static_cast<std::int64_t>(2 * (2 * settings.framesAhead + 1));
-    settings.reading.bytes =
-        (std::int64_t{parseNumber("--max-memory", texts.mostMemory, 1, kMost)} << 20) / pictures;
+    options.memory = std::int64_t{parseNumber("--max-memory", texts.mostMemory, 1, kMost)} << 20;
+    settings.reading.bytes = *options.memory / static_cast<std::int64_t>(2 * (2 * settings.framesAhead + 1));
 }
 
 // One frame for each thread of the effect, so that reading and writing keep up with it; no more than this,
@@ -317,7 +318,7 @@ RenderOptions parseRenderOptions(const std::vector<std::string>& arguments) {
     options.settings.isDithered = texts.isDithered;
     options.settings.reading.acceptsDamage = texts.acceptsDamage;
     options.settings.framesAhead = framesAheadFor(options.load.threads);
-    takeLimits(texts, options.settings);
+    takeLimits(texts, options);
     return options;
 }
 
@@ -336,8 +337,58 @@ ParameterArguments parseParameterArguments(const std::vector<std::string>& argum
     return result;
 }
 
+std::vector<std::string> withOutput(const std::vector<std::string>& arguments) {
+    CLI::App app;
+    Texts texts;
+    addOwnOptions(app, texts);
+    parseArguments(app, arguments);
+    if (!texts.output.empty() || texts.input.empty()) return arguments;
+    std::string name = std::filesystem::path(texts.input).filename().string();
+    name.insert(std::min(name.find('.'), name.size()), "-result");
+    const std::optional<pictures::FileFormat> format = pictures::formatOfName(name);
+    if (!format || !isWritten(*format)) name = std::filesystem::path(name).replace_extension(".png").string();
+    std::vector<std::string> all = arguments;
+    all.insert(all.end(), {"--output", name});
+    return all;
+}
+
+std::vector<std::string> wordsWithoutValues(const std::vector<std::string>& arguments,
+                                            const std::vector<Parameter>& parameters) {
+    CLI::App app;
+    Texts ownTexts;
+    ParameterTexts texts;
+    addOwnOptions(app, ownTexts);
+    const std::vector<ParameterOption> options = optionsOf(parameters);
+    addParameterOptions(app, options, texts);
+    parseArguments(app, arguments);
+    const auto isValue = [&](const std::string& name) {
+        const auto option = std::ranges::find(options, name, &ParameterOption::name);
+        return name == "preset" || (option != options.end() && !isLayer(option->parameter));
+    };
+    std::vector<std::string> words;
+    for (const CLI::Option* const option : app.get_options()) {
+        if (option->count() == 0 || isValue(option->get_lnames().front())) continue;
+        const bool hasLetter = !option->get_snames().empty();
+        const std::string name =
+            hasLetter ? "-" + option->get_snames().front() : "--" + option->get_lnames().front();
+        const std::string& text = option->results().back();
+        if (option->get_expected_max() == 0) {
+            words.push_back(name);
+        } else if (text.starts_with('-')) {
+            words.push_back(fmt::format("--{}={}", option->get_lnames().front(), text));
+        } else {
+            words.insert(words.end(), {name, text});
+        }
+    }
+    return words;
+}
+
 std::string renderHelp(const EffectDescription* effect) {
     CLI::App app("Applies an effect to a picture or a sequence of pictures.", "perch render");
+    return helpWithRenderOptions(app, effect);
+}
+
+std::string helpWithRenderOptions(CLI::App& app, const EffectDescription* effect) {
     Texts texts;
     ParameterTexts parameterTexts;
     addOwnOptions(app, texts);

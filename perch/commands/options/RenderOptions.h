@@ -3,7 +3,9 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,6 +13,10 @@
 #include "ParameterArguments.h"
 #include "ParameterOptions.h"
 #include "RenderJob.h"
+
+namespace CLI {
+class App;
+}
 
 namespace perch {
 
@@ -36,6 +42,7 @@ struct RenderOptions {
     PictureNames names;
     RenderSettings settings;
     JobOptions job;
+    std::optional<std::int64_t> memory;  // for pictures, in bytes
 };
 
 // The names of the command's own options, which no parameter's option takes.
@@ -50,7 +57,18 @@ RenderOptions parseRenderOptions(const std::vector<std::string>& arguments);
 ParameterArguments parseParameterArguments(const std::vector<std::string>& arguments,
                                            const std::vector<Parameter>& parameters);
 
+// The same arguments with an output for those that have none: named as the input, with -result behind the
+// name, in the current folder.
+std::vector<std::string> withOutput(const std::vector<std::string>& arguments);
+
+// The words of a command line that renders the same pictures, once all values of parameters are added to it:
+// each option once, without --preset and the values.
+std::vector<std::string> wordsWithoutValues(const std::vector<std::string>& arguments,
+                                            const std::vector<Parameter>& parameters);
+
 // What --help prints; without an effect, only the command's own options.
 std::string renderHelp(const EffectDescription* effect);
+// The same for a command that takes them as well, and `app` has the options of.
+std::string helpWithRenderOptions(CLI::App& app, const EffectDescription* effect);
 
 }  // namespace perch

@@ -1,0 +1,179 @@
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <charconv>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Bundle.h"
+#include "CommandLine.h"
+#include "Commands.h"
+#include "Console.h"
+#include "Effect.h"
+#include "Error.h"
+#include "PF_Values.h"
+#include "RenderOptions.h"
+#include "Session.h"
+#include "StartFolder.h"
+#include "ViewOptions.h"
+#include "Whereabouts.h"
+#include "Wire.h"
+
+namespace perch {
+namespace {
+
+constexpr std::int64_t kUsualMemory = std::int64_t{1} << 30;  // bytes of pictures that are kept
+
+struct ViewTexts {
+    bool opensNoBrowser = false;
+    std::string port = "0";
+    std::string saveFolder;
+};
+
+void addViewOptions(CLI::App& app, ViewTexts& texts) {
+    app.add_option("--port", texts.port, "of 127.0.0.1 that the page is at (default: one that is free)")
+        ->type_name("PORT");
+    app.add_flag("--no-open", texts.opensNoBrowser, "print the page's address and open no browser");
+    app.add_option("--save-folder", texts.saveFolder,
+                   "where the page may save presets; without it they are downloaded")
+        ->type_name("FOLDER");
+}
+
+// In a worker, since it loads the effect.
+int printHelp(const std::vector<std::string>& arguments) {
+    CLI::App app(
+        "Shows an effect at work on a picture or a sequence, in the browser and at every move of a control. "
+        "Takes "
+        "the options of perch render; --output may be left out.",
+        "perch view");
+    ViewTexts texts;
+    addViewOptions(app, texts);
+    std::filesystem::path bundle;
+    try {
+        bundle = chooseBundle(parseRenderOptions(arguments).load.plugin);
+    } catch (const Error&) {
+        printResult(helpWithRenderOptions(app, nullptr));  // without an effect to list the parameters of
+        return kDone;
+    }
+    Effect effect(bundle, HostOptions{});
+    effect.close();
+    printResult(helpWithRenderOptions(app, &effect.description()));
+    return kDone;
+}
+
+// "x" of a coordinate and so on of a value as it is by default.
+std::optional<ParameterCurve> defaultCurve(const Parameter& parameter, const PF_ParamDef& value) {
+    constexpr double kFixedOne = 65536.0;
+    const PF_ParamDefUnion& u = value.u;
+    switch (value.param_type) {
+        case PF_Param_POINT:
+            return constantCurve({parameter.index, {u.td.x_value / kFixedOne, u.td.y_value / kFixedOne}});
+        case PF_Param_POINT_3D:
+            return constantCurve(
+                {parameter.index, {u.point3d_d.x_value, u.point3d_d.y_value, u.point3d_d.z_value}});
+        case PF_Param_SLIDER:
+            return constantCurve({parameter.index, {static_cast<double>(u.sd.value)}});
+        case PF_Param_FIX_SLIDER:
+            return constantCurve({parameter.index, {u.fd.value / kFixedOne}});
+        case PF_Param_ANGLE:
+            return constantCurve({parameter.index, {u.ad.value / kFixedOne}});
+        case PF_Param_CHECKBOX:
+            return constantCurve({parameter.index, {static_cast<double>(u.bd.value)}});
+        case PF_Param_POPUP:
+            return constantCurve({parameter.index, {static_cast<double>(u.pd.value)}});
+        case PF_Param_FLOAT_SLIDER:
+            return constantCurve({parameter.index, {u.fs_d.value}});
+        case PF_Param_COLOR:
+            return constantCurve(
+                {parameter.index,
+                 {static_cast<double>(u.cd.value.red), static_cast<double>(u.cd.value.green),
+                  static_cast<double>(u.cd.value.blue), static_cast<double>(u.cd.value.alpha)}});
+        default:
+            return std::nullopt;
+    }
+}
+
+std::vector<ParameterCurve> defaultCurves(const Effect& effect, const pictures::Picture& input) {
+    const ParameterValues values = effect.defaultValues(input.width, input.height);
+    std::vector<ParameterCurve> curves;
+    for (const Parameter& parameter : effect.description().parameters)
+        if (auto curve = defaultCurve(parameter, values[static_cast<std::size_t>(parameter.index)]))
+            curves.push_back(std::move(*curve));
+    return curves;
+}
+
+int socketOf(std::string_view text) {
+    int number = -1;
+    std::from_chars(text.data(), text.data() + text.size(), number);
+    return number;
+}
+
+// The process behind the server, in which the effect's code runs.
+int runSession(int socket, const std::vector<std::string>& given) {
+    Wire wire(socket);
+    const std::vector<std::string> arguments = withOutput(given);
+    const RenderOptions options = parseRenderOptions(arguments);
+    if (options.use != PlanUse::Render)
+        throw UsageError("--dry-run is for perch render; perch view shows pictures");
+    whereabouts().limit = options.frameLimit.count();
+    pictures::keepStartFolder();
+    HostOptions host;
+    host.threads = options.load.threads;
+    host.strict = options.load.strict;
+    host.application = options.load.application;
+    host.onMessage = [&wire](std::string_view, std::string_view message) {
+        wire.send(messageEvent(message));
+    };
+    Effect effect(chooseBundle(options.load.plugin), host);
+    const std::vector<Parameter>& parameters = effect.description().parameters;
+    const ParameterArguments values = parseParameterArguments(arguments, parameters);
+    FramePlan plan = planFrames(options.names, values.layers);
+    plan.emptyLayers = values.emptyLayers;
+    if (plan.frames.empty()) throw Error("there is no frame to be shown; leave --shard out");
+    RenderSettings settings = options.settings;
+    settings.layers = values.readings;
+
+    std::vector<std::string> words{"perch", "render"};
+    for (std::string& word : wordsWithoutValues(arguments, parameters))
+        words.push_back(std::move(word));
+    std::vector<std::int32_t> frames;
+    for (const FrameFiles& files : plan.frames)
+        frames.push_back(files.frame);
+    const SharedPicture first = readPictureFile(plan.frames.front().input, "", settings.reading);
+    const LookReader looks(optionsOf(parameters), defaultCurves(effect, *first), frames, words);
+    std::map<PF_ParamIndex, std::string> layers;
+    for (const auto& [index, layer] : values.layers)
+        layers[index] = layer.name;
+    Session session(effect, settings, plan, looks,
+                    looks.tidied({.frame = frames.front(), .curves = values.curves}),
+                    options.memory.value_or(kUsualMemory), options.names.input, layers);
+    session.run(wire);
+    return kDone;
+}
+
+}  // namespace
+
+int runViewCommand(const std::vector<std::string>& arguments) {
+    if (!arguments.empty() && arguments.front().starts_with(kSessionOption))
+        return runSession(socketOf(std::string_view(arguments.front()).substr(sizeof kSessionOption - 1)),
+                          {arguments.begin() + 1, arguments.end()});
+    CLI::App app;
+    bool wantsHelp = false;
+    addHelpFlag(app, wantsHelp);
+    ViewTexts texts;
+    addViewOptions(app, texts);
+    ViewOptions options;
+    options.arguments = parseArguments(app, arguments);
+    if (wantsHelp) return printHelp(arguments);
+    constexpr int kLastPort = 65535;
+    options.port = parseNumber("--port", texts.port, 0, kLastPort);
+    options.opensBrowser = !texts.opensNoBrowser;
+    options.saveFolder = texts.saveFolder;
+    return serveView(options);
+}
+
+}  // namespace perch
