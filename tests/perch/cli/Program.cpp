@@ -117,6 +117,16 @@ bool RunningProgram::waitUntilItCatches(int signal) const {
     return false;
 }
 
+std::string RunningProgram::waitForLine() const {
+    while (true) {
+        const bool isOver = hasEnded(process);
+        const std::string text = textOf(outPath);
+        if (const std::size_t end = text.find('\n'); end != std::string::npos) return text.substr(0, end);
+        if (isOver) return "";
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+}
+
 void RunningProgram::send(int signal) const {
     kill(process, signal);
 }

@@ -30,6 +30,8 @@ public:
 
     // Waits until the program's worker has a handler for the signal; false when the program ended before.
     bool waitUntilItCatches(int signal) const;
+    // The first line of its results; empty when the program ended before.
+    std::string waitForLine() const;
     void send(int signal) const;
     // Again and again, so that it comes at whatever time the program has got to.
     void sendUntilItEnds(int signal) const;

@@ -1,0 +1,93 @@
+// The built program as a browser meets it: server, session, and an effect that breaks.
+#include <gtest/gtest.h>
+
+#include <charconv>
+#include <csignal>
+#include <filesystem>
+#include <string>
+
+#include "LoopbackClient.h"
+#include "Misdeeds.h"
+#include "Program.h"
+#include "TemporaryFolder.h"
+
+namespace perch::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Asks the server at "http://127.0.0.1:8080/?token=...".
+class Page {
+public:
+    explicit Page(const std::string& address) {
+        constexpr std::string_view kStart = "http://127.0.0.1:";
+        constexpr std::string_view kToken = "/?token=";
+        if (!address.starts_with(kStart)) return;
+        std::from_chars(address.data() + kStart.size(), address.data() + address.size(), port);
+        token = address.substr(address.find(kToken) + kToken.size());
+    }
+
+    std::string ask(const std::string& method, const std::string& path, const std::string& body = {}) const {
+        const std::string number = std::to_string(port);
+        std::string text = method;
+        text.append(" ").append(path).append(" HTTP/1.1\r\nHost: 127.0.0.1:").append(number);
+        text.append("\r\nCookie: perch-view-").append(number).append("=").append(token);
+        text.append("\r\nContent-Length: ")
+            .append(std::to_string(body.size()))
+            .append("\r\n\r\n")
+            .append(body);
+        LoopbackClient client(port);
+        client.send(text);
+        return client.receive();
+    }
+
+    int port = 0;
+    std::string token;
+};
+
+class ViewTest : public testing::Test {
+protected:
+    std::vector<std::string> command(const std::string& plugin) const {
+        return {PERCH_PROGRAM, "view", "--no-open", "--plugin", plugin, "-i", input.string()};
+    }
+
+    const TemporaryFolder parent;
+    const fs::path folder = [this] {
+        fs::create_directory(parent / "work");
+        return parent / "work";
+    }();
+    const fs::path input = fs::path(PERCH_SOURCES) / "samples/shot/beauty.####.png";
+};
+
+TEST_F(ViewTest, ASessionThatBreaksIsFollowedByAnother) {
+    const HostileMode mode("abort@RENDER");
+    RunningProgram view(command(std::string(PERCH_TEST_PLUGINS) + "/Hostile.so"), folder);
+    const Page page(view.waitForLine());
+    ASSERT_NE(page.port, 0) << view.finish().err;
+    EXPECT_EQ(statusOf(page.ask("POST", "/api/state", R"({"serial": 5, "frame": 7, "parameters": {}})")),
+              200);
+    for (int i = 0; i < 2; ++i) {
+        const std::string picture = page.ask("GET", "/api/picture?serial=5&size=64x64");
+        EXPECT_EQ(statusOf(picture), 500) << picture;
+        EXPECT_NE(picture.find("frame 7: the effect \\\"Hostile.so\\\" crashed at RENDER"), std::string::npos)
+            << picture;
+        const std::string state = page.ask("GET", "/api/state");
+        EXPECT_EQ(statusOf(state), 200) << state;
+        EXPECT_NE(state.find("\"frame\":7"), std::string::npos) << state;
+        EXPECT_NE(state.find("\"serial\":5"), std::string::npos) << state;
+    }
+    view.send(SIGINT);
+    EXPECT_EQ(view.finish().status, 128 + SIGINT);
+    EXPECT_FALSE(LoopbackClient(page.port).isConnected);
+}
+
+TEST_F(ViewTest, WhatASessionCannotBeginWithEndsTheProgram) {
+    const ProgramResult result =
+        runProgram({PERCH_PROGRAM, "view", "--no-open", "--focal-point", "1"}, folder);
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err, "perch: --input is missing; see perch render --help\n");
+}
+
+}  // namespace
+}  // namespace perch::test
