@@ -10,6 +10,7 @@
 #include "Error.h"
 #include "NearestName.h"
 #include "Preset.h"
+#include "ShellText.h"
 
 namespace perch {
 namespace {
@@ -30,28 +31,7 @@ std::int64_t wholeNumber(const Json& json, const char* name) {
     return found->get<std::int64_t>();
 }
 
-bool isPlain(char c) {
-    constexpr std::string_view kPlain = "%+,-./:=@_";
-    const bool isLetter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-    return isLetter || (c >= '0' && c <= '9') || kPlain.find(c) != std::string_view::npos;
-}
-
-std::string quotedWord(const std::string& word) {
-    if (!word.empty() && std::ranges::all_of(word, isPlain)) return word;
-    std::string quoted = "'";
-    for (const char c : word)
-        quoted += c == '\'' ? "'\\''" : std::string(1, c);
-    return quoted + '\'';
-}
-
 }  // namespace
-
-std::string shellQuoted(const std::vector<std::string>& words) {
-    std::string line;
-    for (const std::string& word : words)
-        line += fmt::format("{}{}", line.empty() ? "" : " ", quotedWord(word));
-    return line;
-}
 
 LookReader::LookReader(std::vector<ParameterOption> given, std::vector<ParameterCurve> defaults,
                        std::vector<std::int32_t> frames, std::vector<std::string> words)
@@ -169,7 +149,7 @@ std::vector<std::string> LookReader::words(const Look& look) const {
 }
 
 std::string LookReader::command(const Look& look) const {
-    return shellQuoted(words(look));
+    return shellWords(words(look));
 }
 
 }  // namespace perch

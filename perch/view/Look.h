@@ -59,7 +59,4 @@ private:
     const std::vector<std::string> fixedWords;
 };
 
-// As a shell reads it back as these very words.
-std::string shellQuoted(const std::vector<std::string>& words);
-
 }  // namespace perch
