@@ -22,6 +22,7 @@ void addParameterOption(CLI::App& app, const ParameterOption& option, std::strin
     const std::string given = defaultText(parameter);
     std::string help = expectedValue(parameter);
     if (!given.empty()) help += fmt::format(" (default {})", given);
+    if (!option.hint.empty()) help += ". " + option.hint;
     CLI::Option* const added = app.add_option("--" + option.name, text, printable(help))
                                    ->group("Parameters of the effect")
                                    ->type_name(isLayer(parameter) ? "PICTURE" : "VALUE");

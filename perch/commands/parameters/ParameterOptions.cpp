@@ -7,6 +7,7 @@
 #include <set>
 
 #include "PF_Values.h"
+#include "ParameterHints.h"
 
 namespace perch {
 namespace {
@@ -34,6 +35,17 @@ std::string rangeName(const std::string& layer) {
     constexpr std::string_view kLayer = "-layer";
     const bool isCalledLayer = layer.ends_with(kLayer);
     return (isCalledLayer ? layer.substr(0, layer.size() - kLayer.size()) : layer) + "-range";
+}
+
+// By the names of all parameters, since an effect of other parameters is another effect.
+void takeHints(std::vector<ParameterOption>& options) {
+    const std::span<const ParameterHint> hints = parameterHints();
+    const auto isOf = [](const ParameterOption& option, const ParameterHint& hint) {
+        return option.parameter.name == hint.name;
+    };
+    if (!std::ranges::equal(options, hints, isOf)) return;
+    for (std::size_t i = 0; i < hints.size(); ++i)
+        options[i].hint = hints[i].sentence;
 }
 
 }  // namespace
@@ -65,6 +77,7 @@ std::vector<ParameterOption> parameterOptions(const std::vector<Parameter>& para
         taken.insert(name);
         options.push_back({name, parameter, "", ""});
     }
+    takeHints(options);
     for (ParameterOption& option : options) {
         if (!isLayer(option.parameter)) continue;
         option.rangeName = uniqueName(rangeName(option.name), taken);

@@ -16,6 +16,7 @@ struct ParameterOption {
     Parameter parameter;
     std::string rangeName;   // of layers: "control-range" beside "control-layer", for what near and far are
     std::string offsetName;  // of layers: "control-layer-offset"
+    std::string hint{};      // what the parameter does, where that is known: a sentence
 };
 
 // "Focal Point" becomes "focal-point": lower case, and one dash for each run of anything but letters and
