@@ -144,16 +144,6 @@ void reportNotes(const RenderReport& report, std::optional<pictures::Transfer> t
         report.framesWritten.load(), isLog ? "64" : "1", isLog ? "" : "; --encode log keeps up to 64"));
 }
 
-// What is likely a mistake, as far as it shows before any picture is read.
-void warnOfMistakes(const ParameterArguments& parameters, Notes& notes) {
-    for (const std::string& option : parameters.repeated)
-        notes.warn(option, fmt::format("{} is given more than once; the last one counts", option));
-    if (!parameters.missingLayer.empty()) {
-        notes.warn("layer", fmt::format("the effect gets values and no picture; give one by {0}, or {0} none",
-                                        parameters.missingLayer));
-    }
-}
-
 int reportInterrupt(const RenderReport& report, std::size_t count) {
     const std::size_t written = report.framesWritten;
     const std::string outcome =

@@ -1,12 +1,14 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <charconv>
 #include <filesystem>
-#include <map>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "Bundle.h"
@@ -15,6 +17,7 @@
 #include "Console.h"
 #include "Effect.h"
 #include "Error.h"
+#include "FileFormat.h"
 #include "PF_Values.h"
 #include "RenderOptions.h"
 #include "Session.h"
@@ -106,6 +109,24 @@ std::vector<ParameterCurve> defaultCurves(const Effect& effect, const pictures::
     return curves;
 }
 
+// The same arguments with an output for those that have none: named as the input, with -result behind the
+// name, in the current folder.
+std::vector<std::string> withOutput(std::vector<std::string> arguments) {
+    CLI::App app;
+    std::string input;
+    std::string output;
+    app.add_option("-i,--input", input);
+    app.add_option("-o,--output", output);
+    parseArguments(app, arguments);
+    if (!output.empty() || input.empty()) return arguments;
+    std::string name = std::filesystem::path(input).filename().string();
+    name.insert(std::min(name.find('.'), name.size()), "-result");
+    const std::optional<pictures::FileFormat> format = pictures::formatOfName(name);
+    if (!format || !isWritten(*format)) name = std::filesystem::path(name).replace_extension(".png").string();
+    arguments.insert(arguments.end(), {"--output", name});
+    return arguments;
+}
+
 int socketOf(std::string_view text) {
     int number = -1;
     std::from_chars(text.data(), text.data() + text.size(), number);
@@ -137,20 +158,27 @@ int runSession(int socket, const std::vector<std::string>& given) {
     RenderSettings settings = options.settings;
     settings.layers = values.readings;
 
+    CommandParts parts = commandParts(arguments, parameters);
     std::vector<std::string> words{"perch", "render"};
-    for (std::string& word : wordsWithoutValues(arguments, parameters))
-        words.push_back(std::move(word));
+    std::ranges::move(parts.words, std::back_inserter(words));
     std::vector<std::int32_t> frames;
     for (const FrameFiles& files : plan.frames)
         frames.push_back(files.frame);
     const SharedPicture first = readPictureFile(plan.frames.front().input, "", settings.reading);
-    const LookReader looks(optionsOf(parameters), defaultCurves(effect, *first), frames, words);
-    std::map<PF_ParamIndex, std::string> layers;
-    for (const auto& [index, layer] : values.layers)
-        layers[index] = layer.name;
-    Session session(effect, settings, plan, looks,
-                    looks.tidied({.frame = frames.front(), .curves = values.curves}),
-                    options.memory.value_or(kUsualMemory), options.names.input, layers);
+    const LookReader looks(optionsOf(parameters), defaultCurves(effect, *first), frames,
+                           {.words = words, .layers = parts.layers});
+    Notes notes;
+    warnOfMistakes(values, notes);
+    for (const std::string& note : plan.notes)
+        notes.add(note, note);
+    Session session({.effect = effect,
+                     .settings = settings,
+                     .plan = plan,
+                     .looks = looks,
+                     .notes = notes,
+                     .first = looks.tidied({.frame = frames.front(), .curves = values.curves}),
+                     .input = options.names.input,
+                     .memory = options.memory.value_or(kUsualMemory)});
     session.run(wire);
     return kDone;
 }

@@ -39,6 +39,7 @@ struct Picture {
     std::variant<std::vector<std::uint8_t>, std::vector<std::uint16_t>, std::vector<float>> samples;
     std::shared_ptr<const Metadata> metadata;  // may be null
     std::string software{};                    // what the file says that it was made by
+    double frameRate = 0;                      // that the file tells, per second; 0: none
 };
 
 // Black and transparent, and not premultiplied.

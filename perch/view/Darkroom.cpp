@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <set>
 #include <utility>
 
 #include "Error.h"
@@ -31,6 +32,10 @@ FrameRequest requestFor(const Look& look, const FramePlan& plan, const FrameFile
         request.layers[layer] = nullptr;
     for (const PF_ParamIndex layer : files.missingLayers)
         request.layers[layer] = nullptr;
+    for (const auto& [layer, shown] : look.layers) {
+        const auto picture = worlds.layers.find(shown);
+        request.layers[layer] = picture != worlds.layers.end() ? &picture->second->pixels : nullptr;
+    }
     request.time = request.frame * request.timeStep;
     request.totalTime = (std::max(plan.lastFrame, 0) + 1) * request.timeStep;
     return request;
@@ -45,8 +50,8 @@ PF_RationalScale product(const PF_RationalScale& a, const PF_RationalScale& b) {
     return {static_cast<A_long>(num / common), static_cast<A_u_long>(den / common)};
 }
 
-Darkroom::Darkroom(Effect& effect, const RenderSettings& settings, const FramePlan& plan, PictureStore& store)
-    : effect(effect), settings(settings), plan(plan), store(store) {}
+Darkroom::Darkroom(const Shot& shot, PictureStore& store)
+    : effect(shot.effect), settings(shot.settings), plan(shot.plan), store(store) {}
 
 PF_RationalScale Darkroom::scaleFor(const pictures::Picture& input,
                                     const std::optional<PictureSize>& room) const {
@@ -100,7 +105,10 @@ Development Darkroom::render(const Look& look, const std::optional<PictureSize>&
         request.cancelled = &cancelled;
         request.progress = progress;
 
-        GivenValues values(effect, look.curves, layersSetByUser(plan), request.downsampleX);
+        std::set<PF_ParamIndex> layers = layersSetByUser(plan);
+        for (const auto& [layer, shown] : look.layers)
+            layers.insert(layer);
+        GivenValues values(effect, look.curves, std::move(layers), request.downsampleX);
         // What an instance was told for another look it may keep.
         if (sequence == nullptr || mayChangeValues(effect.description())) {
             sequence.reset();

@@ -13,6 +13,7 @@
 #include "PictureStore.h"
 #include "RenderJob.h"
 #include "Sequence.h"
+#include "Shot.h"
 
 namespace perch {
 
@@ -33,7 +34,7 @@ struct Development {
 class Darkroom {
 public:
     // Keeps references.
-    Darkroom(Effect& effect, const RenderSettings& settings, const FramePlan& plan, PictureStore& store);
+    Darkroom(const Shot& shot, PictureStore& store);
 
     // What `perch render` would make of the look, or, where there is less room, what it would make by
     // --downsample and --resize. Throws Error; Cancelled where the flag was seen. After an error the next

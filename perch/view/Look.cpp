@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <utility>
 
@@ -31,14 +32,31 @@ std::int64_t wholeNumber(const Json& json, const char* name) {
     return found->get<std::int64_t>();
 }
 
+constexpr char kNone[] = "none";
+
+std::vector<ParameterOption> chosen(const std::vector<ParameterOption>& options, bool areLayers) {
+    std::vector<ParameterOption> result;
+    std::ranges::copy_if(options, std::back_inserter(result), [&](const ParameterOption& option) {
+        return isLayer(option.parameter) == areLayers;
+    });
+    return result;
+}
+
+// A value with a dash in front would be taken for an option.
+void addWords(const std::string& option, const std::string& value, std::vector<std::string>& words) {
+    if (value.starts_with('-')) {
+        words.push_back(fmt::format("--{}={}", option, value));
+    } else {
+        words.insert(words.end(), {"--" + option, value});
+    }
+}
+
 }  // namespace
 
-LookReader::LookReader(std::vector<ParameterOption> given, std::vector<ParameterCurve> defaults,
-                       std::vector<std::int32_t> frames, std::vector<std::string> words)
-    : options([&] {
-          std::erase_if(given, [](const ParameterOption& option) { return isLayer(option.parameter); });
-          return std::move(given);
-      }()),
+LookReader::LookReader(const std::vector<ParameterOption>& all, std::vector<ParameterCurve> defaults,
+                       std::vector<std::int32_t> frames, FixedWords words)
+    : options(chosen(all, false)),
+      layerOptions(chosen(all, true)),
       defaults(std::move(defaults)),
       frames(std::move(frames)),
       fixedWords(std::move(words)) {}
@@ -46,7 +64,42 @@ LookReader::LookReader(std::vector<ParameterOption> given, std::vector<Parameter
 std::string LookReader::keyOf(const ParameterOption& option) const {
     const std::string& name = option.parameter.name;
     const auto hasName = [&](const ParameterOption& other) { return other.parameter.name == name; };
-    return std::ranges::count_if(options, hasName) == 1 && !name.empty() ? name : option.name;
+    const auto count = std::ranges::count_if(options, hasName) + std::ranges::count_if(layerOptions, hasName);
+    return count == 1 && !name.empty() ? name : option.name;
+}
+
+const LayerWords* LookReader::wordsOf(PF_ParamIndex index) const {
+    const auto found = std::ranges::find(fixedWords.layers, index, &LayerWords::index);
+    return found != fixedWords.layers.end() ? &*found : nullptr;
+}
+
+std::vector<LayerWords> LookReader::layerFiles() const {
+    std::vector<LayerWords> files;
+    std::ranges::copy_if(fixedWords.layers, std::back_inserter(files),
+                         [](const LayerWords& layer) { return layer.picture != kNone; });
+    return files;
+}
+
+PF_ParamIndex LookReader::layerShown(const Look& look, PF_ParamIndex index) const {
+    if (const auto changed = look.layers.find(index); changed != look.layers.end()) return changed->second;
+    const LayerWords* const words = wordsOf(index);
+    return words != nullptr && words->picture != kNone ? index : kNoLayer;
+}
+
+void LookReader::takeLayer(const ParameterOption& option, const Json& value, Look& look) const {
+    const std::vector<LayerWords> files = layerFiles();
+    std::vector<std::string> names{kNone};
+    for (const LayerWords& file : files)
+        names.push_back(file.picture);
+    const auto name = value.is_string() ? std::ranges::find(names, value.get<std::string>()) : names.end();
+    if (name == names.end())
+        throw UsageError(
+            fmt::format("\"{}\" takes one of the pictures that the command line gives to layers: {}",
+                        keyOf(option), fmt::join(names, ", ")));
+    const PF_ParamIndex index = option.parameter.index;
+    const auto place = name - names.begin();
+    const PF_ParamIndex shown = place == 0 ? kNoLayer : files[static_cast<std::size_t>(place - 1)].index;
+    if (shown != layerShown({}, index)) look.layers[index] = shown;
 }
 
 const ParameterOption& LookReader::optionOf(const std::string& key) const {
@@ -78,8 +131,15 @@ Look LookReader::parse(const std::string& text) const {
         throw UsageError("a state has \"parameters\", names and their values");
     Json values = *parameters;
     if (const auto keys = json.find("keys"); keys != json.end() && keys->is_object()) values.update(*keys);
-    for (const auto& [key, value] : values.items())
-        look.curves.push_back(parsePresetValue(optionOf(key), value, key));
+    for (const auto& [key, value] : values.items()) {
+        const auto layer = std::ranges::find_if(
+            layerOptions, [&](const ParameterOption& option) { return keyOf(option) == key; });
+        if (layer != layerOptions.end()) {
+            takeLayer(*layer, value, look);
+        } else {
+            look.curves.push_back(parsePresetValue(optionOf(key), value, key));
+        }
+    }
     return tidied(std::move(look));
 }
 
@@ -118,6 +178,10 @@ nlohmann::ordered_json LookReader::json(const Look& look) const {
         values[keyOf(option)] = presetValue(option.parameter, settingAt(curve, look.frame).numbers);
         if (curve.moves()) keys[keyOf(option)] = presetValue(option.parameter, curve);
     }
+    for (const ParameterOption& option : layerOptions) {
+        const PF_ParamIndex shown = layerShown(look, option.parameter.index);
+        values[keyOf(option)] = shown == kNoLayer ? kNone : wordsOf(shown)->picture;
+    }
     return {{"frame", look.frame},
             {"parameters", std::move(values)},
             {"keys", std::move(keys)},
@@ -133,17 +197,23 @@ std::string LookReader::presetText(const Look& look) const {
 }
 
 std::vector<std::string> LookReader::words(const Look& look) const {
-    std::vector<std::string> words = fixedWords;
+    std::vector<std::string> words = fixedWords.words;
+    for (const ParameterOption& option : layerOptions) {
+        const PF_ParamIndex index = option.parameter.index;
+        const PF_ParamIndex shown = layerShown(look, index);
+        const LayerWords* const layer = wordsOf(shown);
+        if (layer == nullptr) {
+            if (look.layers.contains(index) || wordsOf(index) != nullptr) addWords(option.name, kNone, words);
+            continue;
+        }
+        addWords(option.name, layer->picture, words);
+        if (!layer->range.empty()) addWords(option.rangeName, layer->range, words);
+        if (!layer->offset.empty()) addWords(option.offsetName, layer->offset, words);
+    }
     for (const ParameterCurve& curve : look.curves) {
         const auto option = std::ranges::find_if(
             options, [&](const ParameterOption& known) { return known.parameter.index == curve.index; });
-        const std::string text = curveText(option->parameter, curve);
-        // A value with a dash in front would be taken for an option.
-        if (text.starts_with('-')) {
-            words.push_back(fmt::format("--{}={}", option->name, text));
-        } else {
-            words.insert(words.end(), {"--" + option->name, text});
-        }
+        addWords(option->name, curveText(option->parameter, curve), words);
     }
     return words;
 }

@@ -24,13 +24,12 @@ std::int64_t sizeOf(const World& world) {
 
 }  // namespace
 
-PictureStore::PictureStore(const Effect& effect, const RenderSettings& settings, const FramePlan& plan,
-                           std::int64_t bytes)
-    : effect(effect),
-      settings(settings),
-      plan(plan),
-      mostBytes(bytes),
-      reader(settings.layers, settings.reading, notes) {
+PictureStore::PictureStore(const Shot& shot)
+    : effect(shot.effect),
+      settings(shot.settings),
+      plan(shot.plan),
+      mostBytes(shot.memory),
+      reader(settings.layers, settings.reading, shot.notes) {
     reader.findRanges(plan);
 }
 

@@ -17,6 +17,7 @@
 #include "FramePlan.h"
 #include "LayerReader.h"
 #include "RenderJob.h"
+#include "Shot.h"
 
 namespace perch {
 
@@ -29,8 +30,7 @@ struct FrameWorlds {
 class PictureStore {
 public:
     // Keeps references. Finds the ranges that are left to the first frame.
-    PictureStore(const Effect& effect, const RenderSettings& settings, const FramePlan& plan,
-                 std::int64_t bytes);
+    explicit PictureStore(const Shot& shot);
 
     // Throw Error, which names the file. `scale` is of the file's own size.
     FrameWorlds worlds(const FrameFiles& files, const PF_RationalScale& scale);
@@ -62,7 +62,6 @@ private:
     const RenderSettings& settings;
     const FramePlan& plan;
     const std::int64_t mostBytes;
-    Notes notes;
     LayerReader reader;
     std::mutex mutex;
     std::list<Kept> kept;  // the one asked for last is the first

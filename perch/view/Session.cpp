@@ -108,24 +108,15 @@ ViewEvent messageEvent(std::string_view message) {
     return {"message", textOf(Json{{"text", printable(message)}})};
 }
 
-Session::Session(Effect& effect, const RenderSettings& settings, const FramePlan& plan,
-                 const LookReader& looks, Look look, std::int64_t memory, std::string input,
-                 std::map<PF_ParamIndex, std::string> layers)
-    : effect(effect),
-      settings(settings),
-      plan(plan),
-      looks(looks),
-      inputName(std::move(input)),
-      layerNames(std::move(layers)),
-      pick(usualPick(looks.parameters(), effect.description().parameters, layerNames)),
-      store(effect, settings, plan, memory),
-      darkroom(effect, settings, plan, store) {
-    recent.push_back(std::move(look));
+Session::Session(const Shot& shot)
+    : shot(shot), looks(shot.looks), pick(usualPick(looks)), store(shot), darkroom(shot, store) {
+    recent.push_back(shot.first);
 }
 
 void Session::run(Wire& wire) {
     wireInUse = &wire;
     wire.send(ViewEvent{"ready", textOf(looks.json(look()))});
+    tellWarnings(wire);
     std::thread reading([&] { read(wire); });
     std::future<void> ahead;
     try {
@@ -133,6 +124,7 @@ void Session::run(Wire& wire) {
             ViewAnswer answer = answerInTurn(queued->request);
             answer.id = queued->request.id;
             wire.send(answer);
+            tellWarnings(wire);
             const bool isReading =
                 ahead.valid() && ahead.wait_for(std::chrono::seconds(0)) != std::future_status::ready;
             if (isReading || queued->kind.empty()) continue;
@@ -150,6 +142,12 @@ void Session::run(Wire& wire) {
         throw;
     }
     reading.join();
+}
+
+void Session::tellWarnings(Wire& wire) {
+    for (const std::string& sentence : shot.notes.sentences())
+        if (toldWarnings.insert(sentence).second)
+            wire.send(ViewEvent{"warning", textOf(Json{{"text", printable(sentence)}})});
 }
 
 void Session::read(Wire& wire) {
@@ -265,7 +263,7 @@ ViewAnswer Session::picture(const ViewRequest& request) {
         if (kind == "original") return darkroom.original(*wanted, room);
         if (kind == "layer") {
             if (!pick) throw UsageError("there is no layer to be shown");
-            return darkroom.layer(*wanted, pick->layer, room);
+            return darkroom.layer(*wanted, looks.layerShown(*wanted, pick->layer), room);
         }
         if (kind == "focus")
             return darkroom.render(inFocusView(*wanted, looks), room, queue.cancelled(), progress);
@@ -303,7 +301,8 @@ ViewAnswer Session::pixel(const ViewRequest& request) {
               {"depth", input->type() == pictures::SampleType::Bits8 ? 8 : 16},
               {"value", nullptr},
               {"distance", nullptr}};
-    const SharedPicture layer = pick ? store.layer(files, pick->layer) : nullptr;
+    const PF_ParamIndex shown = pick ? looks.layerShown(*wanted, pick->layer) : kNoLayer;
+    const SharedPicture layer = store.layer(files, shown);
     if (layer == nullptr) return jsonAnswer(json);
     // A layer of another size covers the same picture.
     const auto layerX =
@@ -313,8 +312,8 @@ ViewAnswer Session::pixel(const ViewRequest& request) {
     const double share = shareAt(*layer, layerX, layerY, controlChannel(*wanted, looks));
     json["layer"] = codesAt(*layer, layerX, layerY);
     json["value"] = pickedValue(*wanted, looks, *pick, share);
-    const auto reading = settings.layers.find(pick->layer);
-    if (reading != settings.layers.end() && reading->second.range)
+    const auto reading = shot.settings.layers.find(shown);
+    if (reading != shot.settings.layers.end() && reading->second.range)
         json["distance"] = distanceOf(share, *reading->second.range);
     return jsonAnswer(json);
 }
@@ -322,23 +321,25 @@ ViewAnswer Session::pixel(const ViewRequest& request) {
 ViewAnswer Session::histogram(const ViewRequest& request) {
     Look wanted = look();
     if (!request.value("frame").empty()) wanted.frame = static_cast<std::int32_t>(numberOf(request, "frame"));
-    const SharedPicture layer = pick ? store.layer(store.filesOf(wanted.frame), pick->layer) : nullptr;
+    const PF_ParamIndex shown = pick ? looks.layerShown(wanted, pick->layer) : kNoLayer;
+    const SharedPicture layer = store.layer(store.filesOf(wanted.frame), shown);
     if (layer == nullptr) return refusal(404, "there is no layer whose values could be counted");
     return jsonAnswer({{"bins", histogramOf(*layer, controlChannel(wanted, looks))}});
 }
 
-ViewAnswer Session::description() const {
-    const SharedPicture first = const_cast<PictureStore&>(store).input(plan.frames.front());
-    const Look newest = look();
-    Json json = sessionJson(effect.description(), looks, layerNames, pick);
-    std::vector<std::int32_t> frames = looks.frameNumbers();
+ViewAnswer Session::description() {
+    const SharedPicture first = store.input(shot.plan.frames.front());
+    const FrameRequest usual;
+    const double rate = static_cast<double>(usual.timeScale) / usual.timeStep;
+    Json json = sessionJson(shot.effect.description(), looks, pick);
     json["picture"] = {{"width", first->width},
                        {"height", first->height},
                        {"depth", first->type() == pictures::SampleType::Bits8 ? 8 : 16},
-                       {"frames", frames},
-                       {"rate", 24},
-                       {"input", inputName}};
-    json["state"] = looks.json(newest);
+                       {"frames", looks.frameNumbers()},
+                       {"rate", first->frameRate > 0 ? first->frameRate : rate},
+                       {"input", shot.input}};
+    json["warnings"] = shot.notes.sentences();
+    json["state"] = looks.json(look());
     return jsonAnswer(json);
 }
 

@@ -8,9 +8,9 @@
 
 #include <cstdint>
 #include <deque>
-#include <map>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -19,15 +19,15 @@
 #include "Pick.h"
 #include "PictureStore.h"
 #include "RequestQueue.h"
+#include "Shot.h"
 #include "Wire.h"
 
 namespace perch {
 
 class Session {
 public:
-    // Keeps references. `look` is what is shown first.
-    Session(Effect& effect, const RenderSettings& settings, const FramePlan& plan, const LookReader& looks,
-            Look look, std::int64_t memory, std::string input, std::map<PF_ParamIndex, std::string> layers);
+    // Keeps the references of the shot.
+    explicit Session(const Shot& shot);
 
     // Answers what comes over the wire until its other end closes it. Throws EffectBroke.
     void run(Wire& wire);
@@ -44,23 +44,22 @@ private:
     ViewAnswer picture(const ViewRequest& request);
     ViewAnswer pixel(const ViewRequest& request);
     ViewAnswer histogram(const ViewRequest& request);
-    ViewAnswer description() const;
+    ViewAnswer description();
     void read(Wire& wire);
     Look look() const;
     std::optional<Look> lookOf(std::int64_t serial) const;
     void keepLook(Look look);
 
-    Effect& effect;
-    const RenderSettings& settings;
-    const FramePlan& plan;
+    void tellWarnings(Wire& wire);
+
+    const Shot shot;
     const LookReader& looks;
-    const std::string inputName;
-    const std::map<PF_ParamIndex, std::string> layerNames;
     const std::optional<Pick> pick;
     PictureStore store;
     Darkroom darkroom;
     RequestQueue queue;
     Wire* wireInUse = nullptr;
+    std::set<std::string> toldWarnings;
     mutable std::mutex mutex;
     std::deque<Look> recent;  // the newest is the last
 };

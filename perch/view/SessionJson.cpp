@@ -66,14 +66,15 @@ const ParameterOption* optionNamed(const LookReader& looks, const std::string& n
 
 Json parameterJson(const Parameter& parameter, const LookReader& looks) {
     Json json{{"name", parameter.name}, {"type", typeOf(parameter)}};
-    const auto& options = looks.parameters();
-    const auto option = std::ranges::find_if(
-        options, [&](const ParameterOption& known) { return known.parameter.index == parameter.index; });
-    if (option != options.end()) {
+    const auto isIt = [&](const ParameterOption& known) { return known.parameter.index == parameter.index; };
+    for (const auto* const options : {&looks.parameters(), &looks.layers()}) {
+        const auto option = std::ranges::find_if(*options, isIt);
+        if (option == options->end()) continue;
         json["key"] = looks.keyOf(*option);
         json["option"] = option->name;
-        const Look untouched;
-        json["default"] = presetValue(parameter, looks.curveOf(untouched, *option).keys.front().numbers);
+        if (!option->hint.empty()) json["hint"] = option->hint;
+        json["default"] =
+            looks.json(Look{.frame = looks.frameNumbers().front()})["parameters"][looks.keyOf(*option)];
     }
     if (parameter.validRange) {
         json["minimum"] = parameter.validRange->minimum;
@@ -101,13 +102,13 @@ const Parameter& parameterOf(const std::vector<Parameter>& parameters, PF_ParamI
 }  // namespace
 
 nlohmann::ordered_json sessionJson(const EffectDescription& effect, const LookReader& looks,
-                                   const std::map<PF_ParamIndex, std::string>& layers,
                                    const std::optional<Pick>& pick) {
     const std::string name = effect.name.empty() ? effect.path.stem().string() : effect.name;
     Json json{{"effect", {{"name", name}, {"category", effect.category}}}};
     Json given = Json::array();
-    for (const auto& [index, file] : layers)
-        given.push_back({{"parameter", parameterOf(effect.parameters, index).name}, {"file", file}});
+    for (const LayerWords& layer : looks.layerFiles())
+        given.push_back(
+            {{"parameter", parameterOf(effect.parameters, layer.index).name}, {"file", layer.picture}});
     json["layers"] = std::move(given);
     Json parameters = Json::array();
     for (const Parameter& parameter : effect.parameters)
@@ -121,22 +122,19 @@ nlohmann::ordered_json sessionJson(const EffectDescription& effect, const LookRe
     return json;
 }
 
-std::optional<Pick> usualPick(const std::vector<ParameterOption>& options,
-                              const std::vector<Parameter>& parameters,
-                              const std::map<PF_ParamIndex, std::string>& layers) {
-    const auto slider = [&]() -> const ParameterOption* {
-        const auto named = std::ranges::find_if(options, [](const ParameterOption& option) {
-            return isSlider(option.parameter) && option.parameter.name == kFocalPoint;
-        });
-        if (named != options.end()) return &*named;
-        const auto first = std::ranges::find_if(
-            options, [](const ParameterOption& option) { return isSlider(option.parameter); });
-        return first != options.end() ? &*first : nullptr;
-    }();
-    if (slider == nullptr || layers.empty()) return std::nullopt;
-    for (const auto& [index, file] : layers)
-        if (parameterOf(parameters, index).name == kControlLayer) return Pick{index, slider->parameter.index};
-    return Pick{layers.begin()->first, slider->parameter.index};
+std::optional<Pick> usualPick(const LookReader& looks) {
+    const std::vector<ParameterOption>& options = looks.parameters();
+    const auto slider = std::ranges::find_if(
+        options, [](const ParameterOption& option) { return isSlider(option.parameter); });
+    const std::vector<LayerWords> files = looks.layerFiles();
+    if (slider == options.end() || files.empty()) return std::nullopt;
+    Pick pick{.layer = files.front().index, .parameter = slider->parameter.index};
+    for (const ParameterOption& option : options)
+        if (isSlider(option.parameter) && option.parameter.name == kFocalPoint)
+            pick.parameter = option.parameter.index;
+    for (const ParameterOption& option : looks.layers())
+        if (option.parameter.name == kControlLayer) pick.layer = option.parameter.index;
+    return pick;
 }
 
 std::string controlChannel(const Look& look, const LookReader& looks) {

@@ -1,7 +1,6 @@
 // What the page is told of the effect, and what it makes of a click in the picture.
 #pragma once
 
-#include <map>
 #include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
@@ -15,14 +14,11 @@ namespace perch {
 
 // The effect, its parameters, the layers that are given and the pick.
 nlohmann::ordered_json sessionJson(const EffectDescription& effect, const LookReader& looks,
-                                   const std::map<PF_ParamIndex, std::string>& layers,
                                    const std::optional<Pick>& pick);
 
 // "Focal Point" by "Control Layer" where the effect has them, else the first slider by the first layer that
 // is given.
-std::optional<Pick> usualPick(const std::vector<ParameterOption>& options,
-                              const std::vector<Parameter>& parameters,
-                              const std::map<PF_ParamIndex, std::string>& layers);
+std::optional<Pick> usualPick(const LookReader& looks);
 
 // The channel of its layer that the effect reads at the look's frame, where it asks for one; else luma.
 std::string controlChannel(const Look& look, const LookReader& looks);

@@ -11,7 +11,6 @@
 
 #include "CommandLine.h"
 #include "Error.h"
-#include "FileFormat.h"
 #include "FramePattern.h"
 #include "JobOptions.h"
 #include "NearestName.h"
@@ -337,23 +336,8 @@ ParameterArguments parseParameterArguments(const std::vector<std::string>& argum
     return result;
 }
 
-std::vector<std::string> withOutput(const std::vector<std::string>& arguments) {
-    CLI::App app;
-    Texts texts;
-    addOwnOptions(app, texts);
-    parseArguments(app, arguments);
-    if (!texts.output.empty() || texts.input.empty()) return arguments;
-    std::string name = std::filesystem::path(texts.input).filename().string();
-    name.insert(std::min(name.find('.'), name.size()), "-result");
-    const std::optional<pictures::FileFormat> format = pictures::formatOfName(name);
-    if (!format || !isWritten(*format)) name = std::filesystem::path(name).replace_extension(".png").string();
-    std::vector<std::string> all = arguments;
-    all.insert(all.end(), {"--output", name});
-    return all;
-}
-
-std::vector<std::string> wordsWithoutValues(const std::vector<std::string>& arguments,
-                                            const std::vector<Parameter>& parameters) {
+CommandParts commandParts(const std::vector<std::string>& arguments,
+                          const std::vector<Parameter>& parameters) {
     CLI::App app;
     Texts ownTexts;
     ParameterTexts texts;
@@ -361,26 +345,29 @@ std::vector<std::string> wordsWithoutValues(const std::vector<std::string>& argu
     const std::vector<ParameterOption> options = optionsOf(parameters);
     addParameterOptions(app, options, texts);
     parseArguments(app, arguments);
-    const auto isValue = [&](const std::string& name) {
-        const auto option = std::ranges::find(options, name, &ParameterOption::name);
-        return name == "preset" || (option != options.end() && !isLayer(option->parameter));
-    };
-    std::vector<std::string> words;
+    CommandParts parts;
+    for (const ParameterOption& option : options) {
+        if (!isLayer(option.parameter) || app.count("--" + option.name) == 0) continue;
+        parts.layers.push_back({.index = option.parameter.index,
+                                .picture = texts[option.name],
+                                .range = texts[option.rangeName],
+                                .offset = texts[option.offsetName]});
+    }
     for (const CLI::Option* const option : app.get_options()) {
-        if (option->count() == 0 || isValue(option->get_lnames().front())) continue;
+        const std::string name = option->get_lnames().front();
+        if (option->count() == 0 || name == "preset" || texts.contains(name)) continue;
         const bool hasLetter = !option->get_snames().empty();
-        const std::string name =
-            hasLetter ? "-" + option->get_snames().front() : "--" + option->get_lnames().front();
         const std::string& text = option->results().back();
+        const std::string word = hasLetter ? "-" + option->get_snames().front() : "--" + name;
         if (option->get_expected_max() == 0) {
-            words.push_back(name);
+            parts.words.push_back(word);
         } else if (text.starts_with('-')) {
-            words.push_back(fmt::format("--{}={}", option->get_lnames().front(), text));
+            parts.words.push_back(fmt::format("--{}={}", name, text));
         } else {
-            words.insert(words.end(), {name, text});
+            parts.words.insert(parts.words.end(), {word, text});
         }
     }
-    return words;
+    return parts;
 }
 
 std::string renderHelp(const EffectDescription* effect) {

@@ -57,14 +57,14 @@ RenderOptions parseRenderOptions(const std::vector<std::string>& arguments);
 ParameterArguments parseParameterArguments(const std::vector<std::string>& arguments,
                                            const std::vector<Parameter>& parameters);
 
-// The same arguments with an output for those that have none: named as the input, with -result behind the
-// name, in the current folder.
-std::vector<std::string> withOutput(const std::vector<std::string>& arguments);
-
-// The words of a command line that renders the same pictures, once all values of parameters are added to it:
-// each option once, without --preset and the values.
-std::vector<std::string> wordsWithoutValues(const std::vector<std::string>& arguments,
-                                            const std::vector<Parameter>& parameters);
+// A command line taken apart: each of its options once, without --preset and the values of parameters; and
+// what it says of layers.
+struct CommandParts {
+    std::vector<std::string> words;
+    std::vector<LayerWords> layers;  // those that are given
+};
+CommandParts commandParts(const std::vector<std::string>& arguments,
+                          const std::vector<Parameter>& parameters);
 
 // What --help prints; without an effect, only the command's own options.
 std::string renderHelp(const EffectDescription* effect);

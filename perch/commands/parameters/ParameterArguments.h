@@ -8,6 +8,7 @@
 
 #include "FramePlan.h"
 #include "LayerReading.h"
+#include "Notes.h"
 #include "ParameterCurve.h"
 #include "ParameterOptions.h"
 
@@ -30,6 +31,14 @@ struct ParameterArguments {
     std::string given;  // the options as they were given, of pictures the file names alone
 };
 
+// What a command line says of a layer, word by word; empty where it does not.
+struct LayerWords {
+    PF_ParamIndex index = 0;
+    std::string picture{};  // or "none"
+    std::string range{};
+    std::string offset{};
+};
+
 // What was given, by the option's name.
 using ParameterTexts = std::map<std::string, std::string>;
 
@@ -40,5 +49,8 @@ void addParameterOptions(CLI::App& app, const std::vector<ParameterOption>& opti
 // holds, if one is named. Throws UsageError with what was expected.
 ParameterArguments takeParameterArguments(const CLI::App& app, const std::vector<ParameterOption>& options,
                                           const ParameterTexts& texts, const std::string& preset);
+
+// What is likely a mistake, as far as it shows before any picture is read.
+void warnOfMistakes(const ParameterArguments& arguments, Notes& notes);
 
 }  // namespace perch

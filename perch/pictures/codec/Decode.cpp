@@ -385,6 +385,7 @@ Picture decode(std::span<const unsigned char> bytes, FileFormat format, const st
     picture.metadata = metadataOf(file->spec(), format, bytes, picture.channels < 3);
     picture.parts = parts;
     picture.software = file->spec().get_string_attribute("Software");
+    picture.frameRate = frameRateOf(file->spec());
     picture.isDamaged = picture.isDamaged || isDamaged;
     if (picture.isDamaged && !options.acceptsDamage) throw PictureError(kDamaged);
     return picture;

@@ -81,4 +81,13 @@ std::vector<std::string> unheldBy(std::span<const unsigned char> bytes, FileForm
     return unheld;
 }
 
+double frameRateOf(const OIIO::ImageSpec& layout) {
+    constexpr float kMost = 1000;
+    for (const char* const name : {"FramesPerSecond", "dpx:FrameRate"}) {
+        const float rate = layout.get_float_attribute(name);
+        if (rate > 0 && rate <= kMost) return rate;
+    }
+    return 0;
+}
+
 }  // namespace pictures

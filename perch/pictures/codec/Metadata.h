@@ -1,6 +1,7 @@
 // What a file says of its picture, in the image library's terms and its own.
 #pragma once
 
+#include <OpenImageIO/imageio.h>
 #include <OpenImageIO/paramlist.h>
 
 #include <span>
@@ -29,5 +30,8 @@ bool isOfStorage(std::string_view name);
 // What the source says and a file that was made from it does not, by name.
 std::vector<std::string> unheldBy(std::span<const unsigned char> bytes, FileFormat format,
                                   const Metadata& source);
+
+// Pictures a second of a shot; 0 where the file does not tell.
+double frameRateOf(const OIIO::ImageSpec& layout);
 
 }  // namespace pictures

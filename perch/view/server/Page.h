@@ -21,7 +21,6 @@ bool hasPage();
 // What a user without a page can do.
 constexpr char kNoPage[] =
     "this program was built without the page of perch view, which takes Node; install nodejs and npm, and "
-    "build it "
-    "again";
+    "build it again";
 
 }  // namespace perch

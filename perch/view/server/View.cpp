@@ -140,6 +140,7 @@ int serveView(const ViewOptions& options) {
     sigwait(&signals, &signal);
     // First the answers that are waited for, then those who wait.
     session.end();
+    events.publish({"end", "{}"});
     events.end();
     server.stop();
     return kSignalled + signal;

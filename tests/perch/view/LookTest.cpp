@@ -27,8 +27,10 @@ LookReader reader() {
     for (const ParameterOption& option : options)
         if (const auto setting = parseSetting(option.parameter, defaultText(option.parameter)))
             defaults.push_back(constantCurve(*setting));
-    return {
-        options, defaults, {1, 2, 3, 24}, {"perch", "render", "-i", "it's.####.png", "-o", "out.####.png"}};
+    return {options,
+            defaults,
+            {1, 2, 3, 24},
+            {.words = {"perch", "render", "-i", "it's.####.png", "-o", "out.####.png"}}};
 }
 
 std::string state(const std::string& parameters, const std::string& rest = "\"serial\": 1, \"frame\": 2") {
@@ -87,6 +89,40 @@ TEST(LookTest, APresetHoldsTheLook) {
     EXPECT_THROW(looks.withPreset(empty, "no JSON"), UsageError);
 }
 
+ParameterOption layer(PF_ParamIndex index, const std::string& name) {
+    ParameterOption option{name, {}, name + "-range", name + "-offset"};
+    option.parameter.index = index;
+    option.parameter.name = name;
+    option.parameter.definition.param_type = PF_Param_LAYER;
+    return option;
+}
+
+TEST(LookTest, ALayerShowsOneOfThePicturesThatAreGiven) {
+    const std::vector<LayerWords> given{
+        {.index = 1, .picture = "z.#.exr:Z", .range = "-1.5:-16", .offset = "-1000"},
+        {.index = 2, .picture = "none"},
+        {.index = 3, .picture = "matte.png"}};
+    const LookReader looks({layer(1, "depth"), layer(2, "mask"), layer(3, "matte"), layer(4, "grain")}, {},
+                           {1}, {.words = {"render"}, .layers = given});
+    struct Case {
+        const char* layers;
+        const char* command;
+    };
+    for (const auto& [layers, command] :
+         {Case{
+              "",
+              " --depth z.#.exr:Z --depth-range=-1.5:-16 --depth-offset=-1000 --mask none --matte matte.png"},
+          Case{R"("depth": "none", "matte": "none")", " --depth none --mask none --matte none"},
+          Case{R"("depth": "matte.png", "matte": "none", "grain": "z.#.exr:Z")",
+               " --depth matte.png --mask none --matte none --grain z.#.exr:Z --grain-range=-1.5:-16 "
+               "--grain-offset=-1000"}}) {
+        const Look look =
+            looks.parse("{\"serial\": 1, \"frame\": 1, \"parameters\": {" + std::string(layers) + "}}");
+        EXPECT_EQ(looks.command(look), "render" + std::string(command));
+        EXPECT_EQ(looks.parse(looks.json(look).dump()).layers, look.layers);
+    }
+}
+
 TEST(LookTest, WhatIsNotUnderstoodIsNamed) {
     const LookReader looks = reader();
     struct Case {
@@ -102,7 +138,8 @@ TEST(LookTest, WhatIsNotUnderstoodIsNamed) {
           Case{state("\"Focal Point\": 101"), "from 0 to 100"},
           Case{state("\"Focal Point\": null"), "from 0 to 100"},
           Case{state("\"Blur Type\": \"Fin\""), "Coarse"},
-          Case{state("\"Control Layer\": \"/etc/passwd\""), "no parameter \"Control Layer\""}}) {
+          Case{state("\"Control Layer\": \"/etc/passwd\""), "\"Control Layer\" takes one of"},
+          Case{state("\"Control Layer\": 1"), "gives to layers: none"}}) {
         try {
             looks.parse(text);
             ADD_FAILURE() << text;

@@ -53,7 +53,10 @@ protected:
         for (const ParameterOption& option : options)
             if (const auto setting = parseSetting(option.parameter, defaultText(option.parameter)))
                 defaults.push_back(constantCurve(*setting));
-        return {options, defaults, {1, 2}, {"perch", "render"}};
+        return {options,
+                defaults,
+                {1, 2},
+                {.words = {"perch", "render"}, .layers = {{.index = kControlLayer, .picture = "matte.png"}}}};
     }
 
     ViewAnswer ask(const std::string& method, const std::string& path,
@@ -86,10 +89,15 @@ protected:
     RenderSettings settings;
     Effect effect{std::filesystem::path(PERCH_EFFECT), HostOptions{}};
     const LookReader looks = reader();
-    Session session{effect,       settings,
-                    plan,         looks,
-                    {.frame = 1}, std::int64_t{1} << 20,
-                    "in.#.png",   {{kControlLayer, "matte.png"}}};
+    Notes notes;
+    Session session{{.effect = effect,
+                     .settings = settings,
+                     .plan = plan,
+                     .looks = looks,
+                     .notes = notes,
+                     .first = {.frame = 1},
+                     .input = "in.#.png",
+                     .memory = std::int64_t{1} << 20}};
 };
 
 constexpr char kBlurred[] = R"({"Focal Point": 20, "Maximum Blur": 12, "Blur Type": "Fine"})";
@@ -120,6 +128,15 @@ TEST_F(SessionTest, APreviewIsWhatTheCommandMakesOfSmallerPictures) {
     smaller.downsample = {1, 2};
     smaller.resizes = true;
     EXPECT_TRUE(picture.body == rendered(smaller, kBlurred, 1));
+}
+
+TEST_F(SessionTest, WithoutItsLayerThePictureStaysAsItIs) {
+    show(1, 1, R"({"Maximum Blur": 12, "Control Layer": "none"})");
+    const std::string original = ask("GET", "/api/picture", {{"serial", "1"}, {"kind", "original"}}).body;
+    EXPECT_TRUE(ask("GET", "/api/picture", {{"serial", "1"}}).body == original);
+    EXPECT_EQ(ask("GET", "/api/histogram", {}).status, 404);
+    show(2, 1, R"({"Maximum Blur": 12, "Control Layer": "matte.png"})");
+    EXPECT_FALSE(ask("GET", "/api/picture", {{"serial", "2"}}).body == original);
 }
 
 TEST_F(SessionTest, TheNewestStateIsTheOneThatIsShown) {
@@ -184,6 +201,10 @@ TEST_F(SessionTest, TheDescriptionHasWhatControlsAreMadeOf) {
     EXPECT_EQ(blurType["type"], "popup");
     EXPECT_EQ(blurType["items"], Json({"Coarse", "Fine"}));
     EXPECT_EQ(blurType["default"], "Coarse");
+    EXPECT_EQ(json["parameters"][2]["default"], "matte.png");
+    for (const Json& parameter : json["parameters"])
+        EXPECT_FALSE(parameter["hint"].get<std::string>().empty()) << parameter["name"];
+    EXPECT_EQ(json["warnings"], Json::array());
     EXPECT_EQ(json["state"]["frame"], 1);
 }
 

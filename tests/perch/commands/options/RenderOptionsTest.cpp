@@ -106,6 +106,19 @@ TEST(RenderOptionsTest, LikelyMistakesOfTheCommandLineAreNoticed) {
     EXPECT_EQ(twice.repeated, (std::vector<std::string>{"--threads", "--amount"}));
 }
 
+TEST(RenderOptionsTest, ACommandLineIsTakenApart) {
+    const CommandParts parts =
+        commandParts({"--amount", "3", "--input=in.#.png", "--matte", "z.exr:Z", "--strict", "-o",
+                      "out.#.png", "--matte-range", "1:9", "--preset", "look.json", "--frames=-3-1"},
+                     layerAndSlider());
+    EXPECT_EQ(parts.words,
+              (std::vector<std::string>{"-i", "in.#.png", "-o", "out.#.png", "--frames=-3-1", "--strict"}));
+    ASSERT_EQ(parts.layers.size(), 1U);
+    EXPECT_EQ(parts.layers[0].picture, "z.exr:Z");
+    EXPECT_EQ(parts.layers[0].range, "1:9");
+    EXPECT_EQ(parts.layers[0].offset, "");
+}
+
 TEST(RenderOptionsTest, PopupBehindALayerTellsItsChannel) {
     const auto channelOf = [](const std::vector<std::string>& arguments) {
         return parseParameterArguments(arguments, layerAndSlider()).readings.at(1).usedChannel;
