@@ -10,6 +10,7 @@
 #include <thread>
 #include <utility>
 
+#include "Doorway.h"
 #include "Error.h"
 
 namespace perch {
@@ -103,7 +104,7 @@ struct Server::Http {
             if (verdict.status == 200) return Result::Unhandled;
             if (verdict.status == 303) {
                 response.set_header("Set-Cookie", gate->cookie());
-                response.set_redirect("/", 303);
+                comeIn(request, response);
             } else {
                 refuse(response, verdict.status, verdict.sentence);
             }
@@ -118,6 +119,14 @@ struct Server::Http {
         server.Post(".*", handle);
         server.Put(".*", handle);
         server.Delete(".*", handle);
+    }
+
+    // A browser that another page has sent here does not give the cookie to a redirection, but to a page of
+    // ours.
+    static void comeIn(const httplib::Request& request, httplib::Response& response) {
+        if (request.get_header_value("Sec-Fetch-Site") != "cross-site")
+            return response.set_redirect("/", 303);
+        response.set_content(pageLeadingTo("/"), "text/html; charset=utf-8");
     }
 
     static void give(ViewAnswer given, httplib::Response& response) {

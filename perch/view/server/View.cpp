@@ -12,6 +12,7 @@
 
 #include "Child.h"
 #include "Console.h"
+#include "Doorway.h"
 #include "Error.h"
 #include "ExitStatus.h"
 #include "Page.h"
@@ -100,15 +101,20 @@ private:
     std::optional<SaveFolder> folder;
 };
 
-// Who has no browser has the address.
-void openBrowser(const std::string& address) {
+// Who has no browser has the address. The file is to stay until the browser has read it.
+std::unique_ptr<Doorway> openBrowser(const std::string& address) {
     const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
+    std::unique_ptr<Doorway> doorway;
     try {
-        startChild("xdg-open", {"xdg-open", address}, {{nowhere, STDOUT_FILENO}, {nowhere, STDERR_FILENO}});
+        doorway = std::make_unique<Doorway>(address);
+        startChild("xdg-open", {"xdg-open", doorway->file().string()},
+                   {{nowhere, STDOUT_FILENO}, {nowhere, STDERR_FILENO}});
     } catch (const Error&) {
+        doorway.reset();
         say("note: no browser was found; open the address yourself, or leave the search out by --no-open");
     }
     close(nowhere);
+    return doorway;
 }
 
 // Held back from here on, in all threads that are begun later.
@@ -135,7 +141,8 @@ int serveView(const ViewOptions& options) {
     server.start();
     if (!hasPage()) say(fmt::format("note: {}", kNoPage));
     printResult(server.gate().address() + '\n');
-    if (options.opensBrowser) openBrowser(server.gate().address());
+    std::unique_ptr<Doorway> doorway;
+    if (options.opensBrowser) doorway = openBrowser(server.gate().address());
     int signal = 0;
     sigwait(&signals, &signal);
     // First the answers that are waited for, then those who wait.

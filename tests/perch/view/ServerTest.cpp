@@ -84,6 +84,15 @@ TEST_F(ServerTest, TheAddressLeadsToThePageWithACookie) {
     EXPECT_EQ(answered, 0);
 }
 
+TEST_F(ServerTest, ABrowserThatAnotherPageSendsIsLedInByAPage) {
+    const std::string answer = ask("GET /?token=" + std::string(kToken) + " HTTP/1.1\r\nHost: " + host() +
+                                   "\r\nSec-Fetch-Site: cross-site\r\n\r\n");
+    EXPECT_EQ(statusOf(answer), 200) << answer;
+    EXPECT_NE(answer.find("Set-Cookie: " + cookie()), std::string::npos) << answer;
+    EXPECT_NE(answer.find("content=\"0; url=/\""), std::string::npos) << answer;
+    EXPECT_EQ(answered, 0);
+}
+
 TEST_F(ServerTest, OthersGetNothing) {
     const std::string ourHost = "Host: " + host() + "\r\n";
     const std::string ourCookie = "Cookie: " + cookie() + "\r\n";
