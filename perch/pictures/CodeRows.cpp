@@ -15,8 +15,8 @@ constexpr std::uint32_t kMost = std::is_integral_v<T>
                                     ? static_cast<std::uint32_t>(std::numeric_limits<T>::max())
                                     : 1U;
 
-// The pixel of `kChannels` samples, alpha straight. The white is a constant where it is one of the two that
-// worlds have, so that the divisions become multiplications.
+// The pixel of `kChannels` samples, alpha straight. Here and below the white is a constant where it is one of
+// the two that worlds have, so that the divisions become multiplications.
 template <std::size_t kChannels, typename T>
 Codes codesOf(const T* samples, bool isPremultiplied, std::uint32_t white) {
     constexpr std::size_t kGreen = kChannels < 3 ? 0 : 1;
@@ -136,19 +136,25 @@ void writeRowOfLight(std::span<const Codes> row, std::uint32_t white, Picture& p
     }
 }
 
-template <typename T>
-void writeRow(std::span<const Codes> row, std::uint32_t white, const Picture& picture, T* next) {
-    const auto sample = [white](std::uint32_t code) {
-        return static_cast<T>(rescale(std::min(code, white), white, kMost<T>));
-    };
-    for (const Codes& codes : row) {
-        *next++ = sample(codes.red);
-        if (picture.channels > kGreyChannels) {
-            *next++ = sample(codes.green);
-            *next++ = sample(codes.blue);
+template <std::size_t kChannels, typename T>
+void writeRow(std::span<const Codes> row, std::uint32_t white, T* next) {
+    const auto write = [&](std::uint32_t constantWhite) {
+        const auto sample = [constantWhite](std::uint32_t code) {
+            return static_cast<T>(rescale(std::min(code, constantWhite), constantWhite, kMost<T>));
+        };
+        for (const Codes& codes : row) {
+            next[0] = sample(codes.red);
+            if constexpr (kChannels > kGreyChannels) {
+                next[1] = sample(codes.green);
+                next[2] = sample(codes.blue);
+            }
+            if constexpr (kChannels % 2 == 0) next[kChannels - 1] = sample(codes.alpha);
+            next += kChannels;
         }
-        if (picture.hasAlpha()) *next++ = sample(codes.alpha);
-    }
+    };
+    if (white == 255) return write(255);
+    if (white == 32768) return write(32768);
+    write(white);
 }
 
 }  // namespace
@@ -179,10 +185,9 @@ void writeCodes(std::span<const Codes> row, std::uint32_t white, std::int32_t y,
             if constexpr (std::is_integral_v<T>) {
                 const bool isNearest = rounding == Rounding::Nearest;
                 if (transfer == Transfer::Linear && !picture.isPremultiplied && isNearest) {
-                    // Constants, so that the divisions become multiplications.
-                    if (white == 255) return writeRow(row, 255, picture, first);
-                    if (white == 32768) return writeRow(row, 32768, picture, first);
-                    return writeRow(row, white, picture, first);
+                    constexpr decltype(&writeRow<1, T>) kWrite[] = {writeRow<1, T>, writeRow<2, T>,
+                                                                    writeRow<3, T>, writeRow<4, T>};
+                    return kWrite[picture.channels - 1](row, white, first);
                 }
             }
             writeRowOfLight(row, white, picture, transfer, thresholdsOf(rounding, y), first);

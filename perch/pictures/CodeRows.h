@@ -21,7 +21,7 @@ struct Codes {
 // `value` on the scale of 0 to `from`, which it may exceed, on the scale of 0 to `to`, rounded to the
 // nearest. All three are at most 65535, so that the product stays below 2^32.
 constexpr std::uint32_t rescale(std::uint32_t value, std::uint32_t from, std::uint32_t to) {
-    return (value * to + from / 2) / from;
+    return from == to ? value : (value * to + from / 2) / from;
 }
 
 // Fills a row of the picture's width and returns how many of its pixels have a colour that the codes do not
