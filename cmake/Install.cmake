@@ -25,6 +25,10 @@ if(KESTREL_PERCH)
     install(FILES "/usr/share/doc/${package}/copyright" DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/doc/kestrel"
       RENAME ${package}.copyright COMPONENT runtime OPTIONAL)
   endforeach()
+  if(KESTREL_PAGE)
+    install(FILES perch/page/node_modules/lit/LICENSE DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/doc/kestrel"
+      RENAME lit.copyright COMPONENT runtime)
+  endif()
 endif()
 
 # `cmake --build FOLDER --target uninstall` removes what the last `cmake --install FOLDER` put in place.

@@ -25,7 +25,7 @@ mkdir -p dist
 scripts/install-zig.sh
 
 # Debian has a folder for the libraries of each kind of processor; elsewhere they are in lib.
-cmake --preset products -D CMAKE_INSTALL_LIBDIR="lib/$(gcc -print-multiarch)"
+cmake --preset products -D CMAKE_INSTALL_LIBDIR="lib/$(gcc -print-multiarch)" -D KESTREL_PAGE=ON
 cmake --build --preset products
 (cd build/products && cpack -G DEB -B "$OLDPWD/$staged/deb")
 cp "$staged"/deb/*.deb dist
@@ -80,14 +80,15 @@ stage linux-x64
 cp -R build/linux-x64/Kestrel.plugin "$folder"
 mkdir -p "$folder/bin" "$folder/lib/perch" "$folder/share/man/man1"
 cp build/products/bin/perch "$folder/bin"
-cp build/products/lib/perch/pictures.so "$folder/lib/perch"
-strip "$folder/bin/perch" "$folder/lib/perch/pictures.so"
+cp build/products/lib/perch/pictures.so build/products/lib/perch/view.so "$folder/lib/perch"
+strip "$folder/bin/perch" "$folder"/lib/perch/*.so
 cp build/products/perch.1 "$folder/share/man/man1"
 {
     llvm_notices
     notice "libunwind" "$zig/lib/libunwind/LICENSE.TXT"
     notice "CLI11" "$documents/libcli11-dev/copyright"
     notice "JSON for Modern C++" "$documents/nlohmann-json3-dev/copyright"
+    notice "Lit" perch/page/node_modules/lit/LICENSE
 } >"$folder/NOTICES.txt"
 scripts/pack.py "dist/Kestrel-$version-linux-x64.tar.gz" "$folder"
 

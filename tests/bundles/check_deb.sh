@@ -28,10 +28,10 @@ mkdir -p "$root/var/lib/dpkg/info" "$root/var/lib/dpkg/updates"
 : >"$root/var/lib/dpkg/status"
 in_root --install "$package"
 "$root/usr/bin/perch" check >"$root/var/output" || { cat "$root/var/output" >&2; fail "brings a perch whose check fails"; }
-set -- "$root/usr/bin/perch" "$root"/usr/lib/*/perch/pictures.so "$root"/usr/lib/*/Kestrel.plugin/Contents/*/Kestrel.so
+set -- "$root/usr/bin/perch" "$root"/usr/lib/*/perch/pictures.so "$root"/usr/lib/*/perch/view.so "$root"/usr/lib/*/Kestrel.plugin/Contents/*/Kestrel.so
 for file in "$@" "$root/usr/share/man/man1/perch.1" "$root/usr/share/bash-completion/completions/perch" \
     "$root/usr/share/zsh/vendor-completions/_perch" "$root/usr/share/fish/vendor_completions.d/perch.fish" \
-    "$root/usr/share/doc/kestrel/libcli11-dev.copyright"; do
+    "$root/usr/share/doc/kestrel/libcli11-dev.copyright" "$root/usr/share/doc/kestrel/lit.copyright"; do
     [ -s "$file" ] || fail "lacks ${file#"$root"}"
 done
 

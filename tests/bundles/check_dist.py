@@ -214,9 +214,9 @@ def check_linux(archive: pathlib.Path, folder: pathlib.Path) -> dict[str, object
     name = "Linux-x86-64/Kestrel.so"
     properties = check_bundle(files, name, archive.name)
     others = sorted(name for name in files if not name.startswith("Kestrel.plugin/"))
-    programs = ["bin/perch", "lib/perch/pictures.so"]
+    programs = ["bin/perch", "lib/perch/pictures.so", "lib/perch/view.so"]
     same(f"{archive.name}, files beside the bundle", ["NOTICES.txt", "README.txt", *programs, "share/man/man1/perch.1"], others)
-    check_notices(files, archive.name, *LLVM_LIBRARIES, "libunwind", "CLI11", "JSON for Modern C++")
+    check_notices(files, archive.name, *LLVM_LIBRARIES, "libunwind", "CLI11", "JSON for Modern C++", "Lit")
     for program in programs:
         check_no_path(program, files[program])
     content = files["Kestrel.plugin/Contents/" + name]
