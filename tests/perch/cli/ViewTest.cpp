@@ -2,9 +2,12 @@
 #include <gtest/gtest.h>
 
 #include <charconv>
+#include <chrono>
 #include <csignal>
 #include <filesystem>
+#include <set>
 #include <string>
+#include <thread>
 
 #include "LoopbackClient.h"
 #include "Misdeeds.h"
@@ -79,6 +82,33 @@ TEST_F(ViewTest, ASessionThatBreaksIsFollowedByAnother) {
     view.send(SIGINT);
     EXPECT_EQ(view.finish().status, 128 + SIGINT);
     EXPECT_FALSE(LoopbackClient(page.port).isConnected);
+}
+
+// The processes that are at work in a folder.
+std::set<std::string> processesIn(const fs::path& folder) {
+    const fs::path work = fs::canonical(folder);
+    std::set<std::string> processes;
+    for (const fs::directory_entry& entry : fs::directory_iterator("/proc")) {
+        std::error_code error;  // of a process that has ended, or of another user's
+        if (fs::read_symlink(entry.path() / "cwd", error) == work && !error)
+            processes.insert(entry.path().filename());
+    }
+    return processes;
+}
+
+TEST_F(ViewTest, NothingOfItStaysWhenItEnds) {
+    const std::string plugin = std::string(PERCH_TEST_PLUGINS) + "/Invert.so";
+    for (const int signal : {SIGINT, SIGKILL}) {
+        RunningProgram view(command(plugin), folder);
+        const Page page(view.waitForLine());
+        const std::string picture = page.ask("GET", "/api/picture?serial=0&size=8x8");
+        EXPECT_EQ(statusOf(picture), 200) << picture;
+        EXPECT_EQ(processesIn(folder).size(), 3U);  // server, session and its worker
+        view.send(signal);
+        EXPECT_EQ(view.finish().status, 128 + signal);
+        while (!processesIn(folder).empty())
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
 }
 
 TEST_F(ViewTest, WhatASessionCannotBeginWithEndsTheProgram) {
