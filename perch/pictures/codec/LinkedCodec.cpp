@@ -4,6 +4,7 @@
 #include "Codec.h"
 #include "Decode.h"
 #include "Encode.h"
+#include "QuietLibrary.h"
 
 namespace pictures {
 namespace {
@@ -11,6 +12,7 @@ namespace {
 class LinkedCodec final : public Codec {
 public:
     LinkedCodec() {
+        silenceLibrary();
         OIIO::attribute("threads", 1);  // frames are decoded beside one another; a pool would only be started
     }
 

@@ -46,8 +46,9 @@ bool reachesItsEnd(std::span<const unsigned char> bytes, FileFormat format) {
 bool isEmptyPng(std::span<const unsigned char> bytes, FileFormat format) {
     constexpr std::size_t kWidth = 16;
     constexpr std::size_t kHeight = 20;
+    if (format != FileFormat::Png || bytes.size() < kHeight + 4) return false;
     const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-    return format == FileFormat::Png && (numberAt(text, kWidth, 4) == 0 || numberAt(text, kHeight, 4) == 0);
+    return numberAt(text, kWidth, 4) == 0 || numberAt(text, kHeight, 4) == 0;
 }
 
 }  // namespace pictures

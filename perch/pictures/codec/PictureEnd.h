@@ -1,5 +1,5 @@
-// Whether the bytes of a picture file reach its end. Decoders fill what a cut file lacks and say nothing, or
-// say it on stderr.
+// Whether the bytes of a picture file reach its end. Decoders fill what a cut file lacks and say
+// nothing.
 #pragma once
 
 #include <span>
@@ -12,8 +12,7 @@ namespace pictures {
 // whole.
 bool reachesItsEnd(std::span<const unsigned char> bytes, FileFormat format);
 
-// Whether a PNG that reaches its end says that it is 0 pixels wide or high, which its decoder complains about
-// on stderr.
+// Whether a PNG says that it is 0 pixels wide or high.
 bool isEmptyPng(std::span<const unsigned char> bytes, FileFormat format);
 
 }  // namespace pictures

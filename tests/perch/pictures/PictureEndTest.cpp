@@ -36,6 +36,14 @@ TEST(PictureEndTest, EveryBeginningOfAPngIsFoundCutShort) {
     }
 }
 
+TEST(PictureEndTest, APngThatEndsBeforeItsSizeIsNotAnEmptyOne) {
+    const std::string whole = fileOf("noise.png");
+    for (std::size_t size = 0; size < 24; ++size) {
+        const auto* const bytes = reinterpret_cast<const unsigned char*>(whole.data());
+        EXPECT_FALSE(isEmptyPng({bytes, size}, FileFormat::Png)) << size;
+    }
+}
+
 TEST(PictureEndTest, EveryBeginningOfAJpegIsFoundCutShort) {
     const std::string whole = fileOf("noise.jpg");
     EXPECT_TRUE(reachesItsEnd(whole, FileFormat::Jpeg));

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "CapturedStderr.h"
 #include "FileWorlds.h"
 #include "PictureFiles.h"
 #include "SmallProfile.h"
@@ -47,7 +48,8 @@ protected:
         const SharedPicture picture = readPictureFile(folder / from);
         const FileWorld world = worldOf(picture, Depth::Bits16, pictures::Transfer::Linear);
         const pictures::FileFormat format = pictures::formatOfName(to).value();
-        const pictures::SampleType type = nearestType(format, picture->type()).value();
+        const pictures::SampleType type =
+            nearestType(format, picture->type()).value_or(pictures::SampleType::Bits8);
         return writeWorld(folder / to, world.pixels, world,
                           {.type = type, .encoding = {.software = "perch"}});
     }
@@ -126,6 +128,23 @@ TEST_F(MetadataTest, AttributesAndWindowsOfOpenExrSurvive) {
     EXPECT_EQ(copy("a.exr", "out.png"),
               (std::vector<std::string>{"FramesPerSecond", "my.attribute", "smpte:TimeCode",
                                         "the display window's place"}));
+}
+
+TEST_F(MetadataTest, LibrariesPrintNothingOfWhatAFormatDoesNotHold) {
+    test::writeBytes(folder / "p.icc", test::smallProfile());
+    runTool(folder.path,
+            "convert -size 9x7 gradient:red-blue -depth 8 -density 72 a.tif && convert a.tif a.jpg && "
+            "exiftool -q -overwrite_original -Artist=Ada -Orientation#=6 -ISO=100 -GPSLatitude=52 "
+            "\"-ICC_Profile<=p.icc\" a.tif a.jpg && "
+            "oiiotool a.tif --attrib:type=timecode smpte:TimeCode 01:02:03:04 --attrib:type=rational "
+            "FramesPerSecond 24/1 --attrib:type=float[3] my.numbers 1,2,3 -d half -o a.exr");
+    const test::CapturedStderr captured;
+    for (const char* const from : {"a.tif", "a.jpg", "a.exr"}) {
+        for (const char* const to : {"b.png", "b.tif", "b.exr", "b.dpx", "b.tga", "b.jpg"}) {
+            copy(from, to);
+            EXPECT_EQ(captured.text(), "") << from << " to " << to;
+        }
+    }
 }
 
 // Chunks that no library here reads pass as they are.
