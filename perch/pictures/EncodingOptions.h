@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
 namespace pictures {
@@ -15,6 +16,13 @@ struct EncodingOptions {
     std::string openExrCompression = "zip";
     int jpegQuality = 0;     // 1 to 100; 0: the encoder's own
     std::string software{};  // what the file says that it was made by; empty: nothing
+    // Called again and again while the file is made, every few rows; what it throws ends that, and nothing is
+    // left of the file.
+    std::function<void()> checkpoint{};
+
+    void reachCheckpoint() const {
+        if (checkpoint) checkpoint();
+    }
 };
 
 }  // namespace pictures

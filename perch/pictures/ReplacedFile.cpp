@@ -146,6 +146,19 @@ bool writeAll(int file, std::span<const unsigned char> bytes) {
     return true;
 }
 
+// Piece after piece to the disk itself, so that no flush takes long.
+bool writeThrough(int file, std::span<const unsigned char> bytes, const std::function<void()>& checkpoint) {
+    constexpr std::size_t kPiece = std::size_t{16} << 20;
+    while (true) {
+        if (checkpoint) checkpoint();
+        const auto piece = bytes.first(std::min(kPiece, bytes.size()));
+        if (!writeAll(file, piece)) return false;
+        bytes = bytes.subspan(piece.size());
+        if (bytes.empty()) return true;
+        if (fdatasync(file) != 0) return false;
+    }
+}
+
 // The owner first, as a change of it takes rights away.
 bool takeOver(int file, const struct stat& older) {
     struct stat own {};
@@ -215,13 +228,14 @@ void prepareToReplace(std::span<const fs::path> paths) {
     }
 }
 
-void replaceFile(const fs::path& path, std::span<const unsigned char> bytes) {
+void replaceFile(const fs::path& path, std::span<const unsigned char> bytes,
+                 const std::function<void()>& checkpoint) {
     const fs::path target = targetOf(placeOf(path));
     struct stat older {};
     const bool exists = stat(target.c_str(), &older) == 0;
     if (exists) requireReplaceable(path, older);
     TemporaryFile temporary(path, target);
-    if (!writeAll(temporary.number(), bytes)) refuseBecauseOf(path, errno);
+    if (!writeThrough(temporary.number(), bytes, checkpoint)) refuseBecauseOf(path, errno);
     if (exists && !takeOver(temporary.number(), older)) {
         refuseToWrite(path, "it belongs to another user; choose another name");
     }

@@ -11,6 +11,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <span>
 
 #include "TemporaryFileWatcher.h"
@@ -22,8 +23,10 @@ namespace pictures {
 // left.
 void prepareToReplace(std::span<const std::filesystem::path> paths);
 
-// A file that is there keeps its mode and owner.
-void replaceFile(const std::filesystem::path& path, std::span<const unsigned char> bytes);
+// A file that is there keeps its mode and owner. What `checkpoint` throws, which is called again and again
+// until all bytes are on the disk, leaves it as it is.
+void replaceFile(const std::filesystem::path& path, std::span<const unsigned char> bytes,
+                 const std::function<void()>& checkpoint = {});
 
 // Removes the temporary files of writes under way, which then fail. Can be called from a signal handler.
 void removeTemporaryFiles();

@@ -49,9 +49,11 @@ std::int64_t fillWorld(const Picture& picture, Transfer transfer, const World& w
 }
 
 template <typename P>
-void fillPicture(const World& world, Transfer transfer, Rounding rounding, Picture& picture) {
+void fillPicture(const World& world, Transfer transfer, Rounding rounding,
+                 const pictures::EncodingOptions& encoding, Picture& picture) {
     std::vector<Codes> row(static_cast<std::size_t>(picture.width));
     for (std::int32_t y = 0; y < picture.height; ++y) {
+        encoding.reachCheckpoint();
         std::ranges::transform(pixelRow<P>(world.record(), y), row.begin(), [](const P& pixel) {
             return Codes{pixel.alpha, pixel.red, pixel.green, pixel.blue};
         });
@@ -61,9 +63,11 @@ void fillPicture(const World& world, Transfer transfer, Rounding rounding, Pictu
 
 // Where the effect returned a pixel as it got it, the file's own samples are more exact than its codes.
 template <typename P>
-void keepSamples(const World& world, const FileWorld& source, Picture& picture) {
+void keepSamples(const World& world, const FileWorld& source, const pictures::EncodingOptions& encoding,
+                 Picture& picture) {
     std::vector<std::uint8_t> isSame(static_cast<std::size_t>(picture.width));
     for (std::int32_t y = 0; y < picture.height; ++y) {
+        encoding.reachCheckpoint();
         std::ranges::transform(pixelRow<P>(world.record(), y), pixelRow<P>(source.pixels.record(), y),
                                isSame.begin(), [](const P& after, const P& before) {
                                    return std::memcmp(&after, &before, sizeof(P)) == 0 ? 1 : 0;
@@ -102,12 +106,13 @@ bool isGrey(const World& world) {
     return world.isDeep() ? isGreyAs<PF_Pixel16>(world) : isGreyAs<PF_Pixel>(world);
 }
 
-void fill(const World& world, Transfer transfer, Picture& picture, bool isDithered = false) {
+void fill(const World& world, Transfer transfer, const OutputFormat& format, Picture& picture) {
     if (world.isDeep()) {
-        const bool dithers = isDithered && picture.type() == SampleType::Bits8;
-        fillPicture<PF_Pixel16>(world, transfer, dithers ? Rounding::Dithered : Rounding::Nearest, picture);
+        const bool dithers = format.isDithered && format.type == SampleType::Bits8;
+        fillPicture<PF_Pixel16>(world, transfer, dithers ? Rounding::Dithered : Rounding::Nearest,
+                                format.encoding, picture);
     } else {
-        fillPicture<PF_Pixel>(world, transfer, Rounding::Nearest, picture);
+        fillPicture<PF_Pixel>(world, transfer, Rounding::Nearest, format.encoding, picture);
     }
 }
 
@@ -167,7 +172,7 @@ FileWorld readWorld(const fs::path& path, std::optional<Depth> depth) {
 
 Picture pictureOf(const World& world, const FileWorld& source, SampleType type) {
     Picture picture = pictures::newPicture(world.width(), world.height(), 4, type);
-    fill(world, transferToUndo(source, type), picture);
+    fill(world, transferToUndo(source, type), {.type = type, .encoding = {}}, picture);
     return picture;
 }
 
@@ -199,12 +204,12 @@ std::vector<std::string> writeWorld(const fs::path& path, const World& world, co
                                            (staysGrey ? 1U : 3U) + (withAlpha ? 1U : 0U), format.type);
     picture.isPremultiplied = withAlpha && isWrittenPremultiplied(path, *source.source);
     picture.metadata = source.source->metadata;
-    fill(world, transferToUndo(source, format.type), picture, format.isDithered);
+    fill(world, transferToUndo(source, format.type), format, picture);
     if (canKeepSamples(world, source, picture)) {
         if (world.isDeep()) {
-            keepSamples<PF_Pixel16>(world, source, picture);
+            keepSamples<PF_Pixel16>(world, source, format.encoding, picture);
         } else {
-            keepSamples<PF_Pixel>(world, source, picture);
+            keepSamples<PF_Pixel>(world, source, format.encoding, picture);
         }
     }
     return asError([&] { return pictures::writePicture(path, picture, format.encoding); });
@@ -215,7 +220,7 @@ void writeWorld(const fs::path& path, const World& world, bool withAlpha,
     const SampleType type = world.isDeep() ? SampleType::Bits16 : SampleType::Bits8;
     requireOutput(path, type, withAlpha);
     Picture picture = pictures::newPicture(world.width(), world.height(), withAlpha ? 4 : 3, type);
-    fill(world, Transfer::Linear, picture);
+    fill(world, Transfer::Linear, {.type = type, .encoding = encoding}, picture);
     asError([&] { pictures::writePicture(path, picture, encoding); });
 }
 

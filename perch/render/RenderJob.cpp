@@ -49,6 +49,7 @@ struct Step {
 struct EndingFrame {
     FrameEnd end;
     std::exception_ptr error{};
+    bool isCancelled = false;  // neither done nor failed
 };
 
 std::string messageOf(const std::exception_ptr& error) {
@@ -86,6 +87,7 @@ public:
             throw;
         }
         takeAllEnds();
+        if (firstCancelled) throwIfCancelled(*firstCancelled);
         if (!mayGoOn()) std::rethrow_exception(firstError);
     }
 
@@ -104,6 +106,8 @@ private:
     std::invoke_result_t<F> named(std::size_t index, const F& body) const {
         try {
             return body();
+        } catch (const Cancelled&) {
+            throw;
         } catch (const Error& error) {
             if (!plan.isSequence) throw;
             throw Error(fmt::format("frame {}: {}", plan.frames[index].frame, error.what()));
@@ -278,21 +282,26 @@ private:
     void startWriting(const FrameEnd& rendered, RenderedFrame result, const FramePictures& pictures) {
         startEnding([this, end = rendered, input = pictures.input, output = pictures.output,
                      result = std::move(result)]() mutable {
+            output.encoding.checkpoint = [&] { throwIfCancelled(end.index); };
             const auto write = [&] {
                 const fs::path& path = plan.frames[end.index].output;
                 const std::vector<std::string> unheld = writeWorld(path, result.picture, *input, output);
                 if (!unheld.empty()) report.notes.add("unheld", unheldNote(path, unheld), end.index + 1);
                 return true;
             };
-            const Step<bool> written = tried(CLOCK_THREAD_CPUTIME_ID, report.encodeTime, settings.pause,
-                                             [&] { return named(end.index, write); });
-            end.retries += written.retries;
-            end.encodeTime = written.time;
-            if (written.error == nullptr) {
-                ++report.framesWritten;
-                whereabouts().hasWritten = true;
+            try {
+                const Step<bool> written = tried(CLOCK_THREAD_CPUTIME_ID, report.encodeTime, settings.pause,
+                                                 [&] { return named(end.index, write); });
+                end.retries += written.retries;
+                end.encodeTime = written.time;
+                if (written.error == nullptr) {
+                    ++report.framesWritten;
+                    whereabouts().hasWritten = true;
+                }
+                return EndingFrame{end, written.error};
+            } catch (const Cancelled&) {
+                return EndingFrame{.end = end, .isCancelled = true};
             }
-            return EndingFrame{end, written.error};
         });
     }
 
@@ -311,6 +320,10 @@ private:
 
     void takeEnd() {
         EndingFrame frame = writes.next();
+        if (frame.isCancelled) {
+            if (!firstCancelled) firstCancelled = frame.end.index;
+            return;
+        }
         if (frame.error != nullptr) {
             frame.end.state = FrameEnd::State::Failed;
             frame.end.message = messageOf(frame.error);
@@ -346,8 +359,9 @@ private:
     bool knowsTheUsersChoices = false;
     ShotForm form;
     std::size_t nextRead = 0;
-    bool hasFailure = false;        // of a frame
-    std::exception_ptr firstError;  // in the order of the frames
+    bool hasFailure = false;                    // of a frame
+    std::exception_ptr firstError;              // in the order of the frames
+    std::optional<std::size_t> firstCancelled;  // of the frames that were being written
     // Last, so that the tasks end before what they use.
     OrderedTasks<Step<FramePictures>> reads{settings.framesAhead};
     OrderedTasks<EndingFrame> writes{settings.framesAhead};

@@ -85,8 +85,9 @@ struct RenderReport {
 
 // Renders the frames in order. Throws Error for the first failure, which ends the job, and names the frame
 // where the plan is a sequence; where the job goes on, frameEnds tells of the failures of frames instead.
-// Throws Cancelled when the flag of `watch` was seen, also between the effect's commands. Each output is
-// written whole or not at all; frames before the failure stay.
+// Throws Cancelled when the flag of `watch` was seen, also between the effect's commands and while a
+// file is written, which then is not there. Each output is written whole or not at all; frames before the
+// failure stay.
 void renderFrames(Effect& effect, const RenderSettings& settings,
                   const std::vector<ParameterCurve>& parameters, const FramePlan& plan,
                   const RenderWatch& watch, RenderReport& report);

@@ -102,6 +102,24 @@ OIIO::ImageSpec layoutOf(const Picture& picture, const Encoding& encoding) {
     return layout;
 }
 
+// The same bytes as of all rows at once: strips and blocks of formats have fewer rows, or as many.
+template <typename T>
+bool writeRows(OIIO::ImageOutput& file, const EncodingOptions& options, const std::vector<T>& samples) {
+    constexpr int kRows = 64;
+    const OIIO::ImageSpec& layout = file.spec();
+    const OIIO::TypeDesc type(OIIO::BaseTypeFromC<T>::value);
+    const std::size_t rowSamples = samples.size() / static_cast<std::size_t>(layout.height);
+    const int end = layout.y + layout.height;
+    const T* rows = samples.data();
+    for (int y = layout.y; y < end; y += kRows) {
+        options.reachCheckpoint();
+        const int next = std::min(y + kRows, end);
+        if (!file.write_scanlines(y, next, 0, type, rows)) return false;
+        rows += rowSamples * static_cast<std::size_t>(next - y);
+    }
+    return true;
+}
+
 std::string firstLine(const std::string& text) {
     return text.substr(0, text.find('\n'));
 }
@@ -116,8 +134,8 @@ EncodedPicture encode(const Picture& picture, const Encoding& encoding) {
     const std::unique_ptr<OIIO::ImageOutput> file =
         OIIO::ImageOutput::create(libraryName(encoding.format), &memory);
     if (file == nullptr) throw PictureError(firstLine(OIIO::geterror()));
-    const auto writeSamples = [&]<typename T>(const std::vector<T>& samples) {
-        return file->write_image(OIIO::BaseTypeFromC<T>::value, samples.data());
+    const auto writeSamples = [&](const auto& samples) {
+        return writeRows(*file, encoding.options, samples);
     };
     const bool isWritten =
         file->open("picture", layout) && std::visit(writeSamples, picture.samples) && file->close();

@@ -11,6 +11,7 @@
 #include "RenderJob.h"
 #include "ScriptedEffect.h"
 #include "TemporaryFolder.h"
+#include "WaitForFrames.h"
 
 namespace perch::test {
 namespace {
@@ -146,7 +147,9 @@ TEST_F(FailingFramesTest, CancelEndsAJobThatGoesOn) {
     std::atomic<bool> cancelled{false};
     watch.cancelled = &cancelled;
     script.on(PF_Cmd_RENDER, [&](const EffectCall& call) {
-        cancelled = call.in->current_time == 3;
+        if (call.in->current_time < 3) return PF_Err_NONE;
+        waitForFrames(report, 2);
+        cancelled = true;
         return PF_Err_NONE;
     });
     EXPECT_THROW(render(), Cancelled);

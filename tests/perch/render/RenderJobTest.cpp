@@ -18,8 +18,10 @@
 #include "PictureFiles.h"
 #include "PixelAccess.h"
 #include "RenderJob.h"
+#include "ReplacedFile.h"
 #include "ScriptedEffect.h"
 #include "TemporaryFolder.h"
+#include "WaitForFrames.h"
 
 namespace perch::test {
 namespace {
@@ -81,17 +83,48 @@ TEST(RenderJobTest, FrameThatACancelCameInIsNotWritten) {
     std::atomic<bool> cancelled{false};
     RenderWatch watch;
     watch.cancelled = &cancelled;
+    RenderReport report;
     ScriptedEffect script;  // never asks whether it is to stop
     script.on(PF_Cmd_RENDER, [&](const EffectCall& call) {
-        cancelled = call.in->current_time == 2;
+        if (call.in->current_time < 2) return PF_Err_NONE;
+        waitForFrames(report, 1);
+        cancelled = true;
         return PF_Err_NONE;
     });
     Effect effect(ScriptedEffect::enter, {}, strictOptions());
-    RenderReport report;
     EXPECT_THROW(renderFrames(effect, {}, {}, plan, watch, report), Cancelled);
     EXPECT_EQ(report.framesWritten, 1U);
     EXPECT_TRUE(std::filesystem::exists(plan.frames[0].output));
     EXPECT_FALSE(std::filesystem::exists(plan.frames[1].output));
+}
+
+// Set where the first temporary file appears, which is when the picture is encoded and about to be written.
+std::atomic<bool>* gCancelledByTheFile = nullptr;
+
+TEST(RenderJobTest, FileThatACancelCameInIsNotMade) {
+    const TemporaryFolder folder;
+    const FramePlan plan = sequenceIn(folder, 1);
+    std::atomic<bool> cancelled{false};
+    RenderWatch watch;
+    watch.cancelled = &cancelled;
+    watch.frameBegins = [&](std::size_t) { gCancelledByTheFile = &cancelled; };
+    std::size_t ends = 0;
+    watch.frameEnds = [&](const FrameEnd&) { ++ends; };
+    pictures::watchTemporaryFiles({.appears =
+                                       [](const std::string&) {
+                                           if (gCancelledByTheFile != nullptr) *gCancelledByTheFile = true;
+                                       },
+                                   .isGone = [](const std::string&) {}});
+    ScriptedEffect script;
+    Effect effect(ScriptedEffect::enter, {}, strictOptions());
+    RenderReport report;
+    EXPECT_THROW(renderFrames(effect, {}, {}, plan, watch, report), Cancelled);
+    gCancelledByTheFile = nullptr;
+    EXPECT_TRUE(cancelled);
+    EXPECT_EQ(ends, 0U);
+    EXPECT_EQ(report.framesWritten, 0U);
+    const auto files = std::filesystem::directory_iterator(folder.path);
+    EXPECT_EQ(std::distance(begin(files), end(files)), 1) << "the input alone";
 }
 
 TEST(RenderJobTest, FailedWriteEndsTheJobAtTheNextFrame) {
