@@ -135,7 +135,7 @@ void reportTiming(const RenderReport& report, std::chrono::steady_clock::duratio
 // What did not fail and should be known.
 void reportNotes(const RenderReport& report, std::optional<pictures::Transfer> transfer,
                  JobDisplay& display) {
-    display.tellNotes(report.notes);
+    display.tellNotes(report.notes.all());
     if (report.pixelsClipped == 0) return;
     const bool isLog = transfer == pictures::Transfer::Log;
     display.tellNote(fmt::format(
@@ -244,8 +244,8 @@ int runRenderCommand(const std::vector<std::string>& arguments) {
     const ParameterArguments parameters = parseParameterArguments(arguments, effect.description().parameters);
     FramePlan plan = planFrames(options.names, parameters.layers);
     plan.emptyLayers = parameters.emptyLayers;
-    for (const std::string& note : plan.notes)
-        display.tellNote(note);
+    if (options.areWarningsErrors) refuseWarnings(plan.notes);
+    display.tellNotes(plan.notes);
     RenderSettings settings = options.settings;
     settings.layers = parameters.readings;
     if (options.hasProvenance) {

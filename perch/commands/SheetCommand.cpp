@@ -198,6 +198,8 @@ int runSheetCommand(const Arguments& arguments) {
     names.output.clear();
     FramePlan plan = planFrames(names, parameters.layers);
     plan.emptyLayers = parameters.emptyLayers;
+    if (options.areWarningsErrors) refuseWarnings(plan.notes);
+    display.tellNotes(plan.notes);
     const fs::path output = options.names.output;
     pictures::watchTemporaryFiles({.appears = noteTemporary, .isGone = forgetTemporary});
     requireWritable(output, plan);
@@ -217,9 +219,10 @@ int runSheetCommand(const Arguments& arguments) {
         ++made;
     };
     RenderReport report;
+    report.notes.areWarningsErrors = options.areWarningsErrors;
     renderFrames(effect, settings, parameters.curves, plan, watch, report);
     effect.close();
-    display.tellNotes(report.notes);
+    display.tellNotes(report.notes.all());
     writeWorld(output, sheet.world(), false, settings.encoding);
     return kDone;
 }

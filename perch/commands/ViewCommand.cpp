@@ -169,8 +169,8 @@ int runSession(int socket, const std::vector<std::string>& given) {
                            {.words = words, .layers = parts.layers});
     Notes notes;
     warnOfMistakes(values, notes);
-    for (const std::string& note : plan.notes)
-        notes.add(note, note);
+    for (const std::string& sentence : sentencesOf(plan.notes))
+        notes.add(sentence, sentence);
     Session session({.effect = effect,
                      .settings = settings,
                      .plan = plan,

@@ -138,11 +138,12 @@ FramePlan planSequence(const PictureNames& names, const LayerNames& layers, Patt
     plan.firstFrame = plan.frames.front().frame;
     plan.lastFrame = std::ranges::max(plan.frames, {}, &FrameFiles::frame).frame;
     if (!plan.skipped.empty()) {
-        plan.notes.push_back(
-            fmt::format("\"{}\" has no file for {}; skipped", names.input, countedFrames(plan.skipped)));
+        plan.notes.push_back({.isWarning = true,
+                              .sentence = fmt::format("\"{}\" has no file for {}; check that all were made",
+                                                      names.input, countedFrames(plan.skipped))});
     }
     for (const auto& [index, layer] : patterns.layers)
-        if (!layer.note().empty()) plan.notes.push_back(layer.note());
+        if (!layer.note().empty()) plan.notes.push_back({.sentence = layer.note()});
     return plan;
 }
 
@@ -155,7 +156,8 @@ void keepShard(FramePlan& plan, const std::vector<std::int32_t>& wanted, const S
     std::erase_if(plan.frames, [&](const FrameFiles& files) { return !own.contains(files.frame); });
     std::erase_if(plan.skipped, [&](std::int32_t frame) { return !own.contains(frame); });
     if (plan.frames.empty())
-        plan.notes.push_back(fmt::format("shard {}/{} has no frame to render", shard.number, shard.count));
+        plan.notes.push_back(
+            {.sentence = fmt::format("shard {}/{} has no frame to render", shard.number, shard.count)});
 }
 
 void requireOneFile(const std::string& name, bool areFiles) {

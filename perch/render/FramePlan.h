@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "MissingFrame.h"
+#include "Notes.h"
 #include "PF_Params.h"
 #include "Shard.h"
 
@@ -53,7 +54,7 @@ struct FramePlan {
     std::set<PF_ParamIndex> emptyLayers{};  // that the user has set to none
     std::vector<std::int32_t> skipped{};    // that have no file
     std::vector<FrameFiles> current{};      // whose outputs are up to date; not among the frames
-    std::vector<std::string> notes{};       // sentences about files that are missing
+    std::vector<Note> notes{};              // about files that are missing
 };
 
 // The layer parameters that the user has set, to none as well.

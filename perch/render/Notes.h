@@ -18,6 +18,19 @@ struct Note {
     std::string sentence;
 };
 
+inline std::vector<std::string> sentencesOf(const std::vector<Note>& notes) {
+    std::vector<std::string> sentences;
+    for (const Note& note : notes)
+        sentences.push_back(note.sentence);
+    return sentences;
+}
+
+// Throws Error for the first that is a warning.
+inline void refuseWarnings(const std::vector<Note>& notes) {
+    for (const Note& note : notes)
+        if (note.isWarning) throw Error(note.sentence);
+}
+
 class Notes {
 public:
     // `place` is that of the frame among the job's, from 1 on; 0 for the job. Of a kind the first place's
@@ -44,12 +57,7 @@ public:
         return result;
     }
 
-    std::vector<std::string> sentences() const {
-        std::vector<std::string> result;
-        for (const Note& note : all())
-            result.push_back(note.sentence);
-        return result;
-    }
+    std::vector<std::string> sentences() const { return sentencesOf(all()); }
 
     bool areWarningsErrors = false;  // to be set before the job begins
 

@@ -96,8 +96,8 @@ void JobDisplay::tellNote(const std::string& sentence) {
     say(sentence);
 }
 
-void JobDisplay::tellNotes(const Notes& notes) {
-    for (const Note& note : notes.all())
+void JobDisplay::tellNotes(const std::vector<Note>& notes) {
+    for (const Note& note : notes)
         tellNote((note.isWarning ? "warning: " : "note: ") + note.sentence);
 }
 

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "FrameEnd.h"
 #include "FramePlan.h"
@@ -36,7 +37,7 @@ public:
     void tellMessage(std::string_view command, std::string_view message);
     // What is known to be no failure.
     void tellNote(const std::string& sentence);
-    void tellNotes(const Notes& notes);
+    void tellNotes(const std::vector<Note>& notes);
     // Takes the line of progress off the terminal.
     void clearLine();
 

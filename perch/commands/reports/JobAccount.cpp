@@ -69,7 +69,7 @@ JobRecord accountOf(const PlannedJob& job, const std::optional<JobRecord>& earli
         record.parameters.emplace_back("--" + option.name, curveText(option.parameter, curve));
     }
     record.skipped = job.plan.skipped;
-    record.notes = job.plan.notes;
+    record.notes = sentencesOf(job.plan.notes);
     for (const FrameFiles& files : job.plan.frames)
         record.frames.push_back(recordOf(job, files));
     const Records known = recordsOf(earlier);

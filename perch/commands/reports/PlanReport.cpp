@@ -194,7 +194,7 @@ std::string planAsJson(const PlannedJob& job) {
     const Json json{{"frames", frameListText(numbersOf(job.plan.frames))},
                     {"count", job.plan.frames.size()},
                     {"upToDate", frameListText(numbersOf(job.plan.current))},
-                    {"notes", job.plan.notes},
+                    {"notes", sentencesOf(job.plan.notes)},
                     {"firstFrame", pictures},
                     {"values", values},
                     {"memoryBytes", memoryFor(job, facts)},

@@ -97,8 +97,10 @@ TEST_F(FramePlanTest, GapIsAnErrorOrSkippedAndToldOf) {
         const FramePlan plan = planFrames(names, layers);
         EXPECT_EQ(numbersOf(plan), onDisk) << name;
         EXPECT_EQ(plan.notes.empty(), skipped.empty()) << name;
-        for (const std::string& note : plan.notes)
-            EXPECT_THAT(note, HasSubstr("has no file for " + countedFrames(skipped) + "; skipped")) << name;
+        for (const Note& note : plan.notes) {
+            EXPECT_THAT(note.sentence, HasSubstr("has no file for " + countedFrames(skipped) + ";")) << name;
+            EXPECT_TRUE(note.isWarning) << name;
+        }
     }
 }
 
@@ -152,7 +154,7 @@ TEST_F(FramePlanTest, LayersFileIsOffsetAndHeldOrNoneWhereItIsMissing) {
                 EXPECT_EQ(plan.frames[i].layers.at(kMatte), folder / files[i]) << note << i;
             }
         }
-        EXPECT_THAT(plan.notes, ElementsAre(HasSubstr(note)));
+        EXPECT_THAT(plan.notes, ElementsAre(testing::Field(&Note::sentence, HasSubstr(note))));
     }
 }
 
