@@ -38,8 +38,6 @@ std::string tiffCompression(const Metadata* source, int level) {
 void describeTiff(const Metadata* source, int compression, OIIO::ImageSpec& layout) {
     layout["compression"] = tiffCompression(source, compression);
     if (compression > 0) layout["tiff:zipquality"] = compression;
-    // The encoder invents a date where there is none of any kind, and writes none that is no text.
-    if (layout.find_attribute("DateTime") == nullptr) layout["DateTime"] = 0;
 }
 
 void describeOpenExr(const Metadata* source, const std::string& compression, OIIO::ImageSpec& layout) {
@@ -82,6 +80,12 @@ OIIO::TypeDesc fileType(SampleType type) {
     return OIIO::TypeUnknown;
 }
 
+// Of some formats the encoder invents a date where there is none of any kind, and writes none that is not a
+// text.
+bool inventsDate(FileFormat format) {
+    return format == FileFormat::Tiff || format == FileFormat::OpenExr;
+}
+
 OIIO::ImageSpec layoutOf(const Picture& picture, const Encoding& encoding) {
     OIIO::ImageSpec layout(picture.width, picture.height, static_cast<int>(picture.channels),
                            fileType(picture.type()));
@@ -92,6 +96,7 @@ OIIO::ImageSpec layoutOf(const Picture& picture, const Encoding& encoding) {
     const Metadata* const source = picture.metadata.get();
     const EncodingOptions& options = encoding.options;
     if (source != nullptr) keepMetadata(picture, encoding.format, layout);
+    if (inventsDate(encoding.format) && layout.find_attribute("DateTime") == nullptr) layout["DateTime"] = 0;
     if (!picture.isPremultiplied) layout[kAlphaIsStraight] = 1;
     if (!options.software.empty()) layout["Software"] = options.software;
     if (encoding.format == FileFormat::Png) describePng(options.compression, layout);

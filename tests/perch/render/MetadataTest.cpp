@@ -130,6 +130,16 @@ TEST_F(MetadataTest, AttributesAndWindowsOfOpenExrSurvive) {
                                         "the display window's place"}));
 }
 
+TEST_F(MetadataTest, NoDateIsInvented) {
+    test::writeFile<std::uint8_t>(folder / "a.png", {1, 1, 3}, {1, 2, 3});
+    for (const char* const to : {"b.png", "b.tif", "b.exr", "b.dpx", "b.tga", "b.jpg"}) {
+        copy("a.png", to);
+        const auto file = OIIO::ImageInput::open(folder / to);
+        ASSERT_NE(file, nullptr) << to;
+        EXPECT_EQ(file->spec().get_string_attribute("DateTime"), "") << to;
+    }
+}
+
 TEST_F(MetadataTest, LibrariesPrintNothingOfWhatAFormatDoesNotHold) {
     test::writeBytes(folder / "p.icc", test::smallProfile());
     runTool(folder.path,
