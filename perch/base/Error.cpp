@@ -18,7 +18,7 @@ std::string sentence(const std::string& command, std::int32_t code, const std::s
 
 EffectError::EffectError(std::string command, std::int32_t code, std::string message,
                          std::optional<std::int32_t> frame)
-    : Error(sentence(command, code, message, frame)),
+    : EffectFault(sentence(command, code, message, frame)),
       command(std::move(command)),
       code(code),
       message(std::move(message)),

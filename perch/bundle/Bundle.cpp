@@ -48,8 +48,8 @@ fs::path chooseFile(const fs::path& folder, const fs::path& bundleName, std::str
     own += extension;
     if (std::ranges::find(files, own) != files.end()) return own;
     if (files.size() > 1) {
-        throw Error(fmt::format("\"{}\" has several files and none named after the bundle: {}",
-                                folder.string(), namesOf(files)));
+        throw LoadError(fmt::format("\"{}\" has several files and none named after the bundle: {}",
+                                    folder.string(), namesOf(files)));
     }
     return files.empty() ? fs::path() : files.front();
 }
@@ -58,17 +58,17 @@ std::vector<std::byte> readResourceFile(const fs::path& path) {
     std::error_code error;
     // Opening a pipe would wait for somebody to write to it.
     if (!fs::is_regular_file(path, error) && !error)
-        throw Error(fmt::format("\"{}\" is not a file", path.string()));
+        throw LoadError(fmt::format("\"{}\" is not a file", path.string()));
     const std::uintmax_t size = error ? 0 : fs::file_size(path, error);
-    if (error) throw Error(fmt::format("cannot read \"{}\": {}", path.string(), error.message()));
+    if (error) throw LoadError(fmt::format("cannot read \"{}\": {}", path.string(), error.message()));
     if (size > kLargestResourceFile) {
-        throw Error(fmt::format("\"{}\" is too large for a resource file: {} bytes, at most {}",
-                                path.string(), size, kLargestResourceFile));
+        throw LoadError(fmt::format("\"{}\" is too large for a resource file: {} bytes, at most {}",
+                                    path.string(), size, kLargestResourceFile));
     }
     std::vector<std::byte> bytes(static_cast<std::size_t>(size));
     std::ifstream file(path, std::ios::binary);
     if (!file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(size))) {
-        throw Error(fmt::format("cannot read \"{}\"; check its permissions", path.string()));
+        throw LoadError(fmt::format("cannot read \"{}\"; check its permissions", path.string()));
     }
     return bytes;
 }
@@ -80,8 +80,8 @@ std::optional<PropertyList> readPropertyListOf(const fs::path& resourceFile) {
         if (!resource) return std::nullopt;
         return readPropertyList(*resource);
     } catch (const Error& error) {
-        throw Error(fmt::format("\"{}\" is damaged: {}; install the plug-in again", resourceFile.string(),
-                                error.what()));
+        throw LoadError(fmt::format("\"{}\" is damaged: {}; install the plug-in again", resourceFile.string(),
+                                    error.what()));
     }
 }
 
@@ -90,8 +90,8 @@ fs::path libraryOf(const fs::path& bundle, const fs::path& bundleName) {
     const fs::path folder = bundle / "Contents" / fmt::format("Linux-{}", kArchitecture);
     const fs::path library = chooseFile(folder, bundleName, ".so");
     if (!library.empty()) return library;
-    throw Error(fmt::format("\"{}\" has no library for this machine; expected a .so file in \"{}\"",
-                            bundle.string(), folder.string()));
+    throw LoadError(fmt::format("\"{}\" has no library for this machine; expected a .so file in \"{}\"",
+                                bundle.string(), folder.string()));
 }
 
 // "Kestrel.plugin" of "build/Kestrel.plugin/".
@@ -110,7 +110,7 @@ Bundle openBundle(const fs::path& path) {
         return {path, path, propertyListWithin(path)};
     }
     if (!fs::is_directory(status)) {
-        throw Error(
+        throw LoadError(
             fmt::format("there is no plug-in \"{}\"; name a .plugin folder or a .so file", path.string()));
     }
     const fs::path name = nameOf(path);
@@ -134,8 +134,8 @@ LoadedLibrary loadLibrary(const Bundle& bundle) {
         loaded.symbol = symbol;
         if (loaded.entryPoint != nullptr) return loaded;
     }
-    throw Error(fmt::format("\"{}\" is not an effect: it does not export {}", bundle.library.string(),
-                            fmt::join(candidates, " or ")));
+    throw LoadError(fmt::format("\"{}\" is not an effect: it does not export {}", bundle.library.string(),
+                                fmt::join(candidates, " or ")));
 }
 
 fs::path findBundleBeside(const fs::path& programFolder) {
@@ -145,11 +145,12 @@ fs::path findBundleBeside(const fs::path& programFolder) {
         const std::vector<fs::path> bundles = filesWithExtension(folder, ".plugin");
         if (bundles.size() == 1) return bundles.front();
         if (bundles.size() > 1) {
-            throw Error(fmt::format("\"{}\" has several plug-ins: {}; name one of them on the command line",
-                                    folder.string(), namesOf(bundles)));
+            throw LoadError(
+                fmt::format("\"{}\" has several plug-ins: {}; name one of them on the command line",
+                            folder.string(), namesOf(bundles)));
         }
     }
-    throw Error("there is no plug-in beside the program; name one on the command line");
+    throw LoadError("there is no plug-in beside the program; name one on the command line");
 }
 
 fs::path chooseBundle(const fs::path& given) {

@@ -37,8 +37,8 @@ std::shared_ptr<void> openLibrary(const std::filesystem::path& path) {
     void* const handle = load(name);
     if (handle == nullptr) {
         const std::string reason = dlerror();  // begins with the path
-        throw Error(fmt::format("cannot load \"{}\": {}", path.string(),
-                                reason.substr(reason.starts_with(name) ? name.size() + 2 : 0)));
+        throw LoadError(fmt::format("cannot load \"{}\": {}", path.string(),
+                                    reason.substr(reason.starts_with(name) ? name.size() + 2 : 0)));
     }
     return {handle, [](void* library) {
                 const InEffect inEffect("unloading");

@@ -13,7 +13,8 @@ namespace {
 std::shared_ptr<void> load(const std::filesystem::path& path, DWORD flags) {
     const HMODULE library = LoadLibraryExW(std::filesystem::absolute(path).c_str(), nullptr, flags);
     if (library == nullptr)
-        throw Error(fmt::format("cannot load \"{}\": error {} of the system", path.string(), GetLastError()));
+        throw LoadError(
+            fmt::format("cannot load \"{}\": error {} of the system", path.string(), GetLastError()));
     return {library, [](void* module) { FreeLibrary(static_cast<HMODULE>(module)); }};
 }
 
@@ -37,7 +38,7 @@ std::optional<PropertyList> propertyListWithin(const std::filesystem::path& path
     try {
         return readPropertyList({bytes, SizeofResource(module, found)}, ListForm::kWindows);
     } catch (const Error& error) {
-        throw Error(
+        throw LoadError(
             fmt::format("\"{}\" is damaged: {}; install the plug-in again", path.string(), error.what()));
     }
 }

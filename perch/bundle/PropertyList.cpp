@@ -35,7 +35,7 @@ private:
 
 Properties splitProperties(ByteSpan list, std::endian order) {
     Properties properties{.order = order, .data = {}};
-    if (properties.numberAt(list, 0, kBadHeader) != PiPL_LIST_VERSION) throw Error(kBadVersion);
+    if (properties.numberAt(list, 0, kBadHeader) != PiPL_LIST_VERSION) throw LoadError(kBadVersion);
     const std::uint32_t count = properties.numberAt(list, 4, kBadHeader);
     std::uint64_t at = kListHeaderSize;
     for (std::uint32_t i = 0; i < count; ++i) {
@@ -66,7 +66,7 @@ std::string zeroTerminatedString(const Properties& properties, std::uint32_t key
     if (found == properties.data.end()) return {};
     std::string text = toString(found->second);
     const std::size_t end = text.find('\0');
-    if (end == std::string::npos) throw Error(kBadString);
+    if (end == std::string::npos) throw LoadError(kBadString);
     text.resize(end);
     return text;
 }
@@ -99,10 +99,10 @@ std::string entryPoint(const Properties& properties) {
 
 PropertyList readPropertyList(ByteSpan bytes, ListForm form) {
     const bool isWindows = form == ListForm::kWindows;
-    if (isWindows && perch::numberAt(bytes, 0, 2, kBadHeader) != kWindowsStart) throw Error(kBadVersion);
+    if (isWindows && perch::numberAt(bytes, 0, 2, kBadHeader) != kWindowsStart) throw LoadError(kBadVersion);
     const Properties properties = isWindows ? splitProperties(bytes.subspan(2), std::endian::little)
                                             : splitProperties(bytes, std::endian::big);
-    if (number(properties, PiPL_KIND) != PiPL_KIND_EFFECT) throw Error(kBadKind);
+    if (number(properties, PiPL_KIND) != PiPL_KIND_EFFECT) throw LoadError(kBadKind);
     return {.name = pascalString(properties, PiPL_NAME),
             .category = pascalString(properties, PiPL_CATEGORY),
             .matchName = pascalString(properties, PiPL_MATCH_NAME),

@@ -33,8 +33,8 @@ Areas findAreas(ByteSpan file) {
     const Areas areas{bytesAt(file, dataOffset, dataLength, kBadArea),
                       bytesAt(file, mapOffset, mapLength, kBadArea)};
     const bool areApart = dataOffset + dataLength <= mapOffset || mapOffset + mapLength <= dataOffset;
-    if (dataOffset < kHeaderSize || mapOffset < kHeaderSize || !areApart) throw Error(kBadOverlap);
-    if (mapLength < kMapHeaderSize) throw Error(kBadMap);
+    if (dataOffset < kHeaderSize || mapOffset < kHeaderSize || !areApart) throw LoadError(kBadOverlap);
+    if (mapLength < kMapHeaderSize) throw LoadError(kBadMap);
     return areas;
 }
 
@@ -47,7 +47,7 @@ std::uint64_t countAt(ByteSpan bytes, std::uint64_t offset, const char* sentence
 // the work is linear in the file's size even when lists lie over each other.
 ByteSpan findReferences(ByteSpan map, std::uint32_t type) {
     const std::uint64_t typeListOffset = numberAt(map, kTypeListOffsetAt, 2, kBadMap);
-    if (typeListOffset < kMapHeaderSize) throw Error(kBadTypes);
+    if (typeListOffset < kMapHeaderSize) throw LoadError(kBadTypes);
     const ByteSpan typeList = bytesAt(map, typeListOffset, map.size() - typeListOffset, kBadTypes);
     const std::uint64_t typeCount = countAt(typeList, 0, kBadTypes);
     const ByteSpan entries = bytesAt(typeList, 2, typeCount * kTypeEntrySize, kBadTypes);
@@ -55,7 +55,7 @@ ByteSpan findReferences(ByteSpan map, std::uint32_t type) {
         const ByteSpan entry = entries.subspan(i * kTypeEntrySize, kTypeEntrySize);
         if (numberAt(entry, 0, 4, kBadTypes) != type) continue;
         const std::uint64_t offset = numberAt(entry, 6, 2, kBadTypes);
-        if (offset < 2 + entries.size()) throw Error(kBadReferences);
+        if (offset < 2 + entries.size()) throw LoadError(kBadReferences);
         return bytesAt(typeList, offset, countAt(entry, 4, kBadTypes) * kReferenceSize, kBadReferences);
     }
     return {};

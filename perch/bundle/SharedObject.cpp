@@ -57,25 +57,25 @@ void requireLoadable(const std::filesystem::path& path) {
     const std::string name = path.string();
     std::error_code error;
     if (!std::filesystem::is_regular_file(path, error))
-        throw Error(fmt::format("\"{}\" is not a file", name));
+        throw LoadError(fmt::format("\"{}\" is not a file", name));
     const std::uintmax_t size = std::filesystem::file_size(path, error);
     std::ifstream file(path, std::ios::binary);
-    if (!file) throw Error(fmt::format("cannot read \"{}\"; check its permissions", name));
+    if (!file) throw LoadError(fmt::format("cannot read \"{}\"; check its permissions", name));
     Header header{};
     file.read(reinterpret_cast<char*>(&header), sizeof header);
     const auto read = static_cast<std::size_t>(file.gcount());
     const std::string cutShort = fmt::format("\"{}\" is cut short; install the plug-in again", name);
     if (std::memcmp(header.e_ident, ELFMAG, std::min<std::size_t>(read, SELFMAG)) != 0)
-        throw Error(fmt::format("\"{}\" is not a shared object", name));
-    if (read < sizeof header) throw Error(cutShort);
+        throw LoadError(fmt::format("\"{}\" is not a shared object", name));
+    if (read < sizeof header) throw LoadError(cutShort);
     const Header& own = ownHeader();
     const bool isOfThisMachine = header.e_machine == own.e_machine &&
                                  header.e_ident[EI_CLASS] == own.e_ident[EI_CLASS] && hasOwnByteOrder(header);
     if (!isOfThisMachine)
-        throw Error(fmt::format("\"{}\" is made for {}; this program runs on {}", name, machineName(header),
-                                machineName(own)));
+        throw LoadError(fmt::format("\"{}\" is made for {}; this program runs on {}", name,
+                                    machineName(header), machineName(own)));
     if (header.e_type != ET_DYN || header.e_phentsize != sizeof(Segment))
-        throw Error(fmt::format("\"{}\" is not a shared object", name));
+        throw LoadError(fmt::format("\"{}\" is not a shared object", name));
     std::vector<Segment> segments(header.e_phnum);
     file.seekg(static_cast<std::streamoff>(header.e_phoff));
     file.read(reinterpret_cast<char*>(segments.data()),
@@ -84,7 +84,7 @@ void requireLoadable(const std::filesystem::path& path) {
                              return segment.p_type != PT_LOAD ||
                                     (segment.p_filesz <= size && segment.p_offset <= size - segment.p_filesz);
                          });
-    if (!isWhole) throw Error(cutShort);
+    if (!isWhole) throw LoadError(cutShort);
 }
 
 }  // namespace perch

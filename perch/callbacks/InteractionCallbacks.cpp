@@ -75,7 +75,7 @@ PF_Err declare(Host& host, PF_ParamIndex index, const PF_ParamDef& definition) {
     if (parameters.size() >= kMostParameters) {
         const std::string why = fmt::format("an effect may declare {} parameters at most", kMostParameters);
         host.refuseParameters(why);
-        throw Error(why);
+        throw EffectFault(why);
     }
     Parameter parameter = describeParameter(definition);
     if (definition.param_type == PF_Param_POPUP &&

@@ -15,9 +15,9 @@
 namespace perch {
 
 // A rule that did not hold, in a sentence's words.
-class Failure : public Error {
+class Failure : public EffectFault {
 public:
-    using Error::Error;
+    using EffectFault::EffectFault;
 };
 
 // Throws Failure.

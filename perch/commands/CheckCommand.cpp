@@ -75,7 +75,7 @@ public:
     }
     int end() const {
         if (asJson) printResult(isFirst ? "[]\n" : "\n]\n");
-        return hasFailure ? kFailed : kDone;
+        return hasFailure ? kEffectFailed : kDone;
     }
 
 private:
@@ -91,7 +91,8 @@ Outcome tryInChild(std::size_t number, const std::string& plugin, std::chrono::n
 
 Outcome tryHere(const CheckRule& rule, const std::string& plugin) {
     const std::string failure = tryRule(rule, plugin);
-    return {.status = failure.empty() ? kDone : kFailed, .sentence = failure, .signal = 0, .findings = {}};
+    return {
+        .status = failure.empty() ? kDone : kEffectFailed, .sentence = failure, .signal = 0, .findings = {}};
 }
 
 }  // namespace
@@ -112,7 +113,7 @@ int runCheckCommand(const std::vector<std::string>& arguments) {
     openBundle(plugin);
     if (isWorker()) {
         const std::string failure = tryRule(checkRules()[only.value_or(0)], plugin);
-        if (!failure.empty()) throw Error(failure);
+        if (!failure.empty()) throw EffectFault(failure);
         return kDone;
     }
     const bool inProcess = app.count(kInProcessOption) > 0;

@@ -16,8 +16,12 @@ struct ExitCode {
 
 constexpr ExitCode kExitCodes[] = {
     {kDone, "done"},
-    {kFailed, "failed, or strict mode found a fault"},
+    {kFailed, "failed for another reason, as where there is not enough memory"},
     {kWrongUse, "wrong use of the command line; nothing was done"},
+    {kBadInput, "a file that is read is missing, damaged, or does not go with the others"},
+    {kBadOutput, "a file cannot be written, or must not be replaced"},
+    {kNotLoaded, "there is no effect to load, or it cannot be loaded"},
+    {kEffectFailed, "the effect answered with an error, or broke a rule of check or --strict"},
     {kSomeFailed, "some frames failed, with --on-error continue; the others are done"},
     {kEffectBroke, "the effect crashed, ended the program, let an exception out, or did not come back"},
     {kSignalled + SIGHUP, "ended by SIGHUP; finished frames stay"},

@@ -111,7 +111,7 @@ int runJobCommand(const Arguments& arguments) {
         return kDone;
     }
     if (fs::exists(output) && !overwrites)
-        throw Error(fmt::format("\"{}\" exists; choose another name, or give --overwrite", output));
+        throw OutputError(fmt::format("\"{}\" exists; choose another name, or give --overwrite", output));
     writeTextFile(output, text);
     return kDone;
 }

@@ -19,7 +19,8 @@ namespace {
 
 NamedRecord readTask(const std::string& name) {
     std::optional<JobRecord> record = readRecord(name);
-    if (!record) throw Error(fmt::format("cannot read \"{}\": there is no such file; check its name", name));
+    if (!record)
+        throw InputError(fmt::format("cannot read \"{}\": there is no such file; check its name", name));
     return {.name = name, .record = std::move(*record)};
 }
 

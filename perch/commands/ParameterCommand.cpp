@@ -8,6 +8,8 @@
 #include "CommandLine.h"
 #include "Console.h"
 #include "Effect.h"
+#include "Error.h"
+#include "FailingAs.h"
 #include "RenderOptions.h"
 #include "ReplacedFile.h"
 #include "Whereabouts.h"
@@ -45,8 +47,10 @@ bool ParameterCommand::read(const std::vector<std::string>& arguments) {
 void writeTextFile(const std::string& path, const std::string& text) {
     const std::filesystem::path file = path;
     pictures::watchTemporaryFiles({.appears = noteTemporary, .isGone = forgetTemporary});
-    pictures::prepareToReplace(std::span(&file, 1));
-    pictures::replaceFile(file, {reinterpret_cast<const unsigned char*>(text.data()), text.size()});
+    failingAs<OutputError>([&] {
+        pictures::prepareToReplace(std::span(&file, 1));
+        pictures::replaceFile(file, {reinterpret_cast<const unsigned char*>(text.data()), text.size()});
+    });
 }
 
 }  // namespace perch

@@ -281,7 +281,7 @@ int runRenderCommand(const std::vector<std::string>& arguments) {
     if (options.wantsTiming) reportTiming(report, std::chrono::steady_clock::now() - start);
     const bool hasFault = reportFindings(effect);
     display.finish(options.names.output);
-    const int status = hasFault ? kFailed : display.totals().failed.empty() ? kDone : kSomeFailed;
+    const int status = hasFault ? kEffectFailed : display.totals().failed.empty() ? kDone : kSomeFailed;
     if (audience.report)
         audience.report->finish(status == kDone ? "done" : "failed", "", report.notes.sentences());
     return status;

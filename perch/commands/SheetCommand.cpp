@@ -15,9 +15,9 @@
 #include "Console.h"
 #include "Effect.h"
 #include "Error.h"
+#include "FailingAs.h"
 #include "JobDisplay.h"
 #include "ParameterText.h"
-#include "PictureError.h"
 #include "RenderOptions.h"
 #include "ReplacedFile.h"
 #include "SheetAxis.h"
@@ -161,11 +161,7 @@ void requireWritable(const fs::path& sheet, const FramePlan& plan) {
     }
     for (const auto& [index, layer] : plan.stillLayers)
         inputs.push_back(layer);
-    try {
-        pictures::requireNotRead(sheet, inputs);
-    } catch (const pictures::PictureError& error) {
-        throw Error(error.what());
-    }
+    failingAs<OutputError>([&] { pictures::requireNotRead(sheet, inputs); });
     prepareOutputs(std::span(&sheet, 1));
     requireOutput(sheet, pictures::SampleType::Bits8, false);
 }

@@ -89,10 +89,8 @@ struct Ending {
 Ending runHere(const Arguments& arguments) {
     try {
         return {run(arguments), {}};
-    } catch (const perch::UsageError& error) {
-        return {perch::kWrongUse, error.what()};
-    } catch (const perch::EffectBroke& error) {
-        return {perch::kEffectBroke, error.what()};
+    } catch (const perch::Error& error) {
+        return {error.status(), error.what()};
     } catch (const std::bad_alloc&) {
         return {perch::kFailed, "there is not enough memory"};
     } catch (const std::exception& error) {

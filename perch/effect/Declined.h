@@ -6,9 +6,9 @@
 namespace perch {
 
 // RENDER was answered without an error, and the frame left as it was.
-class Declined : public Error {
+class Declined : public EffectFault {
 public:
-    using Error::Error;
+    using EffectFault::EffectFault;
 };
 
 }  // namespace perch

@@ -88,8 +88,9 @@ void Frame::takeOutputSize(const PF_OutData& out) {
         return;
     }
     if (out.width > kLargestExtent || out.height > kLargestExtent)
-        throw Error(fmt::format("the effect asks for an output of {} x {} pixels; the largest is {} x {}",
-                                out.width, out.height, kLargestExtent, kLargestExtent));
+        throw EffectFault(
+            fmt::format("the effect asks for an output of {} x {} pixels; the largest is {} x {}", out.width,
+                        out.height, kLargestExtent, kLargestExtent));
     request.outputWidth = out.width;
     request.outputHeight = out.height;
     request.outputOriginX = out.origin.h;

@@ -164,9 +164,10 @@ FrameRequest Sequence::completed(const FrameRequest& asked) const {
     FrameRequest request = asked;
     if (request.input == nullptr) throw Error("a frame needs an input picture");
     if (request.input->isDeep() && !effect.supportsDeepColor())
-        throw Error("the effect does not handle 16 bits per channel; give it 8-bit pictures");
+        throw EffectFault("the effect does not handle 16 bits per channel; give it 8-bit pictures");
     if (isFloat(request) && !effect.supportsFloatColor())
-        throw Error("the effect does not handle floating-point channels; give it pictures of 8 or 16 bits");
+        throw EffectFault(
+            "the effect does not handle floating-point channels; give it pictures of 8 or 16 bits");
     for (const auto& [index, picture] : request.layers)
         if (picture != nullptr && picture->depth() != request.input->depth())
             throw Error(
@@ -193,7 +194,7 @@ void Sequence::requireEveryValue(const ParameterValues& values) const {
 RenderedFrame Sequence::render(const FrameRequest& request) {
     const bool knowsSmart = effect.supportsSmartRender();
     if (request.smart == SmartUse::On && !knowsSmart)
-        throw Error("the effect does not declare smart rendering; render without it");
+        throw EffectFault("the effect does not declare smart rendering; render without it");
     const bool mustBeSmart = request.input != nullptr && isFloat(request);
     if (knowsSmart && (mustBeSmart || request.smart == SmartUse::On ||
                        (request.smart == SmartUse::Auto && declinesRender))) {

@@ -72,8 +72,8 @@ void checkPromise(Host& host, const FrameRequest& request, const PF_PreRenderOut
     const std::int64_t width = std::int64_t{rect.right} - rect.left;
     const std::int64_t height = std::int64_t{rect.bottom} - rect.top;
     if (width > kLargestExtent || height > kLargestExtent)
-        throw Error(fmt::format("frame {}: the effect promises {} x {} pixels; the largest is {} x {}",
-                                request.frame, width, height, kLargestExtent, kLargestExtent));
+        throw EffectFault(fmt::format("frame {}: the effect promises {} x {} pixels; the largest is {} x {}",
+                                      request.frame, width, height, kLargestExtent, kLargestExtent));
 }
 
 // Each command has a table of its own, so that what the effect writes there ends with the command.
@@ -134,7 +134,7 @@ RenderedFrame renderSmart(Host& host, const FrameRequest& request, PF_Handle& se
     if (!exchange.wasOutputTaken()) {
         if (request.cancelled != nullptr && request.cancelled->load())
             throw Cancelled("SMART_RENDER", PF_Interrupt_CANCEL, "", request.frame);
-        throw Error(
+        throw EffectFault(
             fmt::format("frame {}: the effect promised pixels at SMART_PRE_RENDER and asked for no "
                         "output at SMART_RENDER",
                         request.frame));

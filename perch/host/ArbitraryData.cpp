@@ -57,8 +57,8 @@ void ArbitraryData::cutGuard(std::vector<std::byte>& room, A_u_long size, const 
 // A value that the effect has made. Without one there is nothing to go on with.
 PF_ArbitraryH ArbitraryData::checked(PF_ArbitraryH made, PF_ArbitraryH from, const char* function) {
     if (made == nullptr || !host.handles.isLive(made))
-        throw Error(fmt::format("{} made no value of parameter {}, \"{}\"", function, parameter.index,
-                                parameter.name));
+        throw EffectFault(fmt::format("{} made no value of parameter {}, \"{}\"", function, parameter.index,
+                                      parameter.name));
     if (made == from)
         host.ledger.fault(function,
                           fmt::format("parameter {}: the copy is the value itself", parameter.index));
@@ -107,7 +107,7 @@ std::vector<std::byte> ArbitraryData::flatten(PF_ArbitraryH value) {
     sizeOf.u.flat_size_func_params.arbH = value;
     sizeOf.u.flat_size_func_params.flat_data_sizePLu = &size;
     send(sizeOf, "FLAT_SIZE_FUNC");
-    if (size > kLargestSize) throw Error(fmt::format("FLAT_SIZE_FUNC asks for {} bytes", size));
+    if (size > kLargestSize) throw EffectFault(fmt::format("FLAT_SIZE_FUNC asks for {} bytes", size));
     std::vector<std::byte> bytes = guardedRoom(size);
     PF_ArbParamsExtra extra = request(PF_Arbitrary_FLATTEN_FUNC);
     extra.u.flatten_func_params.arbH = value;
@@ -157,7 +157,7 @@ std::string ArbitraryData::print(PF_ArbitraryH value) {
     sizeOf.u.print_size_func_params.arbH = value;
     sizeOf.u.print_size_func_params.print_sizePLu = &size;
     send(sizeOf, "PRINT_SIZE_FUNC");
-    if (size > kLargestSize) throw Error(fmt::format("PRINT_SIZE_FUNC asks for {} bytes", size));
+    if (size > kLargestSize) throw EffectFault(fmt::format("PRINT_SIZE_FUNC asks for {} bytes", size));
     std::vector<std::byte> bytes = guardedRoom(size);
     PF_ArbParamsExtra extra = request(PF_Arbitrary_PRINT_FUNC);
     extra.u.print_func_params.print_flags = PF_ArbPrint_NONE;

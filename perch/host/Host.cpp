@@ -106,7 +106,7 @@ void Host::setUp() {
     Call params{.command = PF_Cmd_PARAMS_SETUP};
     send(params);
     throwIfFailed(params);
-    if (!parameterFlaw.empty()) throw Error(parameterFlaw);
+    if (!parameterFlaw.empty()) throw EffectFault(parameterFlaw);
     nestInGroups(description.parameters);
     const auto declared = static_cast<A_long>(description.parameters.size()) + 1;
     // Not all effects look at what add_param answers, and it has failed because it was to.

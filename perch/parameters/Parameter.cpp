@@ -40,7 +40,7 @@ const char* typeName(PF_ParamType type) {
     const auto* found = std::find_if(kTypeNames.begin(), kTypeNames.end(),
                                      [type](const TypeName& known) { return known.type == type; });
     if (found == kTypeNames.end())
-        throw Error(fmt::format("parameter type {} is not one of the interface's", type));
+        throw EffectFault(fmt::format("parameter type {} is not one of the interface's", type));
     return found->name;
 }
 

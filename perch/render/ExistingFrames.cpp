@@ -59,8 +59,9 @@ void refuseExistingFrames(const FramePlan& plan) {
     }
     if (existing.empty()) return;
     if (!plan.isSequence)
-        throw Error(fmt::format("\"{}\" exists; remove it, or take --existing skip or overwrite", first));
-    throw Error(fmt::format(
+        throw OutputError(
+            fmt::format("\"{}\" exists; remove it, or take --existing skip or overwrite", first));
+    throw OutputError(fmt::format(
         "files of {}, exist, the first is \"{}\"; remove them, or take --existing skip or overwrite",
         countedFrames(existing), first));
 }

@@ -9,6 +9,7 @@
 
 #include "CodeRows.h"
 #include "Error.h"
+#include "FailingAs.h"
 #include "PictureError.h"
 #include "PixelAccess.h"
 #include "PixelOps.h"
@@ -23,16 +24,6 @@ using pictures::Picture;
 using pictures::Rounding;
 using pictures::SampleType;
 using pictures::Transfer;
-
-// What the pictures report is a failure of the host as any other.
-template <typename F>
-auto asError(const F& body) {
-    try {
-        return body();
-    } catch (const pictures::PictureError& error) {
-        throw Error(error.what());
-    }
-}
 
 template <typename P>
 std::int64_t fillWorld(const Picture& picture, Transfer transfer, const World& world) {
@@ -139,7 +130,7 @@ bool isWrittenPremultiplied(const fs::path& path, const Picture& source) {
 
 SharedPicture readPictureFile(const fs::path& path, const std::string& channel,
                               const pictures::ReadOptions& options) {
-    return asError(
+    return failingAs<InputError>(
         [&] { return std::make_shared<const Picture>(pictures::readPicture(path, channel, options)); });
 }
 
@@ -181,7 +172,7 @@ bool needsNoAlpha(const World& world) {
 }
 
 void prepareOutputs(std::span<const fs::path> paths) {
-    asError([&] { pictures::prepareOutputs(paths); });
+    failingAs<OutputError>([&] { pictures::prepareOutputs(paths); });
 }
 
 void requireOutput(const fs::path& path, SampleType type, bool withAlpha) {
@@ -190,7 +181,8 @@ void requireOutput(const fs::path& path, SampleType type, bool withAlpha) {
     } catch (const pictures::PictureError& error) {
         const std::optional<FileFormat> format = pictures::formatOfName(path);
         const bool isOfDepth = format && isWritten(*format) && !holds(*format, type);
-        throw Error(isOfDepth ? fmt::format("{}, or another --output-depth", error.what()) : error.what());
+        throw OutputError(isOfDepth ? fmt::format("{}, or another --output-depth", error.what())
+                                    : error.what());
     }
 }
 
@@ -212,7 +204,7 @@ std::vector<std::string> writeWorld(const fs::path& path, const World& world, co
             keepSamples<PF_Pixel>(world, source, format.encoding, picture);
         }
     }
-    return asError([&] { return pictures::writePicture(path, picture, format.encoding); });
+    return failingAs<OutputError>([&] { return pictures::writePicture(path, picture, format.encoding); });
 }
 
 void writeWorld(const fs::path& path, const World& world, bool withAlpha,
@@ -221,7 +213,7 @@ void writeWorld(const fs::path& path, const World& world, bool withAlpha,
     requireOutput(path, type, withAlpha);
     Picture picture = pictures::newPicture(world.width(), world.height(), withAlpha ? 4 : 3, type);
     fill(world, Transfer::Linear, {.type = type, .encoding = encoding}, picture);
-    asError([&] { pictures::writePicture(path, picture, encoding); });
+    failingAs<OutputError>([&] { pictures::writePicture(path, picture, encoding); });
 }
 
 }  // namespace perch

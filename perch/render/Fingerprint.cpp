@@ -8,8 +8,8 @@
 #include <string_view>
 
 #include "Error.h"
+#include "FailingAs.h"
 #include "FileBytes.h"
-#include "PictureError.h"
 #include "StartFolder.h"
 
 namespace perch {
@@ -73,14 +73,10 @@ std::optional<FileState> fileState(const fs::path& path) {
 }
 
 std::string fileFingerprint(const fs::path& path) {
-    try {
-        const pictures::FileBytes bytes = pictures::readFile(path);
-        Hash hash;
-        hash.add({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
-        return hash.text();
-    } catch (const pictures::PictureError& error) {
-        throw Error(error.what());
-    }
+    const auto bytes = failingAs<InputError>([&] { return pictures::readFile(path); });
+    Hash hash;
+    hash.add({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    return hash.text();
 }
 
 // Each line begins with what it is of, so that no two accounts read the same.

@@ -43,10 +43,11 @@ bool isFile(const std::string& name) {
     return fs::exists(name, ignored);
 }
 
-Error noFileLike(const std::string& name) {
-    return Error(fmt::format("no file is named like \"{}\"{}", name,
-                             isFile(name) ? " with a number; --no-pattern takes the file of just this name"
-                                          : "; check the name and the folder"));
+InputError noFileLike(const std::string& name) {
+    return InputError(fmt::format("no file is named like \"{}\"{}", name,
+                                  isFile(name)
+                                      ? " with a number; --no-pattern takes the file of just this name"
+                                      : "; check the name and the folder"));
 }
 
 // The frames that the input's files would have without gaps. Where only every second frame or the like was
@@ -59,7 +60,7 @@ std::vector<std::int32_t> framesAround(const std::vector<std::int32_t>& onDisk, 
     if (step == 0) return onDisk;
     const std::size_t count = static_cast<std::size_t>((onDisk.back() - onDisk.front()) / step) + 1;
     if (count > kMostFrames) {
-        throw Error(
+        throw InputError(
             fmt::format("the files named like \"{}\" extend from frame {} to {}, with more than {} "
                         "frames; choose some by --frames",
                         name, onDisk.front(), onDisk.back(), kMostFrames));
@@ -80,7 +81,7 @@ bool hasFile(const FramePattern& input, std::int32_t frame, MissingFrame missing
     std::error_code ignored;
     if (fs::exists(file, ignored)) return true;
     if (missing == MissingFrame::Skip) return false;
-    throw Error(
+    throw InputError(
         fmt::format("frame {} is missing: there is no file \"{}\"; check the name and --frames, or leave "
                     "it out by --missing-frame skip",
                     frame, file.string()));
@@ -132,8 +133,8 @@ FramePlan planSequence(const PictureNames& names, const LayerNames& layers, Patt
     for (const FrameFiles& files : plan.frames)
         plan.firstLayers.insert(files.layers.begin(), files.layers.end());
     if (plan.frames.empty()) {
-        throw Error(fmt::format("\"{}\" has no file for {}, which is all; check the name and --frames",
-                                names.input, countedFrames(plan.skipped)));
+        throw InputError(fmt::format("\"{}\" has no file for {}, which is all; check the name and --frames",
+                                     names.input, countedFrames(plan.skipped)));
     }
     plan.firstFrame = plan.frames.front().frame;
     plan.lastFrame = std::ranges::max(plan.frames, {}, &FrameFiles::frame).frame;
@@ -241,7 +242,7 @@ void refuseToOverwrite(const FramePlan& plan) {
     Files written;
     for (const FrameFiles& files : plan.frames) {
         const auto refuse = [&](std::string_view reason) {
-            throw Error(
+            throw OutputError(
                 fmt::format("cannot write \"{}\": {}; choose another name", files.output.string(), reason));
         };
         if (read.contain(files.output)) refuse("it is read by this render");

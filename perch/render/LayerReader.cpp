@@ -23,7 +23,7 @@ const fs::path* firstFileOf(const FramePlan& plan, PF_ParamIndex index) {
 void requireShares(const fs::path& path, const pictures::Picture& picture, const LayerReading& reading) {
     const std::optional<pictures::Extent> extent = extentOf(picture);
     if (!extent || (extent->least >= 0 && extent->greatest <= 1)) return;
-    throw Error(
+    throw InputError(
         fmt::format("cannot take \"{}\" for a layer: its values are {:.6g} to {:.6g}, not 0 to 1; "
                     "say which are near and far with {} NEAR:FAR, as {:.6g}:{:.6g}",
                     path.string(), extent->least, extent->greatest, reading.rangeOption, extent->least,
@@ -77,7 +77,7 @@ void LayerReader::findRanges(const FramePlan& plan) {
         if (!reading.hasUsualRange || path == nullptr) continue;
         reading.range = pictures::usualRange(*readPictureFile(*path, reading.channel, options));
         if (!reading.range) {
-            throw Error(
+            throw InputError(
                 fmt::format("cannot find near and far in \"{}\": it has one depth at most; give {} "
                             "NEAR:FAR",
                             path->string(), reading.rangeOption));

@@ -21,7 +21,7 @@ std::optional<fs::path> LayerSequence::fileFor(std::int32_t frame) {
     std::error_code ignored;
     if (fs::exists(file, ignored)) return file;
     if (missing == MissingLayerFrame::Error) {
-        throw Error(
+        throw InputError(
             fmt::format("frame {} lacks a layer: there is no file \"{}\"; check the name, or go on "
                         "by --missing-layer-frame hold or none",
                         frame, file.string()));
@@ -36,7 +36,7 @@ std::optional<fs::path> LayerSequence::fileFor(std::int32_t frame) {
 void LayerSequence::requireAnyFile() {
     if (framesOnDisk.empty()) framesOnDisk = pattern.framesOnDisk();
     if (framesOnDisk.empty())
-        throw Error(fmt::format("no file is named like \"{}\"; check the name and the folder", name));
+        throw InputError(fmt::format("no file is named like \"{}\"; check the name and the folder", name));
 }
 
 fs::path LayerSequence::heldFor(std::int32_t frame) const {

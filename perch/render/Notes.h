@@ -41,7 +41,7 @@ public:
 
     // Throws Error instead where warnings are to be errors.
     void warn(const std::string& kind, const std::string& sentence, std::size_t place = 0) {
-        if (areWarningsErrors) throw Error(sentence);
+        if (areWarningsErrors) throw InputError(sentence);
         keep(kind, place, {true, sentence});
     }
 

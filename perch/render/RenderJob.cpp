@@ -62,7 +62,7 @@ std::string messageOf(const std::exception_ptr& error) {
 
 void requireDepth(const Effect& effect, const World& input) {
     if (!input.isDeep() || effect.supportsDeepColor()) return;
-    throw Error("the effect does not declare 16 bits per channel; render with --depth 8");
+    throw EffectFault("the effect does not declare 16 bits per channel; render with --depth 8");
 }
 
 // One run through a plan. Reading and writing tasks share only what is const or guarded.
@@ -110,7 +110,7 @@ private:
             throw;
         } catch (const Error& error) {
             if (!plan.isSequence) throw;
-            throw Error(fmt::format("frame {}: {}", plan.frames[index].frame, error.what()));
+            throw Error(fmt::format("frame {}: {}", plan.frames[index].frame, error.what()), error.status());
         }
     }
 

@@ -19,7 +19,7 @@ void ShotForm::require(PF_ParamIndex layer, const std::filesystem::path& path,
     const Form form{picture.width, picture.height, picture.type()};
     const auto [first, isFirst] = forms.try_emplace(layer, form);
     if (isFirst || first->second == form) return;
-    throw Error(
+    throw InputError(
         fmt::format("\"{}\" has {} and the first frame {}; give all frames of a shot one size and depth",
                     path.string(), textOf(form), textOf(first->second)));
 }

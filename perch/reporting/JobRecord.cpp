@@ -134,7 +134,7 @@ std::optional<JobRecord> readRecord(const std::filesystem::path& report) {
     try {
         return recordOf(Json::parse(file));
     } catch (const std::exception&) {
-        throw Error(
+        throw InputError(
             fmt::format("\"{}\" is not a report of perch render; name another file, or remove this one",
                         report.string()));
     }

@@ -57,7 +57,7 @@ public:
         }
         requireFilesOfTheirOwn();
         if (!conflicts.empty())
-            throw Error(fmt::format("the reports are not of one job: {}", fmt::join(conflicts, "; ")));
+            throw InputError(fmt::format("the reports are not of one job: {}", fmt::join(conflicts, "; ")));
         for (const auto& [number, chosen] : frames)
             merged.frames.push_back(*chosen.frame);
         for (const NamedRecord& task : tasks)

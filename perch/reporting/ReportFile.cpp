@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "Error.h"
-#include "PictureError.h"
+#include "FailingAs.h"
 #include "ReplacedFile.h"
 
 namespace perch {
@@ -25,11 +25,7 @@ ReportFile::ReportFile(std::filesystem::path path, JobRecord record)
     for (std::size_t place = 0; place < this->record.frames.size(); ++place)
         places[this->record.frames[place].frame] = place;
     this->record.begin = fmt::format("{:%FT%TZ}", fmt::gmtime(std::time(nullptr)));
-    try {
-        pictures::prepareToReplace(std::span(&this->path, 1));
-    } catch (const pictures::PictureError& error) {
-        throw Error(error.what());
-    }
+    failingAs<OutputError>([&] { pictures::prepareToReplace(std::span(&this->path, 1)); });
     write();
 }
 
@@ -64,11 +60,9 @@ void ReportFile::write() {
     const Clock::time_point begin = Clock::now();
     record.seconds = secondsOf(begin - start);
     const std::string text = recordText(record);
-    try {
+    failingAs<OutputError>([&] {
         pictures::replaceFile(path, {reinterpret_cast<const unsigned char*>(text.data()), text.size()});
-    } catch (const pictures::PictureError& error) {
-        throw Error(error.what());
-    }
+    });
     const Clock::time_point end = Clock::now();
     nextWrite = end + std::max<Clock::duration>(kPause, kShare * (end - begin));
 }

@@ -70,7 +70,7 @@ void sayAsItIs(std::string_view text) noexcept {
 
 void printResult(std::string_view text) {
     if (!writeAll(gResults, text))
-        throw Error(
+        throw OutputError(
             fmt::format("cannot write to the standard output: {}", std::generic_category().message(errno)));
 }
 

@@ -7,6 +7,7 @@
 
 #include "CurveText.h"
 #include "Error.h"
+#include "FailingAs.h"
 #include "FileBytes.h"
 #include "NearestName.h"
 #include "PF_Values.h"
@@ -94,7 +95,7 @@ std::vector<ParameterCurve> parsePreset(std::string_view text, const std::string
 
 std::vector<ParameterCurve> readPreset(const std::filesystem::path& path,
                                        const std::vector<ParameterOption>& options) {
-    const auto bytes = pictures::readFile(path);
+    const auto bytes = failingAs<InputError>([&] { return pictures::readFile(path); });
     return parsePreset({reinterpret_cast<const char*>(bytes.data()), bytes.size()}, path.string(), options);
 }
 

@@ -8,6 +8,8 @@
 #include <system_error>
 #include <utility>
 
+#include "Error.h"
+#include "FailingAs.h"
 #include "FrameList.h"
 #include "ParameterText.h"
 #include "PictureFile.h"
@@ -37,7 +39,7 @@ struct GivenValue {
 
 PictureFacts factsOf(const std::string& use, const fs::path& path, bool isStill,
                      const std::string& channel = {}) {
-    const pictures::Picture picture = pictures::readPicture(path, channel);
+    const auto picture = failingAs<InputError>([&] { return pictures::readPicture(path, channel); });
     return {.use = use,
             .path = path,
             .width = picture.width,

@@ -75,7 +75,7 @@ TEST(RenderCommandTest, FailedRenderLeavesTheOutputAndTheFolderAsTheyWere) {
     const CommandLine commandLine;
     writeBytes(commandLine.folder / "out.png", "before");
     const std::vector<std::string> files = commandLine.files();
-    EXPECT_EQ(commandLine.run(std::string(kRender) + " --fail-with 512").status, 1);
+    EXPECT_EQ(commandLine.run(std::string(kRender) + " --fail-with 512").status, 6);
     EXPECT_EQ(bytesOf(commandLine.folder / "out.png"), "before");
     EXPECT_EQ(commandLine.files(), files);
 }
@@ -85,7 +85,7 @@ TEST(RenderCommandTest, StrictModeNamesWhatIsLeftAfterTheLastCommand) {
     const CommandLine commandLine;
     const ProgramResult result = commandLine.run(
         "perch render --plugin {plugins}/Careless.so -i rgba8.png -o out.png --depth 8 --strict");
-    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.status, 6);
     EXPECT_NE(
         result.err.find("perch: strict: GLOBAL_SETDOWN, host_new_handle: a handle of 16 bytes was never "
                         "disposed\n"),

@@ -101,7 +101,7 @@ TEST_F(PictureJobsTest, DepthsNeedARangeAndTheRefusalSuggestsOne) {
     make("oiiotool --pattern fill:top=2:bottom=30 62x43 1 --chnames Z -d float -o z.exr && " + kNoise +
          "-d uint8 -o in.png");
     const ProgramResult refused = perch("-i in.png -o out.png --control-layer z.exr");
-    EXPECT_EQ(refused.status, 1);
+    EXPECT_EQ(refused.status, 3);
     EXPECT_EQ(
         refused.err,
         "perch: cannot take \"z.exr\" for a layer: its values are 2 to 30, not 0 to 1; say which are near "
@@ -222,7 +222,7 @@ TEST_F(PictureJobsTest, OutputHasTheDepthOfTheInputOrTheOneAskedFor) {
         EXPECT_EQ(samples(c.output).type, c.type) << c.arguments;
     }
     const ProgramResult refused = perch("-i in8.png -o out.png --output-depth half");
-    EXPECT_EQ(refused.status, 1);
+    EXPECT_EQ(refused.status, 4);
     EXPECT_EQ(refused.err,
               "perch: cannot write \"out.png\": PNG holds 8 or 16 bits per channel and the picture has half "
               "floats; "

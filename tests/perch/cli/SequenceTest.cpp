@@ -47,6 +47,7 @@ TEST(SequenceTest, EveryFrameOfTheInputIsWrittenUnderItsNumber) {
 struct EarlyEnd {
     const char* name;
     const char* command;
+    int status;
     std::string message;
     std::vector<std::string> outputs;
 };
@@ -54,15 +55,18 @@ struct EarlyEnd {
 const EarlyEnd kEarlyEnds[] = {
     {"DamagedInput",
      "perch render --plugin {plugins}/Timeline.so -i torn.####.png -o out.####.png",
+     3,
      "frame 2: cannot read \"torn.0002.png\": it is not a picture, or a damaged one; name a PNG, TIFF, "
      "OpenEXR, DPX, TGA, JPEG or WebP file",
      {"out.0001.png"}},
     {"FailingEffect",
      "perch render --plugin {plugins}/Timeline.so -i shot.####.png -o out.####.png --fail-at 3 --frames 1-3",
+     6,
      "frame 3: plug-in returned 4 at RENDER: \"no picture at 3\"",
      {"out.0001.png", "out.0002.png"}},
     {"UnwritableOutput",
      "perch render --plugin {plugins}/Timeline.so -i shot.####.png -o none/here/out.####.png --frames 1-3",
+     4,
      "cannot write \"none/here/out.0001.png\": there is no folder \"none/here\" and it cannot be made (No "
      "such file or directory); create it first",
      {}},
@@ -73,7 +77,7 @@ class EarlyEndTest : public testing::TestWithParam<EarlyEnd> {};
 TEST_P(EarlyEndTest, NamesTheFrameAndKeepsThoseBefore) {
     const CommandLine commandLine;
     const ProgramResult result = commandLine.run(GetParam().command);
-    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.status, GetParam().status);
     EXPECT_TRUE(result.err.ends_with("perch: " + GetParam().message + "\n")) << result.err;
     EXPECT_EQ(outputsIn(commandLine), GetParam().outputs);
 }

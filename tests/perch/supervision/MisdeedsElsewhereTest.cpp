@@ -29,7 +29,7 @@ TEST_P(MisdeedsElsewhereTest, EndsWithASentence) {
     const std::vector<std::string> files = commandLine.files();
     const HostileMode hostile(mode);
     const ProgramResult result = commandLine.run(std::string("perch ") + arguments);
-    EXPECT_EQ(result.status, isCheck(arguments) || !endsTheEffect(end) ? 1 : 8) << result.err;
+    EXPECT_EQ(result.status, isCheck(arguments) || !endsTheEffect(end) ? 6 : 8) << result.err;
     const std::string& text = isCheck(arguments) ? result.out : result.err;
     if (endsTheEffect(end)) {
         EXPECT_TRUE(tellsOfTheEnd(text, end, told)) << text;

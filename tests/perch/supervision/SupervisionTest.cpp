@@ -218,19 +218,19 @@ INSTANTIATE_TEST_SUITE_P(
     Outputs, UnwritableOutputTest,
     testing::Values(
         Unwritable{"WrongUse", "perch bogus 2>/dev/full", 2},
-        Unwritable{"Help", "perch --help >/dev/full", 1},
-        Unwritable{"Version", "perch --version >/dev/full", 1},
-        Unwritable{"ClosedVersion", "perch --version >&-", 1},
-        Unwritable{"Describe", "perch describe {plugins}/Report.so >/dev/full", 1},
-        Unwritable{"DescribeJson", "perch describe --json {plugins}/Report.so >/dev/full", 1},
-        Unwritable{"Check", "perch check {plugins}/Report.so >/dev/full", 1},
-        Unwritable{"CommandHelp", "perch render --plugin {plugins}/Report.so --help >/dev/full", 1},
+        Unwritable{"Help", "perch --help >/dev/full", 4},
+        Unwritable{"Version", "perch --version >/dev/full", 4},
+        Unwritable{"ClosedVersion", "perch --version >&-", 4},
+        Unwritable{"Describe", "perch describe {plugins}/Report.so >/dev/full", 4},
+        Unwritable{"DescribeJson", "perch describe --json {plugins}/Report.so >/dev/full", 4},
+        Unwritable{"Check", "perch check {plugins}/Report.so >/dev/full", 4},
+        Unwritable{"CommandHelp", "perch render --plugin {plugins}/Report.so --help >/dev/full", 4},
         Unwritable{"Messages", "perch render --plugin {plugins}/Report.so -i rgb8.png -o out.png 2>/dev/full",
                    0},
         Unwritable{"ClosedMessages", "perch render --plugin {plugins}/Report.so -i rgb8.png -o out.png 2>&-",
                    0},
         Unwritable{"Failure", "perch render --plugin {plugins}/Report.so -i none.png -o out.png 2>/dev/full",
-                   1}),
+                   3}),
     [](const auto& test) { return std::string(test.param.name); });
 
 }  // namespace
