@@ -85,10 +85,11 @@ TEST(DocumentTest, CommandsDoWhatTheyShow) {
         }
     }
     for (const char* const name :
-         {"out.png", "pull.0001.png", "pull.0024.png", "pull.svg", "out/still.png", "out/shot.0001.png",
-          "out/shot.0024.png", "out/half.0001.tif", "out/half.0023.tif", "out/farm.0001.png",
-          "out/farm.0004.png", "out/metres.png", "out/near-black.png", "out/lens.png", "out/auto.png",
-          "out/sheet.png", "out/pulls.png", "out/strip.png", "out/grown-matte.png"})
+         {"out.png",           "pull.0001.png",      "pull.0024.png",     "pull.svg",
+          "pull.png",          "out/still.png",      "out/shot.0001.png", "out/shot.0024.png",
+          "out/half.0001.tif", "out/half.0023.tif",  "out/farm.0001.png", "out/farm.0004.png",
+          "out/metres.png",    "out/near-black.png", "out/lens.png",      "out/auto.png",
+          "out/sheet.png",     "out/pulls.png",      "out/strip.png",     "out/grown-matte.png"})
         EXPECT_TRUE(fs::exists(folder / name)) << name;
     EXPECT_FALSE(fs::exists(folder / "out" / "half.0002.tif"));
 }
