@@ -26,6 +26,13 @@ double between(double a, double b, double progress) {
 
 }  // namespace
 
+bool glides(const ParameterCurve& curve) {
+    const auto isSpan = [](const ParameterKey& from, const ParameterKey& to) {
+        return from.kind != Kind::Hold && from.numbers != to.numbers;
+    };
+    return std::ranges::adjacent_find(curve.keys, isSpan) != curve.keys.end();
+}
+
 ParameterCurve constantCurve(const ParameterSetting& setting) {
     return {setting.index, {{.frame = 0, .numbers = setting.numbers, .kind = Kind::Hold}}};
 }

@@ -38,6 +38,9 @@ struct ParameterCurve {
     bool operator==(const ParameterCurve&) const = default;
 };
 
+// Whether the value has others between those of two keys.
+bool glides(const ParameterCurve& curve);
+
 ParameterCurve constantCurve(const ParameterSetting& setting);
 
 // The value at a frame, which depends on nothing else. Before the first key it is the first key's, after the

@@ -191,6 +191,7 @@ private:
             layers[layer] = layerReader.read(layer, path, index + 1);
         const LayerPictures still = stillLayers.read();
         const Depth depth = workDepth(settings, effect, *picture, {layers, still});
+        if (depth == Depth::Bits8) noteSteps(index);
         for (const auto& [layer, layerPicture] : layers)
             layerReader.compareSizes(*picture, *layerPicture, files.layers.at(layer), index + 1);
         for (const auto& [layer, layerPicture] : still)
@@ -210,6 +211,16 @@ private:
                 std::make_shared<const FileWorld>(resized(worldOf(layerPicture, depth), scale));
         }
         return pictures;
+    }
+
+    void noteSteps(std::size_t index) {
+        if (!plan.isSequence || watch.takesPicture || !effect.supportsDeepColor()) return;
+        if (std::ranges::none_of(parameters, glides)) return;
+        report.notes.add(
+            "steps",
+            "a value moves from frame to frame, and 8 bits per channel show slow moves as steps; --depth "
+            "16 renders and writes finer ones",
+            index + 1);
     }
 
     std::exception_ptr errorOfForm(std::size_t index, const FramePictures& pictures) {

@@ -24,6 +24,14 @@ double valueAt(const ParameterCurve& curve, std::int32_t frame) {
     return settingAt(curve, frame).numbers[0];
 }
 
+TEST(ParameterCurveTest, ValueGlidesBetweenKeysThatDifferAndDoNotHold) {
+    EXPECT_FALSE(glides(curveOf({{0, {5}, Kind::Linear}})));
+    EXPECT_FALSE(glides(curveOf({{0, {5}, Kind::Hold}, {8, {6}, Kind::Linear}})));
+    EXPECT_FALSE(glides(curveOf({{0, {5}, Kind::Linear}, {8, {5}, Kind::Linear}})));
+    EXPECT_TRUE(glides(curveOf({{0, {5}, Kind::Linear}, {8, {6}, Kind::Hold}})));
+    EXPECT_TRUE(glides(curveOf({{0, {5}, Kind::Hold}, {8, {5}, Kind::Smooth}, {9, {6}, Kind::Smooth}})));
+}
+
 TEST(ParameterCurveTest, ValuesFollowTheKindsOfTheKeysAroundThem) {
     // Between frames 0 and 8 the value goes from 10 to 74, so that an eighth of the way is 8.
     struct Case {

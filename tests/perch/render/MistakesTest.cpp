@@ -13,12 +13,14 @@ namespace perch::test {
 namespace {
 
 constexpr PF_ParamIndex kMatte = 1;
+constexpr PF_ParamIndex kAmount = 2;
 
 class MistakesTest : public testing::Test {
 protected:
     MistakesTest() {
         script.declareFlags(PF_OutFlag_DEEP_COLOR_AWARE);
-        script.declareParameters({parameterOfType(PF_Param_LAYER, "Matte")});
+        script.declareParameters(
+            {parameterOfType(PF_Param_LAYER, "Matte"), parameterOfType(PF_Param_FLOAT_SLIDER, "Amount")});
     }
 
     template <typename T = std::uint8_t>
@@ -31,7 +33,6 @@ protected:
 
     // What is said of the job: its notes without the folder, or its error.
     std::string said(const FramePlan& plan, const LayerReading& reading = {}, bool areErrors = false) {
-        RenderSettings settings;
         settings.layers[kMatte] = reading;
         settings.reading.acceptsDamage = acceptsDamage;
         Effect effect(ScriptedEffect::enter, {}, strictOptions());
@@ -39,7 +40,7 @@ protected:
         report.notes.areWarningsErrors = areErrors;
         std::string text;
         try {
-            renderFrames(effect, settings, {}, plan, {}, report);
+            renderFrames(effect, settings, curves, plan, {}, report);
             for (const Note& note : report.notes.all())
                 text += (note.isWarning ? "warning: " : "note: ") + note.sentence;
         } catch (const Error& error) {
@@ -68,6 +69,8 @@ protected:
 
     const TemporaryFolder folder;
     ScriptedEffect script;
+    RenderSettings settings;
+    std::vector<ParameterCurve> curves;
     bool acceptsDamage = false;
 };
 
@@ -129,6 +132,28 @@ TEST(NotesTest, EachKindIsSaidOnceOfTheFirstFrameThatHasIt) {
     EXPECT_EQ(said, "job first second ");
     notes.areWarningsErrors = true;
     EXPECT_THROW(notes.warn("size", "fifth", 5), Error);
+}
+
+TEST_F(MistakesTest, MovesAtEightBitsAreToldOfOnce) {
+    using Kind = ParameterKey::Kind;
+    write("a.png", {4, 2, 3});
+    write("b.png", {4, 2, 3});
+    write<std::uint16_t>("deep.png", {4, 2, 3});
+    const FramePlan shot = shotOf({"a.png", "b.png"});
+    EXPECT_EQ(said(shot), "");
+    curves = {{kAmount, {{1, {20}, Kind::Linear}, {48, {70}, Kind::Smooth}}}};
+    EXPECT_EQ(said(shot),
+              "note: a value moves from frame to frame, and 8 bits per channel show slow moves as steps; "
+              "--depth 16 renders and writes finer ones");
+    EXPECT_EQ(said(shotOf({"deep.png"})), "");
+    settings.depth = Depth::Bits16;
+    EXPECT_EQ(said(shot), "");
+    settings.depth = {};
+    curves.front().keys.front().kind = Kind::Hold;
+    EXPECT_EQ(said(shot), "");
+    script.declareFlags(0);
+    curves.front().keys.front().kind = Kind::Linear;
+    EXPECT_EQ(said(shot), "") << "the effect has no 16 bits";
 }
 
 TEST_F(MistakesTest, FramesOfAnotherFormEndTheShot) {
