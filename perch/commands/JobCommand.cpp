@@ -60,6 +60,8 @@ RenderTasks tasksOf(const Arguments& command, int count) {
     const RenderOptions options = parseRenderOptions({command.begin() + kFirstOption, command.end()});
     if (options.wantsHelp || options.use != PlanUse::Render)
         throw UsageError("--help and --dry-run render nothing; leave them out of the command behind --");
+    if (options.job.isFed)
+        throw UsageError("nobody feeds the tasks of a job; leave --frames-from out of the command behind --");
     if (options.names.shard) throw UsageError("--shard is what the job adds to each task; leave it out");
     if (!options.job.report.empty())
         throw UsageError("all tasks would write the one file of --report; leave it out");

@@ -20,6 +20,7 @@
 #include "Effect.h"
 #include "Error.h"
 #include "ExistingFrames.h"
+#include "FrameFeed.h"
 #include "FrameList.h"
 #include "GivenValues.h"
 #include "JobAccount.h"
@@ -174,8 +175,14 @@ bool render(Effect& effect, const RenderOptions& options, const RenderSettings& 
             RenderReport& report) {
     JobDisplay& display = audience.display;
     display.begin(plan);
+    RenderWatch watch = watchOf(audience, plan, settings.goesOn);
+    std::optional<FrameFeed> feed;
+    if (options.job.isFed) {
+        feed.emplace(plan, InputLines(inputDescriptor(), gWasInterrupted), display);
+        watch.nextFrames = [&feed] { return feed->next(); };
+    }
     try {
-        renderFrames(effect, settings, parameters, plan, watchOf(audience, plan, settings.goesOn), report);
+        renderFrames(effect, settings, parameters, plan, watch, report);
         effect.close();
     } catch (const Cancelled&) {
         display.clearLine();
@@ -243,6 +250,8 @@ int runRenderCommand(const std::vector<std::string>& arguments) {
     Effect effect(bundle, hostOptions(options.load, audience));
     const ParameterArguments parameters = parseParameterArguments(arguments, effect.description().parameters);
     FramePlan plan = planFrames(options.names, parameters.layers);
+    if (options.job.isFed && !plan.isSequence)
+        throw UsageError("--frames-from is for sequences; give --input a place for the frame number");
     plan.emptyLayers = parameters.emptyLayers;
     if (options.areWarningsErrors) refuseWarnings(plan.notes);
     display.tellNotes(plan.notes);
@@ -281,7 +290,7 @@ int runRenderCommand(const std::vector<std::string>& arguments) {
     if (options.wantsTiming) reportTiming(report, std::chrono::steady_clock::now() - start);
     const bool hasFault = reportFindings(effect);
     display.finish(options.names.output);
-    const int status = hasFault ? kEffectFailed : display.totals().failed.empty() ? kDone : kSomeFailed;
+    const int status = hasFault ? kEffectFailed : display.totals().isWhole() ? kDone : kSomeFailed;
     if (audience.report)
         audience.report->finish(status == kDone ? "done" : "failed", "", report.notes.sentences());
     return status;

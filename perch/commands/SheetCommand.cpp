@@ -69,10 +69,11 @@ void requireSheet(const RenderOptions& options) {
     if (options.use != PlanUse::Render || options.names.shard)
         throw UsageError("--dry-run and --shard are for perch render; a sheet is one picture");
     if (options.settings.goesOn || options.job.existing != ExistingUse::Overwrite ||
-        !options.job.report.empty())
+        !options.job.report.empty() || options.job.isFed)
         throw UsageError(
-            "--on-error continue, --existing and --report are for perch render; a sheet is whole or not at "
-            "all");
+            "--on-error continue, --existing, --report and --frames-from are for perch render; a sheet is "
+            "whole "
+            "or not at all");
     if (options.load.strict)
         throw UsageError("--strict is for perch render, which tells what it finds; leave it out");
 }

@@ -44,12 +44,12 @@ std::optional<Range> parseRange(std::string_view text) {
     return Range{.first = *first, .last = *last, .step = std::abs(*step), .isComplement = kind == 'y'};
 }
 
-Range requireRange(std::string_view text) {
+Range requireRange(std::string_view text, std::string_view origin) {
     if (const std::optional<Range> range = parseRange(text)) return *range;
     throw UsageError(
-        fmt::format("--frames: \"{}\" is not a frame or a range; write them like 12, 1-24, 1-24x2 "
+        fmt::format("{}: \"{}\" is not a frame or a range; write them like 12, 1-24, 1-24x2 "
                     "or 9-1, with commas between several and numbers up to {}",
-                    text, kLastFrame));
+                    origin, text, kLastFrame));
 }
 
 std::vector<std::string_view> itemsOf(std::string_view text) {
@@ -72,15 +72,15 @@ std::size_t evenRunOf(std::span<const std::int32_t> frames) {
 
 }  // namespace
 
-std::vector<std::int32_t> parseFrameList(const std::string& text) {
+std::vector<std::int32_t> parseFrameList(const std::string& text, std::string_view origin) {
     std::vector<std::int32_t> frames;
     std::unordered_set<std::int32_t> known;
     std::int64_t length = 0;
     for (const std::string_view item : itemsOf(text)) {
-        const Range range = requireRange(item);
+        const Range range = requireRange(item, origin);
         length += range.length();
         if (length > static_cast<std::int64_t>(kMostFrames)) {
-            throw UsageError(fmt::format("--frames: \"{}\" has more than {} frames; ask for fewer at once",
+            throw UsageError(fmt::format("{}: \"{}\" has more than {} frames; ask for fewer at once", origin,
                                          text, kMostFrames));
         }
         const std::int64_t stride = range.isComplement ? 1 : range.step;
@@ -93,7 +93,7 @@ std::vector<std::int32_t> parseFrameList(const std::string& text) {
     }
     if (frames.empty())
         throw UsageError(
-            fmt::format("--frames: \"{}\" leaves out every frame; \"y2\" takes every other", text));
+            fmt::format("{}: \"{}\" leaves out every frame; \"y2\" takes every other", origin, text));
     return frames;
 }
 

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace perch {
@@ -15,8 +16,9 @@ namespace perch {
 // In one list, so that a slip of the keyboard does not take the machine's memory.
 constexpr std::size_t kMostFrames = 1'000'000;
 
-// The frames in the order they are asked for, each once. Throws UsageError; never empty.
-std::vector<std::int32_t> parseFrameList(const std::string& text);
+// The frames in the order they are asked for, each once; never empty. Throws UsageError, which begins with
+// where the text is from.
+std::vector<std::int32_t> parseFrameList(const std::string& text, std::string_view origin = "--frames");
 
 // A short text of such frames, which may be none.
 std::string frameListText(std::span<const std::int32_t> frames);

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <exception>
 #include <memory>
+#include <numeric>
 #include <thread>
 #include <type_traits>
 #include <utility>
@@ -79,14 +80,14 @@ public:
 
     void run() {
         prepare();
-        try {
-            for (std::size_t index = 0; index < plan.frames.size() && mayGoOn(); ++index)
-                run(index);
-        } catch (...) {
-            takeAllEnds();
-            throw;
+        if (watch.nextFrames) {
+            while (mayGoOn() && takeAsked())
+                runOrder();
+        } else {
+            order.resize(plan.frames.size());
+            std::iota(order.begin(), order.end(), std::size_t{0});
+            runOrder();
         }
-        takeAllEnds();
         if (firstCancelled) throwIfCancelled(*firstCancelled);
         if (!mayGoOn()) std::rethrow_exception(firstError);
     }
@@ -115,6 +116,28 @@ private:
     }
 
     bool mayGoOn() const { return settings.goesOn || !hasFailure; }
+
+    bool takeAsked() {
+        const auto asked = watch.nextFrames();
+        if (isCancelled()) throw Cancelled("RENDER", PF_Interrupt_CANCEL, "", {});
+        order = asked.value_or(std::vector<std::size_t>{});
+        nextRead = 0;
+        return asked.has_value();
+    }
+
+    // The frames of the order, to their ends.
+    void runOrder() {
+        try {
+            for (const std::size_t index : order) {
+                if (!mayGoOn()) break;
+                run(index);
+            }
+        } catch (...) {
+            takeAllEnds();
+            throw;
+        }
+        takeAllEnds();
+    }
 
     void run(std::size_t index) {
         readAhead();
@@ -169,8 +192,8 @@ private:
     }
 
     void readAhead() {
-        for (; !reads.isFull() && nextRead < plan.frames.size(); ++nextRead) {
-            reads.start([this, index = nextRead] {
+        for (; !reads.isFull() && nextRead < order.size(); ++nextRead) {
+            reads.start([this, index = order[nextRead]] {
                 return tried(CLOCK_THREAD_CPUTIME_ID, report.decodeTime, settings.pause,
                              [&] { return named(index, [&] { return read(index); }); });
             });
@@ -183,7 +206,8 @@ private:
         if (picture->isDamaged) report.notes.add("damaged", damageNote(files.input), index + 1);
         if (picture->parts > 1) report.notes.add("parts", partsNote(files.input, picture->parts), index + 1);
         FramePictures pictures;
-        pictures.output = {outputType(files.output, *picture), settings.encoding, settings.isDithered};
+        pictures.output = {outputType(settings, files.output, *picture), settings.encoding,
+                           settings.isDithered};
         pictures.output.encoding.software = withFingerprint(settings.encoding.software, files.fingerprint);
         if (!watch.takesPicture) requireOutput(files.output, pictures.output.type, picture->hasAlpha());
         LayerPictures layers;
@@ -230,17 +254,6 @@ private:
             return std::current_exception();
         }
         return nullptr;
-    }
-
-    // The input's, unless another is asked for; the nearest that the format has.
-    pictures::SampleType outputType(const fs::path& path, const pictures::Picture& input) const {
-        if (settings.outputType) return *settings.outputType;
-        pictures::SampleType type = input.type();
-        if (settings.depth && (!isFloat(type) || *settings.depth == Depth::Bits8))
-            type =
-                *settings.depth == Depth::Bits16 ? pictures::SampleType::Bits16 : pictures::SampleType::Bits8;
-        const auto format = pictures::formatOfName(path);
-        return format ? nearestType(*format, type).value_or(type) : type;
     }
 
     pictures::Transfer transferFor(const pictures::Picture& input) {
@@ -369,7 +382,8 @@ private:
     GivenValues values{effect, parameters, layersSetByUser(plan), settings.downsample};
     bool knowsTheUsersChoices = false;
     ShotForm form;
-    std::size_t nextRead = 0;
+    std::vector<std::size_t> order;             // of the frames under way, by their places in the plan
+    std::size_t nextRead = 0;                   // in the order
     bool hasFailure = false;                    // of a frame
     std::exception_ptr firstError;              // in the order of the frames
     std::optional<std::size_t> firstCancelled;  // of the frames that were being written
@@ -379,23 +393,6 @@ private:
 };
 
 }  // namespace
-
-Depth workDepth(const RenderSettings& settings, const Effect& effect, const pictures::Picture& input,
-                const std::vector<LayerPictures>& layers) {
-    if (settings.depth) return *settings.depth;
-    Depth depth = depthOf(input);
-    if (!effect.supportsDeepColor()) return depth;
-    for (const LayerPictures& some : layers) {
-        for (const auto& [index, picture] : some)
-            depth = std::max(depth, depthOf(*picture));
-    }
-    return depth;
-}
-
-pictures::Transfer workTransfer(const RenderSettings& settings, const pictures::Picture& input) {
-    if (settings.transfer) return *settings.transfer;
-    return isFloat(input.type()) ? pictures::Transfer::Srgb : pictures::Transfer::Linear;
-}
 
 void renderFrames(Effect& effect, const RenderSettings& settings,
                   const std::vector<ParameterCurve>& parameters, const FramePlan& plan,

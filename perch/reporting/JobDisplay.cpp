@@ -73,9 +73,24 @@ void JobDisplay::finish(const std::string& output) {
                    {"upToDate", counted.current},
                    {"skipped", counted.skipped},
                    {"failed", counted.failed},
+                   {"refusedLines", counted.refusedLines},
                    {"seconds", seconds()}});
     }
     if (plan->isSequence && !isQuiet) say(summaryText(counted, seconds(), output));
+}
+
+void JobDisplay::tellCurrent(const FrameFiles& files) const {
+    printLine({{"frame", files.frame}, {"state", "upToDate"}, {"output", files.output.string()}});
+}
+
+void JobDisplay::refuseFrame(std::int32_t frame, const std::string& message) {
+    counted.failed.push_back(frame);
+    printLine({{"frame", frame}, {"state", "failed"}, {"message", message}});
+}
+
+void JobDisplay::refuseLine(const std::string& line, const std::string& message) {
+    ++counted.refusedLines;
+    printLine({{"line", line}, {"state", "failed"}, {"message", message}});
 }
 
 void JobDisplay::tellMessage(std::string_view command, std::string_view message) {

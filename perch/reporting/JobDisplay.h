@@ -33,6 +33,12 @@ public:
     // Tells what became of the frames, which are where `output` says.
     void finish(const std::string& output);
 
+    // Of a frame that was asked for while the job is under way and is not rendered: its file is up to date,
+    // or the job does not have it; and of a line that asks for no frames.
+    void tellCurrent(const FrameFiles& files) const;
+    void refuseFrame(std::int32_t frame, const std::string& message);
+    void refuseLine(const std::string& line, const std::string& message);
+
     // What the effect says at a command.
     void tellMessage(std::string_view command, std::string_view message);
     // What is known to be no failure.

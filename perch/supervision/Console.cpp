@@ -13,6 +13,7 @@
 namespace perch {
 namespace {
 
+int gInput = STDIN_FILENO;
 int gResults = STDOUT_FILENO;
 int gMessages = STDERR_FILENO;
 
@@ -81,13 +82,24 @@ void occupyStandardDescriptors() {
     }
 }
 
-void keepOutputsApart() {
+void keepStreamsApart() {
+    const int input = duplicated(STDIN_FILENO);
+    const int nothing = open("/dev/null", O_RDONLY | O_CLOEXEC);
+    if (input >= 0 && nothing >= 0) {
+        gInput = input;
+        dup2(nothing, STDIN_FILENO);
+    }
+    if (nothing >= 0) close(nothing);
     const int results = duplicated(STDOUT_FILENO);
     const int messages = duplicated(STDERR_FILENO);
     if (messages >= 0) gMessages = messages;
     if (results < 0) return;
     gResults = results;
     dup2(STDERR_FILENO, STDOUT_FILENO);
+}
+
+int inputDescriptor() {
+    return gInput;
 }
 
 }  // namespace perch

@@ -1,4 +1,5 @@
-// The program's own words: results on standard output, everything else on standard error.
+// The program's own words: results on standard output, everything else on standard error; and what it is told
+// on standard input.
 #pragma once
 
 #include <string>
@@ -21,8 +22,11 @@ void printResult(std::string_view text);
 // them fails.
 void occupyStandardDescriptors();
 
-// Keeps both outputs for the program alone: what the effect's code, which is to be loaded, prints to standard
-// output goes to standard error from now on.
-void keepOutputsApart();
+// Keeps the standard streams for the program alone: what the effect's code, which is to be loaded, prints to
+// standard output goes to standard error from now on, and what it reads is empty.
+void keepStreamsApart();
+
+// Where the program's standard input is read.
+int inputDescriptor();
 
 }  // namespace perch

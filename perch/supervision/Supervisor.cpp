@@ -59,6 +59,12 @@ public:
     sigset_t before{};
 };
 
+// Whether the worker gets the program's standard input.
+bool readsInput(const std::vector<std::string>& arguments) {
+    return std::ranges::any_of(arguments,
+                               [](const std::string& word) { return word.starts_with(kFramesFromOption); });
+}
+
 // In a process group of its own, so that a terminal's interrupt comes here alone, and all that the effect
 // starts can be ended with it.
 pid_t startWorker(const std::vector<std::string>& arguments, int descriptor, const sigset_t& signals) {
@@ -75,7 +81,8 @@ pid_t startWorker(const std::vector<std::string>& arguments, int descriptor, con
     posix_spawnattr_setsigmask(&attributes, &signals);
     posix_spawn_file_actions_t files;
     posix_spawn_file_actions_init(&files);
-    posix_spawn_file_actions_addopen(&files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    if (!readsInput(arguments))
+        posix_spawn_file_actions_addopen(&files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
     pid_t worker = -1;
     const int error = posix_spawn(&worker, "/proc/self/exe", &files, &attributes, words.data(), environ);
     posix_spawn_file_actions_destroy(&files);

@@ -29,13 +29,15 @@ bool becomeWorker(const std::string& option) {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     // The parent may have ended before that line.
     if (getppid() != whereabouts().supervisor) _exit(EXIT_FAILURE);
-    keepOutputsApart();
+    keepStreamsApart();
     setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
     // A write that cannot be done is an error with a sentence.
     signal(SIGPIPE, SIG_IGN);
     signal(SIGXFSZ, SIG_IGN);
-    // The worker is in a process group of its own, whose messages a terminal may be set to stop.
+    // The worker is in a process group of its own, which a terminal may be set to stop when it writes, and
+    // stops when it reads.
     signal(SIGTTOU, SIG_IGN);
+    signal(SIGTTIN, SIG_IGN);
     gWorker = getpid();
     return true;
 }

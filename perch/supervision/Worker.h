@@ -9,6 +9,9 @@ namespace perch {
 // The first argument of a worker, followed by the descriptor that it shares with its parent.
 constexpr char kWorkerOption[] = "--worker=";
 
+// Has the worker read the program's standard input.
+constexpr char kFramesFromOption[] = "--frames-from";
+
 // Prepares this process, which the parent has started as its worker. False where nobody has.
 bool becomeWorker(const std::string& option);
 

@@ -7,6 +7,7 @@
 
 #include "CommandLine.h"
 #include "Error.h"
+#include "Worker.h"
 
 namespace perch {
 namespace {
@@ -25,6 +26,12 @@ ProgressForm parseProgress(const std::string& text) {
     throw UsageError(fmt::format("--progress takes auto, line, json or none, not \"{}\"", text));
 }
 
+bool parseFramesFrom(const std::string& text) {
+    if (text.empty()) return false;
+    if (text == "-") return true;
+    throw UsageError(fmt::format("--frames-from takes -, which is the standard input, not \"{}\"", text));
+}
+
 ExistingUse parseExisting(const std::string& text) {
     if (text == "overwrite") return ExistingUse::Overwrite;
     if (text == "skip") return ExistingUse::Skip;
@@ -37,7 +44,7 @@ ExistingUse parseExisting(const std::string& text) {
 void addJobOptions(CLI::App& app, JobTexts& texts) {
     app.add_option("--on-error", texts.onError,
                    "after a frame that fails: stop, or continue with the others and exit with 7 at the end "
-                   "(default stop)")
+                   "(default stop, with --frames-from continue)")
         ->type_name("WHAT");
     app.add_option("--retries", texts.retries,
                    "try reading, rendering or writing a frame again so often before it fails (default 0)")
@@ -56,19 +63,31 @@ void addJobOptions(CLI::App& app, JobTexts& texts) {
                    "keep what becomes of each frame in this file, as JSON, which is whole at any time; in a "
                    "name like report.##.json --shard puts its number")
         ->type_name("FILE");
+    app.add_option(
+           kFramesFromOption, texts.framesFrom,
+           "-: read on standard input which of the frames to render, line by line, and answer each with "
+           "a line of JSON, while the effect stays loaded")
+        ->type_name("-");
 }
 
 JobOptions parseJobOptions(const JobTexts& texts) {
-    return {.progress = parseProgress(texts.progress),
+    const bool isFed = parseFramesFrom(texts.framesFrom);
+    const ProgressForm progress = parseProgress(texts.progress);
+    if (isFed && progress != ProgressForm::Auto && progress != ProgressForm::Json)
+        throw UsageError("--frames-from answers by JSON; leave --progress out, or give --progress json");
+    return {.progress = isFed ? ProgressForm::Json : progress,
             .isQuiet = texts.isQuiet,
             .existing = parseExisting(texts.existing),
-            .report = texts.report};
+            .report = texts.report,
+            .isFed = isFed};
 }
 
-void takeFailureOptions(const JobTexts& texts, RenderSettings& settings) {
+void takeFailureOptions(const CLI::App& app, const JobTexts& texts, RenderSettings& settings) {
     constexpr int kMostRetries = 100;
     constexpr std::chrono::milliseconds kPause{500};  // a server may need it
     settings.goesOn = parseGoesOn(texts.onError);
+    // Whoever asks for frames one by one is told of failures one by one.
+    if (parseFramesFrom(texts.framesFrom) && app.count("--on-error") == 0) settings.goesOn = true;
     settings.retries = parseNumber("--retries", texts.retries, 0, kMostRetries);
     settings.pause = kPause;
 }

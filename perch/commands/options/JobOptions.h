@@ -22,6 +22,7 @@ struct JobTexts {
     bool isQuiet = false;
     std::string existing = "overwrite";
     std::string report;
+    std::string framesFrom;
 };
 
 struct JobOptions {
@@ -29,13 +30,14 @@ struct JobOptions {
     bool isQuiet = false;
     ExistingUse existing = ExistingUse::Overwrite;
     std::filesystem::path report{};  // empty: none
+    bool isFed = false;              // frames are asked for on standard input
 };
 
 // Makes `app` take the options into `texts`, which must outlive it.
 void addJobOptions(CLI::App& app, JobTexts& texts);
 
-// Both throw UsageError with what was expected.
+// Both throw UsageError with what was expected. `app` has met the options.
 JobOptions parseJobOptions(const JobTexts& texts);
-void takeFailureOptions(const JobTexts& texts, RenderSettings& settings);
+void takeFailureOptions(const CLI::App& app, const JobTexts& texts, RenderSettings& settings);
 
 }  // namespace perch

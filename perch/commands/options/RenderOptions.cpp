@@ -252,6 +252,8 @@ PlanUse planUse(const Texts& texts) {
     if (texts.wantsJson && !texts.isDryRun)
         throw UsageError("--json is for what --dry-run prints; give both or neither");
     if (!texts.isDryRun) return PlanUse::Render;
+    if (!texts.job.framesFrom.empty())
+        throw UsageError("--dry-run prints the plan and --frames-from renders; leave one");
     return texts.wantsJson ? PlanUse::PrintJson : PlanUse::PrintText;
 }
 
@@ -300,7 +302,7 @@ RenderOptions parseRenderOptions(const std::vector<std::string>& arguments) {
     options.names.output = texts.output;
     takeSequenceOptions(app, texts.sequence, options.names);
     options.job = parseJobOptions(texts.job);
-    takeFailureOptions(texts.job, options.settings);
+    takeFailureOptions(app, texts.job, options.settings);
     takeReportOfShard(options);
     options.settings.quality = parseQuality(texts.quality);
     options.settings.smart = parseSmart(texts.smart);

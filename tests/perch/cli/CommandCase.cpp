@@ -10,6 +10,7 @@ namespace perch::test {
 namespace {
 
 constexpr char kCommand[] = "$ ";
+constexpr char kIn[] = "--- stdin";
 constexpr char kExit[] = "exit ";
 constexpr char kOut[] = "--- stdout";
 constexpr char kErr[] = "--- stderr";
@@ -23,7 +24,7 @@ bool take(std::string_view& text, std::string_view part) {
 }
 
 bool takeNumber(std::string_view& text) {
-    const std::size_t end = std::min(text.find_first_not_of("0123456789.e+"), text.size());
+    const std::size_t end = std::min(text.find_first_not_of("0123456789.e+-"), text.size());
     text.remove_prefix(end);
     return end > 0;
 }
@@ -31,6 +32,19 @@ bool takeNumber(std::string_view& text) {
 bool isProgress(std::string_view line) {
     return take(line, "perch: frame ") && takeNumber(line) && take(line, " of ") && takeNumber(line) &&
            take(line, ": ");
+}
+
+// "renderSeconds":0.25 becomes "renderSeconds":{time}.
+std::string withoutJsonTimes(const std::string& line) {
+    std::string kept;
+    std::string_view rest = line;
+    for (std::size_t at = 0; (at = rest.find("econds\":")) != std::string::npos;) {
+        at += std::string_view("econds\":").size();
+        kept += rest.substr(0, at);
+        rest.remove_prefix(at);
+        if (takeNumber(rest)) kept += "{time}";
+    }
+    return kept + std::string(rest);
 }
 
 // " in 0.5 s, 12 per second: " becomes " in {time}: ".
@@ -52,11 +66,13 @@ std::vector<CommandCase> readCases(const std::filesystem::path& file) {
     std::string* section = nullptr;
     for (std::string line; std::getline(stream, line);) {
         if (line.starts_with(kCommand)) {
-            cases.push_back({line.substr(2), 0, "", ""});
+            cases.push_back({.command = line.substr(2)});
             section = nullptr;
         } else if (cases.empty()) {
             throw std::runtime_error(file.string() + " does not begin with a command");
-        } else if (line.starts_with(kExit) && section == nullptr) {
+        } else if (line == kIn) {
+            section = &cases.back().in;
+        } else if (line.starts_with(kExit) && (section == nullptr || section == &cases.back().in)) {
             cases.back().status = std::stoi(line.substr(5));
         } else if (line == kOut) {
             section = &cases.back().out;
@@ -71,8 +87,10 @@ std::vector<CommandCase> readCases(const std::filesystem::path& file) {
 
 void writeCases(const std::filesystem::path& file, const std::vector<CommandCase>& cases) {
     std::ofstream stream(file);
-    for (const auto& [command, status, out, err] : cases) {
-        stream << kCommand << command << '\n' << kExit << status << '\n';
+    for (const auto& [command, in, status, out, err] : cases) {
+        stream << kCommand << command << '\n';
+        if (!in.empty()) stream << kIn << '\n' << in;
+        stream << kExit << status << '\n';
         stream << kOut << '\n' << out << kErr << '\n' << err;
     }
     stream.close();
@@ -104,7 +122,7 @@ std::string withoutTimes(const std::string& text) {
     std::istringstream lines(text);
     for (std::string line; std::getline(lines, line);) {
         if (isProgress(line)) continue;
-        kept += withoutTime(line);
+        kept += withoutJsonTimes(withoutTime(line));
         if (!lines.eof()) kept += '\n';
     }
     return kept;

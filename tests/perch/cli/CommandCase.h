@@ -6,8 +6,9 @@
 //     --- stderr
 //     perch: --output is missing; see perch render --help
 //
-// {plugins} stands for the folder of test effects, {time} for what a job took. Several commands in one file
-// run one after another in the same folder.
+// {plugins} stands for the folder of test effects, {time} for what a job or a step took. Several commands in
+// one file run one after another in the same folder. What a command gets on standard input, which is empty
+// else, stands behind "--- stdin" and before its exit status.
 #pragma once
 
 #include <filesystem>
@@ -17,10 +18,11 @@
 namespace perch::test {
 
 struct CommandCase {
-    std::string command;
+    std::string command{};
+    std::string in{};
     int status = 0;
-    std::string out;
-    std::string err;
+    std::string out{};
+    std::string err{};
 };
 
 std::vector<CommandCase> readCases(const std::filesystem::path& file);
@@ -29,8 +31,8 @@ void writeCases(const std::filesystem::path& file, const std::vector<CommandCase
 // The words of a command line, separated by blanks; double quotes keep blanks.
 std::vector<std::string> wordsOf(const std::string& command);
 
-// What a job took is {time}: "4 frames done in {time}: out.####.png". Lines of progress, which come every ten
-// seconds, are left out.
+// What a job took is {time}: "4 frames done in {time}: out.####.png", and in JSON "renderSeconds":{time}.
+// Lines of progress, which come every ten seconds, are left out.
 std::string withoutTimes(const std::string& text);
 
 std::string replaceAll(std::string text, const std::string& from, const std::string& to);

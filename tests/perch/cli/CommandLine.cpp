@@ -75,9 +75,9 @@ CommandLine::CommandLine() {
     fs::create_directory(folder / "Empty.plugin");
 }
 
-ProgramResult CommandLine::run(const std::string& command) const {
-    ProgramResult result = runProgram(commandOf(command), folder);
-    result.out = replaceAll(result.out, PERCH_TEST_PLUGINS, "{plugins}");
+ProgramResult CommandLine::run(const std::string& command, const std::string& input) const {
+    ProgramResult result = runProgram(commandOf(command), folder, input);
+    result.out = withoutTimes(replaceAll(result.out, PERCH_TEST_PLUGINS, "{plugins}"));
     result.err = withoutTimes(replaceAll(result.err, PERCH_TEST_PLUGINS, "{plugins}"));
     return result;
 }

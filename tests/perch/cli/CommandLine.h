@@ -15,8 +15,8 @@ public:
     CommandLine();
 
     // {plugins} in a command, and in what it answers, stands for the folder of test effects; {time} in what
-    // it answers for what a job took.
-    ProgramResult run(const std::string& command) const;
+    // it answers for what a job took. `input` is what it gets on standard input.
+    ProgramResult run(const std::string& command, const std::string& input = "") const;
     std::vector<std::string> commandOf(const std::string& command) const;
 
     // The names in the folder, in order.

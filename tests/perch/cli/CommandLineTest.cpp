@@ -23,9 +23,9 @@ TEST_P(CommandLineTest, AnswersAsItsFileSays) {
     ASSERT_FALSE(cases.empty());
     const CommandLine commandLine;
     for (CommandCase& expected : cases) {
-        const ProgramResult result = commandLine.run(expected.command);
+        const ProgramResult result = commandLine.run(expected.command, expected.in);
         if (isRewriting) {
-            expected = {expected.command, result.status, result.out, result.err};
+            expected = {expected.command, expected.in, result.status, result.out, result.err};
             continue;
         }
         EXPECT_EQ(result.status, expected.status) << expected.command;

@@ -36,6 +36,11 @@ void sendTo(const std::filesystem::path& path, int descriptor) {
     if (file < 0 || dup2(file, descriptor) < 0) _exit(127);
 }
 
+void readFrom(const std::filesystem::path& path, int descriptor) {
+    const int file = open(path.c_str(), O_RDONLY);
+    if (file < 0 || dup2(file, descriptor) < 0) _exit(127);
+}
+
 [[noreturn]] void become(const std::vector<std::string>& command) {
     std::vector<char*> arguments;
     for (const std::string& argument : command)
@@ -77,14 +82,18 @@ bool hasEnded(pid_t process) {
 }  // namespace
 
 RunningProgram::RunningProgram(const std::vector<std::string>& command, const std::filesystem::path& folder,
-                               Messages messages)
-    : outPath(folder.string() + ".stdout"), errPath(folder.string() + ".stderr") {
+                               Messages messages, const std::string& input)
+    : inPath(folder.string() + ".stdin"),
+      outPath(folder.string() + ".stdout"),
+      errPath(folder.string() + ".stderr") {
+    std::ofstream(inPath, std::ios::binary) << input;
     if (messages == Messages::Terminal &&
         openpty(&terminal, &programsTerminal, nullptr, nullptr, nullptr) != 0)
         throw std::runtime_error("there is no terminal for " + command.front());
     process = fork();
     if (process < 0) throw std::runtime_error("cannot start " + command.front());
     if (process > 0) return;
+    readFrom(inPath, STDIN_FILENO);
     sendTo(outPath, STDOUT_FILENO);
     if (messages == Messages::File) {
         sendTo(errPath, STDERR_FILENO);
@@ -103,6 +112,7 @@ RunningProgram::~RunningProgram() {
     if (terminal >= 0) close(terminal);
     if (programsTerminal >= 0) close(programsTerminal);
     std::error_code ignored;
+    std::filesystem::remove(inPath, ignored);
     std::filesystem::remove(outPath, ignored);
     std::filesystem::remove(errPath, ignored);
 }
@@ -145,8 +155,9 @@ ProgramResult RunningProgram::finish() {
             terminal >= 0 ? shownOn(terminal) : textOf(errPath)};
 }
 
-ProgramResult runProgram(const std::vector<std::string>& command, const std::filesystem::path& folder) {
-    return RunningProgram(command, folder).finish();
+ProgramResult runProgram(const std::vector<std::string>& command, const std::filesystem::path& folder,
+                         const std::string& input) {
+    return RunningProgram(command, folder, Messages::File, input).finish();
 }
 
 }  // namespace perch::test

@@ -22,8 +22,9 @@ enum class Messages { File, Terminal };
 class RunningProgram {
 public:
     // `command` is the program and its arguments; it runs in `folder`, and its outputs are kept beside it.
+    // `input` is all that it gets on standard input, at once.
     RunningProgram(const std::vector<std::string>& command, const std::filesystem::path& folder,
-                   Messages messages = Messages::File);
+                   Messages messages = Messages::File, const std::string& input = "");
     ~RunningProgram();
     RunningProgram(const RunningProgram&) = delete;
     RunningProgram& operator=(const RunningProgram&) = delete;
@@ -38,6 +39,7 @@ public:
     ProgramResult finish();
 
 private:
+    const std::filesystem::path inPath;
     const std::filesystem::path outPath;
     const std::filesystem::path errPath;
     int terminal = -1;  // this end of it; the other stays open until the end
@@ -45,6 +47,7 @@ private:
     pid_t process = -1;
 };
 
-ProgramResult runProgram(const std::vector<std::string>& command, const std::filesystem::path& folder);
+ProgramResult runProgram(const std::vector<std::string>& command, const std::filesystem::path& folder,
+                         const std::string& input = "");
 
 }  // namespace perch::test

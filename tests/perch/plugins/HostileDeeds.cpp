@@ -140,6 +140,11 @@ const Named kDeeds[] = {
                      "31m");
          return 0;
      }},
+    {"read-input",
+     [](const Scene&) -> PF_Err {
+         char byte = 0;
+         return read(STDIN_FILENO, &byte, 1) == 0 ? 0 : 1;
+     }},
     {"noise",
      [](const Scene&) -> PF_Err {
          std::puts("noise");

@@ -156,6 +156,46 @@ TEST_F(FailingFramesTest, CancelEndsAJobThatGoesOn) {
     EXPECT_THAT(states(), ElementsAre("1 done", "2 done"));
 }
 
+// Each is done, and told of, before the next are asked for.
+TEST_F(FailingFramesTest, FramesAreRenderedAsTheyAreAskedFor) {
+    settings.goesOn = true;
+    settings.framesAhead = 8;
+    failEffectAt(3);
+    std::vector<std::vector<std::size_t>> orders{{4, 2}, {}, {0}, {4}};
+    std::vector<std::size_t> endsBefore;
+    watch.nextFrames = [&]() -> std::optional<std::vector<std::size_t>> {
+        endsBefore.push_back(ends.size());
+        if (orders.empty()) return std::nullopt;
+        const std::vector<std::size_t> next = orders.front();
+        orders.erase(orders.begin());
+        return next;
+    };
+    render();
+    EXPECT_THAT(states(), ElementsAre("5 done", "3 failed", "1 done", "5 done"));
+    EXPECT_THAT(endsBefore, ElementsAre(0, 2, 2, 3, 4));
+}
+
+TEST_F(FailingFramesTest, NothingMoreIsAskedForAfterAFailureThatEndsTheJob) {
+    failEffectAt(3);
+    int asked = 0;
+    watch.nextFrames = [&]() -> std::optional<std::vector<std::size_t>> {
+        ++asked;
+        return std::vector<std::size_t>{2};
+    };
+    EXPECT_THROW(render(), EffectError);
+    EXPECT_EQ(asked, 1);
+}
+
+TEST_F(FailingFramesTest, CancelWhileNothingIsAskedForEndsTheJob) {
+    std::atomic<bool> cancelled{false};
+    watch.cancelled = &cancelled;
+    watch.nextFrames = [&]() -> std::optional<std::vector<std::size_t>> {
+        cancelled = true;
+        return std::nullopt;
+    };
+    EXPECT_THROW(render(), Cancelled);
+}
+
 TEST_F(FailingFramesTest, UsersChoicesAreToldOnceThoughTheFirstFrameFails) {
     settings.goesOn = true;
     damageInputOf(1);

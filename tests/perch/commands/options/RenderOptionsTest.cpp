@@ -53,6 +53,7 @@ TEST(RenderOptionsTest, OtherDownsamplesAreRefused) {
 TEST(RenderOptionsTest, FailuresEndAJobUnlessItIsToGoOn) {
     EXPECT_FALSE(parsed("--on-error", "stop").settings.goesOn);
     EXPECT_TRUE(parsed("--on-error", "continue").settings.goesOn);
+    EXPECT_TRUE(parsed("--frames-from", "-").settings.goesOn);
     EXPECT_EQ(parsed("--on-error", "stop").settings.retries, 0);
     EXPECT_EQ(parsed("--retries", "100").settings.retries, 100);
     EXPECT_EQ(parsed("--retries", "1").job.progress, ProgressForm::Auto);
