@@ -280,6 +280,7 @@ int runRenderCommand(const std::vector<std::string>& arguments) {
         record.effect = effect.description().name;
         record.effectBuild = effectBuild;
         audience.report.emplace(options.job.report, std::move(record));
+        whereabouts().report.set(options.job.report.string());
     }
     RenderReport report;
     report.notes.areWarningsErrors = options.areWarningsErrors;

@@ -17,6 +17,7 @@
 #include "Error.h"
 #include "ExitCodes.h"
 #include "NearestName.h"
+#include "ReportFile.h"
 #include "Supervisor.h"
 #include "ViewOptions.h"
 #include "Worker.h"
@@ -114,6 +115,18 @@ bool isSupervised(const Arguments& arguments) {
     return loadsAnEffect && std::ranges::find(arguments, perch::kInProcessOption) == arguments.end();
 }
 
+// What the worker could not do any more.
+void closeReportOf(const perch::Outcome& outcome) {
+    if (outcome.report.empty()) return;
+    try {
+        const bool isInterrupted = outcome.status > perch::kSignalled;
+        perch::closeReport(outcome.report, isInterrupted ? "interrupted" : "failed", outcome.sentence,
+                           outcome.frame);
+    } catch (const std::exception& error) {
+        perch::say(error.what());
+    }
+}
+
 Ending runSupervised(const Arguments& arguments) {
     try {
         perch::Outcome outcome = perch::superviseWorker(arguments);
@@ -121,6 +134,7 @@ Ending runSupervised(const Arguments& arguments) {
         if (isatty(STDERR_FILENO) == 1 && !outcome.sentence.empty()) perch::sayAsItIs("\r\x1B[K");
         for (const std::string& finding : outcome.findings)
             perch::say("strict: " + finding);
+        closeReportOf(outcome);
         return {outcome.status, std::move(outcome.sentence)};
     } catch (const std::exception& error) {
         return {perch::kFailed, error.what()};

@@ -18,6 +18,13 @@ double secondsOf(std::chrono::nanoseconds time) {
     return std::chrono::duration<double>(time).count();
 }
 
+void replace(const std::filesystem::path& path, const JobRecord& record) {
+    const std::string text = recordText(record);
+    failingAs<OutputError>([&] {
+        pictures::replaceFile(path, {reinterpret_cast<const unsigned char*>(text.data()), text.size()});
+    });
+}
+
 }  // namespace
 
 ReportFile::ReportFile(std::filesystem::path path, JobRecord record)
@@ -59,12 +66,23 @@ void ReportFile::write() {
     constexpr int kShare = 20;  // writing takes no more than one part in so many of the time
     const Clock::time_point begin = Clock::now();
     record.seconds = secondsOf(begin - start);
-    const std::string text = recordText(record);
-    failingAs<OutputError>([&] {
-        pictures::replaceFile(path, {reinterpret_cast<const unsigned char*>(text.data()), text.size()});
-    });
+    replace(path, record);
     const Clock::time_point end = Clock::now();
     nextWrite = end + std::max<Clock::duration>(kPause, kShare * (end - begin));
+}
+
+void closeReport(const std::filesystem::path& path, const std::string& state, const std::string& why,
+                 std::optional<std::int32_t> frame) {
+    std::optional<JobRecord> record = readRecord(path);
+    if (!record) return;
+    record->state = state;
+    record->error = why;
+    for (FrameRecord& known : record->frames) {
+        if (known.frame != frame || known.state == FrameRecord::State::Done) continue;
+        known.state = FrameRecord::State::Failed;
+        known.error = why;
+    }
+    replace(path, *record);
 }
 
 }  // namespace perch

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -38,5 +39,10 @@ private:
     const Clock::time_point start = Clock::now();
     Clock::time_point nextWrite;
 };
+
+// Brings the report of a job to its end whose program could not: `state` and `why` are the job's, and those
+// of the frame where there is one. Throws Error where the file cannot be written.
+void closeReport(const std::filesystem::path& path, const std::string& state, const std::string& why,
+                 std::optional<std::int32_t> frame);
 
 }  // namespace perch

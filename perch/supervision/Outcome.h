@@ -1,6 +1,8 @@
 // How a worker has ended.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,6 +13,8 @@ struct Outcome {
     std::string sentence;  // why it is not 0; empty where the worker has told it
     int signal = 0;        // that has asked the program to end, the user's interrupt above all; 0 without one
     std::vector<std::string> findings;  // of strict mode, where the worker could not tell them itself
+    std::string report{};               // file that the worker could not bring to its end; empty without one
+    std::optional<std::int32_t> frame{};  // that the effect was at then
 };
 
 }  // namespace perch

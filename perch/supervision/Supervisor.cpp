@@ -197,7 +197,12 @@ private:
         const int signal = endedBy != 0 ? endedBy : interrupts.last();
         if (at.isFinished)
             return {.status = at.status, .sentence = at.sentence.get(), .signal = signal, .findings = {}};
-        Outcome outcome{.status = kEffectBroke, .sentence = {}, .signal = signal, .findings = findings()};
+        Outcome outcome{.status = kEffectBroke,
+                        .sentence = {},
+                        .signal = signal,
+                        .findings = findings(),
+                        .report = at.report.get()};
+        if (at.frame != Whereabouts::kNoFrame) outcome.frame = static_cast<std::int32_t>(at.frame);
         if (endedBy != 0) {
             outcome.status = kSignalled + endedBy;
             outcome.sentence = fmt::format("ended by SIG{}", sigabbrev_np(endedBy));

@@ -96,6 +96,21 @@ TEST_F(ReportFileTest, ItIsAsItsSchemaSays) {
     EXPECT_FALSE(isAsTheSchemaSays(folder, "report.json")) << "done, with an error";
 }
 
+TEST_F(ReportFileTest, ItIsBroughtToItsEndByAnotherWhereTheProgramCannot) {
+    ReportFile(path, record).frameEnds(1, {.index = 0});
+    closeReport(path, "failed", "frame 2: it crashed", 2);
+    const JobRecord end = onDisk();
+    EXPECT_EQ(end.state, "failed");
+    EXPECT_EQ(end.error, "frame 2: it crashed");
+    EXPECT_EQ(end.frames[1].state, State::Failed);
+    EXPECT_EQ(end.frames[1].error, "frame 2: it crashed");
+    EXPECT_EQ(end.frames[2].state, State::Waiting);
+    EXPECT_TRUE(isAsTheSchemaSays(folder, "report.json")) << bytesOf(folder / "tool.log");
+    std::filesystem::remove(path);
+    closeReport(path, "failed", "it crashed", std::nullopt);
+    EXPECT_FALSE(std::filesystem::exists(path));
+}
+
 TEST_F(ReportFileTest, AnotherFileIsNotTakenForAReport) {
     EXPECT_FALSE(readRecord(path));
     for (const char* const text : {"", "{}", "[1, 2]", "{\"form\": 2}"}) {

@@ -171,6 +171,37 @@ TEST(SupervisionTest, FilesAreWhereTheCommandLineSaysWhateverTheFolderIs) {
         EXPECT_TRUE(commandLine.has(name)) << name;
 }
 
+TEST(SupervisionTest, ReportSaysWhatBecameOfAWorkerThatCouldNotEndIt) {
+    const CommandLine commandLine;
+    const EnvironmentMode mode("abort@RENDER");
+    EXPECT_EQ(commandLine.run(std::string(kRender) + " --report report.json").status, 8);
+    const std::string report = bytesOf(commandLine.folder / "report.json");
+    EXPECT_NE(report.find("\n \"state\": \"failed\""), std::string::npos) << report;
+    EXPECT_NE(report.find("crashed at RENDER (SIGABRT"), std::string::npos) << report;
+}
+
+const char kFed[] =
+    "perch render --plugin {plugins}/Hostile.so -i shot.####.png -o out.####.png --frames 1-3 --frames-from "
+    "-";
+
+TEST(SupervisionTest, StandardInputReachesTheWorkerAndNotTheEffect) {
+    const CommandLine commandLine;
+    const EnvironmentMode mode("read-input@RENDER");
+    const ProgramResult result = commandLine.run(kFed, "2\n1\n");
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_TRUE(commandLine.has("out.0001.png"));
+    EXPECT_TRUE(commandLine.has("out.0002.png"));
+    EXPECT_FALSE(commandLine.has("out.0003.png"));
+}
+
+TEST(SupervisionTest, EffectThatCrashesEndsAWorkerThatIsFed) {
+    const CommandLine commandLine;
+    const EnvironmentMode mode("abort@RENDER");
+    const ProgramResult result = commandLine.run(kFed, "2\n1\n");
+    EXPECT_EQ(result.status, 8);
+    EXPECT_NE(result.err.find("frame 2: the effect"), std::string::npos) << result.err;
+}
+
 TEST(SupervisionTest, WorkerCannotBeStartedByHand) {
     const CommandLine commandLine;
     const ProgramResult result = commandLine.run("perch --worker=2 describe {plugins}/Hostile.so");
