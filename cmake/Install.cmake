@@ -12,7 +12,13 @@ if(KESTREL_PERCH)
   set(ENV{SOURCE_DATE_EPOCH} ${seconds})
   string(TIMESTAMP KESTREL_DATE "%Y-%m-%d" UTC)
   unset(ENV{SOURCE_DATE_EPOCH})
-  configure_file(packaging/perch.1.in perch.1 @ONLY)
+  configure_file(packaging/perch.1.in perch.1.in @ONLY)
+  # Help loads the effect beside the program, which has to be whole by then.
+  add_custom_command(OUTPUT "${CMAKE_BINARY_DIR}/perch.1"
+    COMMAND "${PROJECT_SOURCE_DIR}/packaging/man-page.sh" "$<TARGET_FILE:perch>" "${CMAKE_BINARY_DIR}/perch.1.in" "${CMAKE_BINARY_DIR}/perch.1"
+    DEPENDS perch perch-codec-module Kestrel "${PROJECT_SOURCE_DIR}/packaging/man-page.sh" "${CMAKE_BINARY_DIR}/perch.1.in"
+    COMMENT "Writing the manual page" VERBATIM)
+  add_custom_target(perch-manual ALL DEPENDS "${CMAKE_BINARY_DIR}/perch.1")
   install(FILES "${CMAKE_BINARY_DIR}/perch.1" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT runtime)
   install(FILES packaging/completions/perch.bash RENAME perch
     DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/bash-completion/completions" COMPONENT runtime)

@@ -40,7 +40,7 @@ function __perch_takes_file
 end
 
 complete -c perch -f
-complete -c perch -n __perch_is_at_command -a '(perch --help 2>/dev/null | string match -rg "^  ([a-z]+) +(.*)" | string replace -r "\n" "\t")'
+complete -c perch -n __perch_is_at_command -a '(perch --help 2>/dev/null | string match -rg "^  ([a-z-]+) +(.*)" | string replace -r "\n" "\t")'
 complete -c perch -n __perch_is_at_command -l help -d 'list the commands'
 complete -c perch -n __perch_is_at_command -l version -d 'print the version'
 complete -c perch -n 'not __perch_is_at_command; and string match -q -- "-*" (commandline -ct)' -a '(__perch_options)'

@@ -58,6 +58,12 @@ expect "" perch render --no-such-option b
 expect "" perch no-such-command --f
 expect "beauty.png" perch describe b
 
+# All options that a command's help lists, and no others.
+for command in $(perch --help | sed -n '/^Commands:/,/^$/s/^  \([a-z-]*\) .*/\1/p'); do
+    expect "$(perch "$command" --help | grep -oE '^ +(-[a-z],)?--[a-z0-9-]+' | grep -oE -- '--.*' | sort | paste -s -d ' ')" \
+        perch "$command" --
+done
+
 for shell in zsh fish; do
     command -v $shell >/dev/null || echo "$shell is not installed, and what it is offered is not tested"
 done

@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <set>
+#include <string>
+
 #include "Error.h"
 
 namespace perch::test {
@@ -13,6 +17,30 @@ std::vector<std::string> withPictures(const std::string& option, const std::stri
 
 RenderOptions parsed(const std::string& option, const std::string& text) {
     return parseRenderOptions(withPictures(option, text));
+}
+
+// The long options in the first column of the table in docs/perch.md, without their dashes and without those
+// that each layer has.
+std::set<std::string> documentedOptions() {
+    std::ifstream document(std::string(PERCH_SOURCES) + "/docs/perch.md");
+    std::string line;
+    while (std::getline(document, line) && !line.starts_with("| option of `render` |")) {
+    }
+    std::getline(document, line);  // between heading and rows
+    std::set<std::string> names;
+    while (std::getline(document, line) && line.starts_with("| ")) {
+        const std::string cell = line.substr(0, line.find(" | "));
+        const std::size_t begin = cell.find("--") + 2;
+        const std::string name = cell.substr(begin, cell.find('`', begin) - begin);
+        if (!name.starts_with("LAYER-")) names.insert(name);
+    }
+    return names;
+}
+
+TEST(RenderOptionsTest, DocumentHasEveryOptionAndNoOther) {
+    std::set<std::string> names(renderOptionNames().begin(), renderOptionNames().end());
+    names.erase("help");
+    EXPECT_EQ(documentedOptions(), names);
 }
 
 TEST(RenderOptionsTest, ThreadsGoToTheEffect) {
