@@ -32,6 +32,7 @@ struct Whereabouts {
     SharedText<64> command;                     // the last, also once it has ended
     SharedText<64> callback;                    // the last that the command called; empty without one
     SharedText<65536> findings;                 // of strict mode so far, a line each
+    SharedText<4096> log;                       // file; empty without one
     SharedText<4096> report;                    // file of the job under way; empty without one
 
     // Files that are to be removed: those whose path is whole.

@@ -63,7 +63,8 @@ void catchInterrupts() {
 
 // Whoever is told of a job.
 struct Audience {
-    explicit Audience(const JobOptions& options) : display(options.progress, options.isQuiet) {}
+    explicit Audience(const JobOptions& options)
+        : display(options.progress, options.isQuiet, options.isVerbose) {}
 
     void tellMessage(std::string_view command, std::string_view message) {
         display.tellMessage(command, message);
@@ -191,6 +192,7 @@ bool render(Effect& effect, const RenderOptions& options, const RenderSettings& 
     } catch (const Error& error) {
         display.clearLine();
         if (audience.report) audience.report->finish("failed", error.what(), report.notes.sentences());
+        display.fails(error.what());
         reportFindings(effect);
         if (!display.totals().failed.empty()) display.finish(options.names.output);
         throw;
@@ -243,6 +245,10 @@ int runRenderCommand(const std::vector<std::string>& arguments) {
     const RenderOptions options = parseRenderOptions(arguments);
     whereabouts().limit = options.frameLimit.count();
     if (options.wantsHelp) return printHelp(options.load);
+    if (!options.job.log.empty()) {
+        keepLog(options.job.log);
+        whereabouts().log.set(std::filesystem::absolute(options.job.log).string());
+    }
     pictures::keepStartFolder();
     Audience audience(options.job);
     JobDisplay& display = audience.display;
@@ -262,6 +268,11 @@ int runRenderCommand(const std::vector<std::string>& arguments) {
             fmt::format("perch {}, {}:{}", PERCH_VERSION, effect.description().name, parameters.given);
     }
     const std::string effectBuild = fileFingerprint(openBundle(bundle).library);
+    if (options.job.isVerbose) {
+        display.tellNote(fmt::format(
+            "perch {} renders by \"{}\" from \"{}\" of build {}; {} frames are read ahead at most",
+            PERCH_VERSION, effect.description().name, bundle.string(), effectBuild, settings.framesAhead));
+    }
     setFingerprints(effect.description(), effectBuild, options.load, settings, parameters.curves, plan);
     const std::optional<JobRecord> earlier =
         options.job.report.empty() ? std::nullopt : readRecord(options.job.report);

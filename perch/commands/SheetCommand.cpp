@@ -74,6 +74,8 @@ void requireSheet(const RenderOptions& options) {
             "--on-error continue, --existing, --report and --frames-from are for perch render; a sheet is "
             "whole "
             "or not at all");
+    if (options.job.isVerbose || !options.job.log.empty())
+        throw UsageError("-v and --log are for perch render; leave them out");
     if (options.load.strict)
         throw UsageError("--strict is for perch render, which tells what it finds; leave it out");
 }

@@ -132,6 +132,7 @@ Ending runSupervised(const Arguments& arguments) {
         perch::Outcome outcome = perch::superviseWorker(arguments);
         // The worker may have left its line of progress.
         if (isatty(STDERR_FILENO) == 1 && !outcome.sentence.empty()) perch::sayAsItIs("\r\x1B[K");
+        if (!outcome.log.empty()) perch::keepLog(outcome.log);
         for (const std::string& finding : outcome.findings)
             perch::say("strict: " + finding);
         closeReportOf(outcome);

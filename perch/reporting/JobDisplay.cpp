@@ -20,6 +20,14 @@ bool isOfFrame(std::string_view command) {
     return command == "RENDER" || command.starts_with("FRAME_");
 }
 
+bool isForPrograms(ProgressForm form) {
+    return form == ProgressForm::Json || form == ProgressForm::OpenJd;
+}
+
+double secondsOf(std::chrono::nanoseconds time) {
+    return std::chrono::duration<double>(time).count();
+}
+
 // Names of files have no certain encoding.
 void printLine(const Json& json) {
     printResult(json.dump(-1, ' ', false, Json::error_handler_t::replace) + '\n');
@@ -27,9 +35,10 @@ void printLine(const Json& json) {
 
 }  // namespace
 
-JobDisplay::JobDisplay(ProgressForm form, bool isQuiet)
-    : form(isQuiet && form != ProgressForm::Json ? ProgressForm::None : form),
+JobDisplay::JobDisplay(ProgressForm form, bool isQuiet, bool isVerbose)
+    : form(isQuiet && !isForPrograms(form) ? ProgressForm::None : form),
       isQuiet(isQuiet),
+      isVerbose(isVerbose),
       isTerminal(isatty(STDERR_FILENO) == 1) {}
 
 JobDisplay::~JobDisplay() {
@@ -62,8 +71,33 @@ void JobDisplay::frameEnds(const FrameEnd& end) {
     }
     if (end.retries > 0) ++counted.triedAgain;
     if (form == ProgressForm::Json) printJson(end);
+    if (form == ProgressForm::OpenJd) printOpenJd(static_cast<double>(counted.done + counted.failed.size()));
+    if (isVerbose && !isFailed) return tellFrame(end);
     if (form == ProgressForm::Lines && !isFailed)
         say(fmt::format("frame {} done, {} of {}", files.frame, end.index + 1, plan->frames.size()));
+}
+
+void JobDisplay::tellFrame(const FrameEnd& end) const {
+    const FrameFiles& files = plan->frames[end.index];
+    std::string read = files.input.string();
+    for (const auto& [index, path] : files.layers)
+        read += ", " + path.string();
+    say(fmt::format(
+        "frame {} done, {} of {}: {} -> {}; decoded in {:.3f} s, rendered in {:.3f} s, encoded in {:.3f} s",
+        files.frame, end.index + 1, plan->frames.size(), read, files.output.string(),
+        secondsOf(end.decodeTime), secondsOf(end.renderTime), secondsOf(end.encodeTime)));
+}
+
+// Whole percents, each once, for schedulers that ask somebody at each.
+void JobDisplay::printOpenJd(double framesDone) {
+    const int percent = static_cast<int>(100 * framesDone / static_cast<double>(plan->frames.size()));
+    if (percent <= lastPercent) return;
+    lastPercent = percent;
+    printResult(fmt::format("openjd_progress: {}\n", percent));
+}
+
+void JobDisplay::fails(const std::string& sentence) const {
+    if (form == ProgressForm::OpenJd) printResult(fmt::format("openjd_fail: {}\n", printable(sentence)));
 }
 
 void JobDisplay::finish(const std::string& output) {
@@ -76,6 +110,8 @@ void JobDisplay::finish(const std::string& output) {
                    {"refusedLines", counted.refusedLines},
                    {"seconds", seconds()}});
     }
+    if (form == ProgressForm::OpenJd)
+        printResult(fmt::format("openjd_status: {}\n", printable(summaryText(counted, seconds(), output))));
     if (plan->isSequence && !isQuiet) say(summaryText(counted, seconds(), output));
 }
 
@@ -122,23 +158,25 @@ void JobDisplay::clearLine() {
 }
 
 void JobDisplay::showLine(double fraction) {
-    if (form != ProgressForm::Auto) return;
+    if (form == ProgressForm::OpenJd) printOpenJd(static_cast<double>(current) + fraction);
+    if (form != ProgressForm::Auto || isVerbose) return;
     const std::string text = progressText(
         {.number = current + 1, .count = plan->frames.size(), .fraction = fraction, .seconds = seconds()});
     if (isTerminal) {
         if (text == shown) return;
         shown = text;
         sayAsItIs('\r' + shown + kClearToTheEnd);
-    } else if (seconds() - lastLine >= kSecondsBetweenLines) {
-        lastLine = seconds();
+    }
+    if (seconds() - lastLine < kSecondsBetweenLines) return;
+    lastLine = seconds();
+    if (isTerminal) {
+        sayInLog(text);
+    } else {
         say(text);
     }
 }
 
 void JobDisplay::printJson(const FrameEnd& end) const {
-    const auto secondsOf = [](std::chrono::nanoseconds time) {
-        return std::chrono::duration<double>(time).count();
-    };
     const FrameFiles& files = plan->frames[end.index];
     const bool isFailed = end.state == FrameEnd::State::Failed;
     Json json{{"frame", files.frame},

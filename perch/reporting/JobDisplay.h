@@ -19,8 +19,8 @@ namespace perch {
 // On one thread.
 class JobDisplay {
 public:
-    // A quiet one tells of failures alone.
-    JobDisplay(ProgressForm form, bool isQuiet);
+    // A quiet one tells of failures alone, a verbose one of each frame's files and times.
+    JobDisplay(ProgressForm form, bool isQuiet, bool isVerbose = false);
     ~JobDisplay();
     JobDisplay(const JobDisplay&) = delete;
     JobDisplay& operator=(const JobDisplay&) = delete;
@@ -32,6 +32,8 @@ public:
     void frameEnds(const FrameEnd& end);
     // Tells what became of the frames, which are where `output` says.
     void finish(const std::string& output);
+    // The job ends with this failure.
+    void fails(const std::string& sentence) const;
 
     // Of a frame that was asked for while the job is under way and is not rendered: its file is up to date,
     // or the job does not have it; and of a line that asks for no frames.
@@ -53,15 +55,19 @@ public:
 
 private:
     void showLine(double fraction);
+    void printOpenJd(double framesDone);
+    void tellFrame(const FrameEnd& end) const;
     void printJson(const FrameEnd& end) const;
     double seconds() const;
 
     const ProgressForm form;
     const bool isQuiet;
+    const bool isVerbose;
     const bool isTerminal;
     const FramePlan* plan = nullptr;
     std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
     double lastLine = 0;  // seconds after the start
+    int lastPercent = -1;
     std::size_t current = 0;
     std::string shown;  // on the terminal
     JobTotals counted;

@@ -1,11 +1,13 @@
 #include "Console.h"
 
 #include <fcntl.h>
+#include <fmt/chrono.h>
 #include <fmt/format.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <ctime>
 #include <system_error>
 
 #include "Error.h"
@@ -16,6 +18,7 @@ namespace {
 int gInput = STDIN_FILENO;
 int gResults = STDOUT_FILENO;
 int gMessages = STDERR_FILENO;
+int gLog = -1;
 
 bool writeAll(int descriptor, std::string_view text) {
     while (!text.empty()) {
@@ -60,8 +63,31 @@ std::string printable(std::string_view text) {
 void say(std::string_view sentence) noexcept {
     try {
         sayAsItIs(fmt::format("perch: {}\n", printable(sentence)));
+        sayInLog(sentence);
     } catch (...) {
         sayAsItIs("perch: there is not enough memory\n");
+    }
+}
+
+void keepLog(const std::filesystem::path& path) {
+    const auto refuse = [&path](const std::string& reason) {
+        throw OutputError(fmt::format("cannot write the log \"{}\": {}", path.string(), reason));
+    };
+    const int file = open(path.c_str(), O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
+    if (file < 0) refuse(std::generic_category().message(errno));
+    char first = '0';  // of the year
+    const bool isLog = pread(file, &first, 1, 0) >= 0 && first >= '0' && first <= '9';
+    gLog = isLog ? duplicated(file) : -1;
+    close(file);
+    if (!isLog) refuse("the file is there and is no log; name another");
+}
+
+void sayInLog(std::string_view sentence) noexcept {
+    if (gLog < 0) return;
+    try {
+        writeAll(gLog, fmt::format("{:%FT%TZ} {}\n", fmt::gmtime(std::time(nullptr)), printable(sentence)));
+    } catch (...) {
+        return;  // standard error has it
     }
 }
 

@@ -2,6 +2,7 @@
 // on standard input.
 #pragma once
 
+#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -14,6 +15,12 @@ std::string printable(std::string_view text);
 void say(std::string_view sentence) noexcept;
 // The same without the name and the line break, as it is.
 void sayAsItIs(std::string_view text) noexcept;
+
+// From now on what is said goes to the end of this file as well, each line with its time. Throws OutputError
+// where the file cannot be written, or is there and no log.
+void keepLog(const std::filesystem::path& path);
+// To the log alone.
+void sayInLog(std::string_view sentence) noexcept;
 
 // Writes a result to standard output, at once. Throws Error where that cannot be done.
 void printResult(std::string_view text);

@@ -196,11 +196,16 @@ private:
         const Whereabouts& at = *shared.memory;
         const int signal = endedBy != 0 ? endedBy : interrupts.last();
         if (at.isFinished)
-            return {.status = at.status, .sentence = at.sentence.get(), .signal = signal, .findings = {}};
+            return {.status = at.status,
+                    .sentence = at.sentence.get(),
+                    .signal = signal,
+                    .findings = {},
+                    .log = at.log.get()};
         Outcome outcome{.status = kEffectBroke,
                         .sentence = {},
                         .signal = signal,
                         .findings = findings(),
+                        .log = at.log.get(),
                         .report = at.report.get()};
         if (at.frame != Whereabouts::kNoFrame) outcome.frame = static_cast<std::int32_t>(at.frame);
         if (endedBy != 0) {

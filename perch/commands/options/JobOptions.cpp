@@ -22,8 +22,9 @@ ProgressForm parseProgress(const std::string& text) {
     if (text == "auto") return ProgressForm::Auto;
     if (text == "line") return ProgressForm::Lines;
     if (text == "json") return ProgressForm::Json;
+    if (text == "openjd") return ProgressForm::OpenJd;
     if (text == "none") return ProgressForm::None;
-    throw UsageError(fmt::format("--progress takes auto, line, json or none, not \"{}\"", text));
+    throw UsageError(fmt::format("--progress takes auto, line, json, openjd or none, not \"{}\"", text));
 }
 
 bool parseFramesFrom(const std::string& text) {
@@ -49,11 +50,18 @@ void addJobOptions(CLI::App& app, JobTexts& texts) {
     app.add_option("--retries", texts.retries,
                    "try reading, rendering or writing a frame again so often before it fails (default 0)")
         ->type_name("N");
-    app.add_option("--progress", texts.progress,
-                   "auto: a line on a terminal, in a log one every 10 s; line: one for each frame; json: the "
-                   "same as JSON on standard output; or none (default auto)")
+    app.add_option(
+           "--progress", texts.progress,
+           "auto: a line on a terminal, in a log one every 10 s; line: one for each frame; json: the "
+           "same as JSON on standard output; openjd: lines that Open Job Description defines; or none "
+           "(default auto)")
         ->type_name("FORM");
     app.add_flag("-q,--quiet", texts.isQuiet, "tell of failures alone");
+    app.add_flag("-v,--verbose", texts.isVerbose,
+                 "tell what renders, and for each frame its files and how long each step took");
+    app.add_option("--log", texts.log,
+                   "add what is told on standard error to this file as well, each line with its time")
+        ->type_name("FILE");
     app.add_option(
            "--existing", texts.existing,
            "files of frames that are there: overwrite them; skip those that are up to date, made by the "
@@ -75,8 +83,12 @@ JobOptions parseJobOptions(const JobTexts& texts) {
     const ProgressForm progress = parseProgress(texts.progress);
     if (isFed && progress != ProgressForm::Auto && progress != ProgressForm::Json)
         throw UsageError("--frames-from answers by JSON; leave --progress out, or give --progress json");
+    if (texts.isQuiet && texts.isVerbose)
+        throw UsageError("--quiet tells less and --verbose more; leave one");
     return {.progress = isFed ? ProgressForm::Json : progress,
             .isQuiet = texts.isQuiet,
+            .isVerbose = texts.isVerbose,
+            .log = texts.log,
             .existing = parseExisting(texts.existing),
             .report = texts.report,
             .isFed = isFed};

@@ -20,6 +20,8 @@ struct JobTexts {
     std::string retries = "0";
     std::string progress = "auto";
     bool isQuiet = false;
+    bool isVerbose = false;
+    std::string log;
     std::string existing = "overwrite";
     std::string report;
     std::string framesFrom;
@@ -28,6 +30,8 @@ struct JobTexts {
 struct JobOptions {
     ProgressForm progress = ProgressForm::Auto;
     bool isQuiet = false;
+    bool isVerbose = false;
+    std::filesystem::path log{};  // empty: none
     ExistingUse existing = ExistingUse::Overwrite;
     std::filesystem::path report{};  // empty: none
     bool isFed = false;              // frames are asked for on standard input

@@ -67,13 +67,13 @@ struct Output {
 };
 
 // A job of frames 7, 8 and 9, the second of which fails after a second try.
-Output jobAs(ProgressForm form, bool isQuiet = false) {
+Output jobAs(ProgressForm form, bool isQuiet = false, bool isVerbose = false) {
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
     FramePlan plan = planOf({7, 8, 9});
     plan.skipped = {3};
     {
-        JobDisplay display(form, isQuiet);
+        JobDisplay display(form, isQuiet, isVerbose);
         display.begin(plan);
         for (std::size_t i = 0; i < plan.frames.size(); ++i) {
             display.frameBegins(i);
@@ -118,6 +118,29 @@ TEST(JobDisplayTest, QuietJobSaysNothing) {
         const Output job = jobAs(form, true);
         EXPECT_EQ(job.out + job.err, "");
     }
+}
+
+TEST(JobDisplayTest, VerboseJobTellsOfFilesAndTimes) {
+    const std::string line =
+        "perch: frame 7 done, 1 of 3: in.png -> out.7.png; decoded in 0.000 s, rendered in 1.500 s, encoded "
+        "in "
+        "0.000 s\n";
+    for (const ProgressForm form : {ProgressForm::Auto, ProgressForm::Lines})
+        EXPECT_NE(jobAs(form, false, true).err.find(line), std::string::npos);
+    EXPECT_EQ(jobAs(ProgressForm::Lines, false, true).err.find("frame 8 done"), std::string::npos);
+}
+
+TEST(JobDisplayTest, SchedulersOfOpenJobDescriptionGetWholePercents) {
+    const Output job = jobAs(ProgressForm::OpenJd, true);
+    EXPECT_EQ(job.err, "");
+    const std::string lines =
+        "openjd_progress: 0\nopenjd_progress: 16\nopenjd_progress: 33\nopenjd_progress: 50\nopenjd_progress: "
+        "66\nopenjd_progress: 83\n"
+        "openjd_progress: 100\nopenjd_status: 2 frames done, 1 skipped, 1 failed (8), 1 tried again in ";
+    EXPECT_EQ(job.out.substr(0, lines.size()), lines);
+    testing::internal::CaptureStdout();
+    JobDisplay(ProgressForm::OpenJd, true).fails("frame 3: no\nopenjd_env: A=B");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "openjd_fail: frame 3: no?openjd_env: A=B\n");
 }
 
 TEST(JobDisplayTest, JsonIsALineForEachFrameAndOneForAll) {

@@ -2,7 +2,16 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <sstream>
+#include <string>
+#include <string_view>
 #include <utility>
+#include <vector>
+
+#include "Error.h"
+#include "PictureFiles.h"
+#include "TemporaryFolder.h"
 
 namespace perch::test {
 namespace {
@@ -25,6 +34,36 @@ TEST(ConsoleTest, ControlCharactersBecomeQuestionMarks) {
     };
     for (const auto& [text, clean] : cases)
         EXPECT_EQ(printable(text), clean);
+}
+
+// To a program that ends: the log stays open for good.
+TEST(ConsoleDeathTest, LogHasWhatIsSaidWithItsTimesBehindWhatItHad) {
+    const TemporaryFolder folder;
+    writeBytes(folder / "log", "2026-01-02T03:04:05Z before\n");
+    EXPECT_EXIT(
+        {
+            keepLog(folder / "log");
+            say("one\ntwo");
+            sayInLog("three");
+            sayAsItIs("not in the log");
+            std::_Exit(0);
+        },
+        testing::ExitedWithCode(0), "perch: one\\?two");
+    std::istringstream lines(bytesOf(folder / "log"));
+    std::vector<std::string> sentences;
+    for (std::string time, sentence; lines >> time && std::getline(lines, sentence);) {
+        EXPECT_EQ(time.size(), std::string_view("2026-01-02T03:04:05Z").size()) << time;
+        sentences.push_back(sentence);
+    }
+    EXPECT_EQ(sentences, (std::vector<std::string>{" before", " one?two", " three"}));
+}
+
+TEST(ConsoleTest, FileThatIsNoLogIsLeftAlone) {
+    const TemporaryFolder folder;
+    writeBytes(folder / "picture.png", "\x89PNG");
+    EXPECT_THROW(keepLog(folder / "picture.png"), OutputError);
+    EXPECT_EQ(bytesOf(folder / "picture.png"), "\x89PNG");
+    EXPECT_THROW(keepLog(folder / "none" / "log"), OutputError);
 }
 
 }  // namespace

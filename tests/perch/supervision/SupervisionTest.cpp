@@ -171,13 +171,15 @@ TEST(SupervisionTest, FilesAreWhereTheCommandLineSaysWhateverTheFolderIs) {
         EXPECT_TRUE(commandLine.has(name)) << name;
 }
 
-TEST(SupervisionTest, ReportSaysWhatBecameOfAWorkerThatCouldNotEndIt) {
+TEST(SupervisionTest, ReportAndLogSayWhatBecameOfAWorkerThatCouldNotEndIt) {
     const CommandLine commandLine;
     const EnvironmentMode mode("abort@RENDER");
-    EXPECT_EQ(commandLine.run(std::string(kRender) + " --report report.json").status, 8);
+    EXPECT_EQ(commandLine.run(std::string(kRender) + " --report report.json --log job.log").status, 8);
     const std::string report = bytesOf(commandLine.folder / "report.json");
     EXPECT_NE(report.find("\n \"state\": \"failed\""), std::string::npos) << report;
     EXPECT_NE(report.find("crashed at RENDER (SIGABRT"), std::string::npos) << report;
+    const std::string log = bytesOf(commandLine.folder / "job.log");
+    EXPECT_NE(log.find("crashed at RENDER (SIGABRT"), std::string::npos) << log;
 }
 
 const char kFed[] =

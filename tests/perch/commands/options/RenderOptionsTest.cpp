@@ -89,7 +89,7 @@ TEST(RenderOptionsTest, FailuresEndAJobUnlessItIsToGoOn) {
     EXPECT_TRUE(parsed("--on-error", "stop").settings.pause.count() > 0);
     for (const auto& [option, text] :
          {std::pair{"--on-error", "go"}, std::pair{"--on-error", ""}, std::pair{"--retries", "101"},
-          std::pair{"--retries", "-1"}, std::pair{"--progress", "openjd"}})
+          std::pair{"--retries", "-1"}, std::pair{"--progress", "dots"}})
         EXPECT_THROW(parsed(option, text), UsageError) << option << ' ' << text;
 }
 
