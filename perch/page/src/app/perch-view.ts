@@ -44,6 +44,13 @@ import { viewStyle } from './view-style';
 
 const longTime = 700; // ms of waiting for a picture, after which its progress is shown
 
+// Of a render, where the program says nothing itself.
+const ends: Readonly<Record<string, string>> = {
+  done: 'The render is done.',
+  cancelled: 'The render was cancelled.',
+  failed: 'The render failed.',
+};
+
 @customElement('perch-view')
 export class PerchView extends LitElement implements RendererView {
   static override styles = [shared, viewStyle];
@@ -134,7 +141,7 @@ export class PerchView extends LitElement implements RendererView {
             : nothing}
         </aside>
       </main>
-      <section class="time" aria-label="Timeline">
+      <section class="time ${store.frames.length > 1 ? '' : 'still'}" aria-label="Timeline">
         <time-line .store=${store} .nextPicture=${() => this.renderer.nextPicture()}></time-line>
       </section>
       <footer>
@@ -242,13 +249,22 @@ export class PerchView extends LitElement implements RendererView {
     try {
       for (let read: Place | null = null; this.at && read !== this.at; ) {
         read = this.at;
-        this.pixel = await this.picker.read(read);
+        const pixel = await this.picker.read(read);
+        this.pixel = { ...pixel, result: pixel.result ?? this.resultAt(read, pixel.depth) };
       }
     } catch {
       this.pixel = null;
     } finally {
       this.isReading = false;
     }
+  }
+
+  // The page has pictures of 8 bits.
+  private resultAt({ x, y }: Place, depth: number): readonly number[] | null {
+    const picture = this.stage.picture('result');
+    if (depth !== 8 || !picture?.isFull || !(picture.image instanceof ImageData)) return null;
+    const first = (y * picture.width + x) * 4;
+    return [...picture.image.data.subarray(first, first + 4)];
   }
 
   private async startRender(): Promise<void> {
@@ -282,8 +298,9 @@ export class PerchView extends LitElement implements RendererView {
     this.news = news;
     if (news.state !== 'running') this.rendered = 0;
     else if (news.progress?.frame !== undefined) this.rendered += 1;
-    if (news.text && news.state !== 'running')
-      this.messages.add({ kind: news.state === 'failed' ? 'error' : 'message', text: news.text });
+    const text = news.text || ends[news.state];
+    if (text && news.state !== 'running')
+      this.messages.add({ kind: news.state === 'failed' ? 'error' : 'message', text });
   }
 
   private async attempt(action: () => Promise<unknown>): Promise<void> {

@@ -12,7 +12,7 @@ export class PickTarget extends StoreElement {
     css`
       :host {
         display: grid;
-        grid-template-columns: 138px 1fr;
+        grid-template-columns: var(--name) 1fr;
         gap: 4px;
         align-items: center;
         padding: 8px 12px;

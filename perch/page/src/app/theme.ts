@@ -16,7 +16,8 @@ export const pageStyle = css`
     --on-accent: #191919;
     --bad: #ff9583;
     --around: #333333;
-    --row: 24px;
+    --panel: 400px;
+    --name: 138px; /* of a parameter */
     --gap: 8px;
     --face: system-ui, 'DejaVu Sans', 'Segoe UI', sans-serif;
     --font: 12px/16px var(--face);
@@ -35,6 +36,12 @@ export const pageStyle = css`
     --on-accent: #ffffff;
     --bad: #a31b00;
     --around: #8c8c8c;
+  }
+  @media (max-width: 1200px) {
+    :root {
+      --panel: 352px;
+      --name: 112px;
+    }
   }
   html,
   body {

@@ -14,6 +14,8 @@ const choices: readonly (readonly [Surroundings, string])[] = [
   ['dark', 'Dark'],
 ];
 
+const fileName = (path: string) => path.split('/').at(-1) ?? path;
+
 @customElement('top-bar')
 export class TopBar extends StoreElement {
   static override styles = [
@@ -62,7 +64,7 @@ export class TopBar extends StoreElement {
     const { store } = this;
     const { effect, picture } = store.session;
     const other: Look = store.look === 'A' ? 'B' : 'A';
-    return html`<h1><b>${effect.name}</b> <span class="dim">${picture.input}</span></h1>
+    return html`<h1><b>${effect.name}</b> <span class="dim" title=${picture.input}>${fileName(picture.input)}</span></h1>
       <div class="set" role="group" aria-label="History">
         <button class="bare" aria-label="Undo" title="Undo (Ctrl+Z)" ?disabled=${!store.canUndo} @click=${() => store.undo()}>
           ${svg`<svg viewBox="0 0 14 14" aria-hidden="true"><path d="M5.5 2 2.5 5l3 3M2.5 5H8a3.5 3.5 0 0 1 0 7H5"></path></svg>`}

@@ -4,18 +4,21 @@ export const viewStyle = css`
   :host {
     display: grid;
     grid-template-columns: minmax(0, 1fr);
-    grid-template-rows: auto minmax(0, 1fr) 196px auto;
+    grid-template-rows: auto minmax(0, 1fr) auto auto;
     height: 100vh;
     overflow: clip;
     font: var(--font);
   }
   main {
     display: grid;
-    grid-template-columns: minmax(0, 1fr) 400px;
+    grid-template-columns: minmax(0, 1fr) var(--panel);
     min-height: 0;
   }
   .time {
-    min-height: 0;
+    height: 196px;
+  }
+  .time.still {
+    height: auto;
   }
   .picture {
     display: grid;
@@ -39,11 +42,8 @@ export const viewStyle = css`
     overflow-y: auto;
   }
   @media (max-width: 1200px) {
-    main {
-      grid-template-columns: minmax(0, 1fr) 328px;
-    }
-    :host {
-      grid-template-rows: auto minmax(0, 1fr) 168px auto;
+    .time {
+      height: 168px;
     }
   }
 `;

@@ -19,7 +19,7 @@ export class ParameterRow extends Control {
     css`
       :host {
         display: grid;
-        grid-template-columns: 138px minmax(0, 1fr) 20px 20px;
+        grid-template-columns: var(--name) minmax(0, 1fr) 20px 20px;
         gap: 4px;
         align-items: center;
         min-height: 28px;
@@ -54,7 +54,7 @@ export class ParameterRow extends Control {
         >${name}</span
       >
       ${this.control()}
-      ${hasKeys(type) && curve !== undefined
+      ${hasKeys(type) && curve !== undefined && this.store.frames.length > 1
         ? html`<button
             class="bare"
             aria-label="Key of ${name}"

@@ -42,7 +42,10 @@ export class TimeLine extends StoreElement {
     const { frames } = this.store;
     const first = frames[0] ?? 0;
     const last = frames.at(-1) ?? 0;
-    return html`<div class="bar">${this.renderTransport()} <span class="space"></span> ${this.renderKeys()}</div>
+    const isShot = frames.length > 1;
+    return html`<div class="bar">
+        ${this.renderTransport()} <span class="space"></span> ${isShot ? this.renderKeys() : nothing}
+      </div>
       <div class="frames">
         <input
           type="range"
@@ -56,12 +59,14 @@ export class TimeLine extends StoreElement {
           @input=${(event: Event) => this.scrub(Number((event.target as HTMLInputElement).value))}
         />
       </div>
-      <curve-editor
-        .store=${this.store}
-        key=${this.key}
-        loopFirst=${frames[this.loop.first] ?? first}
-        loopLast=${frames[this.loop.last] ?? last}
-      ></curve-editor>`;
+      ${isShot
+        ? html`<curve-editor
+            .store=${this.store}
+            key=${this.key}
+            loopFirst=${frames[this.loop.first] ?? first}
+            loopLast=${frames[this.loop.last] ?? last}
+          ></curve-editor>`
+        : nothing}`;
   }
 
   private renderTransport() {
