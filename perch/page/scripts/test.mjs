@@ -5,7 +5,7 @@ import { readdirSync } from 'node:fs';
 import { bundle } from './bundle.mjs';
 
 const [folder, ...options] = process.argv.slice(2);
-const folders = folder ? [folder] : ['unit', 'browser'];
+const folders = folder ? [folder] : ['unit', 'browser', 'perch'];
 const tests = folders.flatMap((name) =>
   readdirSync(`tests/${name}`)
     .filter((file) => file.endsWith('.test.ts'))

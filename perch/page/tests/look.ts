@@ -1,50 +1,45 @@
-// Screenshots of the page, to be looked at: `npm run look -- FOLDER`.
-import { closeBrowser, open, settled } from './browser/page';
+// Screenshots of the page, to be looked at: `npm run look -- FOLDER`, with PERCH as in tests/perch/program.ts.
 import type { Page } from 'playwright-core';
+import { closeBrowser, openAt, settled } from './browser/page';
+import { View, plugin, sample } from './perch/program';
 
 const folder = process.argv[2] ?? 'dist';
 const sizes = [
   { width: 1440, height: 900 },
   { width: 1024, height: 768 },
 ];
+const shot = ['-i', sample('shot/beauty.####.png'), '--control-layer', sample('shot/depth.####.png')];
 
-async function pullFocus(page: Page): Promise<void> {
-  await page.getByRole('spinbutton', { name: 'Maximum Blur' }).fill('45');
-  await page.keyboard.press('Enter');
-  await page.getByRole('spinbutton', { name: 'In-focus Range' }).fill('3');
-  await page.keyboard.press('Enter');
-  const result = page.getByRole('img', { name: 'Result' });
-  const box = await result.boundingBox();
-  if (!box) throw new Error('no picture');
-  await page.mouse.click(box.x + (1021 / 1280) * box.width, box.y + (455 / 720) * box.height);
-  await page.getByRole('button', { name: 'Add key' }).click();
-  await page.getByRole('button', { name: 'Smooth' }).click();
-  await page.getByRole('slider', { name: 'Frame', exact: true }).fill('20');
-  await page.getByRole('spinbutton', { name: 'Focal Point' }).fill('27.6');
-  await page.keyboard.press('Enter');
-  await page.getByRole('slider', { name: 'Frame', exact: true }).fill('9');
-  await page.mouse.move(box.x + 300, box.y + 200);
-  await page.waitForTimeout(400);
+async function shoot(page: Page, name: string): Promise<void> {
   await settled(page);
+  await page.screenshot({ path: `${folder}/${name}.png` });
 }
 
 for (const viewport of sizes)
   for (const colorScheme of ['dark', 'light'] as const) {
-    const { page, complaints, close } = await open({ scene: 'still' }, { viewport, colorScheme });
-    await pullFocus(page);
-    await page.screenshot({ path: `${folder}/${viewport.width}-${colorScheme}.png` });
-    if (viewport.width === 1440) {
-      for (const comparison of ['Wipe', 'Side by side', 'Overlay']) {
-        await page.getByRole('button', { name: comparison, exact: true }).click();
-        await page.waitForTimeout(800);
-        await settled(page);
-        await page.screenshot({ path: `${folder}/${colorScheme}-${comparison.toLowerCase().replaceAll(' ', '-')}.png` });
-      }
+    const name = `${viewport.width}-${colorScheme}`;
+    const pull = ['--focal-point', '1:20,20:70:smooth', '--in-focus-range', '4', '--maximum-blur', '25', '--blur-type', 'Fine'];
+    const view = await View.start([...shot, '-o', '{}/pull.####.png', ...pull]);
+    const { page, complaints, close } = await openAt(view.address, { viewport, colorScheme });
+    await page.getByRole('slider', { name: 'Frame', exact: true }).fill('16');
+    const box = await page.getByRole('img', { name: 'Result' }).boundingBox();
+    if (!box) throw new Error('the page has no picture');
+    await page.mouse.move(box.x + box.width / 2, box.y + box.height / 2);
+    await page.getByText('result', { exact: true }).waitFor();
+    await shoot(page, name);
+    for (const comparison of viewport.width === 1440 ? ['Wipe', 'Side by side', 'Overlay'] : []) {
+      await page.getByRole('button', { name: comparison, exact: true }).click();
+      await page.getByRole('button', { name: comparison, exact: true, pressed: true }).waitFor();
+      await shoot(page, `${name}-${comparison.toLowerCase().replaceAll(' ', '-')}`);
     }
     if (complaints.length > 0) console.log(complaints);
     await close();
+    await view.end();
   }
-const { page, close } = await open({ effect: 'everything', scene: 'still' }, { viewport: { width: 1440, height: 900 } });
-await page.screenshot({ path: `${folder}/everything.png` });
+
+const view = await View.start(['--plugin', plugin('Invert'), '-i', sample('still/beauty.png'), '-o', '{}/still.png']);
+const { page, close } = await openAt(view.address, { viewport: { width: 1440, height: 900 } });
+await shoot(page, 'another-effect');
 await close();
+await view.end();
 await closeBrowser();
