@@ -1,5 +1,6 @@
 # Thin wrapper around CMake: installs the Debian packages that are missing, builds, and runs.
 #   make demo   renders the sample picture and says where the results are
+#   make view   opens the page on which an effect is seen at work at every move of a control
 #   make test   builds and runs every test, optimised and under the address and undefined-behaviour sanitizers, and the
 #               plug-in for Windows where mingw-w64 and Wine are installed
 #   make test-elsewhere tests the libraries for other processors in emulators
@@ -20,10 +21,14 @@ ELSEWHERE_PACKAGES := $(TEST_PACKAGES) g++-aarch64-linux-gnu
 # Node may be there from elsewhere than Debian, and then brings its own npm.
 INSTALL_NPM := command -v npm >/dev/null || scripts/install-packages.sh npm
 
-.PHONY: demo test test-elsewhere bundles bench bench-all bench-compare clean
+.PHONY: demo view test test-elsewhere bundles bench bench-all bench-compare clean
 .DEFAULT_GOAL := demo
 
 demo: ; @scripts/demo.sh $(PRODUCT_PACKAGES)
+
+view:
+	@$(INSTALL_NPM)
+	@scripts/view.sh $(PRODUCT_PACKAGES)
 
 test:
 	@scripts/install-packages.sh $(TEST_PACKAGES) chromium
