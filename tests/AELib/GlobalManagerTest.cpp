@@ -99,9 +99,11 @@ TEST_F(GlobalManagerTest, OtherListVersionFails) {
 }
 
 TEST_F(GlobalManagerTest, ListCutAnywhereFails) {
-    std::string list = resource::PropertyList(TestProperties());
-    const std::size_t padding = (4 - (1 + std::strlen(kTestMatchName)) % 4) % 4;
-    list.resize(list.size() - padding);
+    std::vector<Property> properties = TestProperties();
+    properties.push_back({PiPL_VENDOR, PiPL_CATEGORY, resource::Pascal("Blurs")});
+    std::string list = resource::PropertyList(properties);
+    constexpr std::size_t kPadding = 2;  // behind the 6 bytes of the last
+    list.resize(list.size() - kPadding);
     script.resource = list;
     readPiPL();  // the last property may lack its padding
     for (std::size_t size = 1; size < list.size(); ++size) {

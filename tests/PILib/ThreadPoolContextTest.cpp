@@ -62,13 +62,15 @@ TEST(ThreadPoolContextTest, RunsEveryIterationOnceJobAfterJob) {
     }
 }
 
-TEST(ThreadPoolContextTest, CountOfMinusOneIsOneIterationPerThread) {
+TEST(ThreadPoolContextTest, CountBelowOneIsOneIterationPerThread) {
     for (const int threads : {1, 2, 7}) {
-        Job work(threads);
         const ThreadPoolContext context(threads);
-        EXPECT_EQ(0, context.multiThread(-1, &work, &Job::run));
-        for (const auto& runs : work.runs)
-            EXPECT_EQ(1, runs) << threads << " threads";
+        for (const int count : {-1, 0}) {
+            Job work(threads);
+            EXPECT_EQ(0, context.multiThread(count, &work, &Job::run));
+            for (const auto& runs : work.runs)
+                EXPECT_EQ(1, runs) << threads << " threads, count " << count;
+        }
     }
 }
 

@@ -168,15 +168,5 @@ TEST_F(ExistingFramesTest, RefusalNamesTheFirstFileThatIsThereAndAllItsFrames) {
     }
 }
 
-TEST(FingerprintTest, ItStandsBehindTheProgramsName) {
-    const std::string software = withFingerprint("perch 1.0.0, Effect: --text \" [12]\"", "0123456789abcdef");
-    EXPECT_EQ(software, "perch 1.0.0 [0123456789abcdef], Effect: --text \" [12]\"");
-    EXPECT_EQ(fingerprintIn(software), "0123456789abcdef");
-    for (const char* const other :
-         {"", "perch 1.0.0, Effect", "a [0123456789abcdeg]", "a [0123456789abcde]", "a ["})
-        EXPECT_EQ(fingerprintIn(other), "") << other;
-    EXPECT_EQ(withFingerprint("", "0123456789abcdef"), "");
-}
-
 }  // namespace
 }  // namespace perch::test
