@@ -8,7 +8,9 @@
 namespace perch::test {
 namespace {
 
+using testing::Contains;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 
 bool operator==(const PF_Pixel& a, const PF_Pixel& b) {
@@ -225,6 +227,8 @@ TEST_F(PixelCallbacksTest, SamplesAreTakenFromTheAnnouncedWorld) {
         EXPECT_NE(call.utilities().subpixel_sample(call.in->effect_ref, 0, 0, &params, &sample), 0);
         return PF_Err_NONE;
     });
+    EXPECT_THAT(found, Contains(HasSubstr("subpixel_sample: ")));
+    EXPECT_THAT(found, Contains(HasSubstr("area_sample: ")));
 }
 
 TEST_F(PixelCallbacksTest, ColoursAreConvertedThereAndBack) {

@@ -61,6 +61,7 @@ void writePresets(const fs::path& folder) {
     writeBytes(folder / "layer.json", "{\"matte\": \"matte.png\"}");
     writeBytes(folder / "wide.json", "{\"amount\": 101}");
     writeBytes(folder / "keyless.json", "{\"amount\": [{\"frame\": 1}]}");
+    writeBytes(folder / "between.json", "{\"amount\": [{\"frame\": 1.5, \"value\": 20}]}");
     writeBytes(folder / "list.json", "[1, 2]");
     writeBytes(folder / "cut.json", "{\n\"amount\": 4,\n");
 }

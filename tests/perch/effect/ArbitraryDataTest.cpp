@@ -295,6 +295,12 @@ TEST_P(ArbitraryDataTest, CareOfHandlesIsWatched) {
              return PF_Err{PF_Err_NONE};
          },
          "is another one after it was saved and loaded"},
+        {PF_Arbitrary_COPY_FUNC,
+         [](const EffectCall&, PF_ArbParamsExtra& extra) {
+             *extra.u.copy_func_params.dst_arbPH = extra.u.copy_func_params.src_arbH;
+             return PF_Err{PF_Err_NONE};
+         },
+         "the copy is the value itself"},
     };
     for (const Careless& careless : cases) {
         answerWith([&](const EffectCall& call) {
@@ -303,6 +309,24 @@ TEST_P(ArbitraryDataTest, CareOfHandlesIsWatched) {
         });
         EXPECT_THAT(liveOnce(true), Contains(HasSubstr(careless.finding)));
     }
+}
+
+TEST_P(ArbitraryDataTest, SizesBeyondReasonAreRefused) {
+    constexpr A_u_long kTooLarge = (1U << 28) + 1;
+    answerWith([](const EffectCall& call) {
+        auto& extra = *static_cast<PF_ArbParamsExtra*>(call.extra);
+        const PF_Err error = answer(call);
+        if (extra.which_function == PF_Arbitrary_PRINT_SIZE_FUNC)
+            *extra.u.print_size_func_params.print_sizePLu = kTooLarge;
+        if (extra.which_function == PF_Arbitrary_FLAT_SIZE_FUNC)
+            *extra.u.flat_size_func_params.flat_data_sizePLu = kTooLarge;
+        return error;
+    });
+    Effect effect(ScriptedEffect::enter, {}, strictOptions());
+    effect.printDefaults();
+    EXPECT_EQ(defaultText(effect.description().parameters[0]), "");
+    Sequence sequence(effect);
+    EXPECT_THROW(sequence.flatten(), Error);
 }
 
 TEST_P(ArbitraryDataTest, InstanceWithoutAValueIsAFailure) {

@@ -264,6 +264,18 @@ TYPED_TEST(SmartRenderTest, CallsThatDoNotFitAreRefused) {
     EXPECT_EQ(this->found.size(), 5U);
 }
 
+TYPED_TEST(SmartRenderTest, PromiseOfMorePixelsThanAWorldMayHaveIsAFailure) {
+    for (const PF_LRect rect : {PF_LRect{0, 0, 30001, 1}, PF_LRect{0, 0, 1, 30001}}) {
+        this->script.on(PF_Cmd_SMART_PRE_RENDER, [rect](const EffectCall& call) {
+            PF_PreRenderOutput& output = *preExtra(call).output;
+            output.result_rect = output.max_result_rect = rect;
+            output.flags = PF_RenderOutputFlag_RETURNS_EXTRA_PIXELS;
+            return PF_Err_NONE;
+        });
+        EXPECT_THROW(this->render(), Error) << rect.right << " x " << rect.bottom;
+    }
+}
+
 TYPED_TEST(SmartRenderTest, PromiseThatIsNotKeptIsAFailureAndACancelIsACancel) {
     this->script.on(PF_Cmd_SMART_RENDER, [](const EffectCall&) { return PF_Err_NONE; });
     EXPECT_THROW(this->render(), Error);

@@ -98,6 +98,17 @@ TEST(CodeRowsTest, ColoursOfAssociatedAlphaAreDividedByIt) {
     EXPECT_EQ(codes.blue, 8192);
 }
 
+// Also where codes are divided as whole numbers.
+TEST(CodeRowsTest, AssociatedColourAboveItsAlphaIsWhite) {
+    Picture picture = newPicture(1, 1, 4, SampleType::Bits16);
+    std::get<std::vector<std::uint16_t>>(picture.samples) = {40000, 20000, 10000, 20000};
+    picture.isPremultiplied = true;
+    const Codes codes = codesOf(picture, Transfer::Linear);
+    EXPECT_EQ(codes.red, 32768);
+    EXPECT_EQ(codes.green, 32768);
+    EXPECT_EQ(codes.blue, 16384);
+}
+
 TEST(CodeRowsTest, PixelsWithColoursThatCodesDoNotReachAreCounted) {
     struct Case {
         Transfer transfer;
@@ -117,6 +128,7 @@ TEST(CodeRowsTest, PixelsWithColoursThatCodesDoNotReachAreCounted) {
         {Transfer::Srgb, {0.5F, 0, 0, 0.4F}, 1},  // 1.25 where it is opaque
         {Transfer::Srgb, {0.4F, 0, 0, 0.5F, 2, 0, 0, 1}, 1},
         {Transfer::Srgb, {nan, 0, 0, 1}, 0},
+        {Transfer::Srgb, {0.5F, 0, 0, 1.5F}, 0},  // alpha is not a colour
     };
     for (const Case& c : cases)
         EXPECT_EQ(clippedIn(floats(4, c.samples, true), c.transfer), c.clipped) << c.samples[0];

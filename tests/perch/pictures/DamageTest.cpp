@@ -22,9 +22,11 @@
 namespace pictures {
 namespace {
 
+using perch::test::bytesOf;
 using perch::test::CapturedStderr;
 using perch::test::runTool;
 using perch::test::TemporaryFolder;
+using perch::test::writeBytes;
 
 // What the file's own check sums cover.
 enum class Covered { All, Pixels, Nothing };
@@ -38,6 +40,7 @@ struct Format {
 constexpr Format kFormats[] = {
     {"8.png", FileFormat::Png, Covered::All},           {"16.png", FileFormat::Png, Covered::All},
     {"zip.tif", FileFormat::Tiff, Covered::Pixels},     {"tiles.tif", FileFormat::Tiff, Covered::Pixels},
+    {"big.tif", FileFormat::Tiff, Covered::Pixels},     {"old.tif", FileFormat::Tiff, Covered::Pixels},
     {"lzw.tif", FileFormat::Tiff, Covered::Nothing},    {"zip.exr", FileFormat::OpenExr, Covered::Pixels},
     {"piz.exr", FileFormat::OpenExr, Covered::Nothing}, {"a.dpx", FileFormat::Dpx, Covered::Nothing},
     {"a.tga", FileFormat::Targa, Covered::Nothing},     {"a.jpg", FileFormat::Jpeg, Covered::Nothing},
@@ -58,15 +61,28 @@ std::string makeAll(const std::string& prefix, const std::string& picture) {
            write("--compression lzw", {"lzw.tif"}) +
            write("--compression zip -d uint16", {"16.png", "zip.tif"}) + write("-d half", {"zip.exr"}) +
            write("--compression piz", {"piz.exr"}) +
-           write("--compression zip --tile 16 16 -d uint8", {"tiles.tif"});
+           write("--compression zip --tile 16 16 -d uint8", {"tiles.tif"}) + " && convert " + prefix +
+           "16.png -endian MSB -compress zip " + prefix + "big.tif";
+}
+
+// The same file with deflate named by its number of before it was registered.
+std::string withOldDeflate(std::string tiff) {
+    using namespace std::string_literals;
+    const std::string entry = "\x03\x01\x03\0\x01\0\0\0"s;  // compression: one number of 16 bits
+    tiff.replace(tiff.find(entry + "\x08\0"s) + entry.size(), 2, "\xB2\x80");
+    return tiff;
+}
+
+void makeFormats(const std::filesystem::path& folder, const std::string& prefix, const std::string& picture) {
+    runTool(folder, makeAll(prefix, picture));
+    writeBytes(folder / (prefix + "old.tif"), withOldDeflate(bytesOf(folder / (prefix + "zip.tif"))));
 }
 
 class DamageTest : public testing::Test {
 protected:
     static void SetUpTestSuite() {
         folder = std::make_unique<TemporaryFolder>();
-        runTool(folder->path,
-                makeAll("", "--create 64x48 3 --noise:type=uniform:min=0:max=1:seed=7 --blur 5x5"));
+        makeFormats(folder->path, "", "--create 64x48 3 --noise:type=uniform:min=0:max=1:seed=7 --blur 5x5");
     }
     static void TearDownTestSuite() { folder.reset(); }
 
@@ -124,6 +140,22 @@ TEST_F(DamageTest, FlippedBitsAreFoundWhereTheFileHasCheckSums) {
         }
         std::printf("%-10s %2d of %d flips refused\n", format.name, refused, kFlips);
     }
+}
+
+TEST_F(DamageTest, DamageCountsInThePageThatIsReadAlone) {
+    runTool(folder->path,
+            "oiiotool 16.png --compression zip -o first.tif && "
+            "oiiotool 16.png --ch Y=R --compression zip -o second.tif && "
+            "oiiotool first.tif second.tif --siappend -o pages.tif");
+    FileBytes bytes = readFile(*folder / "pages.tif");
+    const auto decodeChannel = [&](const std::string& channel) {
+        return codec().decode(bytes, FileFormat::Tiff, channel, {.pixels = kMostPixels});
+    };
+    EXPECT_NO_THROW(decodeChannel("Y"));
+    const std::size_t firstPage = readFile(*folder / "first.tif").size();
+    bytes[(firstPage + bytes.size()) / 2] ^= 1U;
+    EXPECT_NO_THROW(decodeChannel(""));
+    EXPECT_THROW(decodeChannel("Y"), PictureError);
 }
 
 TEST_F(DamageTest, CutFilesAreRefusedUnlessTheyHaveThePictureStill) {
@@ -270,7 +302,7 @@ TEST_F(DamageTest, FalseSizeTakesNoMemory) {
 }
 
 TEST_F(DamageTest, ReadingTakesLittleMoreMemoryThanThePicture) {
-    runTool(folder->path, makeAll(kLarge, "--create 1500x1000 3 --fill:color=1,0.5,0.25 900x700+9+9"));
+    makeFormats(folder->path, kLarge, "--create 1500x1000 3 --fill:color=1,0.5,0.25 900x700+9+9");
     for (const Format& format : kFormats) {
         const FileBytes whole = readFile(*folder / (kLarge + std::string(format.name)));
         const Picture small = decodeWithin(readFile(*folder / format.name), format.format);

@@ -196,6 +196,20 @@ TEST_F(FailingFramesTest, CancelWhileNothingIsAskedForEndsTheJob) {
     EXPECT_THROW(render(), Cancelled);
 }
 
+TEST_F(FailingFramesTest, NothingIsTriedAgainAfterACancel) {
+    settings.retries = 9;
+    std::atomic<bool> cancelled{false};
+    watch.cancelled = &cancelled;
+    int tries = 0;
+    script.on(PF_Cmd_RENDER, [&](const EffectCall&) {
+        ++tries;
+        cancelled = true;
+        return 4;
+    });
+    EXPECT_THROW(render(), Error);
+    EXPECT_EQ(tries, 1);
+}
+
 TEST_F(FailingFramesTest, UsersChoicesAreToldOnceThoughTheFirstFrameFails) {
     settings.goesOn = true;
     damageInputOf(1);

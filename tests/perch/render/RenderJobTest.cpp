@@ -199,6 +199,67 @@ TYPED_TEST(SampleTypeTest, SupervisedSettingsAreToldBeforeTheFirstFrameAndWhatTh
                                                   "RENDER", "FRAME_SETDOWN", "SEQUENCE_SETDOWN"}));
 }
 
+TEST(RenderJobTest, WhatTheEffectChangesGivesWayToKeys) {
+    const TemporaryFolder folder;
+    ScriptedEffect script;
+    std::vector<PF_ParamDef> sliders(2, parameterOfType(PF_Param_SLIDER, "S"));
+    sliders[0].flags = PF_ParamFlag_SUPERVISE;
+    script.declareParameters(sliders);
+    script.on(PF_Cmd_USER_CHANGED_PARAM, [](const EffectCall& call) {
+        call.params[2]->u.sd.value = 50;
+        call.params[2]->uu.change_flags = PF_ChangeFlag_CHANGED_VALUE;
+        return PF_Err_NONE;
+    });
+    std::vector<A_long> rendered;
+    script.on(PF_Cmd_RENDER, [&](const EffectCall& call) {
+        rendered.push_back(call.params[2]->u.sd.value);
+        return PF_Err_NONE;
+    });
+    Effect effect(ScriptedEffect::enter, {}, strictOptions());
+    RenderReport report;
+    const std::vector<ParameterCurve> curves{constantCurve({1, {5}}), {2, {{1, {10}}, {2, {20}}}}};
+    renderFrames(effect, {}, curves, sequenceIn(folder, 2), {}, report);
+    EXPECT_EQ(rendered, (std::vector<A_long>{10, 20}));
+}
+
+TEST(RenderJobTest, ShotLastsUntilItsLastFrameIsOver) {
+    const TemporaryFolder folder;
+    FramePlan plan = sequenceIn(folder, 2);
+    plan.lastFrame = 2;
+    ScriptedEffect script;
+    std::vector<A_long> frames;
+    script.on(PF_Cmd_RENDER, [&](const EffectCall& call) {
+        frames.push_back(call.in->total_time / call.in->time_step);
+        return PF_Err_NONE;
+    });
+    Effect effect(ScriptedEffect::enter, {}, strictOptions());
+    RenderReport report;
+    renderFrames(effect, {}, {}, plan, {}, report);
+    EXPECT_EQ(frames, (std::vector<A_long>{3, 3})) << "0, 1 and 2";
+}
+
+TEST(RenderJobTest, FloatsStayFloatsThoughTheEffectGetsWholeNumbers) {
+    const TemporaryFolder folder;
+    struct Case {
+        Depth depth;
+        pictures::SampleType written;
+    };
+    for (const Case& c : {Case{Depth::Bits16, pictures::SampleType::Float},
+                          Case{Depth::Bits8, pictures::SampleType::Bits8}}) {
+        FramePlan plan;
+        plan.frames.push_back({0, folder / "in.tif", folder / "out.tif", {}});
+        writeFile<float>(folder / "in.tif", {}, {0.25F, 0.5F, 0.75F, 1});
+        ScriptedEffect script;
+        script.declareFlags(PF_OutFlag_DEEP_COLOR_AWARE);
+        Effect effect(ScriptedEffect::enter, {}, strictOptions());
+        RenderReport report;
+        RenderSettings settings;
+        settings.depth = c.depth;
+        renderFrames(effect, settings, {}, plan, {}, report);
+        EXPECT_EQ(readPictureFile(folder / "out.tif", "", {})->type(), c.written);
+    }
+}
+
 // An effect of one slider, and the values that it has rendered with.
 struct SliderEffect {
     ScriptedEffect script;

@@ -89,6 +89,11 @@ TEST_F(MergedReportTest, FailureCountsUntilAnotherTaskHasDoneTheFrame) {
     EXPECT_EQ(merged().state, "failed");
     EXPECT_EQ(merged().error, "frame 4: no");
     EXPECT_EQ(merged().frames[3].error, "frame 4: no");
+    JobRecord killed = record("2026-11-22T05:18:00Z", 2);
+    killed.frames[1].state = State::Waiting;
+    tasks.push_back({"killed.json", killed});
+    EXPECT_EQ(states()[3], State::Failed) << "the other has not come to it";
+    tasks.pop_back();
     tasks.push_back({"again.json", record("2026-11-22T05:20:00Z", 2)});
     EXPECT_EQ(merged().state, "done");
     EXPECT_EQ(merged().error, "");
@@ -105,6 +110,9 @@ TEST_F(MergedReportTest, EveryConflictIsNamed) {
     other.fingerprint = "0000000000000000";
     tasks[1].record.frames.push_back(other);
     tasks[1].record.frames[0].output = "out.3.png";
+    FrameRecord elsewhere = frameOf(3, State::Done);
+    elsewhere.output = "elsewhere.png";
+    tasks[1].record.frames.push_back(elsewhere);
     try {
         merged();
         ADD_FAILURE();
@@ -113,6 +121,7 @@ TEST_F(MergedReportTest, EveryConflictIsNamed) {
                                            "\"b.json\" has another build of the effect than \"a.json\"",
                                            "\"b.json\" has other parameters than \"a.json\"",
                                            "frame 1 is not the same in \"a.json\" and \"b.json\"",
+                                           "frame 3 is not the same in \"a.json\" and \"b.json\"",
                                            "frames 2 and 3 are both \"out.3.png\""})
             EXPECT_THAT(error.what(), HasSubstr(conflict));
     }

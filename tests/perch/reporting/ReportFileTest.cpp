@@ -85,6 +85,16 @@ TEST_F(ReportFileTest, ItTellsWhatHasBecomeOfEachFrame) {
     EXPECT_EQ(tracesOf(end).size(), 1U);
 }
 
+TEST_F(ReportFileTest, FrameThatFailedLeavesNoTraceThoughItHasAFile) {
+    record.frames[0].outputState = fileState(folder / "out.1.png");
+    record.frames[1].outputState = fileState(folder / "out.2.png");
+    record.frames[0].state = State::Failed;
+    record.frames[1].state = State::Done;
+    const FrameTraces traces = tracesOf(record);
+    EXPECT_EQ(traces.size(), 1U);
+    EXPECT_TRUE(traces.contains({2, (folder / "out.2.png").string()}));
+}
+
 TEST_F(ReportFileTest, ItIsAsItsSchemaSays) {
     ReportFile file(path, record);
     EXPECT_TRUE(isAsTheSchemaSays(folder, "report.json")) << bytesOf(folder / "tool.log");
@@ -117,6 +127,11 @@ TEST_F(ReportFileTest, AnotherFileIsNotTakenForAReport) {
         writeBytes(path, text);
         EXPECT_THROW(readRecord(path), Error) << text;
     }
+    std::string later = recordText(record);
+    const std::string form = "\"form\": 1";
+    later.replace(later.find(form), form.size(), "\"form\": 2");
+    writeBytes(path, later);
+    EXPECT_THROW(readRecord(path), Error) << "of a later form, and else like ours";
 }
 
 }  // namespace

@@ -82,8 +82,11 @@ TEST(JobTemplateTest, WhatATemplateCannotHoldIsRefused) {
     EXPECT_THROW(jobTemplate(texts.tasks({"\xFF.png"})), UsageError);
     EXPECT_THROW(jobTemplate(texts.tasks({std::string(1025, '\n')})), UsageError);
     EXPECT_NO_THROW(jobTemplate(texts.tasks({std::string(5000, 'a')})));
-    EXPECT_NO_THROW(jobTemplate(texts.tasks(std::vector<std::string>(49, "\n"))));
-    EXPECT_THROW(jobTemplate(texts.tasks(std::vector<std::string>(50, "\n"))), UsageError);
+    // Each of these takes one of the 50 parameters.
+    for (const char* const word : {"\n", "\x7F", "\xC2\x85", "a{{b", "a}}b"}) {
+        EXPECT_NO_THROW(jobTemplate(texts.tasks(std::vector<std::string>(49, word)))) << word;
+        EXPECT_THROW(jobTemplate(texts.tasks(std::vector<std::string>(50, word))), UsageError) << word;
+    }
 }
 
 }  // namespace
