@@ -131,13 +131,14 @@ Look LookReader::parse(const std::string& text) const {
         throw UsageError("a state has \"parameters\", names and their values");
     Json values = *parameters;
     if (const auto keys = json.find("keys"); keys != json.end() && keys->is_object()) values.update(*keys);
-    for (const auto& [key, value] : values.items()) {
+    for (const auto& item : values.items()) {
+        const std::string& key = item.key();
         const auto layer = std::ranges::find_if(
             layerOptions, [&](const ParameterOption& option) { return keyOf(option) == key; });
         if (layer != layerOptions.end()) {
-            takeLayer(*layer, value, look);
+            takeLayer(*layer, item.value(), look);
         } else {
-            look.curves.push_back(parsePresetValue(optionOf(key), value, key));
+            look.curves.push_back(parsePresetValue(optionOf(key), item.value(), key));
         }
     }
     return tidied(std::move(look));
