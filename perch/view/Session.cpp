@@ -262,8 +262,9 @@ ViewAnswer Session::picture(const ViewRequest& request) {
     const auto develop = [&] {
         if (kind == "original") return darkroom.original(*wanted, room);
         if (kind == "layer") {
-            if (!pick) throw UsageError("there is no layer to be shown");
-            return darkroom.layer(*wanted, looks.layerShown(*wanted, pick->layer), room);
+            const PF_ParamIndex shown = pick ? looks.layerShown(*wanted, pick->layer) : kNoLayer;
+            if (shown == kNoLayer) throw UsageError("there is no layer to be shown");
+            return darkroom.layer(*wanted, shown, room);
         }
         if (kind == "focus")
             return darkroom.render(inFocusView(*wanted, looks), room, queue.cancelled(), progress);
