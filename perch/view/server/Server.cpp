@@ -139,7 +139,7 @@ struct Server::Http {
 
     // A line now and then shows whether the page is still there.
     void listen(httplib::Response& response) {
-        constexpr std::chrono::milliseconds kPatience{1000};
+        static constexpr std::chrono::milliseconds kPatience{1000};
         auto listener = std::make_shared<Events::Listener>(events);
         response.set_chunked_content_provider(
             "text/event-stream", [this, listener](std::size_t, httplib::DataSink& sink) {
