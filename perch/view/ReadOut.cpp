@@ -46,10 +46,13 @@ std::vector<std::int64_t> histogramOf(const pictures::Picture& picture, const st
     const double pixels = static_cast<double>(picture.width) * picture.height;
     const auto step = std::max(1, static_cast<std::int32_t>(std::sqrt(pixels / kPixels)));
     std::vector<std::int64_t> bins(256);
-    for (std::int32_t y = 0; y < picture.height; y += step)
-        for (std::int32_t x = 0; x < picture.width; x += step)
-            ++bins[static_cast<std::size_t>(
-                std::lround(255 * std::clamp(shareAt(picture, x, y, channel), 0.0, 1.0)))];
+    for (std::int32_t y = 0; y < picture.height; y += step) {
+        for (std::int32_t x = 0; x < picture.width; x += step) {
+            const double share = shareAt(picture, x, y, channel);
+            if (!std::isnan(share))
+                ++bins[static_cast<std::size_t>(std::lround(255 * std::clamp(share, 0.0, 1.0)))];
+        }
+    }
     return bins;
 }
 

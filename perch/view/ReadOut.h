@@ -21,7 +21,7 @@ std::array<double, 4> codesAt(const pictures::Picture& picture, std::int32_t x, 
 double shareAt(const pictures::Picture& picture, std::int32_t x, std::int32_t y, const std::string& channel);
 
 // How many pixels have shares around each of 0 to 255 over 255; every pixel of small pictures, and a million
-// or so of large ones.
+// or so of large ones. What is no number is not counted.
 std::vector<std::int64_t> histogramOf(const pictures::Picture& picture, const std::string& channel);
 
 // The scene distance that a share stands for, which the range has made of it.
