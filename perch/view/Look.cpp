@@ -34,6 +34,8 @@ std::int64_t wholeNumber(const Json& json, const char* name) {
 
 constexpr char kNone[] = "none";
 
+constexpr std::int64_t kLargestSerial = (std::int64_t{1} << 53) - 1;  // that a page can count to
+
 std::vector<ParameterOption> chosen(const std::vector<ParameterOption>& options, bool areLayers) {
     std::vector<ParameterOption> result;
     std::ranges::copy_if(options, std::back_inserter(result), [&](const ParameterOption& option) {
@@ -121,6 +123,8 @@ Look LookReader::parse(const std::string& text) const {
     const Json json = parseObject(text);
     Look look;
     look.serial = wholeNumber(json, "serial");
+    if (look.serial < 0 || look.serial > kLargestSerial)
+        throw UsageError(fmt::format("a state's \"serial\" is from 0 to {}", kLargestSerial));
     const std::int64_t frame = wholeNumber(json, "frame");
     if (std::ranges::find(frames, frame) == frames.end())
         throw UsageError(fmt::format("there is no frame {}; the frames are {} to {}", frame,

@@ -160,10 +160,11 @@ void Session::read(Wire& wire) {
         }
         QueuedRequest queued{.request = std::move(*request)};
         if (queued.request.path == "/api/picture") {
-            const std::string kind = queued.request.value("kind");
-            queued.kind = kind.empty() ? "result" : kind;
             const std::string serial = queued.request.value("serial");
             std::from_chars(serial.data(), serial.data() + serial.size(), queued.serial);
+            const std::string kind = queued.request.value("kind");
+            // A picture of no state that there has been is refused in its turn, and overtakes none.
+            if (queued.serial <= look().serial) queued.kind = kind.empty() ? "result" : kind;
         }
         for (const ViewRequest& late : queue.add(std::move(queued)))
             wire.send(overtaken(late.id));

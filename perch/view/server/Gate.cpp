@@ -78,8 +78,13 @@ Gate::Verdict Gate::judge(const Caller& caller) const {
         if (!isSame(*caller.token, token)) return {403, "the token is not that of this server"};
         return {303, ""};
     }
+    // A page of another port of this machine has the cookie too.
+    if (caller.fetchSite && *caller.fetchSite != "same-origin" && *caller.fetchSite != "none")
+        return {403, "pages from elsewhere may not ask this server"};
     if (!hasCookie(caller.cookies)) return {403, "open the address that perch view has printed"};
-    if (caller.hasTransferCoding) return {411, "a body needs its size ahead of it"};
+    if (caller.hasContentCoding) return {415, "a body comes as it is, not compressed"};
+    if (caller.hasTransferCoding || (caller.mayHaveBody && !caller.bodySize))
+        return {411, "a body needs its size ahead of it"};
     if (caller.bodySize && isTooLarge(*caller.bodySize)) return {413, "a body may have a megabyte"};
     return {};
 }

@@ -20,8 +20,11 @@ struct Caller {
     std::string cookies;
     std::string host;
     std::optional<std::string> origin;
+    std::optional<std::string> fetchSite;  // where a browser says that the asking page is from
+    bool mayHaveBody = false;              // by its method
     std::optional<std::string> bodySize;
     bool hasTransferCoding = false;
+    bool hasContentCoding = false;
 };
 
 class Gate {

@@ -18,6 +18,7 @@ namespace {
 
 constexpr char kAddress[] = "127.0.0.1";
 constexpr std::size_t kLongestTarget = 2048;
+constexpr std::size_t kMostNames = 16;  // in an address
 // Each holds a connection, whose other end may be slow or silent.
 constexpr std::size_t kConnections = 256;
 
@@ -37,7 +38,10 @@ Caller callerOf(const httplib::Request& request) {
     caller.cookies = request.get_header_value("Cookie");
     caller.host = request.get_header_value("Host");
     caller.origin = headerOf(request, "Origin");
+    caller.fetchSite = headerOf(request, "Sec-Fetch-Site");
+    caller.mayHaveBody = request.method != "GET" && request.method != "HEAD";
     caller.bodySize = headerOf(request, "Content-Length");
+    caller.hasContentCoding = request.has_header("Content-Encoding");
     caller.hasTransferCoding = request.has_header("Transfer-Encoding");
     return caller;
 }
@@ -49,7 +53,9 @@ ViewRequest viewRequestOf(const httplib::Request& request) {
     return asked;
 }
 
+// The body of a request that is refused stays unread, so that nothing can follow on its connection.
 void refuse(httplib::Response& response, int status, const std::string& sentence) {
+    response.set_header("Connection", "close");
     response.status = status;
     response.set_content(sentence + "\n", "text/plain; charset=utf-8");
 }
@@ -98,6 +104,10 @@ struct Server::Http {
         server.set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
             if (request.target.size() > kLongestTarget) {
                 refuse(response, 414, "the address is too long");
+                return Result::Handled;
+            }
+            if (request.params.size() > kMostNames) {
+                refuse(response, 400, "the address asks for too much at once");
                 return Result::Handled;
             }
             const Gate::Verdict verdict = gate->judge(callerOf(request));

@@ -28,7 +28,9 @@ TEST(GateTest, ThePageMayAsk) {
     Caller caller = visitor();
     caller.host = "localhost:8123";
     caller.origin = "http://localhost:8123";
+    caller.mayHaveBody = true;
     caller.bodySize = "1048576";
+    caller.fetchSite = "same-origin";
     EXPECT_EQ(judged(caller), 200);
 }
 
@@ -97,6 +99,10 @@ const Intruder kIntruders[] = {
     {"BodyBeyondAllNumbers", [](Caller& caller) { caller.bodySize = "99999999999999999999999"; }, 413},
     {"BodyOfNoNumber", [](Caller& caller) { caller.bodySize = "many"; }, 413},
     {"BodyOfUnknownSize", [](Caller& caller) { caller.hasTransferCoding = true; }, 411},
+    {"BodyWithoutASize", [](Caller& caller) { caller.mayHaveBody = true; }, 411},
+    {"CompressedBody", [](Caller& caller) { caller.hasContentCoding = true; }, 415},
+    {"PageOfAnotherPort", [](Caller& caller) { caller.fetchSite = "same-site"; }, 403},
+    {"PageFromElsewhere", [](Caller& caller) { caller.fetchSite = "cross-site"; }, 403},
 };
 
 class IntruderTest : public testing::TestWithParam<Intruder> {};

@@ -116,6 +116,10 @@ TEST_F(ServerTest, PathsStayNames) {
         EXPECT_EQ(answer.find("root:"), std::string::npos) << answer;
     }
     EXPECT_EQ(statusOf(ask(head("GET /" + std::string(3000, 'a')) + "\r\n")), 414);
+    std::string names;
+    for (int i = 0; i < 100; ++i)
+        names += std::to_string(i) + "=&";
+    EXPECT_EQ(statusOf(ask(head("GET /api/state?" + names) + "\r\n")), 400);
 }
 
 TEST_F(ServerTest, HugeBodiesAreNotRead) {
@@ -123,7 +127,13 @@ TEST_F(ServerTest, HugeBodiesAreNotRead) {
     EXPECT_EQ(statusOf(ask(head("POST /api/state") + "Content-Length: 99999999999\r\n\r\n")), 413);
     EXPECT_EQ(statusOf(ask(head("POST /api/state") + "Transfer-Encoding: chunked\r\n\r\n5\r\nhello\r\n")),
               411);
+    EXPECT_EQ(statusOf(ask(head("DELETE /api/render") + "\r\n")), 411);
+    EXPECT_EQ(statusOf(ask(head("POST /api/state") + "\r\n")), 411);
+    EXPECT_EQ(
+        statusOf(ask(head("POST /api/state") + "Content-Encoding: gzip\r\nContent-Length: 2\r\n\r\n{}")),
+        415);
     EXPECT_EQ(answered, 0);
+    EXPECT_EQ(statusOf(ask(head("DELETE /api/render") + "Content-Length: 2\r\n\r\n{}")), 200);
     const std::string largest(std::size_t{1} << 20, 'x');
     EXPECT_EQ(statusOf(ask(head("POST /api/state") + "Content-Length: 1048576\r\n\r\n" + largest)), 200);
 }

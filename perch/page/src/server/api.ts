@@ -96,7 +96,7 @@ export const api = {
   loadPreset: (text: string) => json<State>('/api/preset', sending('PUT', text)),
 
   render: () => answer('/api/render', sending('POST', '{}')),
-  cancelRender: () => answer('/api/render', { method: 'DELETE' }),
+  cancelRender: () => answer('/api/render', sending('DELETE', '{}')),
 
   // A full picture comes without loss; a smaller one as the server sends it fastest.
   async picture(wish: PictureWish, signal: AbortSignal): Promise<Picture> {
