@@ -282,6 +282,9 @@ int runRenderCommand(const std::vector<std::string>& arguments) {
     const PlannedJob job{
         .plan = plan, .settings = settings, .options = parameterOptions, .parameters = parameters};
     if (options.use != PlanUse::Render) return printPlan(options, job);
+    RenderReport report;
+    report.notes.areWarningsErrors = options.areWarningsErrors;
+    warnOfMistakes(parameters, report.notes);
     catchInterrupts();
     pictures::watchTemporaryFiles({.appears = noteTemporary, .isGone = forgetTemporary});
     if (!options.job.report.empty()) {
@@ -293,9 +296,6 @@ int runRenderCommand(const std::vector<std::string>& arguments) {
         audience.report.emplace(options.job.report, std::move(record));
         whereabouts().report.set(options.job.report.string());
     }
-    RenderReport report;
-    report.notes.areWarningsErrors = options.areWarningsErrors;
-    warnOfMistakes(parameters, report.notes);
     if (!render(effect, options, settings, parameters.curves, plan, audience, report))
         return reportInterrupt(report, plan.frames.size());
     reportNotes(report, settings.transfer, display);

@@ -127,12 +127,22 @@ void closeReportOf(const perch::Outcome& outcome) {
     }
 }
 
+// A log that cannot be kept is told of, and changes nothing of how the job has ended.
+void keepLogOf(const perch::Outcome& outcome) {
+    if (outcome.log.empty()) return;
+    try {
+        perch::keepLog(outcome.log);
+    } catch (const std::exception& error) {
+        perch::say(error.what());
+    }
+}
+
 Ending runSupervised(const Arguments& arguments) {
     try {
         perch::Outcome outcome = perch::superviseWorker(arguments);
         // The worker may have left its line of progress.
         if (isatty(STDERR_FILENO) == 1 && !outcome.sentence.empty()) perch::sayAsItIs("\r\x1B[K");
-        if (!outcome.log.empty()) perch::keepLog(outcome.log);
+        keepLogOf(outcome);
         for (const std::string& finding : outcome.findings)
             perch::say("strict: " + finding);
         closeReportOf(outcome);
