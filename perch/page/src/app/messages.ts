@@ -7,6 +7,7 @@ export interface Message {
   readonly kind: 'error' | 'warning' | 'message';
   readonly text: string;
   readonly command?: string | null;
+  readonly isOfPicture?: boolean; // and overcome by the next
 }
 
 const most = 4;
@@ -57,10 +58,10 @@ export class MessageList extends LitElement {
     this.messages = [message, ...this.messages].slice(0, most);
   }
 
-  // Errors that the newest picture has overcome.
-  clearErrors(): void {
-    if (this.messages.some(({ kind }) => kind === 'error'))
-      this.messages = this.messages.filter(({ kind }) => kind !== 'error');
+  // What was told of pictures is overcome by one that has come.
+  clearOfPictures(): void {
+    if (this.messages.some(({ isOfPicture }) => isOfPicture))
+      this.messages = this.messages.filter(({ isOfPicture }) => !isOfPicture);
   }
 
   protected override render() {

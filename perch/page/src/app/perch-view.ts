@@ -169,7 +169,7 @@ export class PerchView extends LitElement implements RendererView {
     await this.stage.paint(picture);
     if (picture.kind === 'result')
       this.speed = this.speedometer.take(picture, changedAt, performance.now() - begin);
-    this.messages.clearErrors();
+    this.messages.clearOfPictures();
   }
 
   moves(): void {
@@ -191,8 +191,7 @@ export class PerchView extends LitElement implements RendererView {
   }
 
   fails(error: ApiError): void {
-    const where = error.frame === null || error.message.includes('frame') ? '' : `frame ${error.frame}: `;
-    this.messages.add({ kind: 'error', text: where + error.message, command: error.command });
+    this.report(error, true);
   }
 
   // A comparison or zoom may need other pictures than those at hand.
@@ -215,7 +214,7 @@ export class PerchView extends LitElement implements RendererView {
       await this.stage.paint(await api.picture(wish, new AbortController().signal));
       this.originalFrame = frame;
     } catch (error) {
-      if (!(error instanceof ApiError && error.status === 409)) this.report(error);
+      if (!(error instanceof ApiError && error.status === 409)) this.report(error, true);
     } finally {
       this.fetchingOriginal = false;
     }
@@ -311,7 +310,9 @@ export class PerchView extends LitElement implements RendererView {
     }
   }
 
-  private report(error: unknown): void {
-    this.fails(error instanceof ApiError ? error : new ApiError(0, String(error)));
+  private report(error: unknown, isOfPicture = false): void {
+    const { frame, message, command } = error instanceof ApiError ? error : new ApiError(0, String(error));
+    const where = frame === null || message.includes('frame') ? '' : `frame ${frame}: `;
+    this.messages.add({ kind: 'error', text: where + message, command, isOfPicture });
   }
 }
