@@ -8,7 +8,7 @@
 namespace perch {
 
 FrameFeed::FrameFeed(const FramePlan& plan, const InputLines& lines, JobDisplay& display)
-    : plan(plan), lines(lines), display(display) {
+    : lines(lines), display(display) {
     for (std::size_t place = 0; place < plan.frames.size(); ++place)
         places[plan.frames[place].frame] = place;
     for (const FrameFiles& files : plan.current)

@@ -33,7 +33,6 @@ private:
     void take(const std::string& line, std::vector<std::size_t>& asked);
     void take(std::int32_t frame, std::vector<std::size_t>& asked);
 
-    const FramePlan& plan;
     InputLines lines;
     JobDisplay& display;
     std::map<std::int32_t, std::size_t> places;             // in the plan, by number
