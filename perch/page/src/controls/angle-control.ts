@@ -3,6 +3,7 @@ import { css, html, svg } from 'lit';
 import { customElement } from 'lit/decorators.js';
 import { shared } from '../app/theme';
 import { rounded, shown } from '../model/number';
+import { besideFieldStyle } from './beside-field-style';
 import { Control } from './control';
 import './number-field';
 import type { NumberField } from './number-field';
@@ -11,13 +12,8 @@ import type { NumberField } from './number-field';
 export class AngleControl extends Control {
   static override styles = [
     shared,
+    besideFieldStyle,
     css`
-      :host {
-        display: grid;
-        grid-template-columns: 1fr 68px;
-        gap: var(--gap);
-        align-items: center;
-      }
       .dial {
         width: 34px;
         height: 34px;

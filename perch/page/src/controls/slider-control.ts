@@ -1,9 +1,10 @@
 // A slider over the range that the effect suggests, beside a field that takes the whole valid range.
-import { css, html } from 'lit';
+import { html } from 'lit';
 import { customElement } from 'lit/decorators.js';
 import { place } from '../app/place';
 import { shared } from '../app/theme';
 import { clamped } from '../model/number';
+import { besideFieldStyle } from './beside-field-style';
 import { Control } from './control';
 import './number-field';
 import type { NumberField } from './number-field';
@@ -11,18 +12,7 @@ import { rangeStyle } from './range-style';
 
 @customElement('slider-control')
 export class SliderControl extends Control {
-  static override styles = [
-    shared,
-    rangeStyle,
-    css`
-      :host {
-        display: grid;
-        grid-template-columns: 1fr 68px;
-        gap: var(--gap);
-        align-items: center;
-      }
-    `,
-  ];
+  static override styles = [shared, rangeStyle, besideFieldStyle];
 
   protected override render() {
     const { name, minimum = 0, maximum = 100, unit = '', enabled, hint } = this.parameter;

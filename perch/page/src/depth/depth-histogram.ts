@@ -6,6 +6,7 @@
 import { css, html, nothing, svg } from 'lit';
 import { customElement, property } from 'lit/decorators.js';
 import type { PropertyValues } from 'lit';
+import { drag } from '../app/drag';
 import { place } from '../app/place';
 import { StoreElement } from '../app/store-element';
 import { shared } from '../app/theme';
@@ -126,13 +127,7 @@ export class DepthHistogram extends StoreElement {
       const value = part === 'range' ? Math.abs(share - centre) : isInverted ? 1 - share : share;
       this.store.setValue(name, rounded(value * 100, 1), gesture);
     };
-    const end = () => {
-      window.removeEventListener('pointermove', move);
-      this.store.endGesture();
-    };
-    window.addEventListener('pointermove', move);
-    window.addEventListener('pointerup', end, { once: true });
-    window.addEventListener('pointercancel', end, { once: true });
+    drag(move, () => this.store.endGesture());
   }
 }
 

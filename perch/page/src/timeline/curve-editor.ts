@@ -6,6 +6,7 @@
 //   H, L, S; Delete         its kind; takes it away
 import { html, svg } from 'lit';
 import { customElement, property, state } from 'lit/decorators.js';
+import { drag } from '../app/drag';
 import { StoreElement } from '../app/store-element';
 import { shared } from '../app/theme';
 import { keysOf, valueAt, withKey, withKind, withMovedKey, withoutKey } from '../model/curve';
@@ -130,13 +131,7 @@ export class CurveEditor extends StoreElement {
       this.store.setCurve(this.key, withMovedKey(start, key.frame, frame, value), gesture);
       this.store.setFrame(frame);
     };
-    const end = () => {
-      window.removeEventListener('pointermove', move);
-      this.store.endGesture();
-    };
-    window.addEventListener('pointermove', move);
-    window.addEventListener('pointerup', end, { once: true });
-    window.addEventListener('pointercancel', end, { once: true });
+    drag(move, () => this.store.endGesture());
   }
 
   private press(event: KeyboardEvent, parameter: Parameter, curve: Curve, key: Key): void {
