@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Ends perch at random moments of a job, and looks at what it leaves.
 
-    scripts/test-kills.py build/release/bin/perch [ROUNDS]
+    scripts/test-kills.py build/release/bin/perch [ROUNDS, 50 without]
 
 Each round starts a sequence, ends it by SIGKILL, SIGTERM or SIGINT, and runs it again to its end. Under a final name there is a
 whole picture or none; after the second run no temporary file is left; sources keep their bytes. Then every way to name a source
@@ -109,7 +109,7 @@ def main():
         shutil.copy(os.path.join(samples, f"beauty.{frame:04d}.png"), os.path.join(folder, f"in.{frame}.png"))
     sources = {name: digest(os.path.join(folder, name)) for name in os.listdir(folder)}
     start = time.monotonic()
-    subprocess.run(command(perch, folder, os.path.join(folder, "out.#.png")), check=True)
+    subprocess.run(command(perch, folder, os.path.join(folder, "out.#.png")) + ["--quiet"], check=True)
     longest = time.monotonic() - start
     whole = {name: digest(os.path.join(folder, name)) for name in os.listdir(folder) if name not in sources}
     for name in whole:

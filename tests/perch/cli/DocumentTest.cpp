@@ -1,8 +1,10 @@
 // The commands that the documents show, pasted into a shell in a folder that has nothing but the samples that
 // they name.
+#include <OpenImageIO/imageio.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -64,15 +66,35 @@ std::vector<fs::path> documents() {
     return found;
 }
 
-TEST(DocumentTest, CommandsDoWhatTheyShow) {
+std::vector<std::uint8_t> samplesOf(const fs::path& path) {
+    const auto file = OIIO::ImageInput::open(path);
+    if (!file) throw std::runtime_error("cannot open " + path.string());
+    const OIIO::ImageSpec& layout = file->spec();
+    std::vector<std::uint8_t> samples(layout.image_pixels() * static_cast<std::size_t>(layout.nchannels));
+    file->read_image(0, 0, 0, layout.nchannels, OIIO::TypeUInt8, samples.data());
+    return samples;
+}
+
+class DocumentTest : public testing::Test {
+protected:
+    DocumentTest() {
+        fs::create_directories(folder / fs::path(kBuiltProgram).parent_path().parent_path());
+        fs::create_directory_symlink(program.parent_path(), folder / fs::path(kBuiltProgram).parent_path());
+        fs::create_directory_symlink(fs::path(PERCH_SOURCES) / "samples", folder / "samples");
+    }
+
+    ProgramResult run(const std::string& command) const {
+        const std::string path = "PATH=" + program.parent_path().string() + ":" +
+                                 std::getenv("PATH");  // NOLINT(concurrency-mt-unsafe)
+        return runProgram({"/usr/bin/env", path, "/bin/sh", "-c", command}, folder);
+    }
+
     const TemporaryFolder parent;
     const fs::path folder = parent / "work";
     const fs::path program = PERCH_PROGRAM;
-    fs::create_directories(folder / fs::path(kBuiltProgram).parent_path().parent_path());
-    fs::create_directory_symlink(program.parent_path(), folder / fs::path(kBuiltProgram).parent_path());
-    fs::create_directory_symlink(fs::path(PERCH_SOURCES) / "samples", folder / "samples");
-    const std::string path = "PATH=" + program.parent_path().string() + ":" +
-                             std::getenv("PATH");  // NOLINT(concurrency-mt-unsafe)
+};
+
+TEST_F(DocumentTest, CommandsDoWhatTheyShow) {
     for (const fs::path& document : documents()) {
         const std::vector<std::string> commands = commandsShownIn(document);
         const std::string name = document.filename().string();
@@ -80,7 +102,7 @@ TEST(DocumentTest, CommandsDoWhatTheyShow) {
             EXPECT_GE(commands.size(), 3U) << name;
         }
         for (const std::string& command : commands) {
-            const ProgramResult result = runProgram({"/usr/bin/env", path, "/bin/sh", "-c", command}, folder);
+            const ProgramResult result = run(command);
             EXPECT_EQ(result.status, 0) << name << ": " << command << '\n' << result.err;
         }
     }
@@ -92,6 +114,29 @@ TEST(DocumentTest, CommandsDoWhatTheyShow) {
           "out/sheet.png",     "out/pulls.png",      "out/strip.png",     "out/grown-matte.png"})
         EXPECT_TRUE(fs::exists(folder / name)) << name;
     EXPECT_FALSE(fs::exists(folder / "out" / "half.0002.tif"));
+}
+
+TEST_F(DocumentTest, DemoMakesOfDepthsWhatItWouldOfTheMatte) {
+    const std::vector<std::string> commands = commandsShownIn(fs::path(PERCH_SOURCES) / "scripts/demo.sh");
+    ASSERT_EQ(commands.size(), 1U);
+    const std::string& fromDepths = commands.front();
+    const std::string depths = "depth.exr --control-range 1.5:16";
+    ASSERT_NE(fromDepths.find(depths), std::string::npos) << fromDepths;
+    std::string fromMatte = fromDepths;
+    fromMatte.replace(fromMatte.find(depths), depths.size(), "depth.png");
+    const std::string setUp = "view=Normal; folder=";
+    for (const std::string& command : {setUp + "depths; " + fromDepths, setUp + "matte; " + fromMatte}) {
+        const ProgramResult result = run(command);
+        ASSERT_EQ(result.status, 0) << command << '\n' << result.err;
+    }
+    const std::vector<std::uint8_t> depthSamples = samplesOf(folder / "depths/still-Normal.png");
+    const std::vector<std::uint8_t> matteSamples = samplesOf(folder / "matte/still-Normal.png");
+    ASSERT_EQ(depthSamples.size(), matteSamples.size());
+    int most = 0;
+    for (std::size_t i = 0; i < depthSamples.size(); ++i)
+        most = std::max(most, std::abs(depthSamples[i] - matteSamples[i]));
+    EXPECT_LE(most, 1);
+    std::printf("at most %d codes of 8 bits apart\n", most);
 }
 
 }  // namespace
