@@ -7,6 +7,7 @@
 
 #include "CapturedStderr.h"
 #include "FileWorlds.h"
+#include "PictureFile.h"
 #include "PictureFiles.h"
 #include "SmallProfile.h"
 #include "TemporaryFolder.h"
@@ -128,6 +129,33 @@ TEST_F(MetadataTest, AttributesAndWindowsOfOpenExrSurvive) {
     EXPECT_EQ(copy("a.exr", "out.png"),
               (std::vector<std::string>{"FramesPerSecond", "my.attribute", "smpte:TimeCode",
                                         "the display window's place"}));
+}
+
+TEST_F(MetadataTest, FilesHaveTheCompressionAskedFor) {
+    const struct {
+        const char* name;
+        pictures::SampleType type;
+        pictures::EncodingOptions encoding;
+        const char* compression;
+    } cases[] = {
+        {"zip.exr", pictures::SampleType::Half, {}, "zip"},
+        {"piz.exr", pictures::SampleType::Half, {.openExrCompression = "piz"}, "piz"},
+        {"zip.tif", pictures::SampleType::Bits8, {}, "zip"},
+        {"none.tif", pictures::SampleType::Bits8, {.compression = 0}, "none"},
+    };
+    for (const auto& c : cases) {
+        pictures::writePicture(folder / c.name, pictures::newPicture(9, 7, 3, c.type), c.encoding);
+        const auto file = OIIO::ImageInput::open(folder / c.name);
+        ASSERT_NE(file, nullptr) << c.name;
+        EXPECT_EQ(file->spec().get_string_attribute("compression"), c.compression) << c.name;
+    }
+    pictures::Picture noise = pictures::newPicture(64, 64, 3, pictures::SampleType::Bits8);
+    std::uint32_t state = 1;
+    for (std::uint8_t& sample : std::get<std::vector<std::uint8_t>>(noise.samples))
+        sample = static_cast<std::uint8_t>((state = state * 1664525U + 1013904223U) >> 24);
+    pictures::writePicture(folder / "10.jpg", noise, {.jpegQuality = 10});
+    pictures::writePicture(folder / "95.jpg", noise, {.jpegQuality = 95});
+    EXPECT_LT(2 * bytesOf(folder / "10.jpg").size(), bytesOf(folder / "95.jpg").size());
 }
 
 TEST_F(MetadataTest, NoDateIsInvented) {

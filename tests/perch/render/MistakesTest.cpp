@@ -156,6 +156,27 @@ TEST_F(MistakesTest, MovesAtEightBitsAreToldOfOnce) {
     EXPECT_EQ(said(shot), "") << "the effect has no 16 bits";
 }
 
+TEST_F(MistakesTest, WhatTheFormatWrittenDoesNotHoldIsNamedOnce) {
+    for (const char* const name : {"a.exr", "b.exr"}) {
+        OIIO::ImageSpec layout(4, 2, 3, OIIO::TypeHalf);
+        layout["my.take"] = 7;
+        const std::vector<float> samples(4 * 2 * 3, 0.5F);
+        const std::string path = folder / name;
+        const auto file = OIIO::ImageOutput::create(path);
+        ASSERT_TRUE(file && file->open(path, layout) && file->write_image(OIIO::TypeFloat, samples.data()) &&
+                    file->close());
+    }
+    FramePlan plan = shotOf({"a.exr", "b.exr"});
+    for (FrameFiles& files : plan.frames)
+        files.output.replace_extension(".tif");
+    const std::string text = said(plan);
+    EXPECT_NE(text.find("\"out-a.tif\" does not say all that the input's file does; without "),
+              std::string::npos)
+        << text;
+    EXPECT_NE(text.find("my.take"), std::string::npos) << text;
+    EXPECT_EQ(text.find("out-b.tif"), std::string::npos) << text;
+}
+
 TEST_F(MistakesTest, FramesOfAnotherFormEndTheShot) {
     write("a.png", {4, 2, 3});
     write("b.png", {4, 2, 4});

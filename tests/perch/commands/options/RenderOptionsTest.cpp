@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <fstream>
 #include <set>
 #include <string>
@@ -54,6 +55,20 @@ TEST(RenderOptionsTest, FramesAheadFollowTheThreadsUpToEight) {
     EXPECT_EQ(parsed("--threads", "1").settings.framesAhead, 1U);
     EXPECT_EQ(parsed("--threads", "3").settings.framesAhead, 3U);
     EXPECT_EQ(parsed("--threads", "1024").settings.framesAhead, 8U);
+}
+
+TEST(RenderOptionsTest, MemoryIsSharedByThePicturesAtOnce) {
+    std::vector<std::string> arguments = withPictures("--max-memory", "600");
+    arguments.insert(arguments.end(), {"--threads", "1", "--max-pixels", "5000"});
+    const RenderOptions options = parseRenderOptions(arguments);
+    EXPECT_EQ(options.settings.reading.bytes, std::int64_t{100} << 20);  // input and layer of three frames
+    EXPECT_EQ(options.settings.reading.pixels, 5000);
+}
+
+TEST(RenderOptionsTest, EncodersGetCompressionAndQuality) {
+    EXPECT_EQ(parsed("--compression", "9").settings.encoding.compression, 9);
+    EXPECT_EQ(parsed("--compression", "dwaa").settings.encoding.openExrCompression, "dwaa");
+    EXPECT_EQ(parsed("--jpeg-quality", "7").settings.encoding.jpegQuality, 7);
 }
 
 TEST(RenderOptionsTest, DownsampleIsAFractionUpToOne) {
