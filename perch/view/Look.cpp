@@ -11,6 +11,7 @@
 #include "Error.h"
 #include "NearestName.h"
 #include "Preset.h"
+#include "ShallowJson.h"
 #include "ShellText.h"
 
 namespace perch {
@@ -19,7 +20,12 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 Json parseObject(const std::string& text) {
-    Json json = Json::parse(text, nullptr, false);
+    Json json;
+    try {
+        json = shallowJson(text, "a state");
+    } catch (const Json::parse_error&) {
+        // It is not an object either.
+    }
     if (!json.is_object())
         throw UsageError("a state is JSON like {\"serial\": 1, \"frame\": 1, \"parameters\": {}}");
     return json;
@@ -89,7 +95,10 @@ PF_ParamIndex LookReader::layerShown(const Look& look, PF_ParamIndex index) cons
 }
 
 void LookReader::takeLayer(const ParameterOption& option, const Json& value, Look& look) const {
-    const std::vector<LayerWords> files = layerFiles();
+    std::vector<LayerWords> files = layerFiles();
+    // Several layers may be given the same file, each with a range of its own: a layer prefers its own.
+    std::ranges::stable_partition(
+        files, [&](const LayerWords& file) { return file.index == option.parameter.index; });
     std::vector<std::string> names{kNone};
     for (const LayerWords& file : files)
         names.push_back(file.picture);
@@ -126,9 +135,7 @@ Look LookReader::parse(const std::string& text) const {
     if (look.serial < 0 || look.serial > kLargestSerial)
         throw UsageError(fmt::format("a state's \"serial\" is from 0 to {}", kLargestSerial));
     const std::int64_t frame = wholeNumber(json, "frame");
-    if (std::ranges::find(frames, frame) == frames.end())
-        throw UsageError(fmt::format("there is no frame {}; the frames are {} to {}", frame,
-                                     std::ranges::min(frames), std::ranges::max(frames)));
+    requireFrame(frame);
     look.frame = static_cast<std::int32_t>(frame);
     const auto parameters = json.find("parameters");
     if (parameters == json.end() || !parameters->is_object())
@@ -146,6 +153,12 @@ Look LookReader::parse(const std::string& text) const {
         }
     }
     return tidied(std::move(look));
+}
+
+void LookReader::requireFrame(std::int64_t frame) const {
+    if (std::ranges::find(frames, frame) == frames.end())
+        throw UsageError(fmt::format("there is no frame {}; the frames are {} to {}", frame,
+                                     std::ranges::min(frames), std::ranges::max(frames)));
 }
 
 Look LookReader::withPreset(const Look& look, const std::string& text) const {

@@ -65,6 +65,8 @@ public:
     const std::vector<std::int32_t>& frameNumbers() const { return frames; }
     // Also of an option that the look leaves out.
     ParameterCurve curveOf(const Look& look, const ParameterOption& option) const;
+    // Throws UsageError where there is no such frame.
+    void requireFrame(std::int64_t frame) const;
 
 private:
     const LayerWords* wordsOf(PF_ParamIndex index) const;

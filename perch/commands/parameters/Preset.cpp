@@ -12,6 +12,7 @@
 #include "NearestName.h"
 #include "PF_Values.h"
 #include "ParameterText.h"
+#include "ShallowJson.h"
 
 namespace perch {
 namespace {
@@ -53,7 +54,7 @@ std::string textOfKeys(const Json& keys, const std::string& name) {
 
 Json parseJson(std::string_view text, const std::string& name) {
     try {
-        return Json::parse(text, nullptr, true, true);
+        return shallowJson(text, fmt::format("preset \"{}\"", name));
     } catch (const Json::parse_error& error) {
         const std::string_view before = text.substr(0, error.byte);
         throw UsageError(

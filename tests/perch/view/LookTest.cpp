@@ -56,6 +56,21 @@ TEST(LookTest, TheCommandHoldsWhatIsNotAsByDefault) {
     }
 }
 
+TEST(LookTest, ValuesThatAreNestedTooDeeplyAreRefused) {
+    constexpr std::size_t kLevels = 100'000;
+    const LookReader looks = reader();
+    const std::string array = std::string(kLevels, '[') + std::string(kLevels, ']');
+    std::string object;
+    for (std::size_t i = 0; i < kLevels; ++i)
+        object += "{\"a\":";
+    object += '0' + std::string(kLevels, '}');
+    for (const std::string& value : {array, object}) {
+        EXPECT_THROW(looks.parse(value), UsageError);
+        EXPECT_THROW(looks.parse(state("\"Focal Point\": " + value)), UsageError);
+        EXPECT_THROW(looks.withPreset({}, "{\"focal-point\": " + value + "}"), UsageError);
+    }
+}
+
 TEST(LookTest, TheCommandsValuesAreThoseOfTheLook) {
     const LookReader looks = reader();
     for (const double value : {0.1, 33.3, 1.0 / 3, 99.99999999, 1e-7, 62.0}) {
@@ -121,6 +136,17 @@ TEST(LookTest, ALayerShowsOneOfThePicturesThatAreGiven) {
         EXPECT_EQ(looks.command(look), "render" + std::string(command));
         EXPECT_EQ(looks.parse(looks.json(look).dump()).layers, look.layers);
     }
+}
+
+TEST(LookTest, ALayerKeepsItsOwnRangeWhereAnotherHasTheSameFile) {
+    const LookReader looks({layer(1, "depth"), layer(2, "fog")}, {}, {1},
+                           {.words = {"render"},
+                            .layers = {{.index = 1, .picture = "z.exr:Z", .range = "1:2"},
+                                       {.index = 2, .picture = "z.exr:Z", .range = "3:4"}}});
+    const Look look =
+        looks.parse(R"({"serial": 1, "frame": 1, "parameters": {"depth": "z.exr:Z", "fog": "z.exr:Z"}})");
+    EXPECT_EQ(looks.command(look), "render --depth z.exr:Z --depth-range 1:2 --fog z.exr:Z --fog-range 3:4");
+    EXPECT_TRUE(look.layers.empty());
 }
 
 TEST(LookTest, WhatIsNotUnderstoodIsNamed) {

@@ -1,0 +1,31 @@
+#include "ShallowJson.h"
+
+#include <fmt/format.h>
+
+#include <nlohmann/json.hpp>
+
+#include "Error.h"
+
+namespace perch {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr int kMostLevels = 16;  // a state has five: itself, its parameters, keys, a key, a point
+
+}  // namespace
+
+Json shallowJson(std::string_view text, const std::string& name) {
+    const auto isKept = [&](int levelsAround, Json::parse_event_t event, const Json&) {
+        const bool isLevel =
+            event == Json::parse_event_t::object_start || event == Json::parse_event_t::array_start;
+        if (isLevel && levelsAround >= kMostLevels)
+            throw UsageError(
+                fmt::format("{} nests values more than {} levels deep; no parameter takes such a value", name,
+                            kMostLevels));
+        return true;
+    };
+    return Json::parse(text, isKept, true, true);
+}
+
+}  // namespace perch

@@ -1,0 +1,15 @@
+// JSON from outside, as a file or a page sends it. What reads such values calls itself for every level that
+// they are nested, so that only a few levels are taken.
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+#include <string_view>
+
+namespace perch {
+
+// Comments are left out. Throws UsageError where values are nested too deeply, which names the text as "a
+// state" or "preset ..."; parse_error of the JSON library where it is not JSON.
+nlohmann::ordered_json shallowJson(std::string_view text, const std::string& name);
+
+}  // namespace perch
