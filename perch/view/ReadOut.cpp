@@ -4,6 +4,9 @@
 #include <cmath>
 #include <variant>
 
+#include "CodeRows.h"
+#include "PixelAccess.h"
+
 namespace perch {
 namespace {
 
@@ -12,7 +15,22 @@ double whiteOf(const pictures::Picture& picture) {
     return picture.type() == pictures::SampleType::Bits16 ? 65535 : 1;
 }
 
+template <typename P>
+std::array<double, 4> codesOf(const World& world, std::int32_t x, std::int32_t y, std::uint32_t white) {
+    const P& pixel = rowOf<P>(world.record(), y)[x];
+    const auto code = [white](std::uint32_t channel) {
+        return static_cast<double>(
+            pictures::rescale(std::min<std::uint32_t>(channel, kWhite<P>), kWhite<P>, white));
+    };
+    return {code(pixel.red), code(pixel.green), code(pixel.blue), code(pixel.alpha)};
+}
+
 }  // namespace
+
+std::array<double, 4> codesAt(const World& world, std::int32_t x, std::int32_t y, bool isFor16Bits) {
+    const std::uint32_t white = isFor16Bits ? 65535 : 255;
+    return world.isDeep() ? codesOf<PF_Pixel16>(world, x, y, white) : codesOf<PF_Pixel>(world, x, y, white);
+}
 
 std::array<double, 4> codesAt(const pictures::Picture& picture, std::int32_t x, std::int32_t y) {
     const std::size_t first =

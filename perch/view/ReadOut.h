@@ -9,12 +9,16 @@
 
 #include "DepthRange.h"
 #include "Picture.h"
+#include "World.h"
 
 namespace perch {
 
 // Red, green, blue and alpha as the file has them: whole codes, or light in floats. Alpha is full where there
 // is none.
 std::array<double, 4> codesAt(const pictures::Picture& picture, std::int32_t x, std::int32_t y);
+
+// The same of a rendered world, as a file of 8 or 16 bits would have it.
+std::array<double, 4> codesAt(const World& world, std::int32_t x, std::int32_t y, bool isFor16Bits);
 
 // From 0 to 1, of a channel by its name as effects' popups have it: "Alpha", "Red", "Green", "Blue",
 // "Lightness", "Brightness"; any other is luma.

@@ -3,16 +3,16 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <charconv>
 #include <future>
-#include <nlohmann/json.hpp>
 #include <thread>
 #include <utility>
 
 #include "Codec.h"
 #include "Console.h"
 #include "Error.h"
+#include "JsonAnswers.h"
 #include "PF_Values.h"
+#include "Questions.h"
 #include "ReadOut.h"
 #include "SessionJson.h"
 
@@ -22,37 +22,6 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 constexpr std::size_t kMostLooks = 8;
-
-std::string textOf(const Json& json) {
-    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
-}
-
-ViewAnswer jsonAnswer(const Json& json) {
-    return {.body = textOf(json)};
-}
-
-std::int64_t numberOf(const ViewRequest& request, const std::string& name) {
-    const std::string text = request.value(name);
-    std::int64_t number = 0;
-    const char* const end = text.data() + text.size();
-    const auto parsed = std::from_chars(text.data(), end, number);
-    if (parsed.ec != std::errc() || parsed.ptr != end)
-        throw UsageError(fmt::format("\"{}\" takes a whole number, not \"{}\"", name, text));
-    return number;
-}
-
-// "640x360", or "full".
-std::optional<PictureSize> sizeOf(const std::string& text) {
-    if (text.empty() || text == "full") return std::nullopt;
-    PictureSize size;
-    const char* const end = text.data() + text.size();
-    const auto width = std::from_chars(text.data(), end, size.width);
-    const bool hasCross = width.ec == std::errc() && width.ptr != end && *width.ptr == 'x';
-    const auto height = std::from_chars(hasCross ? width.ptr + 1 : end, end, size.height);
-    if (height.ec != std::errc() || height.ptr != end || size.width < 1 || size.height < 1)
-        throw UsageError(fmt::format("\"size\" is like 640x360, or full, not \"{}\"", text));
-    return size;
-}
 
 ViewAnswer overtaken(std::uint64_t id) {
     ViewAnswer answer = refusal(409, "a newer picture was asked for");
@@ -100,12 +69,8 @@ ViewAnswer encoded(const Development& development, const std::string& format) {
 
 }  // namespace
 
-ViewAnswer refusal(int status, const std::string& sentence) {
-    return {.status = status, .body = textOf(Json{{"error", sentence}})};
-}
-
 ViewEvent messageEvent(std::string_view message) {
-    return {"message", textOf(Json{{"text", printable(message)}})};
+    return {"message", jsonText({{"text", printable(message)}})};
 }
 
 Session::Session(const Shot& shot)
@@ -115,7 +80,7 @@ Session::Session(const Shot& shot)
 
 void Session::run(Wire& wire) {
     wireInUse = &wire;
-    wire.send(ViewEvent{"ready", textOf(looks.json(look()))});
+    wire.send(ViewEvent{"ready", jsonText(looks.json(look()))});
     tellWarnings(wire);
     std::thread reading([&] { read(wire); });
     std::future<void> ahead;
@@ -147,7 +112,7 @@ void Session::run(Wire& wire) {
 void Session::tellWarnings(Wire& wire) {
     for (const std::string& sentence : shot.notes.sentences())
         if (toldWarnings.insert(sentence).second)
-            wire.send(ViewEvent{"warning", textOf(Json{{"text", printable(sentence)}})});
+            wire.send(ViewEvent{"warning", jsonText({{"text", printable(sentence)}})});
 }
 
 void Session::read(Wire& wire) {
@@ -158,18 +123,22 @@ void Session::read(Wire& wire) {
             wire.send(answer);
             continue;
         }
-        QueuedRequest queued{.request = std::move(*request)};
-        if (queued.request.path == "/api/picture") {
-            const std::string serial = queued.request.value("serial");
-            std::from_chars(serial.data(), serial.data() + serial.size(), queued.serial);
-            const std::string kind = queued.request.value("kind");
-            // A picture of no state that there has been is refused in its turn, and overtakes none.
-            if (queued.serial <= look().serial) queued.kind = kind.empty() ? "result" : kind;
-        }
-        for (const ViewRequest& late : queue.add(std::move(queued)))
+        for (const ViewRequest& late : queue.add(queued(std::move(*request))))
             wire.send(overtaken(late.id));
     }
     queue.end();
+}
+
+// A picture that is refused in its turn, of a kind or a state that there is not, overtakes none.
+QueuedRequest Session::queued(ViewRequest request) const {
+    QueuedRequest queued{.request = std::move(request)};
+    if (queued.request.path != "/api/picture") return queued;
+    const std::optional<std::int64_t> serial = wholeNumber(queued.request.value("serial"));
+    const std::optional<std::string_view> kind = kindOf(queued.request);
+    if (!serial || !kind || *serial > look().serial) return queued;
+    queued.serial = *serial;
+    queued.kind = *kind;
+    return queued;
 }
 
 ViewAnswer Session::answer(const ViewRequest& request) {
@@ -177,14 +146,16 @@ ViewAnswer Session::answer(const ViewRequest& request) {
 }
 
 bool Session::isAnsweredAtOnce(const ViewRequest& request) const {
-    return request.path == "/api/state" || request.path == "/api/session" || request.path == "/api/preset" ||
-           request.path == "/words";
+    const Question* const question = questionAt(request.path);
+    return question == nullptr || !question->isForTheEffect;
 }
 
 ViewAnswer Session::answerAtOnce(const ViewRequest& request) {
+    const Question* const question = questionAt(request.path);
+    if (question == nullptr) return refusal(404, "there is no such page");
+    if (!question->takes(request.method)) return wrongMethod(std::string(question->methods));
     try {
         if (request.path == "/api/session") return description();
-        // For the server alone, which starts the command.
         if (request.path == "/words") return jsonAnswer(looks.words(look()));
         if (request.path == "/api/preset" && request.method == "PUT") return takePreset(request.body);
         if (request.path == "/api/preset") return {.body = looks.presetText(look())};
@@ -196,17 +167,18 @@ ViewAnswer Session::answerAtOnce(const ViewRequest& request) {
 }
 
 ViewAnswer Session::answerInTurn(const ViewRequest& request) {
+    const Question& question = *questionAt(request.path);
+    if (!question.takes(request.method)) return wrongMethod(std::string(question.methods));
+    std::optional<Look> wanted;
     const auto failed = [&](const std::exception& error, const Json& command) {
-        return ViewAnswer{
-            .status = 500,
-            .body = textOf(
-                Json{{"error", printable(error.what())}, {"frame", look().frame}, {"command", command}})};
+        return failure(printable(error.what()), wanted ? Json(wanted->frame) : Json(nullptr), command);
     };
     try {
-        if (request.path == "/api/picture") return picture(request);
-        if (request.path == "/api/pixel") return pixel(request);
-        if (request.path == "/api/histogram") return histogram(request);
-        return refusal(404, "there is no such page");
+        wanted = lookFor(request);
+        if (!wanted) return refusal(409, "that state is no longer known");
+        if (request.path == "/api/picture") return picture(request, *wanted);
+        if (request.path == "/api/pixel") return pixel(request, *wanted);
+        return histogram(*wanted);
     } catch (const Cancelled&) {
         return overtaken(request.id);
     } catch (const EffectBroke&) {
@@ -231,6 +203,17 @@ std::optional<Look> Session::lookOf(std::int64_t serial) const {
     return found != recent.end() ? std::optional(*found) : std::nullopt;
 }
 
+// That a request is about; absent where it is forgotten.
+std::optional<Look> Session::lookFor(const ViewRequest& request) const {
+    if (request.path != "/api/histogram") return lookOf(numberOf(request, "serial"));
+    Look wanted = look();
+    if (request.value("frame").empty()) return wanted;
+    const std::int64_t frame = numberOf(request, "frame");
+    looks.requireFrame(frame);
+    wanted.frame = static_cast<std::int32_t>(frame);
+    return wanted;
+}
+
 void Session::keepLook(Look look) {
     const std::lock_guard lock(mutex);
     if (look.serial <= recent.back().serial) return;
@@ -250,30 +233,28 @@ ViewAnswer Session::takePreset(const std::string& body) {
     return jsonAnswer(looks.json(look()));
 }
 
-ViewAnswer Session::picture(const ViewRequest& request) {
-    const std::int64_t serial = numberOf(request, "serial");
-    const std::optional<Look> wanted = lookOf(serial);
-    if (!wanted) return refusal(409, "that state is no longer known");
-    const std::optional<PictureSize> room = sizeOf(request.value("size"));
-    const std::string kind = request.value("kind");
+ViewAnswer Session::picture(const ViewRequest& request, const Look& wanted) {
+    const std::int64_t serial = wanted.serial;
+    const std::optional<PictureSize> room = sizeOf(request);
+    const std::optional<std::string_view> kind = kindOf(request);
+    if (!kind)
+        throw UsageError(fmt::format("\"kind\" is {}, {}, {} or {}, not \"{}\"", kResult, kOriginal, kLayer,
+                                     kFocus, request.value("kind")));
     const auto progress = [&](double fraction) {
         if (wireInUse != nullptr)
-            wireInUse->send(ViewEvent{"progress", textOf(Json{{"serial", serial}, {"fraction", fraction}})});
+            wireInUse->send(ViewEvent{"progress", jsonText({{"serial", serial}, {"fraction", fraction}})});
     };
     const auto develop = [&] {
-        if (kind == "original") return darkroom.original(*wanted, room);
-        if (kind == "layer") {
-            const PF_ParamIndex shown = pick ? looks.layerShown(*wanted, pick->layer) : kNoLayer;
+        if (*kind == kOriginal) return darkroom.original(wanted, room);
+        if (*kind == kLayer) {
+            const PF_ParamIndex shown = pick ? looks.layerShown(wanted, pick->layer) : kNoLayer;
             if (shown == kNoLayer) throw UsageError("there is no layer to be shown");
-            return darkroom.layer(*wanted, shown, room);
+            return darkroom.layer(wanted, shown, room);
         }
-        if (kind == "focus")
-            return darkroom.render(inFocusView(*wanted, looks), room, queue.cancelled(), progress);
-        if (!kind.empty() && kind != "result")
-            throw UsageError(fmt::format("\"kind\" is result, original, layer or focus, not \"{}\"", kind));
-        return darkroom.render(*wanted, room, queue.cancelled(), progress);
+        const Look view = *kind == kFocus ? inFocusView(wanted, looks) : wanted;
+        return darkroom.render(view, room, queue.cancelled(), progress);
     };
-    const Development development = develop();
+    Development development = develop();
     const auto begin = std::chrono::steady_clock::now();
     ViewAnswer answer = encoded(development, request.value("format"));
     answer.headers = {{"X-Serial", fmt::format("{}", serial)},
@@ -284,13 +265,15 @@ ViewAnswer Session::picture(const ViewRequest& request) {
                        fmt::format("decode;dur={:.2f}, render;dur={:.2f}, encode;dur={:.2f}",
                                    milliseconds(development.decodeTime), milliseconds(development.renderTime),
                                    milliseconds(std::chrono::steady_clock::now() - begin))}};
+    if (development.isFull && *kind == kResult) {
+        fullSerial = serial;
+        full = std::move(development);
+    }
     return answer;
 }
 
-ViewAnswer Session::pixel(const ViewRequest& request) {
-    const std::optional<Look> wanted = lookOf(numberOf(request, "serial"));
-    if (!wanted) return refusal(409, "that state is no longer known");
-    const FrameFiles& files = store.filesOf(wanted->frame);
+ViewAnswer Session::pixel(const ViewRequest& request, const Look& wanted) {
+    const FrameFiles& files = store.filesOf(wanted.frame);
     const SharedPicture input = store.input(files);
     const std::int64_t x = numberOf(request, "x");
     const std::int64_t y = numberOf(request, "y");
@@ -303,7 +286,13 @@ ViewAnswer Session::pixel(const ViewRequest& request) {
               {"depth", input->type() == pictures::SampleType::Bits8 ? 8 : 16},
               {"value", nullptr},
               {"distance", nullptr}};
-    const PF_ParamIndex shown = pick ? looks.layerShown(*wanted, pick->layer) : kNoLayer;
+    // Light in floats is not what the effect's codes are.
+    const bool isKnown = full && fullSerial == wanted.serial && !isFloat(input->type()) &&
+                         x < full->picture.width() && y < full->picture.height();
+    if (isKnown)
+        json["result"] = codesAt(full->picture, static_cast<std::int32_t>(x), static_cast<std::int32_t>(y),
+                                 input->type() == pictures::SampleType::Bits16);
+    const PF_ParamIndex shown = pick ? looks.layerShown(wanted, pick->layer) : kNoLayer;
     const SharedPicture layer = store.layer(files, shown);
     if (layer == nullptr) return jsonAnswer(json);
     // A layer of another size covers the same picture.
@@ -311,18 +300,16 @@ ViewAnswer Session::pixel(const ViewRequest& request) {
         static_cast<std::int32_t>((2 * x + 1) * layer->width / (2 * std::int64_t{input->width}));
     const auto layerY =
         static_cast<std::int32_t>((2 * y + 1) * layer->height / (2 * std::int64_t{input->height}));
-    const double share = shareAt(*layer, layerX, layerY, controlChannel(*wanted, looks));
+    const double share = shareAt(*layer, layerX, layerY, controlChannel(wanted, looks));
     json["layer"] = codesAt(*layer, layerX, layerY);
-    json["value"] = pickedValue(*wanted, looks, *pick, share);
+    json["value"] = pickedValue(wanted, looks, *pick, share);
     const auto reading = shot.settings.layers.find(shown);
     if (reading != shot.settings.layers.end() && reading->second.range)
         json["distance"] = distanceOf(share, *reading->second.range);
     return jsonAnswer(json);
 }
 
-ViewAnswer Session::histogram(const ViewRequest& request) {
-    Look wanted = look();
-    if (!request.value("frame").empty()) wanted.frame = static_cast<std::int32_t>(numberOf(request, "frame"));
+ViewAnswer Session::histogram(const Look& wanted) {
     const PF_ParamIndex shown = pick ? looks.layerShown(wanted, pick->layer) : kNoLayer;
     const SharedPicture layer = store.layer(store.filesOf(wanted.frame), shown);
     if (layer == nullptr) return refusal(404, "there is no layer whose values could be counted");

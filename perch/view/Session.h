@@ -41,13 +41,15 @@ private:
     ViewAnswer answerInTurn(const ViewRequest& request);
     ViewAnswer takeLook(const std::string& body);
     ViewAnswer takePreset(const std::string& body);
-    ViewAnswer picture(const ViewRequest& request);
-    ViewAnswer pixel(const ViewRequest& request);
-    ViewAnswer histogram(const ViewRequest& request);
+    ViewAnswer picture(const ViewRequest& request, const Look& wanted);
+    ViewAnswer pixel(const ViewRequest& request, const Look& wanted);
+    ViewAnswer histogram(const Look& wanted);
     ViewAnswer description();
     void read(Wire& wire);
+    QueuedRequest queued(ViewRequest request) const;
     Look look() const;
     std::optional<Look> lookOf(std::int64_t serial) const;
+    std::optional<Look> lookFor(const ViewRequest& request) const;
     void keepLook(Look look);
 
     void tellWarnings(Wire& wire);
@@ -60,14 +62,14 @@ private:
     RequestQueue queue;
     Wire* wireInUse = nullptr;
     std::set<std::string> toldWarnings;
+    // The result in full size that was rendered last, for read-outs.
+    std::int64_t fullSerial = -1;
+    std::optional<Development> full;
     mutable std::mutex mutex;
     std::deque<Look> recent;  // the newest is the last
 };
 
 // The effect's words for the page.
 ViewEvent messageEvent(std::string_view message);
-
-// A failure as JSON, in one sentence.
-ViewAnswer refusal(int status, const std::string& sentence);
 
 }  // namespace perch

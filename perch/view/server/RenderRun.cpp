@@ -6,6 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <nlohmann/json.hpp>
 #include <system_error>
@@ -33,6 +34,9 @@ bool RenderRun::start(const std::vector<std::string>& words) {
     const std::lock_guard lock(mutex);
     if (process >= 0) return false;
     if (following.joinable()) following.join();
+    const auto option = std::ranges::find_if(
+        words, [](const std::string& word) { return word == "-o" || word == "--output"; });
+    outputName = option != words.end() && option + 1 != words.end() ? option[1] : "";
     std::vector<std::string> all = words;
     all.insert(all.end(), {"--progress", "json"});
     int output[2];
@@ -88,6 +92,7 @@ void RenderRun::follow(int output) {
     process = -1;
     const bool isDone = WIFEXITED(status) && WEXITSTATUS(status) == 0;
     const bool isCancelled = WIFEXITED(status) && WEXITSTATUS(status) == 130;
+    if (isDone && last.empty()) last = fmt::format("\"{}\" is written", outputName);
     tell(isDone ? "done" : isCancelled ? "cancelled" : "failed", last, "");
 }
 

@@ -31,7 +31,8 @@ private:
 
     Events& events;
     std::mutex mutex;
-    pid_t process = -1;  // -1: none is under way
+    pid_t process = -1;      // -1: none is under way
+    std::string outputName;  // as the words name it
     std::thread following;
 };
 

@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "Error.h"
+#include "Misdeeds.h"
 #include "ParameterText.h"
 #include "PixelAccess.h"
 #include "RenderJob.h"
@@ -24,10 +25,10 @@ constexpr std::int32_t kWidth = 64;
 constexpr std::int32_t kHeight = 36;
 constexpr PF_ParamIndex kControlLayer = 3;
 
-// A session on two frames of noise, with a matte that is white on the right.
-class SessionTest : public testing::Test {
+// Two frames of noise, with a matte that is white on the right.
+class ShotTest : public testing::Test {
 protected:
-    SessionTest() {
+    ShotTest() {
         for (int frame = 1; frame <= 2; ++frame) {
             const std::string number = std::to_string(frame) + ".png";
             writeWorld(folder / ("in." + number),
@@ -47,6 +48,15 @@ protected:
         writeWorld(folder / "matte.png", matte, false);
     }
 
+    const TemporaryFolder folder;
+    FramePlan plan;
+    RenderSettings settings;
+    Notes notes;
+};
+
+// A session of Kestrel on the shot.
+class SessionTest : public ShotTest {
+protected:
     LookReader reader() const {
         const std::vector<ParameterOption> options = parameterOptions(effect.description().parameters, {});
         std::vector<ParameterCurve> defaults;
@@ -84,12 +94,8 @@ protected:
         return {samples.begin(), samples.end()};
     }
 
-    const TemporaryFolder folder;
-    FramePlan plan;
-    RenderSettings settings;
     Effect effect{std::filesystem::path(PERCH_EFFECT), HostOptions{}};
     const LookReader looks = reader();
-    Notes notes;
     Session session{{.effect = effect,
                      .settings = settings,
                      .plan = plan,
@@ -152,6 +158,33 @@ TEST_F(SessionTest, TheNewestStateIsTheOneThatIsShown) {
     EXPECT_EQ(ask("GET", "/api/picture", {{"serial", "19"}}).status, 200);
 }
 
+TEST_F(ShotTest, AnErrorOfTheEffectIsToldWithFrameAndCommandAndTheNextPictureGoesOn) {
+    for (FrameFiles& files : plan.frames)
+        files.layers.clear();
+    Effect hostile(std::filesystem::path(PERCH_TEST_PLUGINS) / "Hostile.so", HostOptions{});
+    const LookReader nothing({}, {}, {1, 2}, {.words = {"perch", "render"}});
+    Session broken({.effect = hostile,
+                    .settings = settings,
+                    .plan = plan,
+                    .looks = nothing,
+                    .notes = notes,
+                    .first = {.frame = 2}});
+    const ViewRequest picture{
+        .id = 0, .method = "GET", .path = "/api/picture", .query = {{"serial", "0"}}, .body = {}};
+    const std::string newer = R"({"serial": 1, "frame": 1, "parameters": {}})";
+    broken.answer({.id = 0, .method = "POST", .path = "/api/state", .query = {}, .body = newer});
+    {
+        const HostileMode mode("error@RENDER");
+        const ViewAnswer answer = broken.answer(picture);
+        EXPECT_EQ(answer.status, 500);
+        const Json told = Json::parse(answer.body);
+        EXPECT_EQ(told["frame"], 2);
+        EXPECT_EQ(told["command"], "RENDER");
+        EXPECT_FALSE(told["error"].get<std::string>().empty());
+    }
+    EXPECT_EQ(broken.answer(picture).status, 200);
+}
+
 TEST_F(SessionTest, WhatIsNotUnderstoodIsRefusedInASentence) {
     EXPECT_EQ(show(1, 1, R"({"Focal Point": 1000})").status, 422);
     EXPECT_EQ(show(1, 9, "{}").status, 422);
@@ -168,6 +201,56 @@ TEST_F(SessionTest, WhatIsNotUnderstoodIsRefusedInASentence) {
         EXPECT_FALSE(Json::parse(answer.body)["error"].get<std::string>().empty());
     }
     EXPECT_EQ(ask("GET", "/api/nothing", {}).status, 404);
+    for (const char* const frame : {"3", "4294967297", "x", "-1"})
+        EXPECT_EQ(ask("GET", "/api/histogram", {{"frame", frame}}).status, 422) << frame;
+}
+
+TEST_F(SessionTest, WhatAPathDoesNotTakeIsRefusedWithWhatItTakes) {
+    struct Case {
+        const char* path;
+        const char* method;
+        const char* taken;
+    };
+    for (const auto& [path, method, taken] :
+         {Case{"/api/session", "POST", "GET"}, Case{"/api/state", "DELETE", "GET, POST"},
+          Case{"/api/state", "PUT", "GET, POST"}, Case{"/api/preset", "DELETE", "GET, PUT"},
+          Case{"/api/picture", "POST", "GET"}, Case{"/api/pixel", "DELETE", "GET"},
+          Case{"/api/histogram", "PUT", "GET"}}) {
+        const ViewAnswer answer = ask(method, path, {{"serial", "0"}}, "{}");
+        EXPECT_EQ(answer.status, 405) << method << ' ' << path;
+        EXPECT_EQ(answer.headers.at("Allow"), taken);
+        EXPECT_NE(answer.body.find(taken), std::string::npos) << answer.body;
+    }
+    EXPECT_EQ(Json::parse(ask("GET", "/api/state", {}).body)["serial"], 0);
+}
+
+TEST_F(SessionTest, APictureThatIsRefusedOvertakesNone) {
+    show(5, 1, "{}");
+    int sockets[2];
+    ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, sockets), 0);
+    Wire ours(sockets[0]);
+    Wire theirs(sockets[1]);
+    // Both are in the queue before anything is answered.
+    std::uint64_t id = 0;
+    for (const auto& [serial, kind] : {std::pair{"0", "result"}, {"5x", "result"}, {"5", "of no kind"}})
+        ours.send(ViewRequest{.id = ++id,
+                              .method = "GET",
+                              .path = "/api/picture",
+                              .query = {{"serial", serial}, {"kind", kind}, {"size", "8x8"}},
+                              .body = {}});
+    std::map<std::uint64_t, int> statuses;
+    std::thread page([&] {
+        while (statuses.size() < id) {
+            const auto received = ours.receiveAnswer();
+            if (!received) break;
+            const auto* const answer = std::get_if<ViewAnswer>(&*received);
+            if (answer != nullptr) statuses[answer->id] = answer->status;
+        }
+        ours.end();
+    });
+    session.run(theirs);
+    page.join();
+    EXPECT_EQ(statuses, (std::map<std::uint64_t, int>{{1, 200}, {2, 422}, {3, 422}}));
 }
 
 TEST_F(SessionTest, APixelTellsWhatAPickWouldSet) {
@@ -176,6 +259,7 @@ TEST_F(SessionTest, APixelTellsWhatAPickWouldSet) {
     EXPECT_NEAR(left["value"].get<double>(), 20, 1e-9);
     EXPECT_EQ(left["layer"][0], 51);
     EXPECT_EQ(left["depth"], 8);
+    EXPECT_EQ(left["result"], nullptr);
     const Json right =
         Json::parse(ask("GET", "/api/pixel", {{"serial", "1"}, {"x", "63"}, {"y", "35"}}).body);
     EXPECT_NEAR(right["value"].get<double>(), 100, 1e-9);
@@ -184,6 +268,12 @@ TEST_F(SessionTest, APixelTellsWhatAPickWouldSet) {
         Json::parse(ask("GET", "/api/pixel", {{"serial", "2"}, {"x", "3"}, {"y", "4"}}).body);
     EXPECT_NEAR(inverted["value"].get<double>(), 80, 1e-9);
     EXPECT_EQ(ask("GET", "/api/pixel", {{"serial", "2"}, {"x", "64"}, {"y", "4"}}).status, 422);
+    const std::string picture = ask("GET", "/api/picture", {{"serial", "2"}, {"size", "full"}}).body;
+    const Json rendered =
+        Json::parse(ask("GET", "/api/pixel", {{"serial", "2"}, {"x", "3"}, {"y", "4"}}).body);
+    const auto pixel = static_cast<std::size_t>(4 * (4 * kWidth + 3));
+    for (std::size_t channel = 0; channel < 4; ++channel)
+        EXPECT_EQ(rendered["result"][channel], static_cast<unsigned char>(picture[pixel + channel]));
 }
 
 TEST_F(SessionTest, TheHistogramCountsEveryPixelOfTheLayer) {
