@@ -14,19 +14,18 @@
 #include <variant>
 #include <vector>
 
+#include "FileClaims.h"
 #include "LibraryName.h"
 #include "Metadata.h"
 #include "PictureEnd.h"
 #include "PictureError.h"
 #include "PictureFile.h"
 #include "PngChunks.h"
+#include "TargaPixels.h"
 #include "TiffStrips.h"
 
 namespace pictures {
 namespace {
-
-constexpr char kDamaged[] = "it is damaged or cut short; save or copy it again";
-constexpr char kEmpty[] = "it has no pixels; save it again";
 
 // The channels of the file that become those of the picture.
 using Channels = std::vector<int>;
@@ -77,66 +76,6 @@ bool covers(const OIIO::ImageSpec& layout, const Window& window) {
     return layout.x <= window.x && layout.y <= window.y &&
            layout.x + layout.width >= window.x + window.width &&
            layout.y + layout.height >= window.y + window.height;
-}
-
-void requireSize(int width, int height, std::size_t sampleBytes, const ReadOptions& options) {
-    if (width <= 0 || height <= 0) throw PictureError(kEmpty);
-    if (width > kLargestExtent || height > kLargestExtent) {
-        throw PictureError(fmt::format("it has {} x {} pixels, the largest is {} x {}; make it smaller",
-                                       width, height, kLargestExtent, kLargestExtent));
-    }
-    const std::int64_t pixels = std::int64_t{width} * height;
-    if (pixels > options.pixels) {
-        throw PictureError(
-            fmt::format("it has {} x {} pixels, {} in all, and --max-pixels allows {}; make it smaller, "
-                        "or allow more",
-                        width, height, pixels, options.pixels));
-    }
-    if (pixels > options.bytes / static_cast<std::int64_t>(sampleBytes)) {
-        throw PictureError(
-            fmt::format("its {} x {} pixels take more memory than --max-memory leaves to each "
-                        "picture, {} MB; make it smaller, allow more, or use fewer --threads",
-                        width, height, options.bytes >> 20));
-    }
-}
-
-// How many bytes of samples a byte of the file can stand for at most; 0 where that is not known.
-std::size_t mostExpansion(const OIIO::ImageSpec& layout, FileFormat format) {
-    constexpr std::size_t kDeflated = 1032;
-    const std::string compression = layout.get_string_attribute("compression");
-    switch (format) {
-        case FileFormat::Png:
-            return kDeflated;
-        case FileFormat::Tiff:
-        case FileFormat::OpenExr:
-            if (compression == "none") return 1;
-            return compression.starts_with("zip") ? kDeflated : 0;
-        case FileFormat::Jpeg:
-            return 8 * 64 * 3;  // a bit for each block of 64 pixels, of three channels
-        case FileFormat::Dpx:
-            return 2;  // packed
-        case FileFormat::Targa:
-            return 256;  // runs of 128 pixels in two bytes, and four bytes for each in a palette
-        case FileFormat::WebP:
-            return 0;
-    }
-    return 0;
-}
-
-void requireBytesFor(const OIIO::ImageSpec& layout, FileFormat format, std::size_t fileSize) {
-    constexpr std::size_t kSamplesOfOneBit = 8;
-    const std::size_t expansion = mostExpansion(layout, format);
-    if (expansion != 0 && layout.image_bytes(true) / kSamplesOfOneBit / expansion > fileSize)
-        throw PictureError(kDamaged);
-}
-
-// The reader takes a strip whole, and counts its samples in an int.
-void requireStrips(const OIIO::ImageSpec& layout) {
-    const std::int64_t rows =
-        std::min(layout.get_int_attribute("tiff:RowsPerStrip", layout.height), layout.height);
-    const std::int64_t samples = std::max<std::int64_t>(rows, 1) * layout.width * layout.nchannels;
-    if (samples > std::numeric_limits<int>::max())
-        throw PictureError("its strips are too large; save it with more strips, or with tiles");
 }
 
 int channelNamed(const OIIO::ImageSpec& layout, std::string_view name) {
@@ -229,21 +168,27 @@ struct ChannelRange {
     int end;
 };
 
-// What the picture has of the file's pixels; the rest stays transparent. Where nothing was rendered there is
-// no depth.
+// Pixels of the file from row `begin` to `end`, exclusive.
 template <typename T>
-void place(const std::vector<T>& pixels, const OIIO::ImageSpec& layout, const ChannelRange& range,
+struct Band {
+    int begin = 0;
+    int end = 0;
+    std::vector<T> pixels;
+};
+
+// What the picture has of them; the rest stays transparent. Where nothing was rendered there is no depth.
+template <typename T>
+void place(const Band<T>& band, const OIIO::ImageSpec& layout, const ChannelRange& range,
            const Channels& channels, const Window& window, std::vector<T>& samples, const Picture& picture) {
     const auto read = static_cast<std::size_t>(range.end - range.begin);
-    for (int y = std::max(window.y, layout.y);
-         y < std::min(window.y + window.height, layout.y + layout.height); ++y) {
+    for (int y = std::max(window.y, band.begin); y < std::min(window.y + window.height, band.end); ++y) {
         for (int x = std::max(window.x, layout.x);
              x < std::min(window.x + window.width, layout.x + layout.width); ++x) {
             const auto at = [&](int left, int top, int width) {
                 return static_cast<std::size_t>(y - top) * static_cast<std::size_t>(width) +
                        static_cast<std::size_t>(x - left);
             };
-            const T* const source = &pixels[at(layout.x, layout.y, layout.width) * read];
+            const T* const source = &band.pixels[at(layout.x, band.begin, layout.width) * read];
             T* const target = &samples[at(window.x, window.y, window.width) * picture.channels];
             for (std::size_t i = 0; i < channels.size(); ++i)
                 target[i] = source[channels[i] - range.begin];
@@ -253,39 +198,45 @@ void place(const std::vector<T>& pixels, const OIIO::ImageSpec& layout, const Ch
 }
 
 // Some rows at a time: the library holds them a second time while it converts them.
-template <typename T>
-bool readRows(OIIO::ImageInput& file, int part, const ChannelRange& range, T* data) {
+int rowsAtOnce(const OIIO::ImageSpec& layout) {
     constexpr int kRows = 64;
-    const OIIO::ImageSpec layout = file.spec();
-    const OIIO::TypeDesc type(OIIO::BaseTypeFromC<T>::value);
-    if (layout.tile_width > 0) return file.read_image(part, 0, range.begin, range.end, type, data);
-    const auto rowSamples =
-        static_cast<std::size_t>(layout.width) * static_cast<std::size_t>(range.end - range.begin);
-    const int end = layout.y + layout.height;
-    for (int y = layout.y; y < end; y += kRows) {
-        const int rows = std::min(kRows, end - y);
-        if (!file.read_scanlines(part, 0, y, y + rows, 0, range.begin, range.end, type, data)) return false;
-        data += rowSamples * static_cast<std::size_t>(rows);
-    }
-    return true;
+    return layout.tile_height > 0 ? layout.tile_height : kRows;
 }
 
 template <typename T>
-bool readSamples(OIIO::ImageInput& file, const Source& source, const Window& window,
-                 const ReadOptions& options, std::vector<T>& samples, const Picture& picture) {
+bool readRows(OIIO::ImageInput& file, int part, const ChannelRange& range, int begin, int end, T* data) {
+    const OIIO::ImageSpec& layout = file.spec();
+    const OIIO::TypeDesc type(OIIO::BaseTypeFromC<T>::value);
+    if (layout.tile_width == 0)
+        return file.read_scanlines(part, 0, begin, end, 0, range.begin, range.end, type, data);
+    return file.read_tiles(part, 0, layout.x, layout.x + layout.width, begin, end, layout.z, layout.z + 1,
+                           range.begin, range.end, type, data);
+}
+
+template <typename T>
+bool readSamples(OIIO::ImageInput& file, const Source& source, const Window& window, std::vector<T>& samples,
+                 const Picture& picture) {
     const OIIO::ImageSpec layout = file.spec();
     const Channels& channels = source.channels;
     const ChannelRange range(channels);
     const auto channelCount = static_cast<std::size_t>(range.end - range.begin);
+    const std::size_t rowSamples = static_cast<std::size_t>(layout.width) * channelCount;
     const bool isWhole = channelCount == picture.channels && std::ranges::is_sorted(channels) &&
                          layout.width == window.width && layout.height == window.height &&
                          covers(layout, window);
-    if (isWhole) return readRows(file, source.part, range, samples.data());
-    requireSize(layout.width, layout.height, channelCount * sizeof(T), options);
-    std::vector<T> pixels(layout.image_pixels() * channelCount);
-    const bool isRead = readRows(file, source.part, range, pixels.data());
-    place(pixels, layout, range, channels, window, samples, picture);
-    return isRead;
+    const int end = layout.y + layout.height;
+    Band<T> band;
+    for (int y = layout.y; y < end; y = band.end) {
+        band.begin = y;
+        band.end = std::min(y + rowsAtOnce(layout), end);
+        const auto rows = static_cast<std::size_t>(band.end - y);
+        if (!isWhole) band.pixels.resize(rows * rowSamples);
+        T* const target =
+            isWhole ? &samples[static_cast<std::size_t>(y - layout.y) * rowSamples] : band.pixels.data();
+        if (!readRows(file, source.part, range, y, band.end, target)) return false;
+        if (!isWhole) place(band, layout, range, channels, window, samples, picture);
+    }
+    return true;
 }
 
 std::shared_ptr<const Metadata> metadataOf(const OIIO::ImageSpec& layout, FileFormat format,
@@ -308,31 +259,30 @@ SampleType requireType(const OIIO::ImageSpec& layout, const Channels& channels) 
                                    typeName(stored)));
 }
 
-bool isInterlaced(std::span<const unsigned char> png) {
-    constexpr std::size_t kInterlacing = 28;
-    return png.size() > kInterlacing && png[kInterlacing] != 0;
+bool isReadByLibrary(const OIIO::ImageSpec& layout, FileFormat format, const Channels& channels,
+                     std::span<const unsigned char> bytes) {
+    const bool isWhole = channels.size() == static_cast<std::size_t>(layout.nchannels);
+    return format != FileFormat::Targa || !isWhole || !TargaPixels(bytes).arePlain();
 }
 
-// Some decoders hold the whole picture as well.
-std::size_t copiesHeld(std::span<const unsigned char> bytes, FileFormat format) {
-    const bool isHeld = format == FileFormat::Targa || format == FileFormat::WebP ||
-                        (format == FileFormat::Png && isInterlaced(bytes));
-    return isHeld ? 2 : 1;
-}
-
-// Throws where the size is more than is allowed or than the file's length can stand for.
-void requireBelievable(const OIIO::ImageSpec& layout, FileFormat format, const Channels& channels,
-                       std::span<const unsigned char> bytes, const ReadOptions& options) {
-    const SampleType type = requireType(layout, channels);
+ClaimedPicture claimOf(const OIIO::ImageSpec& layout, FileFormat format, const Channels& channels,
+                       std::span<const unsigned char> bytes) {
     const Window window = windowOf(layout, format);
-    const std::size_t pixelBytes = (channels.size() + 1) * memoryType(type).size();
-    requireSize(window.width, window.height, pixelBytes * copiesHeld(bytes, format), options);
-    requireBytesFor(layout, format, bytes.size());
-    if (format == FileFormat::Tiff) requireStrips(layout);
+    const std::size_t mostChannels = channels.size() + 1;  // with alpha where there is no pixel
+    const OIIO::TypeDesc type = memoryType(requireType(layout, channels));
+    return {.width = window.width,
+            .height = window.height,
+            .pixelBytes = static_cast<std::int64_t>(mostChannels * type.size()),
+            .isReadByLibrary = isReadByLibrary(layout, format, channels, bytes)};
+}
+
+bool hasDamagedPixels(std::span<const unsigned char> bytes, FileFormat format, int part) {
+    if (format == FileFormat::Tiff) return hasDamagedStrip(bytes, part);
+    return format == FileFormat::Targa && TargaPixels(bytes).areDamaged();
 }
 
 Picture readPart(OIIO::ImageInput& file, FileFormat format, const Source& source,
-                 const ReadOptions& options) {
+                 std::span<const unsigned char> bytes) {
     const OIIO::ImageSpec& layout = file.spec();
     const Channels& channels = source.channels;
     const SampleType type = requireType(layout, channels);
@@ -346,9 +296,12 @@ Picture readPart(OIIO::ImageInput& file, FileFormat format, const Source& source
         std::ranges::fill(std::get<std::vector<float>>(picture.samples),
                           std::numeric_limits<float>::quiet_NaN());
     }
+    if (!isReadByLibrary(layout, format, channels, bytes)) {
+        TargaPixels(bytes).readTo(std::get<std::vector<std::uint8_t>>(picture.samples));
+        return picture;
+    }
     const bool isRead = std::visit(
-        [&](auto& samples) { return readSamples(file, source, window, options, samples, picture); },
-        picture.samples);
+        [&](auto& samples) { return readSamples(file, source, window, samples, picture); }, picture.samples);
     // The error is asked for as well: the reader leaves missing parts of a TIFF file black and reports
     // success.
     const std::string error = file.geterror();
@@ -378,10 +331,11 @@ Picture decode(std::span<const unsigned char> bytes, FileFormat format, const st
     const Source source =
         channel.empty() ? Source{0, firstChannels(layout, format)} : findChannel(*file, channel, parts);
     file->seek_subimage(source.part, 0);
-    requireBelievable(file->spec(), format, source.channels, bytes, options);
-    if (format == FileFormat::Tiff && hasDamagedStrip(bytes, source.part)) isDamaged = true;
+    requireBelievable(file->spec(), format, claimOf(file->spec(), format, source.channels, bytes), bytes,
+                      options);
+    if (hasDamagedPixels(bytes, format, source.part)) isDamaged = true;
     if (isDamaged && !options.acceptsDamage) throw PictureError(kDamaged);
-    Picture picture = readPart(*file, format, source, options);
+    Picture picture = readPart(*file, format, source, bytes);
     picture.metadata = metadataOf(file->spec(), format, bytes, picture.channels < 3);
     picture.parts = parts;
     picture.software = file->spec().get_string_attribute("Software");

@@ -4,19 +4,13 @@
 
 #include <algorithm>
 
+#include "FileText.h"
+
 namespace pictures {
 namespace {
 
 constexpr std::size_t kSignature = 8;
 constexpr std::size_t kAroundData = 12;
-
-// The big-endian number of 4 bytes.
-std::uint32_t numberAt(std::string_view bytes, std::size_t offset) {
-    std::uint32_t number = 0;
-    for (const char byte : bytes.substr(offset, 4))
-        number = number << 8 | static_cast<unsigned char>(byte);
-    return number;
-}
 
 std::uint32_t checkSumOf(std::string_view bytes) {
     return static_cast<std::uint32_t>(
@@ -34,18 +28,14 @@ bool isDescribing(const PngChunk& chunk) {
     return std::ranges::find(kNames, chunk.name) != std::end(kNames);
 }
 
-std::string_view textOf(std::span<const unsigned char> bytes) {
-    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
-
 // Up to the end chunk, or to the first that is cut or has a wrong check sum.
 std::vector<PngChunk> chunksOf(std::string_view rest) {
     std::vector<PngChunk> chunks;
     while (rest.size() >= kAroundData) {
-        const std::size_t length = numberAt(rest, 0);
+        const std::size_t length = bigEndianAt(rest, 0, 4);
         if (length > rest.size() - kAroundData) break;
         const std::string_view whole = rest.substr(0, kAroundData + length);
-        if (checkSumOf(whole.substr(4, 4 + length)) != numberAt(whole, 8 + length)) break;
+        if (checkSumOf(whole.substr(4, 4 + length)) != bigEndianAt(whole, 8 + length, 4)) break;
         chunks.push_back({whole.substr(4, 4), whole.substr(8, length), whole});
         if (chunks.back().name == "IEND") break;
         rest.remove_prefix(whole.size());

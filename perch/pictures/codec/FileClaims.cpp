@@ -1,0 +1,146 @@
+#include "FileClaims.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <limits>
+#include <string>
+#include <string_view>
+
+#include "FileText.h"
+#include "JpegSegments.h"
+#include "PictureError.h"
+#include "PictureFile.h"
+
+namespace pictures {
+namespace {
+
+bool isInterlaced(std::span<const unsigned char> png) {
+    constexpr std::size_t kInterlacing = 28;
+    return png.size() > kInterlacing && png[kInterlacing] != 0;
+}
+
+// By its first chunks; a long colour profile may stand before.
+bool isLossless(std::string_view webp) {
+    constexpr std::size_t kChunks = 12;
+    for (std::size_t place = kChunks; place + 8 <= webp.size();) {
+        const std::string_view name = webp.substr(place, 4);
+        if (name == "VP8L" || name == "VP8 ") return name == "VP8L";
+        place += 8 + littleEndianAt(webp, place + 4, 4);
+    }
+    return true;
+}
+
+// What a tiled or an OpenEXR file compresses as one.
+std::int64_t blockBytes(const OIIO::ImageSpec& layout) {
+    constexpr int kRowsRead = 64;
+    constexpr int kMostRows = 256;
+    const auto pixelBytes = static_cast<std::int64_t>(layout.pixel_bytes(true));
+    if (layout.tile_width > 0) return std::int64_t{layout.tile_width} * layout.tile_height * pixelBytes;
+    const bool isTall = layout.get_string_attribute("compression") == "dwab";
+    return std::int64_t{layout.width} * std::min(layout.height, isTall ? kMostRows : kRowsRead) * pixelBytes;
+}
+
+// What the decoder holds beside the samples that it is asked for, at most; found by measuring.
+std::int64_t heldByDecoder(const OIIO::ImageSpec& layout, FileFormat format,
+                           std::span<const unsigned char> bytes) {
+    const auto pixels = static_cast<std::int64_t>(layout.image_pixels());
+    const auto picture = static_cast<std::int64_t>(layout.image_bytes(true));
+    switch (format) {
+        case FileFormat::Png:
+            return isInterlaced(bytes) ? picture : 0;
+        case FileFormat::Targa:
+            return picture;
+        case FileFormat::WebP:
+            return picture + pixels * (isLossless(textOf(bytes)) ? 4 : 1);
+        case FileFormat::Jpeg:
+            return 2 * coefficientsKept(bytes) * pixels;
+        case FileFormat::OpenExr:
+            return 5 * blockBytes(layout);
+        case FileFormat::Tiff:
+            return layout.tile_width > 0 ? 3 * blockBytes(layout) : 0;
+        case FileFormat::Dpx:
+            return 0;
+    }
+    return 0;
+}
+
+void requireExtent(int width, int height, const ReadOptions& options) {
+    if (width <= 0 || height <= 0) throw PictureError(kEmpty);
+    if (width > kLargestExtent || height > kLargestExtent) {
+        throw PictureError(fmt::format("it has {} x {} pixels, the largest is {} x {}; make it smaller",
+                                       width, height, kLargestExtent, kLargestExtent));
+    }
+    const std::int64_t pixels = std::int64_t{width} * height;
+    if (pixels > options.pixels) {
+        throw PictureError(
+            fmt::format("it has {} x {} pixels, {} in all, and --max-pixels allows {}; make it smaller, "
+                        "or allow more",
+                        width, height, pixels, options.pixels));
+    }
+}
+
+void requireMemory(const ClaimedPicture& picture, std::int64_t heldBeside, const ReadOptions& options) {
+    const std::int64_t samples = std::int64_t{picture.width} * picture.height * picture.pixelBytes;
+    if (samples + heldBeside > options.bytes) {
+        throw PictureError(
+            fmt::format("its {} x {} pixels take more memory than --max-memory leaves to each "
+                        "picture, {} MB; make it smaller, allow more, or use fewer --threads",
+                        picture.width, picture.height, options.bytes >> 20));
+    }
+}
+
+// How many bytes of samples a byte of the file can stand for at most; 0 where that is not known.
+std::size_t mostExpansion(const OIIO::ImageSpec& layout, FileFormat format) {
+    constexpr std::size_t kDeflated = 1032;
+    constexpr std::size_t kLzw = 1400;  // strings of up to 3837 bytes, each one longer than another
+    const std::string compression = layout.get_string_attribute("compression");
+    switch (format) {
+        case FileFormat::Png:
+            return kDeflated;
+        case FileFormat::Tiff:
+        case FileFormat::OpenExr:
+            if (compression == "none") return 1;
+            if (compression == "lzw") return kLzw;
+            return compression.starts_with("zip") ? kDeflated : 0;
+        case FileFormat::Jpeg:
+            return 8 * 64 * 3;  // a bit for each block of 64 pixels, of three channels
+        case FileFormat::Dpx:
+            return 2;  // packed
+        case FileFormat::Targa:
+            return 256;  // runs of 128 pixels in two bytes, and four bytes for each in a palette
+        case FileFormat::WebP:
+            return 0;
+    }
+    return 0;
+}
+
+void requireBytesFor(const OIIO::ImageSpec& layout, FileFormat format, std::size_t fileSize) {
+    constexpr std::size_t kSamplesOfOneBit = 8 * 3;  // in a palette they are of three channels
+    const std::size_t expansion = mostExpansion(layout, format);
+    if (expansion != 0 && layout.image_bytes(true) / kSamplesOfOneBit / expansion > fileSize)
+        throw PictureError(kDamaged);
+}
+
+// The reader takes a strip whole, and counts its samples in an int.
+void requireStrips(const OIIO::ImageSpec& layout) {
+    const std::int64_t rows =
+        std::min(layout.get_int_attribute("tiff:RowsPerStrip", layout.height), layout.height);
+    const std::int64_t samples = std::max<std::int64_t>(rows, 1) * layout.width * layout.nchannels;
+    if (samples > std::numeric_limits<int>::max())
+        throw PictureError("its strips are too large; save it with more strips, or with tiles");
+}
+
+}  // namespace
+
+void requireBelievable(const OIIO::ImageSpec& layout, FileFormat format, const ClaimedPicture& picture,
+                       std::span<const unsigned char> bytes, const ReadOptions& options) {
+    requireExtent(picture.width, picture.height, options);
+    requireExtent(layout.width, layout.height, options);
+    const std::int64_t held = picture.isReadByLibrary ? heldByDecoder(layout, format, bytes) : 0;
+    requireMemory(picture, held, options);
+    if (format == FileFormat::Tiff) requireStrips(layout);
+    requireBytesFor(layout, format, bytes.size());
+}
+
+}  // namespace pictures
