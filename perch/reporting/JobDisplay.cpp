@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "Console.h"
@@ -54,11 +55,13 @@ void JobDisplay::begin(const FramePlan& planned) {
 
 void JobDisplay::frameBegins(std::size_t index) {
     current = index;
-    showLine(0);
+    furthest = 0;
+    showLine();
 }
 
 void JobDisplay::frameProgresses(double fraction) {
-    showLine(fraction);
+    furthest = std::max(furthest, fraction);
+    showLine();
 }
 
 void JobDisplay::frameEnds(const FrameEnd& end) {
@@ -157,11 +160,11 @@ void JobDisplay::clearLine() {
     shown.clear();
 }
 
-void JobDisplay::showLine(double fraction) {
-    if (form == ProgressForm::OpenJd) printOpenJd(static_cast<double>(current) + fraction);
+void JobDisplay::showLine() {
+    if (form == ProgressForm::OpenJd) printOpenJd(static_cast<double>(current) + furthest);
     if (form != ProgressForm::Auto || isVerbose) return;
     const std::string text = progressText(
-        {.number = current + 1, .count = plan->frames.size(), .fraction = fraction, .seconds = seconds()});
+        {.number = current + 1, .count = plan->frames.size(), .fraction = furthest, .seconds = seconds()});
     if (isTerminal) {
         if (text == shown) return;
         shown = text;

@@ -28,6 +28,8 @@ public:
     // Before the frames. `plan` outlives the display.
     void begin(const FramePlan& plan);
     void frameBegins(std::size_t index);  // of the plan's frames
+    // An effect may tell less than before, where it begins another part of its work: what is shown stays
+    // then.
     void frameProgresses(double fraction);
     void frameEnds(const FrameEnd& end);
     // Tells what became of the frames, which are where `output` says.
@@ -54,7 +56,7 @@ public:
     std::optional<std::int32_t> frameOf(std::string_view command) const;
 
 private:
-    void showLine(double fraction);
+    void showLine();
     void printOpenJd(double framesDone);
     void tellFrame(const FrameEnd& end) const;
     void printJson(const FrameEnd& end) const;
@@ -69,7 +71,8 @@ private:
     double lastLine = 0;  // seconds after the start
     int lastPercent = -1;
     std::size_t current = 0;
-    std::string shown;  // on the terminal
+    double furthest = 0;  // fraction of the current frame
+    std::string shown;    // on the terminal
     JobTotals counted;
 };
 

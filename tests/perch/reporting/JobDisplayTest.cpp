@@ -2,6 +2,8 @@
 #include "JobDisplay.h"
 
 #include <gtest/gtest.h>
+#include <pty.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
@@ -128,6 +130,42 @@ TEST(JobDisplayTest, VerboseJobTellsOfFilesAndTimes) {
     for (const ProgressForm form : {ProgressForm::Auto, ProgressForm::Lines})
         EXPECT_NE(jobAs(form, false, true).err.find(line), std::string::npos);
     EXPECT_EQ(jobAs(ProgressForm::Lines, false, true).err.find("frame 8 done"), std::string::npos);
+}
+
+// What a terminal on stderr is given of a job of two frames whose effect tells less than before.
+std::string shownOfAnUnsteadyJob() {
+    int terminal = -1;
+    int programsTerminal = -1;
+    if (openpty(&terminal, &programsTerminal, nullptr, nullptr, nullptr) != 0) return "no terminal";
+    const int before = dup(STDERR_FILENO);
+    dup2(programsTerminal, STDERR_FILENO);
+    const FramePlan plan = planOf({7, 8});
+    {
+        JobDisplay display(ProgressForm::Auto, false);
+        display.begin(plan);
+        for (std::size_t i = 0; i < plan.frames.size(); ++i) {
+            display.frameBegins(i);
+            for (const double fraction : {0.5, 0.2, 0.75, 0.0})
+                display.frameProgresses(fraction);
+        }
+    }
+    dup2(before, STDERR_FILENO);
+    close(before);
+    close(programsTerminal);  // so that reading comes to an end
+    std::string shown;
+    char part[256];
+    for (ssize_t size = 0; (size = read(terminal, part, sizeof part)) > 0;)
+        shown.append(part, static_cast<std::size_t>(size));
+    close(terminal);
+    return shown;
+}
+
+TEST(JobDisplayTest, LineOnATerminalNeverRunsBackwards) {
+    const std::string shown = shownOfAnUnsteadyJob();
+    std::vector<int> percents;
+    for (std::size_t at = 0; (at = shown.find('%', at)) != std::string::npos; ++at)
+        percents.push_back(std::stoi(shown.substr(at - 3, 3)));
+    EXPECT_EQ(percents, (std::vector<int>{0, 25, 37, 50, 75, 87})) << shown;
 }
 
 TEST(JobDisplayTest, SchedulersOfOpenJobDescriptionGetWholePercents) {
