@@ -64,7 +64,7 @@ RenderTasks tasksOf(const Arguments& command, int count) {
         throw UsageError("nobody feeds the tasks of a job; leave --frames-from out of the command behind --");
     if (options.names.shard) throw UsageError("--shard is what the job adds to each task; leave it out");
     if (!options.job.report.empty())
-        throw UsageError("all tasks would write the one file of --report; leave it out");
+        reportOfShard(options.job.report, {.number = 1, .count = static_cast<std::size_t>(count)});
     if (options.names.areFiles || !FramePattern::parse(options.names.input))
         throw UsageError(
             "a job is for sequences; give --input a place for the frame number, like in.####.png");

@@ -4,9 +4,12 @@
 
 #include <CLI/CLI.hpp>
 #include <chrono>
+#include <cstdint>
+#include <optional>
 
 #include "CommandLine.h"
 #include "Error.h"
+#include "FramePattern.h"
 #include "Worker.h"
 
 namespace perch {
@@ -102,6 +105,16 @@ void takeFailureOptions(const CLI::App& app, const JobTexts& texts, RenderSettin
     if (parseFramesFrom(texts.framesFrom) && app.count("--on-error") == 0) settings.goesOn = true;
     settings.retries = parseNumber("--retries", texts.retries, 0, kMostRetries);
     settings.pause = kPause;
+}
+
+std::filesystem::path reportOfShard(const std::filesystem::path& report, const Shard& shard) {
+    if (const std::optional<FramePattern> pattern = FramePattern::parse(report.string()))
+        return pattern->pathOf(static_cast<std::int32_t>(shard.number));
+    if (shard.count == 1) return report;
+    throw UsageError(fmt::format(
+        "all tasks would write the one report \"{}\"; give its name a place for the task's number, "
+        "like report.##.json",
+        report.string()));
 }
 
 }  // namespace perch

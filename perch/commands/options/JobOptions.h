@@ -7,6 +7,7 @@
 #include "ExistingFrames.h"
 #include "ProgressForm.h"
 #include "RenderJob.h"
+#include "Shard.h"
 
 namespace CLI {
 class App;
@@ -43,5 +44,9 @@ void addJobOptions(CLI::App& app, JobTexts& texts);
 // Both throw UsageError with what was expected. `app` has met the options.
 JobOptions parseJobOptions(const JobTexts& texts);
 void takeFailureOptions(const CLI::App& app, const JobTexts& texts, RenderSettings& settings);
+
+// The file of the shard's task where --report has this name, in which the shard's number takes the place of a
+// frame's. Throws UsageError where the name has none and several tasks would write the one file.
+std::filesystem::path reportOfShard(const std::filesystem::path& report, const Shard& shard);
 
 }  // namespace perch

@@ -11,7 +11,6 @@
 
 #include "CommandLine.h"
 #include "Error.h"
-#include "FramePattern.h"
 #include "JobOptions.h"
 #include "NearestName.h"
 #include "PF_Values.h"
@@ -257,13 +256,6 @@ PlanUse planUse(const Texts& texts) {
     return texts.wantsJson ? PlanUse::PrintJson : PlanUse::PrintText;
 }
 
-// Each task writes its own.
-void takeReportOfShard(RenderOptions& options) {
-    if (!options.names.shard) return;
-    if (const std::optional<FramePattern> pattern = FramePattern::parse(options.job.report.string()))
-        options.job.report = pattern->pathOf(static_cast<std::int32_t>(options.names.shard->number));
-}
-
 }  // namespace
 
 const std::vector<std::string>& renderOptionNames() {
@@ -303,7 +295,8 @@ RenderOptions parseRenderOptions(const std::vector<std::string>& arguments) {
     takeSequenceOptions(app, texts.sequence, options.names);
     options.job = parseJobOptions(texts.job);
     takeFailureOptions(app, texts.job, options.settings);
-    takeReportOfShard(options);
+    if (options.names.shard && !options.job.report.empty())
+        options.job.report = reportOfShard(options.job.report, *options.names.shard);
     options.settings.quality = parseQuality(texts.quality);
     options.settings.smart = parseSmart(texts.smart);
     options.settings.downsample = parseDownsample(texts.downsample);

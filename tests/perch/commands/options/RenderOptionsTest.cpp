@@ -44,6 +44,27 @@ TEST(RenderOptionsTest, DocumentHasEveryOptionAndNoOther) {
     EXPECT_EQ(documentedOptions(), names);
 }
 
+TEST(RenderOptionsTest, EachShardHasAReportOfItsOwn) {
+    const struct {
+        const char* shard;
+        const char* report;
+        const char* file;
+    } cases[] = {
+        {"2/8", "report.##.json", "report.02.json"},
+        {"120/200", "all/report.%d.json", "all/report.120.json"},
+        {"1/1", "report.json", "report.json"},
+        {"3/3", "", ""},
+    };
+    for (const auto& [shard, report, file] : cases) {
+        std::vector<std::string> arguments = withPictures("--shard", shard);
+        arguments.insert(arguments.end(), {"--report", report});
+        EXPECT_EQ(parseRenderOptions(arguments).job.report, file);
+    }
+    std::vector<std::string> arguments = withPictures("--shard", "1/2");
+    arguments.insert(arguments.end(), {"--report", "report.json"});
+    EXPECT_THROW(parseRenderOptions(arguments), UsageError) << "the other would replace it";
+}
+
 TEST(RenderOptionsTest, ThreadsGoToTheEffect) {
     for (const int threads : {0, 1, 3, 1024}) {
         const std::string text = std::to_string(threads);
