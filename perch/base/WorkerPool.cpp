@@ -5,7 +5,6 @@
 #include <unistd.h>
 #endif
 
-#include <algorithm>
 #include <utility>
 
 namespace perch {
@@ -14,14 +13,9 @@ namespace {
 // Set while this thread runs iterations of some pool.
 thread_local bool isIterating = false;
 
-int resolveThreadCount(int requested) {
-    if (requested > 0) return requested;
-    return std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
-}
-
 }  // namespace
 
-WorkerPool::WorkerPool(int threads) : threads(resolveThreadCount(threads)) {}
+WorkerPool::WorkerPool(int threads, ThreadBudget* budget) : threads(threadsMeant(threads)), budget(budget) {}
 
 WorkerPool::~WorkerPool() {
     {
@@ -47,12 +41,13 @@ void WorkerPool::run(std::int32_t iterations, const Task& body) {
         task = &body;
         count = iterations;
         next = 0;
-        busy = static_cast<int>(workers.size());
+        isOpen = true;
         ++generation;
     }
     wake.notify_all();
     takeIterations(0);
     std::unique_lock lock(mutex);
+    isOpen = false;
     done.wait(lock, [this] { return busy == 0; });
     if (failure != nullptr) std::rethrow_exception(std::exchange(failure, nullptr));
 }
@@ -76,9 +71,15 @@ void WorkerPool::work(std::int32_t thread) {
     systemNumbers.insert(gettid());
 #endif
     for (;;) {
-        wake.wait(lock, [&] { return isStopping || generation != seen; });
+        wake.wait(lock, [&] { return isStopping || (isOpen && generation != seen); });
         if (isStopping) return;
+        lock.unlock();
+        const ThreadShare share(budget);
+        lock.lock();
+        // The run may have ended while others were at work.
+        if (!isOpen || generation == seen) continue;
         seen = generation;
+        ++busy;
         lock.unlock();
         takeIterations(thread);
         lock.lock();

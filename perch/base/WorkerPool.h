@@ -1,5 +1,6 @@
 // Threads that stay for the life of the effect and share out the iterations of one call.
-// The calling thread takes part as thread 0. A call from within an iteration runs on its own thread alone.
+// The calling thread takes part as thread 0, whatever a budget leaves; the others take part where it leaves
+// them a share. A call from within an iteration runs on its own thread alone.
 #pragma once
 
 #include <atomic>
@@ -12,12 +13,15 @@
 #include <thread>
 #include <vector>
 
+#include "ThreadBudget.h"
+
 namespace perch {
 
 class WorkerPool {
 public:
     // Threads that take part, the caller included; 0: one per processor. The threads start at the first run.
-    explicit WorkerPool(int threads);
+    // A budget outlives the pool.
+    explicit WorkerPool(int threads, ThreadBudget* budget = nullptr);
     ~WorkerPool();
     WorkerPool(const WorkerPool&) = delete;
     WorkerPool& operator=(const WorkerPool&) = delete;
@@ -36,13 +40,15 @@ private:
     void takeIterations(std::int32_t thread) noexcept;
 
     const int threads;
+    ThreadBudget* const budget;
     std::vector<std::thread> workers;
     std::mutex runMutex;       // held by the call that the workers serve
     mutable std::mutex mutex;  // guards what follows
     std::condition_variable wake;
     std::condition_variable done;
     std::uint64_t generation = 0;
-    int busy = 0;
+    bool isOpen = false;  // a run that has iterations left
+    int busy = 0;         // workers that take part in it
     bool isStopping = false;
     const Task* task = nullptr;
     std::exception_ptr failure;  // the first of the run

@@ -76,10 +76,11 @@ struct Audience {
     std::optional<ReportFile> report;
 };
 
-// `audience` outlives the effect.
-HostOptions hostOptions(const LoadOptions& options, Audience& audience) {
+// `audience` and the budget outlive the effect.
+HostOptions hostOptions(const LoadOptions& options, ThreadBudget* budget, Audience& audience) {
     HostOptions host;
     host.threads = options.threads;
+    host.budget = budget;
     host.strict = options.strict;
     host.application = options.application;
     host.onMessage = [&audience](std::string_view command, std::string_view message) {
@@ -97,7 +98,7 @@ int printHelp(const LoadOptions& options) {
         return kDone;
     }
     Audience audience({.progress = ProgressForm::None});
-    Effect effect(bundle, hostOptions(options, audience));
+    Effect effect(bundle, hostOptions(options, nullptr, audience));
     effect.close();
     printResult(renderHelp(&effect.description()));
     return kDone;
@@ -253,7 +254,8 @@ int runRenderCommand(const std::vector<std::string>& arguments) {
     Audience audience(options.job);
     JobDisplay& display = audience.display;
     const std::filesystem::path bundle = chooseBundle(options.load.plugin);
-    Effect effect(bundle, hostOptions(options.load, audience));
+    ThreadBudget budget(threadsMeant(options.load.threads));
+    Effect effect(bundle, hostOptions(options.load, &budget, audience));
     const ParameterArguments parameters = parseParameterArguments(arguments, effect.description().parameters);
     FramePlan plan = planFrames(options.names, parameters.layers);
     if (options.job.isFed && !plan.isSequence)
@@ -263,6 +265,7 @@ int runRenderCommand(const std::vector<std::string>& arguments) {
     display.tellNotes(plan.notes);
     RenderSettings settings = options.settings;
     settings.layers = parameters.readings;
+    settings.budget = &budget;
     if (options.hasProvenance) {
         settings.encoding.software =
             fmt::format("perch {}, {}:{}", PERCH_VERSION, effect.description().name, parameters.given);

@@ -181,7 +181,9 @@ int runSheetCommand(const Arguments& arguments) {
     whereabouts().limit = options.frameLimit.count();
     pictures::keepStartFolder();
     HostOptions host;
+    ThreadBudget budget(threadsMeant(options.load.threads));
     host.threads = options.load.threads;
+    host.budget = &budget;
     host.application = options.load.application;
     JobDisplay display(ProgressForm::None, options.job.isQuiet);
     host.onMessage = [&display](std::string_view command, std::string_view message) {
@@ -204,6 +206,7 @@ int runSheetCommand(const Arguments& arguments) {
     requireWritable(output, plan);
     RenderSettings settings = options.settings;
     settings.layers = parameters.readings;
+    settings.budget = &budget;
     settings.variants = variantsOf(axes);
 
     const Labels labels(plan, parameterOptions, parameters.curves, settings.variants);

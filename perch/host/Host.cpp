@@ -74,7 +74,7 @@ Host::Host(PF_EntryPoint entryPoint, EffectDescription description, HostOptions 
       options(std::move(options)),
       description(std::move(description)),
       ledger(this->options.strict),
-      pool(this->options.threads),
+      pool(this->options.threads, this->options.budget),
       entryPoint(entryPoint),
       tables(tables),
       process(ledger, tables, std::move(watch)) {

@@ -10,6 +10,7 @@
 #include "PF_Entry.h"
 #include "PF_Values.h"
 #include "PiPL.h"
+#include "ThreadBudget.h"
 
 namespace perch {
 
@@ -29,8 +30,9 @@ struct SuiteName {
 constexpr A_AppID kPerchApplication = static_cast<A_AppID>(PF_FOUR_CC('p', 'r', 'c', 'h'));
 
 struct HostOptions {
-    int threads = 0;      // workers of the iterate calls, the calling thread included; 0: one per processor
-    bool strict = false;  // account for everything the effect does; see Effect::findings
+    int threads = 0;  // workers of the iterate calls, the calling thread included; 0: one per processor
+    ThreadBudget* budget = nullptr;  // which the workers share with the program; outlives the effect
+    bool strict = false;             // account for everything the effect does; see Effect::findings
     PF_SpecVersion interfaceVersion{PF_INTERFACE_MAJOR, PF_INTERFACE_MINOR};
     A_AppID application = kPerchApplication;
     bool offersSuites = true;               // else pica_basicP is null

@@ -174,6 +174,7 @@ private:
         Step<std::invoke_result_t<F>> step;
         for (;; ++step.retries) {
             try {
+                const ThreadShare share(settings.budget);
                 const StepTimer timer(clock, sum, step.time);
                 step.result.emplace(body());
                 return step;

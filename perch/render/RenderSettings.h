@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <vector>
@@ -13,6 +14,7 @@
 #include "ParameterSetting.h"
 #include "SmartUse.h"
 #include "StillLayers.h"
+#include "ThreadBudget.h"
 
 namespace perch {
 
@@ -35,7 +37,9 @@ struct RenderSettings {
     // So many frames at most are read ahead, and so many wait to be written; beside the one that renders,
     // they are all that is in memory.
     std::size_t framesAhead = 1;
-    bool goesOn = false;  // past a frame that fails
+    std::optional<std::int64_t> memory;  // bytes for the pictures of all frames at once; absent: any
+    ThreadBudget* budget = nullptr;  // of reading, rendering and writing together; the effect has it as well
+    bool goesOn = false;             // past a frame that fails
     // So often reading, rendering or writing a frame is tried again; files, which may be on a server, after a
     // pause.
     int retries = 0;

@@ -152,10 +152,8 @@ void takeLimits(const Texts& texts, RenderOptions& options) {
 // One frame for each thread of the effect, so that reading and writing keep up with it; no more than this,
 // for the sake of memory.
 std::size_t framesAheadFor(int threads) {
-    constexpr unsigned kMostFramesAhead = 8;
-    const unsigned wanted =
-        threads > 0 ? static_cast<unsigned>(threads) : std::thread::hardware_concurrency();
-    return std::clamp(wanted, 1U, kMostFramesAhead);
+    constexpr int kMostFramesAhead = 8;
+    return static_cast<std::size_t>(std::min(threadsMeant(threads), kMostFramesAhead));
 }
 
 void addOwnOptions(CLI::App& app, Texts& texts) {
@@ -176,7 +174,8 @@ void addOwnOptions(CLI::App& app, Texts& texts) {
         ->type_name("FILE");
     app.add_option("--plugin", texts.plugin, "the effect; without it, the only one beside the program")
         ->type_name("BUNDLE");
-    app.add_option("--threads", texts.threads, "worker threads; 0 for one per processor (default 0)")
+    app.add_option("--threads", texts.threads,
+                   "at work at once, reading, rendering and writing; 0 for one per processor (default 0)")
         ->type_name("N");
     app.add_option(
            "--compression", texts.compression,

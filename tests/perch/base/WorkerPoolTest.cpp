@@ -50,6 +50,33 @@ TEST_P(WorkerPoolTest, RunWithinARunStaysOnItsThread) {
     EXPECT_EQ(strayed, 0);
 }
 
+TEST(WorkerPoolBudgetTest, WorkersTakePartWhereTheBudgetLeavesAShare) {
+    ThreadBudget budget(1);
+    WorkerPool pool(4, &budget);
+    std::set<std::int32_t> threads;
+    {
+        const ThreadShare caller(&budget);
+        pool.run(100, [&](std::int32_t thread, std::int32_t) { threads.insert(thread); });
+    }
+    EXPECT_EQ(threads, std::set<std::int32_t>{0});
+    // One is left over, so that a second thread works: the caller's first iteration waits for one of another
+    // thread's.
+    std::atomic<int> atWork{0};
+    std::atomic<int> most{0};
+    std::atomic<bool> hasHelp{false};
+    pool.run(100, [&](std::int32_t thread, std::int32_t) {
+        const int now = ++atWork;
+        for (int before = most; before < now && !most.compare_exchange_weak(before, now);) {
+        }
+        if (thread != 0) hasHelp = true;
+        while (thread == 0 && !hasHelp)
+            std::this_thread::yield();
+        --atWork;
+    });
+    EXPECT_TRUE(hasHelp);
+    EXPECT_LE(most, 2);
+}
+
 TEST_P(WorkerPoolTest, ExceptionComesBackToTheCallerAndThePoolGoesOn) {
     WorkerPool pool(GetParam());
     const auto throwAtTen = [](std::int32_t, std::int32_t i) {

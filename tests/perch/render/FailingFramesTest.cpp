@@ -141,6 +141,18 @@ TEST_F(FailingFramesTest, FilesAreTriedAgainAsOftenAsWanted) {
     EXPECT_EQ(ends[2].retries, 0);
 }
 
+// Whatever waits for a thread, the job comes to its end.
+TEST_F(FailingFramesTest, OneThreadDoesEverythingInTurn) {
+    ThreadBudget budget(1);
+    settings.budget = &budget;
+    settings.framesAhead = 8;
+    settings.goesOn = true;
+    damageInputOf(2);
+    render();
+    EXPECT_THAT(states(), ElementsAre("1 done", "2 failed", "3 done", "4 done", "5 done"));
+    const ThreadShare free(&budget);
+}
+
 TEST_F(FailingFramesTest, CancelEndsAJobThatGoesOn) {
     settings.goesOn = true;
     settings.retries = 9;
