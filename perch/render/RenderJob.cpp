@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <limits>
 #include <memory>
 #include <numeric>
 #include <thread>
@@ -12,6 +13,7 @@
 
 #include "Error.h"
 #include "Fingerprint.h"
+#include "FramePictures.h"
 #include "GivenValues.h"
 #include "LayerReader.h"
 #include "OrderedTasks.h"
@@ -26,16 +28,6 @@ namespace perch {
 namespace {
 
 namespace fs = std::filesystem;
-
-// What a frame is rendered from, and the form in which it is written.
-struct FramePictures {
-    std::shared_ptr<const FileWorld> input;
-    LayerWorlds layers{};
-    // Of the input where it has been made smaller; else 0.
-    std::int32_t fullWidth = 0;
-    std::int32_t fullHeight = 0;
-    OutputFormat output;
-};
 
 // A step of a frame, done or failed, with what it adds to the frame's account.
 template <typename T>
@@ -59,11 +51,6 @@ std::string messageOf(const std::exception_ptr& error) {
     } catch (const Error& known) {
         return known.what();
     }
-}
-
-void requireDepth(const Effect& effect, const World& input) {
-    if (!input.isDeep() || effect.supportsDeepColor()) return;
-    throw EffectFault("the effect does not declare 16 bits per channel; render with --depth 8");
 }
 
 // One run through a plan. Reading and writing tasks share only what is const or guarded.
@@ -141,11 +128,14 @@ private:
 
     void run(std::size_t index) {
         readAhead();
+        // Frames that are being written may have taken all the memory.
+        for (; reads.isEmpty(); readAhead())
+            takeEnd();
         throwIfCancelled(index);
         Step<FramePictures> pictures = reads.next();
         readAhead();
         FrameEnd end{.index = index, .retries = pictures.retries, .decodeTime = pictures.time};
-        if (pictures.error == nullptr) pictures.error = errorOfForm(index, *pictures.result);
+        if (pictures.error == nullptr) pictures.error = errorOfPictures(index, *pictures.result);
         if (pictures.error != nullptr) return endFailed(end, pictures.error);
         if (watch.frameBegins) watch.frameBegins(index);
         tellTheUsersChoices(pictures.result->input->pixels);
@@ -165,6 +155,7 @@ private:
             throwIfCancelled(index);
             watch.takesPicture(rendered.result->picture);
         }
+        --inFlight;
     }
 
     // Does `body` until it does not fail, as often as the settings say. `pause` is before each further time.
@@ -193,7 +184,8 @@ private:
     }
 
     void readAhead() {
-        for (; !reads.isFull() && nextRead < order.size(); ++nextRead) {
+        for (; !reads.isFull() && inFlight < mostInFlight && nextRead < order.size(); ++nextRead) {
+            ++inFlight;
             reads.start([this, index = order[nextRead]] {
                 return tried(CLOCK_THREAD_CPUTIME_ID, report.decodeTime, settings.pause,
                              [&] { return named(index, [&] { return read(index); }); });
@@ -223,7 +215,8 @@ private:
             layerReader.compareSizes(*picture, *layerPicture, plan.stillLayers.at(layer), index + 1);
         pictures.input =
             std::make_shared<const FileWorld>(resized(worldOf(picture, depth, transferFor(*picture)), scale));
-        requireDepth(effect, pictures.input->pixels);
+        if (depth == Depth::Bits16 && !effect.supportsDeepColor())
+            throw EffectFault("the effect does not declare 16 bits per channel; render with --depth 8");
         if (settings.resizes) {
             pictures.fullWidth = picture->width;
             pictures.fullHeight = picture->height;
@@ -248,9 +241,23 @@ private:
             index + 1);
     }
 
-    std::exception_ptr errorOfForm(std::size_t index, const FramePictures& pictures) {
+    // Its first frame shows how many of a shot there is memory for.
+    void takeMemory(const FramePictures& pictures) {
+        if (!settings.memory) return;
+        const std::int64_t bytes = bytesOf(pictures);
+        mostInFlight = static_cast<std::size_t>(std::max<std::int64_t>(*settings.memory / bytes, 1));
+        if (bytes <= *settings.memory) return;
+        throw InputError(fmt::format(
+            "its pictures take {} MB, and --max-memory allows {}; make them smaller, or allow more",
+            (bytes >> 20) + 1, *settings.memory >> 20));
+    }
+
+    std::exception_ptr errorOfPictures(std::size_t index, const FramePictures& pictures) {
         try {
-            named(index, [&] { form.require(plan.frames[index], *pictures.input, pictures.layers); });
+            named(index, [&] {
+                takeMemory(pictures);
+                form.require(plan.frames[index], *pictures.input, pictures.layers);
+            });
         } catch (const Error&) {
             return std::current_exception();
         }
@@ -345,6 +352,7 @@ private:
 
     void takeEnd() {
         EndingFrame frame = writes.next();
+        --inFlight;
         if (frame.isCancelled) {
             if (!firstCancelled) firstCancelled = frame.end.index;
             return;
@@ -383,8 +391,10 @@ private:
     GivenValues values{effect, parameters, layersSetByUser(plan), settings.downsample};
     bool knowsTheUsersChoices = false;
     ShotForm form;
-    std::vector<std::size_t> order;             // of the frames under way, by their places in the plan
-    std::size_t nextRead = 0;                   // in the order
+    std::vector<std::size_t> order;  // of the frames under way, by their places in the plan
+    std::size_t nextRead = 0;        // in the order
+    std::size_t inFlight = 0;        // frames of which anything is in memory
+    std::size_t mostInFlight = settings.memory ? 1 : std::numeric_limits<std::size_t>::max();
     bool hasFailure = false;                    // of a frame
     std::exception_ptr firstError;              // in the order of the frames
     std::optional<std::size_t> firstCancelled;  // of the frames that were being written

@@ -138,7 +138,8 @@ void takeCompression(const std::string& text, pictures::EncodingOptions& encodin
     encoding.compression = parseNumber("--compression", text, 0, kMostCompression);
 }
 
-// What is read ahead, rendered and written at once shares the memory: each frame's input and one layer.
+// A picture may take half, as the output has as many samples; how many frames there is room for, the first
+// one shows.
 void takeLimits(const Texts& texts, RenderOptions& options) {
     constexpr int kMost = std::numeric_limits<int>::max();
     RenderSettings& settings = options.settings;
@@ -146,7 +147,8 @@ void takeLimits(const Texts& texts, RenderOptions& options) {
         settings.reading.pixels = parseNumber("--max-pixels", texts.mostPixels, 1, kMost);
     if (texts.mostMemory.empty()) return;
     options.memory = std::int64_t{parseNumber("--max-memory", texts.mostMemory, 1, kMost)} << 20;
-    settings.reading.bytes = *options.memory / static_cast<std::int64_t>(2 * (2 * settings.framesAhead + 1));
+    settings.memory = options.memory;
+    settings.reading.bytes = *options.memory / 2;
 }
 
 // One frame for each thread of the effect, so that reading and writing keep up with it; no more than this,
@@ -188,7 +190,9 @@ void addOwnOptions(CLI::App& app, Texts& texts) {
                    "that a picture read may have, against files that claim too much (default 268435456)")
         ->type_name("N");
     app.add_option("--max-memory", texts.mostMemory,
-                   "for the samples of all pictures that are in memory at once, in MB (default: any)")
+                   "for the pictures of all frames that are in memory at once, in MB; fewer are read ahead "
+                   "where it is "
+                   "short (default: any)")
         ->type_name("MB");
     app.add_flag("--no-provenance", texts.hasNoProvenance,
                  "do not tell in the files written which program and parameters made them");

@@ -85,7 +85,7 @@ void requireMemory(const ClaimedPicture& picture, std::int64_t heldBeside, const
     if (samples + heldBeside > options.bytes) {
         throw PictureError(
             fmt::format("its {} x {} pixels take more memory than --max-memory leaves to each "
-                        "picture, {} MB; make it smaller, allow more, or use fewer --threads",
+                        "picture, {} MB; make it smaller, or allow more",
                         picture.width, picture.height, options.bytes >> 20));
     }
 }

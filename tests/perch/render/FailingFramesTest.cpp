@@ -153,6 +153,23 @@ TEST_F(FailingFramesTest, OneThreadDoesEverythingInTurn) {
     const ThreadShare free(&budget);
 }
 
+// A frame of one pixel takes 16 bytes: its codes and samples, before and after.
+TEST_F(FailingFramesTest, FramesInMemoryAreAsManyAsThereIsRoomFor) {
+    settings.framesAhead = 8;
+    settings.memory = 31;
+    watch.frameBegins = [&](std::size_t index) { EXPECT_EQ(ends.size(), index); };
+    render();
+    EXPECT_EQ(ends.size(), 5U);
+    settings.memory = 15;
+    try {
+        render();
+        ADD_FAILURE() << "nothing was thrown";
+    } catch (const Error& error) {
+        EXPECT_EQ(error.status(), kBadInput);
+        EXPECT_THAT(error.what(), HasSubstr("frame 1: its pictures take 1 MB, and --max-memory allows 0"));
+    }
+}
+
 TEST_F(FailingFramesTest, CancelEndsAJobThatGoesOn) {
     settings.goesOn = true;
     settings.retries = 9;
