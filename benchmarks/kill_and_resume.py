@@ -15,7 +15,7 @@ TIMES_OF_A_RUN = {"begin", "seconds", "outputTime", "decodeSeconds", "renderSeco
 
 def command(perch, shot):
     return [perch, "render", "-i", f"{shot}/beauty.####.png", "--control-layer", f"{shot}/depth.####.png",
-            "-o", "out.####.png", "--focal-point", "1:20,24:70:smooth", "--maximum-blur", "40", "--blur-type", "Fine",
+            "-o", "out.####.png", "--focal-point", "1:20,24:70:smooth", "--maximum-blur", "40", "--blur-type", "Fine", "--depth", "16",
             "--report", "report.json", "--existing", "skip", "-q"]
 
 
