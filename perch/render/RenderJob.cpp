@@ -20,6 +20,7 @@
 #include "PF_Values.h"
 #include "Sequence.h"
 #include "ShotForm.h"
+#include "Step.h"
 #include "StepTimer.h"
 #include "StillLayers.h"
 #include "Whereabouts.h"
@@ -29,29 +30,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A step of a frame, done or failed, with what it adds to the frame's account.
-template <typename T>
-struct Step {
-    std::optional<T> result{};
-    std::exception_ptr error{};  // an Error
-    int retries = 0;
-    std::chrono::nanoseconds time{0};
-};
-
 // A frame on its way to its end.
 struct EndingFrame {
     FrameEnd end;
     std::exception_ptr error{};
     bool isCancelled = false;  // neither done nor failed
 };
-
-std::string messageOf(const std::exception_ptr& error) {
-    try {
-        std::rethrow_exception(error);
-    } catch (const Error& known) {
-        return known.what();
-    }
-}
 
 // One run through a plan. Reading and writing tasks share only what is const or guarded.
 class Job {
