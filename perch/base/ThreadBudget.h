@@ -1,11 +1,15 @@
-// How many threads of a job are at work at once, whatever they do: in the effect, reading or writing. Any
-// thread.
+// How many threads of a job are at work at once, whatever they do: in the effect, reading or writing. Whoever
+// asks first is first, so that nothing waits for ever, and a frame is written before a later one renders
+// where there is one thread for both. Any thread.
 #pragma once
 
 #include <algorithm>
 #include <condition_variable>
+#include <cstdint>
 #include <mutex>
+#include <set>
 #include <thread>
+#include <utility>
 
 namespace perch {
 
@@ -18,32 +22,71 @@ class ThreadBudget {
 public:
     explicit ThreadBudget(int threads) : free(threads) {}
 
-    // Waits until one may be at work.
-    void take() {
+private:
+    friend class ThreadTurn;
+    friend class ThreadShare;
+
+    std::uint64_t queue() {
+        const std::lock_guard lock(mutex);
+        waiting.insert(++lastPlace);
+        return lastPlace;
+    }
+    void leave(std::uint64_t place) {
+        const std::lock_guard lock(mutex);
+        waiting.erase(place);
+        changed.notify_all();
+    }
+    void take(std::uint64_t place) {
         std::unique_lock lock(mutex);
-        given.wait(lock, [this] { return free > 0; });
+        changed.wait(lock, [this, place] { return free > 0 && *waiting.begin() == place; });
+        waiting.erase(place);
         --free;
+        changed.notify_all();
     }
     void give() {
-        {
-            const std::lock_guard lock(mutex);
-            ++free;
-        }
-        given.notify_one();
+        const std::lock_guard lock(mutex);
+        ++free;
+        changed.notify_all();
     }
 
-private:
     std::mutex mutex;
-    std::condition_variable given;
+    std::condition_variable changed;
+    std::set<std::uint64_t> waiting;  // places in the queue
+    std::uint64_t lastPlace = 0;
     int free;
 };
 
-// This thread is at work for as long as the object lives. Without a budget any number may be.
+// A place in the queue, which may be taken on one thread and used on another. It must be used or given up:
+// those behind it wait. Without a budget nobody waits.
+class ThreadTurn {
+public:
+    explicit ThreadTurn(ThreadBudget* budget)
+        : budget(budget), place(budget != nullptr ? budget->queue() : 0) {}
+    ThreadTurn(ThreadTurn&& other) noexcept
+        : budget(std::exchange(other.budget, nullptr)), place(other.place) {}
+    ThreadTurn& operator=(ThreadTurn&& other) noexcept {
+        std::swap(budget, other.budget);
+        std::swap(place, other.place);
+        return *this;
+    }
+    ~ThreadTurn() {
+        if (budget != nullptr) budget->leave(place);
+    }
+
+private:
+    friend class ThreadShare;
+
+    ThreadBudget* budget;
+    std::uint64_t place;
+};
+
+// This thread is at work for as long as the object lives; to begin with, it waits for its turn.
 class ThreadShare {
 public:
-    explicit ThreadShare(ThreadBudget* budget) : budget(budget) {
-        if (budget != nullptr) budget->take();
+    explicit ThreadShare(ThreadTurn turn) : budget(std::exchange(turn.budget, nullptr)) {
+        if (budget != nullptr) budget->take(turn.place);
     }
+    explicit ThreadShare(ThreadBudget* budget) : ThreadShare(ThreadTurn(budget)) {}
     ~ThreadShare() {
         if (budget != nullptr) budget->give();
     }

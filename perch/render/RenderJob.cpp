@@ -142,14 +142,15 @@ private:
         --inFlight;
     }
 
-    // Does `body` until it does not fail, as often as the settings say. `pause` is before each further time.
+    // Does `body` when its turn comes, and until it does not fail, as often as the settings say. `pause` is
+    // before each further time.
     template <typename F>
-    auto tried(clockid_t clock, RenderReport::Time& sum, std::chrono::milliseconds pause,
+    auto tried(ThreadTurn turn, clockid_t clock, RenderReport::Time& sum, std::chrono::milliseconds pause,
                const F& body) const {
         Step<std::invoke_result_t<F>> step;
         for (;; ++step.retries) {
             try {
-                const ThreadShare share(settings.budget);
+                const ThreadShare share(std::move(turn));
                 const StepTimer timer(clock, sum, step.time);
                 step.result.emplace(body());
                 return step;
@@ -164,14 +165,15 @@ private:
                 }
             }
             std::this_thread::sleep_for(pause);
+            turn = ThreadTurn(settings.budget);
         }
     }
 
     void readAhead() {
         for (; !reads.isFull() && inFlight < mostInFlight && nextRead < order.size(); ++nextRead) {
             ++inFlight;
-            reads.start([this, index = order[nextRead]] {
-                return tried(CLOCK_THREAD_CPUTIME_ID, report.decodeTime, settings.pause,
+            reads.start([this, index = order[nextRead], turn = ThreadTurn(settings.budget)]() mutable {
+                return tried(std::move(turn), CLOCK_THREAD_CPUTIME_ID, report.decodeTime, settings.pause,
                              [&] { return named(index, [&] { return read(index); }); });
             });
         }
@@ -262,7 +264,8 @@ private:
         FrameRequest request = requestFor(index, pictures);
         for (const ParameterSetting& setting : variant)
             applySetting(setting, request.values, settings.downsample);
-        return tried(CLOCK_MONOTONIC, report.renderTime, {}, [&] { return sequence.render(request); });
+        return tried(ThreadTurn(settings.budget), CLOCK_MONOTONIC, report.renderTime, {},
+                     [&] { return sequence.render(request); });
     }
 
     void tellTheUsersChoices(const World& input) {
@@ -297,7 +300,7 @@ private:
 
     void startWriting(const FrameEnd& rendered, RenderedFrame result, const FramePictures& pictures) {
         startEnding([this, end = rendered, input = pictures.input, output = pictures.output,
-                     result = std::move(result)]() mutable {
+                     result = std::move(result), turn = ThreadTurn(settings.budget)]() mutable {
             output.encoding.checkpoint = [&] { throwIfCancelled(end.index); };
             const auto write = [&] {
                 const fs::path& path = plan.frames[end.index].output;
@@ -306,8 +309,8 @@ private:
                 return true;
             };
             try {
-                const Step<bool> written = tried(CLOCK_THREAD_CPUTIME_ID, report.encodeTime, settings.pause,
-                                                 [&] { return named(end.index, write); });
+                const Step<bool> written = tried(std::move(turn), CLOCK_THREAD_CPUTIME_ID, report.encodeTime,
+                                                 settings.pause, [&] { return named(end.index, write); });
                 end.retries += written.retries;
                 end.encodeTime = written.time;
                 if (written.error == nullptr) {

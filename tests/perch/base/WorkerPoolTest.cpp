@@ -3,9 +3,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
+#include <future>
 #include <numeric>
+#include <optional>
 #include <set>
 #include <stdexcept>
+#include <thread>
+#include <utility>
+#include <vector>
 
 namespace perch::test {
 namespace {
@@ -64,17 +71,37 @@ TEST(WorkerPoolBudgetTest, WorkersTakePartWhereTheBudgetLeavesAShare) {
     std::atomic<int> atWork{0};
     std::atomic<int> most{0};
     std::atomic<bool> hasHelp{false};
+    const auto latest = std::chrono::steady_clock::now() + std::chrono::seconds(30);
     pool.run(100, [&](std::int32_t thread, std::int32_t) {
         const int now = ++atWork;
         for (int before = most; before < now && !most.compare_exchange_weak(before, now);) {
         }
         if (thread != 0) hasHelp = true;
-        while (thread == 0 && !hasHelp)
+        while (thread == 0 && !hasHelp && std::chrono::steady_clock::now() < latest)
             std::this_thread::yield();
         --atWork;
     });
     EXPECT_TRUE(hasHelp);
     EXPECT_LE(most, 2);
+}
+
+TEST(ThreadBudgetTest, WhoeverAsksFirstIsFirst) {
+    ThreadBudget budget(1);
+    std::vector<int> order;
+    std::optional<ThreadTurn> given(&budget);
+    ThreadTurn first(&budget);
+    ThreadTurn second(&budget);
+    std::future<void> later = std::async(std::launch::async, [&order, turn = std::move(second)]() mutable {
+        const ThreadShare share(std::move(turn));
+        order.push_back(2);
+    });
+    given.reset();  // nobody waits for a turn that is given up
+    {
+        const ThreadShare share(std::move(first));
+        order.push_back(1);
+    }
+    later.get();
+    EXPECT_THAT(order, testing::ElementsAre(1, 2));
 }
 
 TEST_P(WorkerPoolTest, ExceptionComesBackToTheCallerAndThePoolGoesOn) {

@@ -78,11 +78,12 @@ TEST(RenderOptionsTest, FramesAheadFollowTheThreadsUpToEight) {
     EXPECT_EQ(parsed("--threads", "1024").settings.framesAhead, 8U);
 }
 
-TEST(RenderOptionsTest, MemoryIsSharedByThePicturesAtOnce) {
+TEST(RenderOptionsTest, MemoryIsSharedByThePicturesOfAFrame) {
     std::vector<std::string> arguments = withPictures("--max-memory", "600");
     arguments.insert(arguments.end(), {"--threads", "1", "--max-pixels", "5000"});
     const RenderOptions options = parseRenderOptions(arguments);
-    EXPECT_EQ(options.settings.reading.bytes, std::int64_t{100} << 20);  // input and layer of three frames
+    EXPECT_EQ(options.settings.reading.bytes, std::int64_t{300} << 20);  // its input and its layer
+    EXPECT_EQ(options.settings.memory, std::int64_t{600} << 20);
     EXPECT_EQ(options.settings.reading.pixels, 5000);
 }
 
