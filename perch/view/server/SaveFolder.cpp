@@ -37,10 +37,21 @@ void requirePlainName(const std::string& name) {
     throw Error(fmt::format("cannot write \"{}\": {}", name, std::generic_category().message(errno)));
 }
 
+// A disk that is nearly full takes a part, and says why only when it is given the rest.
+bool writeAll(int file, std::string_view text) {
+    while (!text.empty()) {
+        const ssize_t written = write(file, text.data(), text.size());
+        if (written < 0 && errno == EINTR) continue;
+        if (written <= 0) return false;
+        text.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return true;
+}
+
 }  // namespace
 
 SaveFolder::SaveFolder(const std::string& path)
-    : path(path), folder(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+    : folder(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
     if (folder < 0)
         throw Error(fmt::format("cannot save to \"{}\": {}; give --save-folder a folder that is there", path,
                                 std::generic_category().message(errno)));
@@ -53,6 +64,7 @@ SaveFolder::~SaveFolder() {
 // The name is renamed over in the folder that was opened, so that no link is ever followed.
 void SaveFolder::save(const std::string& name, std::string_view text) const {
     requirePlainName(name);
+    const std::lock_guard lock(saving);
     struct stat there {};
     if (fstatat(folder, name.c_str(), &there, AT_SYMLINK_NOFOLLOW) == 0 && !S_ISREG(there.st_mode))
         throw UsageError(fmt::format("\"{}\" is there and no plain file; choose another name", name));
@@ -61,11 +73,11 @@ void SaveFolder::save(const std::string& name, std::string_view text) const {
     const int file =
         openat(folder, temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
     if (file < 0) throwCannotWrite(name);
-    const bool isWritten = write(file, text.data(), text.size()) == static_cast<ssize_t>(text.size());
-    const bool isFlushed = isWritten && fsync(file) == 0;
-    close(file);
-    if (isFlushed && renameat(folder, temporary.c_str(), folder, name.c_str()) == 0) return;
-    const int reason = errno;
+    const bool isWritten = writeAll(file, text) && fsync(file) == 0;
+    int reason = isWritten ? 0 : errno;
+    if (close(file) != 0 && isWritten) reason = errno;
+    if (reason == 0 && renameat(folder, temporary.c_str(), folder, name.c_str()) == 0) return;
+    if (reason == 0) reason = errno;
     unlinkat(folder, temporary.c_str(), 0);
     errno = reason;
     throwCannotWrite(name);

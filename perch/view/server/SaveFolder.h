@@ -1,6 +1,7 @@
 // The folder in which the page may save presets, and nothing else.
 #pragma once
 
+#include <mutex>
 #include <string>
 #include <string_view>
 
@@ -16,11 +17,12 @@ public:
 
     // Replaces the file whole or not at all. Throws UsageError for what is not the plain name of a preset,
     // "look.json", or what is there and no plain file, a link above all; Error where it cannot be written.
+    // Any thread.
     void save(const std::string& name, std::string_view text) const;
 
 private:
-    const std::string path;
     const int folder;
+    mutable std::mutex saving;
 };
 
 }  // namespace perch

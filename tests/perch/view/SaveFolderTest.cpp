@@ -1,10 +1,14 @@
 #include "SaveFolder.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <thread>
+#include <vector>
 
 #include "Error.h"
 #include "TemporaryFolder.h"
@@ -55,6 +59,60 @@ TEST(SaveFolderTest, LinksAndFoldersAreLeftAlone) {
         EXPECT_THROW(saves.save(name, "{}"), UsageError) << name;
     EXPECT_EQ(textIn(parent / "secret.json"), "kept");
     EXPECT_FALSE(fs::exists(parent / "nothing.json"));
+}
+
+TEST(SaveFolderTest, SavesOfOneNameAtOnceLeaveOneOfThem) {
+    const TemporaryFolder folder;
+    const SaveFolder saves(folder.path.string());
+    std::vector<std::thread> threads;
+    for (const char letter : {'a', 'b', 'c', 'd'})
+        threads.emplace_back([&saves, letter] {
+            for (int i = 0; i < 50; ++i)
+                EXPECT_NO_THROW(saves.save("look.json", std::string(10'000, letter)));
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+    const std::string text = textIn(folder / "look.json");
+    EXPECT_EQ(text, std::string(10'000, text.front()));
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.path), {}), 1);
+}
+
+// Files may have ten bytes while it lives, which a write notices as it does a full disk: after a part.
+class SmallFiles {
+public:
+    SmallFiles() {
+        getrlimit(RLIMIT_FSIZE, &before);
+        const rlimit small{10, before.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &small);
+    }
+    ~SmallFiles() {
+        setrlimit(RLIMIT_FSIZE, &before);
+        std::signal(SIGXFSZ, handler);
+    }
+    SmallFiles(const SmallFiles&) = delete;
+    SmallFiles& operator=(const SmallFiles&) = delete;
+
+private:
+    void (*const handler)(int) = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit before{};
+};
+
+TEST(SaveFolderTest, WhatDoesNotFitIsToldAndLeavesNothing) {
+    const TemporaryFolder folder;
+    const SaveFolder saves(folder.path.string());
+    saves.save("look.json", "{}\n");
+    std::string sentence;
+    {
+        const SmallFiles small;
+        try {
+            saves.save("look.json", "longer than ten bytes");
+        } catch (const Error& error) {
+            sentence = error.what();
+        }
+    }
+    EXPECT_EQ(sentence, "cannot write \"look.json\": File too large");
+    EXPECT_EQ(textIn(folder / "look.json"), "{}\n");
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.path), {}), 1);
 }
 
 TEST(SaveFolderTest, AFolderThatIsNotThereIsRefused) {
