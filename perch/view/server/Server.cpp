@@ -12,6 +12,7 @@
 
 #include "Doorway.h"
 #include "Error.h"
+#include "HttpServer.h"
 
 namespace perch {
 namespace {
@@ -47,7 +48,9 @@ Caller callerOf(const httplib::Request& request) {
 }
 
 ViewRequest viewRequestOf(const httplib::Request& request) {
-    ViewRequest asked{.method = request.method, .path = request.path, .query = {}, .body = request.body};
+    // A head is a page's without its body, which the library leaves out.
+    const std::string method = request.method == "HEAD" ? "GET" : request.method;
+    ViewRequest asked{.method = method, .path = request.path, .query = {}, .body = request.body};
     for (const auto& [name, value] : request.params)
         asked.query[name] = value;
     return asked;
@@ -60,17 +63,12 @@ void refuse(httplib::Response& response, int status, const std::string& sentence
     response.set_content(sentence + "\n", "text/plain; charset=utf-8");
 }
 
-class HttpServer : public httplib::Server {
-public:
-    // The library has five connections wait to be taken, and the system keeps others waiting for seconds.
-    void letMoreWait() { ::listen(svr_sock_, static_cast<int>(kConnections)); }
-};
-
 }  // namespace
 
 struct Server::Http {
-    Http(int wanted, const std::string& token, Answer answer, Events& events)
-        : answer(std::move(answer)), events(events) {
+    Http(int wanted, const std::string& token, Answer answer, Events& events,
+         std::chrono::milliseconds patience)
+        : server(patience), answer(std::move(answer)), events(events) {
         server.new_task_queue = [] { return new httplib::ThreadPool(kConnections); };
         server.set_tcp_nodelay(true);
         // The port is nobody else's, unlike by the library's own choice.
@@ -78,9 +76,6 @@ struct Server::Http {
             const int yes = 1;
             setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
         });
-        server.set_keep_alive_max_count(100'000);
-        server.set_keep_alive_timeout(2);
-        server.set_read_timeout(5);
         server.set_payload_max_length(kLargestBody);
         server.set_default_headers({{"Content-Security-Policy", kContentPolicy},
                                     {"X-Content-Type-Options", "nosniff"},
@@ -94,7 +89,7 @@ struct Server::Http {
                 fmt::format("cannot listen on port {} of {}; another program may have it, leave --port out "
                             "for one that is free",
                             wanted, kAddress));
-        server.letMoreWait();
+        server.letMoreWait(static_cast<int>(kConnections));
         gate.emplace(token, port);
         addHandlers();
     }
@@ -129,6 +124,8 @@ struct Server::Http {
         server.Post(".*", handle);
         server.Put(".*", handle);
         server.Delete(".*", handle);
+        server.Patch(".*", handle);
+        server.Options(".*", handle);
     }
 
     // A browser that another page has sent here does not give the cookie to a redirection, but to a page of
@@ -172,8 +169,9 @@ struct Server::Http {
     std::thread serving;
 };
 
-Server::Server(int port, const std::string& token, Answer answer, Events& events)
-    : http(std::make_unique<Http>(port, token, std::move(answer), events)) {}
+Server::Server(int port, const std::string& token, Answer answer, Events& events,
+               std::chrono::milliseconds patience)
+    : http(std::make_unique<Http>(port, token, std::move(answer), events, patience)) {}
 
 Server::~Server() {
     stop();
@@ -197,6 +195,7 @@ void Server::start() {
 void Server::stop() {
     if (!http->serving.joinable()) return;
     http->server.stop();
+    http->server.endConnections();
     http->serving.join();
 }
 

@@ -1,6 +1,7 @@
 // The part that speaks HTTP: on 127.0.0.1 alone, and past the Gate.
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <string>
@@ -16,8 +17,10 @@ public:
     // `answer` is called on several threads at once.
     using Answer = std::function<ViewAnswer(const ViewRequest&)>;
 
-    // Takes a port, one of the system's choice for 0. Throws Error where it cannot be had.
-    Server(int port, const std::string& token, Answer answer, Events& events);
+    // Takes a port, one of the system's choice for 0. `patience` is the time that a request may take to come
+    // and its answer to be taken. Throws Error where the port cannot be had.
+    Server(int port, const std::string& token, Answer answer, Events& events,
+           std::chrono::milliseconds patience = std::chrono::seconds(10));
     ~Server();
     Server(const Server&) = delete;
     Server& operator=(const Server&) = delete;

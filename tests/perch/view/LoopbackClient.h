@@ -6,6 +6,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <charconv>
 #include <string>
 #include <string_view>
@@ -45,6 +46,20 @@ public:
         while (received.size() < head + size)
             if (!readMore()) break;
         return received;
+    }
+
+    // All that has come until that text has, or the other end has gone.
+    std::string receiveUntil(std::string_view text) {
+        while (received.find(text) == std::string::npos && readMore()) {
+        }
+        return received;
+    }
+
+    // Whether the other end has closed the connection; what has come before is left out.
+    bool hasEnded() const {
+        char buffer[4096];
+        const ssize_t size = recv(descriptor, buffer, sizeof buffer, MSG_DONTWAIT);
+        return size == 0 || (size < 0 && errno != EAGAIN && errno != EINTR);
     }
 
     bool isConnected = false;
