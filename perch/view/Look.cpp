@@ -20,13 +20,8 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 Json parseObject(const std::string& text) {
-    Json json;
-    try {
-        json = shallowJson(text, "a state");
-    } catch (const Json::parse_error&) {
-        // It is not an object either.
-    }
-    if (!json.is_object())
+    Json json = shallowObject(text, "a state");
+    if (json.is_null())
         throw UsageError("a state is JSON like {\"serial\": 1, \"frame\": 1, \"parameters\": {}}");
     return json;
 }

@@ -28,4 +28,13 @@ Json shallowJson(std::string_view text, const std::string& name) {
     return Json::parse(text, isKept, true, true);
 }
 
+Json shallowObject(std::string_view text, const std::string& name) {
+    try {
+        Json json = shallowJson(text, name);
+        return json.is_object() ? json : Json();
+    } catch (const Json::parse_error&) {
+        return nullptr;
+    }
+}
+
 }  // namespace perch

@@ -12,4 +12,7 @@ namespace perch {
 // state" or "preset ..."; parse_error of the JSON library where it is not JSON.
 nlohmann::ordered_json shallowJson(std::string_view text, const std::string& name);
 
+// The same for an object; null where the text is none.
+nlohmann::ordered_json shallowObject(std::string_view text, const std::string& name);
+
 }  // namespace perch

@@ -1,99 +1,101 @@
 #include "RenderRun.h"
 
-#include <fcntl.h>
 #include <fmt/format.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <nlohmann/json.hpp>
-#include <system_error>
 #include <utility>
 
-#include "Child.h"
 #include "Console.h"
 #include "Error.h"
+#include "JsonAnswers.h"
+#include "ShallowJson.h"
 
 namespace perch {
 namespace {
 
 using Json = nlohmann::ordered_json;
 
+// As the words of a command line have it.
+std::string outputNamed(const std::vector<std::string>& words) {
+    constexpr std::string_view kWithName = "--output=";
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        if (words[i].starts_with(kWithName)) return words[i].substr(kWithName.size());
+        const bool isBeforeName = words[i] == "-o" || words[i] == "--output";
+        if (isBeforeName && i + 1 < words.size()) return words[i + 1];
+    }
+    return {};
+}
+
+// Progress is JSON, a line each; all else is for people, and null here.
+Json progressIn(const std::string& line) {
+    try {
+        return line.starts_with('{') ? shallowObject(line, "progress") : Json();
+    } catch (const UsageError&) {
+        return nullptr;
+    }
+}
+
 }  // namespace
 
-RenderRun::RenderRun(Events& events) : events(events) {}
+RenderRun::RenderRun(Events& events, std::string program, std::chrono::milliseconds grace)
+    : events(events), program(std::move(program)), grace(grace) {}
 
 RenderRun::~RenderRun() {
-    cancel();
+    std::shared_ptr<Child> last;
+    {
+        const std::lock_guard lock(mutex);
+        last = underWay;
+    }
+    if (last != nullptr) last->end({SIGINT, SIGHUP}, grace);
     if (following.joinable()) following.join();
 }
 
 bool RenderRun::start(const std::vector<std::string>& words) {
     const std::lock_guard lock(mutex);
-    if (process >= 0) return false;
+    if (underWay != nullptr) return false;
     if (following.joinable()) following.join();
-    const auto option = std::ranges::find_if(
-        words, [](const std::string& word) { return word == "-o" || word == "--output"; });
-    outputName = option != words.end() && option + 1 != words.end() ? option[1] : "";
     std::vector<std::string> all = words;
     all.insert(all.end(), {"--progress", "json"});
-    int output[2];
-    if (pipe2(output, O_CLOEXEC) != 0)
-        throw Error(fmt::format("cannot make a pipe: {}", std::generic_category().message(errno)));
-    try {
-        process = startChild(kThisProgram, all, {{output[1], STDOUT_FILENO}, {output[1], STDERR_FILENO}});
-    } catch (const Error&) {
-        close(output[0]);
-        close(output[1]);
-        throw;
-    }
-    close(output[1]);
-    following = std::thread([this, from = output[0]] { follow(from); });
+    DescriptorPair output = newPipe();
+    const int end = output.childs.get();
+    auto process = std::make_shared<Child>(program, std::move(all),
+                                           PassedDescriptors{{end, STDOUT_FILENO}, {end, STDERR_FILENO}});
+    underWay = process;
+    following = std::thread([this, process, from = std::move(output.ours), name = outputNamed(words)] {
+        follow(*process, from, name);
+    });
     return true;
 }
 
 bool RenderRun::cancel() {
     const std::lock_guard lock(mutex);
-    return process >= 0 && kill(process, SIGINT) == 0;
+    return underWay != nullptr && underWay->signal(SIGINT);
 }
 
-void RenderRun::tell(const std::string& state, const std::string& text, const std::string& progress) {
-    Json json{{"state", state}, {"text", printable(text)}};
-    if (!progress.empty()) json["progress"] = Json::parse(progress, nullptr, false);
-    events.publish({"render", json.dump(-1, ' ', false, Json::error_handler_t::replace)});
+void RenderRun::tell(const std::string& state, const std::string& sentence) {
+    events.publish({"render", jsonText({{"state", state}, {"text", printable(sentence)}})});
 }
 
-// Progress is JSON, a line each; all else is for people.
-void RenderRun::follow(int output) {
-    std::string line;
+void RenderRun::follow(Child& process, const Descriptor& output, const std::string& outputName) {
     std::string last;
-    char buffer[4096];
-    ssize_t size = 0;
-    while ((size = read(output, buffer, sizeof buffer)) > 0 || (size < 0 && errno == EINTR)) {
-        for (ssize_t i = 0; i < size; ++i) {
-            if (buffer[i] != '\n') {
-                line += buffer[i];
-                continue;
-            }
-            const bool isProgress = line.starts_with('{');
-            if (!isProgress) last = line;
-            tell("running", isProgress ? "" : line, isProgress ? line : "");
-            line.clear();
-        }
-    }
-    close(output);
-    // With the mutex, so that nobody signals the number once it is another's.
+    takeLines(output.get(), process, [&](const std::string& line) {
+        const Json progress = progressIn(line);
+        if (!progress.is_null())
+            return events.publish(
+                {"render", jsonText({{"state", "running"}, {"text", ""}, {"progress", progress}})});
+        last = line;
+        tell("running", line);
+    });
+    const int status = process.wait();
     const std::lock_guard lock(mutex);
-    int status = 0;
-    while (waitpid(process, &status, 0) < 0 && errno == EINTR) {
-    }
-    process = -1;
+    underWay.reset();
     const bool isDone = WIFEXITED(status) && WEXITSTATUS(status) == 0;
-    const bool isCancelled = WIFEXITED(status) && WEXITSTATUS(status) == 130;
+    const bool isCancelled = WIFEXITED(status) && WEXITSTATUS(status) == 128 + SIGINT;
     if (isDone && last.empty()) last = fmt::format("\"{}\" is written", outputName);
-    tell(isDone ? "done" : isCancelled ? "cancelled" : "failed", last, "");
+    tell(isDone ? "done" : isCancelled ? "cancelled" : "failed", last);
 }
 
 }  // namespace perch

@@ -1,21 +1,25 @@
 // `perch render` in a process of its own, whose progress goes to the pages.
 #pragma once
 
-#include <sys/types.h>
-
+#include <chrono>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "Child.h"
+#include "Descriptor.h"
 #include "Events.h"
 
 namespace perch {
 
 class RenderRun {
 public:
-    explicit RenderRun(Events& events);
-    ~RenderRun();  // cancels
+    // `grace` is the time that a render gets to obey a signal when this ends.
+    explicit RenderRun(Events& events, std::string program = kThisProgram,
+                       std::chrono::milliseconds grace = std::chrono::seconds(2));
+    ~RenderRun();  // cancels, and ends a render that does not obey
     RenderRun(const RenderRun&) = delete;
     RenderRun& operator=(const RenderRun&) = delete;
 
@@ -26,13 +30,14 @@ public:
     bool cancel();
 
 private:
-    void follow(int output);
-    void tell(const std::string& state, const std::string& text, const std::string& progress);
+    void follow(Child& process, const Descriptor& output, const std::string& outputName);
+    void tell(const std::string& state, const std::string& sentence);
 
     Events& events;
+    const std::string program;
+    const std::chrono::milliseconds grace;
     std::mutex mutex;
-    pid_t process = -1;      // -1: none is under way
-    std::string outputName;  // as the words name it
+    std::shared_ptr<Child> underWay;  // null: none is
     std::thread following;
 };
 

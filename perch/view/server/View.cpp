@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <utility>
 
@@ -15,24 +14,18 @@
 #include "Doorway.h"
 #include "Error.h"
 #include "ExitStatus.h"
+#include "JsonAnswers.h"
 #include "Page.h"
 #include "RenderRun.h"
 #include "SaveFolder.h"
 #include "Server.h"
 #include "SessionProcess.h"
+#include "ShallowJson.h"
 
 namespace perch {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-ViewAnswer jsonAnswer(int status, const Json& json) {
-    return {.status = status, .body = json.dump(-1, ' ', false, Json::error_handler_t::replace)};
-}
-
-ViewAnswer refusal(int status, const std::string& sentence) {
-    return jsonAnswer(status, {{"error", sentence}});
-}
 
 // What the server answers itself, and what it passes on.
 class Desk {
@@ -49,6 +42,8 @@ public:
             if (request.path == "/api/preset" && request.method == "POST") return save(request);
             ViewAnswer answer = session.ask(request);
             if (request.path == "/api/session" && answer.status == 200) addOwn(answer);
+            // The session does not know of the one that is answered here.
+            if (request.path == "/api/preset" && answer.status == 405) return wrongMethod("GET, POST, PUT");
             return answer;
         } catch (const UsageError& error) {
             return refusal(422, error.what());
@@ -59,41 +54,40 @@ public:
 
 private:
     static ViewAnswer page(const ViewRequest& request) {
-        const std::optional<PageFile> file = request.method == "GET" ? pageFile(request.path) : std::nullopt;
+        const std::optional<PageFile> file = pageFile(request.path);
         if (!file) return refusal(404, "there is no such page");
+        if (request.method != "GET") return wrongMethod("GET");
         return {.type = file->type, .body = std::string(file->bytes)};
     }
 
     void addOwn(ViewAnswer& answer) const {
-        Json json = Json::parse(answer.body);
+        Json json = shallowJson(answer.body, "the session");
         json["canSave"] = folder.has_value();
-        answer.body = json.dump(-1, ' ', false, Json::error_handler_t::replace);
+        answer.body = jsonText(json);
     }
 
     ViewAnswer save(const ViewRequest& request) {
         if (!folder) return refusal(422, "no folder was given by --save-folder; download the preset");
-        const Json asked = Json::parse(request.body, nullptr, false);
-        const auto name = asked.is_object() ? asked.find("name") : asked.end();
-        if (!asked.is_object() || name == asked.end() || !name->is_string())
+        const Json asked = shallowObject(request.body, "a name");
+        const auto name = asked.find("name");
+        if (name == asked.end() || !name->is_string())
             return refusal(422, "a preset is saved by {\"name\": \"look.json\"}");
         const ViewAnswer preset =
             session.ask({.method = "GET", .path = "/api/preset", .query = {}, .body = {}});
         if (preset.status != 200) return preset;
         folder->save(name->get<std::string>(), preset.body);
-        return jsonAnswer(200, {{"name", *name}});
+        return jsonAnswer({{"name", *name}});
     }
 
     ViewAnswer renderAnswer(const ViewRequest& request) {
         if (request.method == "DELETE")
-            return render.cancel() ? jsonAnswer(200, Json::object())
-                                   : refusal(409, "nothing is being rendered");
-        if (request.method != "POST")
-            return refusal(405, "a render is started by POST and cancelled by DELETE");
+            return render.cancel() ? jsonAnswer(Json::object()) : refusal(409, "nothing is being rendered");
+        if (request.method != "POST") return wrongMethod("DELETE, POST");
         const ViewAnswer words = session.ask({.method = "GET", .path = "/words", .query = {}, .body = {}});
         if (words.status != 200) return words;
         if (!render.start(Json::parse(words.body).get<std::vector<std::string>>()))
             return refusal(409, "a render is under way; cancel it first");
-        return jsonAnswer(200, Json::object());
+        return jsonAnswer(Json::object());
     }
 
     SessionProcess& session;
@@ -127,13 +121,25 @@ sigset_t holdEndingSignals() {
     return signals;
 }
 
+// Waits for the first session, or for a signal that comes before it is there: an effect may not come back
+// from its set-up. 0, or the status to end with.
+int begin(SessionProcess& session, const sigset_t& signals) {
+    constexpr std::chrono::milliseconds kTick{10};
+    constexpr timespec kNow{0, 0};
+    session.start();
+    for (;;) {
+        if (const std::optional<int> status = session.waitForStart(kTick)) return *status;
+        if (const int signal = sigtimedwait(&signals, nullptr, &kNow); signal > 0) return kSignalled + signal;
+    }
+}
+
 }  // namespace
 
 int serveView(const ViewOptions& options) {
     const sigset_t signals = holdEndingSignals();
     Events events;
     SessionProcess session(options.arguments, events);
-    if (const int status = session.start(); status != kDone) return status;
+    if (const int status = begin(session, signals); status != kDone) return status;
     RenderRun render(events);
     Desk desk(session, render, options.saveFolder);
     Server server(
