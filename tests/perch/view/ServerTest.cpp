@@ -28,7 +28,7 @@ protected:
               0, kToken,
               [this](const ViewRequest& request) {
                   ++answered;
-                  if (whileAnswering) whileAnswering();
+                  if (const auto wait = hook()) wait();
                   return ViewAnswer{.type = "text/plain",
                                     .headers = {{"X-Serial", request.value("serial")}},
                                     .body = request.method + ' ' + request.path + ' ' + request.body};
@@ -54,9 +54,20 @@ protected:
         return client.receive();
     }
 
+    // What every answer does first.
+    void setHook(std::function<void()> function) {
+        const std::lock_guard lock(hookMutex);
+        answering = std::move(function);
+    }
+    std::function<void()> hook() {
+        const std::lock_guard lock(hookMutex);
+        return answering;
+    }
+
     Events events;
     std::atomic<int> answered{0};
-    std::function<void()> whileAnswering;  // set before anything is asked
+    std::mutex hookMutex;
+    std::function<void()> answering;
     Server server;
 };
 
@@ -209,12 +220,12 @@ TEST_F(ServerTest, TwoHundredConnectionsAreAnsweredAtOnce) {
     std::mutex mutex;
     std::condition_variable isFull;
     int present = 0;
-    whileAnswering = [&] {
+    setHook([&] {
         std::unique_lock lock(mutex);
         ++present;
         isFull.notify_all();
         EXPECT_TRUE(isFull.wait_for(lock, kLong, [&] { return present >= kMany; })) << present;
-    };
+    });
     std::deque<LoopbackClient> clients;
     for (int i = 0; i < kMany; ++i) {
         clients.emplace_back(server.port());
