@@ -22,7 +22,15 @@ std::int64_t sizeOf(const World& world) {
     return std::int64_t{world.record().rowbytes} * world.height();
 }
 
+auto resultKey() {
+    return std::tuple(PF_ParamIndex{-1}, std::filesystem::path(), A_long{0}, A_u_long{1}, Depth::Bits8);
+}
+
 }  // namespace
+
+const pictures::Picture* PictureStore::Kept::heldPicture() const {
+    return picture != nullptr ? picture.get() : world->source.get();
+}
 
 PictureStore::PictureStore(const Shot& shot)
     : effect(shot.effect),
@@ -71,24 +79,37 @@ SharedPicture PictureStore::layer(const FrameFiles& files, PF_ParamIndex index) 
     return found != paths.end() ? picture(index, found->second) : nullptr;
 }
 
+PictureStore::Paths PictureStore::pathsOf(const FrameFiles& files) const {
+    Paths paths{files.input};
+    for (const auto& [index, path] : layersOf(files))
+        paths.insert(path);
+    return paths;
+}
+
 void PictureStore::readAround(std::int32_t frame) {
     const auto middle = std::ranges::find(plan.frames, frame, &FrameFiles::frame) - plan.frames.begin();
+    const Paths shown = pathsOf(filesOf(frame));
+    const Share own = shareOf(shown);
+    std::int64_t needed = own.all;
     for (const std::ptrdiff_t step : {1, -1}) {
         const std::ptrdiff_t place = middle + step;
         if (place < 0 || place >= std::ssize(plan.frames)) continue;
+        needed += own.pictures;
+        if (needed > mostBytes) return;
         const FrameFiles& files = plan.frames[static_cast<std::size_t>(place)];
-        input(files);
+        picture(kInput, files.input, shown);
         for (const auto& [index, path] : layersOf(files))
-            picture(index, path);
+            picture(index, path, shown);
     }
 }
 
-SharedPicture PictureStore::picture(PF_ParamIndex index, const std::filesystem::path& path) {
+SharedPicture PictureStore::picture(PF_ParamIndex index, const std::filesystem::path& path,
+                                    const Paths& shown) {
     const Key key{index, path, 0, 1, Depth::Bits8};
     if (const std::optional<Kept> known = find(key)) return known->picture;
     const SharedPicture read =
         index == kInput ? readPictureFile(path, "", settings.reading) : reader.read(index, path, kAnyPlace);
-    keep({.key = key, .picture = read, .world = nullptr, .bytes = sizeOf(*read)});
+    keep({.key = key, .picture = read, .world = nullptr}, shown);
     return read;
 }
 
@@ -100,7 +121,7 @@ std::shared_ptr<const FileWorld> PictureStore::world(PF_ParamIndex index, const 
     const pictures::Transfer transfer =
         index == kInput ? workTransfer(settings, *source) : pictures::Transfer::Linear;
     auto made = std::make_shared<const FileWorld>(resized(worldOf(source, depth, transfer), scale));
-    keep({.key = key, .picture = nullptr, .world = made, .bytes = sizeOf(made->pixels)});
+    keep({.key = key, .picture = nullptr, .world = made});
     return made;
 }
 
@@ -112,17 +133,66 @@ std::optional<PictureStore::Kept> PictureStore::find(const Key& key) {
     return kept.front();
 }
 
-void PictureStore::keep(Kept made) {
+PictureStore::Share PictureStore::shareOf(const Paths& files) {
+    const std::lock_guard lock(mutex);
+    Share share;
+    std::set<const pictures::Picture*> counted;
+    for (const Kept& one : kept) {
+        if (!files.contains(std::get<std::filesystem::path>(one.key))) continue;
+        if (one.world != nullptr) share.all += sizeOf(one.world->pixels);
+        const pictures::Picture* const held = one.heldPicture();
+        if (held == nullptr || !counted.insert(held).second) continue;
+        share.pictures += sizeOf(*held);
+        share.all += sizeOf(*held);
+    }
+    return share;
+}
+
+// What is read ahead makes others go, but not those of the frame that is shown.
+void PictureStore::keep(Kept made, const Paths& shown) {
     const std::lock_guard lock(mutex);
     if (byKey.contains(made.key)) return;
-    bytes += made.bytes;
     kept.push_front(std::move(made));
-    byKey[kept.front().key] = kept.begin();
-    while (bytes > mostBytes && kept.size() > 1) {
-        bytes -= kept.back().bytes;
-        byKey.erase(kept.back().key);
-        kept.pop_back();
+    const Kept& one = kept.front();
+    byKey[one.key] = kept.begin();
+    if (one.world != nullptr) bytes += sizeOf(one.world->pixels);
+    const pictures::Picture* const held = one.heldPicture();
+    if (held != nullptr && ++holders[held] == 1) bytes += sizeOf(*held);
+    for (auto next = kept.begin(); next != kept.end();) {
+        const auto it = next++;
+        if (shown.contains(std::get<std::filesystem::path>(it->key))) kept.splice(kept.begin(), kept, it);
     }
+    while (bytes > mostBytes && kept.size() > 1)
+        dropOldest();
+}
+
+void PictureStore::dropOldest() {
+    const Kept& one = kept.back();
+    if (one.world != nullptr) bytes -= sizeOf(one.world->pixels);
+    const pictures::Picture* const held = one.heldPicture();
+    if (held != nullptr && --holders[held] == 0) {
+        bytes -= sizeOf(*held);
+        holders.erase(held);
+    }
+    byKey.erase(one.key);
+    kept.pop_back();
+}
+
+void PictureStore::keepResult(World result) {
+    {
+        const std::lock_guard lock(mutex);
+        if (const auto before = byKey.find(resultKey()); before != byKey.end()) {
+            kept.splice(kept.end(), kept, before->second);
+            dropOldest();
+        }
+    }
+    auto made = std::make_shared<FileWorld>(FileWorld{.pixels = std::move(result), .source = nullptr});
+    keep({.key = resultKey(), .picture = nullptr, .world = std::move(made)});
+}
+
+std::shared_ptr<const FileWorld> PictureStore::result() {
+    const std::optional<Kept> known = find(resultKey());
+    return known ? known->world : nullptr;
 }
 
 }  // namespace perch

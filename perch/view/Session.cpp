@@ -267,7 +267,7 @@ ViewAnswer Session::picture(const ViewRequest& request, const Look& wanted) {
                                    milliseconds(std::chrono::steady_clock::now() - begin))}};
     if (development.isFull && *kind == kResult) {
         fullSerial = serial;
-        full = std::move(development);
+        store.keepResult(std::move(development.picture));
     }
     return answer;
 }
@@ -287,10 +287,11 @@ ViewAnswer Session::pixel(const ViewRequest& request, const Look& wanted) {
               {"value", nullptr},
               {"distance", nullptr}};
     // Light in floats is not what the effect's codes are.
-    const bool isKnown = full && fullSerial == wanted.serial && !isFloat(input->type()) &&
-                         x < full->picture.width() && y < full->picture.height();
+    const auto full = fullSerial == wanted.serial ? store.result() : nullptr;
+    const bool isKnown =
+        full != nullptr && !isFloat(input->type()) && x < full->pixels.width() && y < full->pixels.height();
     if (isKnown)
-        json["result"] = codesAt(full->picture, static_cast<std::int32_t>(x), static_cast<std::int32_t>(y),
+        json["result"] = codesAt(full->pixels, static_cast<std::int32_t>(x), static_cast<std::int32_t>(y),
                                  input->type() == pictures::SampleType::Bits16);
     const PF_ParamIndex shown = pick ? looks.layerShown(wanted, pick->layer) : kNoLayer;
     const SharedPicture layer = store.layer(files, shown);

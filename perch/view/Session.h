@@ -62,9 +62,7 @@ private:
     RequestQueue queue;
     Wire* wireInUse = nullptr;
     std::set<std::string> toldWarnings;
-    // The result in full size that was rendered last, for read-outs.
-    std::int64_t fullSerial = -1;
-    std::optional<Development> full;
+    std::int64_t fullSerial = -1;  // of the result that the store keeps
     mutable std::mutex mutex;
     std::deque<Look> recent;  // the newest is the last
 };
