@@ -35,9 +35,15 @@ pid_t startChild(const std::string& program, std::vector<std::string> words,
     sigemptyset(&none);
     posix_spawnattr_t attributes;
     posix_spawnattr_init(&attributes);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK);
+    posix_spawnattr_setflags(&attributes,
+                             POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
     posix_spawnattr_setpgroup(&attributes, 0);
     posix_spawnattr_setsigmask(&attributes, &none);
+    // A shell has what it starts in the background ignore the first; the server's own reach the child.
+    sigset_t usual = none;
+    for (const int signal : {SIGINT, SIGHUP})
+        sigaddset(&usual, signal);
+    posix_spawnattr_setsigdefault(&attributes, &usual);
     posix_spawn_file_actions_t files;
     posix_spawn_file_actions_init(&files);
     int last = STDERR_FILENO;

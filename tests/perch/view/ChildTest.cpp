@@ -1,11 +1,10 @@
 #include "Child.h"
 
 #include <gtest/gtest.h>
-#include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <thread>
+#include <csignal>
 
 #include "Descriptor.h"
 
@@ -63,6 +62,15 @@ TEST(ChildTest, AChildThatObeysIsNotKilled) {
     child.signal(SIGTERM);
     child.end({SIGCONT}, std::chrono::minutes(1));
     EXPECT_EQ(WTERMSIG(child.wait()), SIGTERM);
+}
+
+TEST(ChildTest, AnInterruptThatWeIgnoreReachesTheChild) {
+    auto* const before = std::signal(SIGINT, SIG_IGN);
+    Child child(kShell, {"sh", "-c", "kill -STOP $$"}, {});
+    std::signal(SIGINT, before);
+    child.signal(SIGINT);
+    child.end({SIGCONT}, std::chrono::minutes(1));
+    EXPECT_EQ(WTERMSIG(child.wait()), SIGINT);
 }
 
 }  // namespace
