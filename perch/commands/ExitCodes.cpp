@@ -17,7 +17,9 @@ struct ExitCode {
 constexpr ExitCode kExitCodes[] = {
     {kDone, "done"},
     {kFailed, "failed for another reason, as where there is not enough memory"},
-    {kWrongUse, "wrong use of the command line; nothing was done"},
+    {kWrongUse,
+     "wrong use of the command line, also where it would replace what it reads, or a file of another "
+     "kind; nothing was done"},
     {kBadInput, "a file that is read is missing, damaged, or does not go with the others"},
     {kBadOutput, "a file cannot be written, or must not be replaced"},
     {kNotLoaded, "there is no effect to load, or it cannot be loaded"},

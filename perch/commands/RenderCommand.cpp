@@ -278,7 +278,7 @@ int runRenderCommand(const std::vector<std::string>& arguments) {
     }
     setFingerprints(effect.description(), effectBuild, options.load, settings, parameters.curves, plan);
     const std::optional<JobRecord> earlier =
-        options.job.report.empty() ? std::nullopt : readRecord(options.job.report);
+        options.job.report.empty() ? std::nullopt : recordToReplace(options.job.report);
     takeExisting(options.job.existing, earlier, settings, plan);
     if (!plan.current.empty()) display.tellNote(currentNote(plan));
     const std::vector<ParameterOption> parameterOptions = optionsOf(effect.description().parameters);

@@ -164,7 +164,7 @@ void requireWritable(const fs::path& sheet, const FramePlan& plan) {
     }
     for (const auto& [index, layer] : plan.stillLayers)
         inputs.push_back(layer);
-    failingAs<OutputError>([&] { pictures::requireNotRead(sheet, inputs); });
+    failingAs<UsageError>([&] { pictures::requireNotRead(sheet, inputs); });
     prepareOutputs(std::span(&sheet, 1));
     requireOutput(sheet, pictures::SampleType::Bits8, false);
 }

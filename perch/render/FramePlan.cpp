@@ -228,7 +228,7 @@ private:
     std::set<pictures::FileIdentity> identities;
 };
 
-void refuseToOverwrite(const FramePlan& plan) {
+void refuseToOverwrite(const FramePlan& plan, const std::vector<AccountName>& accounts) {
     Files read;
     const auto addLayers = [&](const std::map<PF_ParamIndex, fs::path>& layers) {
         for (const auto& [index, path] : layers)
@@ -242,12 +242,21 @@ void refuseToOverwrite(const FramePlan& plan) {
     Files written;
     for (const FrameFiles& files : plan.frames) {
         const auto refuse = [&](std::string_view reason) {
-            throw OutputError(
+            throw UsageError(
                 fmt::format("cannot write \"{}\": {}; choose another name", files.output.string(), reason));
         };
         if (read.contain(files.output)) refuse("it is read by this render");
         if (written.contain(files.output)) refuse("another frame is written to the same file");
         written.add(files.output);
+    }
+    for (const AccountName& account : accounts) {
+        const auto refuse = [&](std::string_view reason) {
+            throw UsageError(fmt::format("{} names \"{}\", {}; choose another name", account.option,
+                                         account.path.string(), reason));
+        };
+        if (read.contain(account.path)) refuse("which is read by this render");
+        if (written.contain(account.path)) refuse("to which this render writes something else");
+        written.add(account.path);
     }
 }
 
@@ -270,7 +279,7 @@ FramePlan planFrames(const PictureNames& names, const LayerNames& layers) {
         names.areFiles ? std::nullopt : FramePattern::parse(names.input);
     if (!input) {
         FramePlan plan = planStill(names, layers);
-        if (!names.output.empty()) refuseToOverwrite(plan);
+        if (!names.output.empty()) refuseToOverwrite(plan, names.accounts);
         return plan;
     }
     const bool writesFrames = !names.output.empty();
@@ -278,7 +287,7 @@ FramePlan planFrames(const PictureNames& names, const LayerNames& layers) {
     const std::vector<std::int32_t> wanted = wantedFrames(names, *input);
     FramePlan plan = planSequence(names, layers, patterns, wanted);
     if (writesFrames) {
-        refuseToOverwrite(plan);
+        refuseToOverwrite(plan, names.accounts);
     } else {
         for (FrameFiles& files : plan.frames)
             files.output.clear();

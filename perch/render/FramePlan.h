@@ -16,6 +16,12 @@
 
 namespace perch {
 
+// A file that a job writes beside its pictures.
+struct AccountName {
+    std::string option;  // as --report
+    std::filesystem::path path;
+};
+
 // As given. A name may be a FramePattern; an input that is one makes a sequence.
 struct PictureNames {
     std::string input;
@@ -25,6 +31,7 @@ struct PictureNames {
     MissingFrame missingFrame = MissingFrame::Error;
     MissingLayerFrame missingLayerFrame = MissingLayerFrame::Error;
     std::optional<Shard> shard{};  // absent: all frames
+    std::vector<AccountName> accounts{};
 };
 
 struct LayerName {
@@ -60,9 +67,9 @@ struct FramePlan {
 // The layer parameters that the user has set, to none as well.
 std::set<PF_ParamIndex> layersSetByUser(const FramePlan& plan);
 
-// Empty only where the shard has no frame. Throws UsageError where the names do not go together; Error where
-// a frame's file is missing and must not be, the first one by name, and where a picture would be written over
-// one that is read, also by another shard.
+// Empty only where the shard has no frame. Throws UsageError where the names do not go together, as where a
+// file would be written over one that is read or written, also by another shard; InputError where a frame's
+// file is missing and must not be, the first one by name.
 FramePlan planFrames(const PictureNames& names, const LayerNames& layers);
 
 }  // namespace perch

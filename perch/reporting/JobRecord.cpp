@@ -140,6 +140,14 @@ std::optional<JobRecord> readRecord(const std::filesystem::path& report) {
     }
 }
 
+std::optional<JobRecord> recordToReplace(const std::filesystem::path& report) {
+    try {
+        return readRecord(report);
+    } catch (const InputError& error) {
+        throw UsageError(error.what());
+    }
+}
+
 FrameTraces tracesOf(const JobRecord& record) {
     FrameTraces traces;
     for (const FrameRecord& frame : record.frames) {

@@ -57,8 +57,10 @@ struct JobRecord {
 // As JSON, of the form that docs/report.schema.json states.
 std::string recordText(const JobRecord& record);
 
-// Absent where there is no such file. Throws Error where it is not a report.
+// Absent where there is no such file. Throws InputError where it is not a report.
 std::optional<JobRecord> readRecord(const std::filesystem::path& report);
+// The same of a file that a report is to replace. Throws UsageError where it is not a report.
+std::optional<JobRecord> recordToReplace(const std::filesystem::path& report);
 
 // Of the frames that are done.
 FrameTraces tracesOf(const JobRecord& record);

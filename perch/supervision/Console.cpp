@@ -70,16 +70,16 @@ void say(std::string_view sentence) noexcept {
 }
 
 void keepLog(const std::filesystem::path& path) {
-    const auto refuse = [&path](const std::string& reason) {
-        throw OutputError(fmt::format("cannot write the log \"{}\": {}", path.string(), reason));
-    };
     const int file = open(path.c_str(), O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
-    if (file < 0) refuse(std::generic_category().message(errno));
+    if (file < 0)
+        throw OutputError(fmt::format("cannot write the log \"{}\": {}", path.string(),
+                                      std::generic_category().message(errno)));
     char first = '0';  // of the year
     const bool isLog = pread(file, &first, 1, 0) >= 0 && first >= '0' && first <= '9';
     gLog = isLog ? duplicated(file) : -1;
     close(file);
-    if (!isLog) refuse("the file is there and is no log; name another");
+    if (!isLog)
+        throw UsageError(fmt::format("\"{}\" is there and is no log; name another file", path.string()));
 }
 
 void sayInLog(std::string_view sentence) noexcept {

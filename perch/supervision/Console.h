@@ -17,7 +17,7 @@ void say(std::string_view sentence) noexcept;
 void sayAsItIs(std::string_view text) noexcept;
 
 // From now on what is said goes to the end of this file as well, each line with its time. Throws OutputError
-// where the file cannot be written, or is there and no log.
+// where the file cannot be written, UsageError where it is there and no log.
 void keepLog(const std::filesystem::path& path);
 // To the log alone.
 void sayInLog(std::string_view sentence) noexcept;

@@ -300,6 +300,8 @@ RenderOptions parseRenderOptions(const std::vector<std::string>& arguments) {
     takeFailureOptions(app, texts.job, options.settings);
     if (options.names.shard && !options.job.report.empty())
         options.job.report = reportOfShard(options.job.report, *options.names.shard);
+    for (const AccountName& account : {AccountName{"--report", options.job.report}, {"--log", options.job.log}})
+        if (!account.path.empty()) options.names.accounts.push_back(account);
     options.settings.quality = parseQuality(texts.quality);
     options.settings.smart = parseSmart(texts.smart);
     options.settings.downsample = parseDownsample(texts.downsample);

@@ -208,7 +208,7 @@ TEST_F(FramePlanTest, ShardDoesNotOverwriteWhatAnotherReads) {
     names.output = in("b.#.png");
     layers[kMatte] = {in("b.#.png"), -1};  // b.1, the first shard's output, goes with a.2
     names.shard = {1, 2};
-    EXPECT_THAT(refusal<Error>(), HasSubstr("b.1.png\": it is read by this render"));
+    EXPECT_THAT(refusal<UsageError>(), HasSubstr("b.1.png\": it is read by this render"));
 }
 
 TEST_F(FramePlanTest, FramesAreThoseAskedForInTheirOrder) {
@@ -288,17 +288,17 @@ TEST_F(FramePlanTest, PicturesThatAreReadAreNotOverwritten) {
     const std::string reason = "it is read by this render; choose another name";
     names.missingFrame = MissingFrame::Skip;
     names.output = in("in.%02d.png");
-    EXPECT_THAT(refusal<Error>(), HasSubstr(reason));
+    EXPECT_THAT(refusal<UsageError>(), HasSubstr(reason));
     std::filesystem::create_directory_symlink(folder.path, folder / "link");
     names.output = in("link/in.##.png");
-    EXPECT_THAT(refusal<Error>(), HasSubstr(reason));
+    EXPECT_THAT(refusal<UsageError>(), HasSubstr(reason));
     names.input = in("depth.####.png");
     names.output = in("still.####.png");
     layers[kMatte].name = in("still.0001.png");
     writeBytes(folder / "still.0001.png", "");
-    EXPECT_THAT(refusal<Error>(), HasSubstr(reason));
+    EXPECT_THAT(refusal<UsageError>(), HasSubstr(reason));
     names = {in("still.png"), in("./still.png"), {}};
-    EXPECT_THAT(refusal<Error>(), HasSubstr(reason));
+    EXPECT_THAT(refusal<UsageError>(), HasSubstr(reason));
     writeBytes(folder / "source.png", "");
     std::filesystem::create_hard_link(folder / "source.png", folder / "hard.png");
     std::filesystem::create_symlink("source.png", folder / "soft.png");
@@ -308,12 +308,31 @@ TEST_F(FramePlanTest, PicturesThatAreReadAreNotOverwritten) {
         for (const std::string& output : spellings) {
             layers.clear();
             names = {in(input), in(output), {}};
-            EXPECT_THAT(refusal<Error>(), HasSubstr(reason)) << input << " to " << output;
+            EXPECT_THAT(refusal<UsageError>(), HasSubstr(reason)) << input << " to " << output;
             layers[kMatte].name = in(input);
             names = {in("still.0001.png"), in(output), {}};
-            EXPECT_THAT(refusal<Error>(), HasSubstr(reason)) << input << " as a layer to " << output;
+            EXPECT_THAT(refusal<UsageError>(), HasSubstr(reason)) << input << " as a layer to " << output;
         }
     }
+}
+
+TEST_F(FramePlanTest, ReportAndLogAreNoPicturesAndNotOneFile) {
+    names.missingFrame = MissingFrame::Skip;
+    const struct {
+        std::vector<AccountName> accounts;
+        const char* refusal;
+    } cases[] = {
+        {{{"--report", in("out.01.png")}}, "--report names \""},
+        {{{"--report", in("./in.01.png")}}, "which is read by this render; choose another name"},
+        {{{"--log", in("out.01.png")}}, "out.01.png\", to which this render writes something else"},
+        {{{"--report", in("a.json")}, {"--log", in("./a.json")}}, "--log names \""},
+    };
+    for (const auto& [accounts, expected] : cases) {
+        names.accounts = accounts;
+        EXPECT_THAT(refusal<UsageError>(), HasSubstr(expected));
+    }
+    names.accounts = {{"--report", in("report.json")}, {"--log", in("job.log")}};
+    EXPECT_EQ(planFrames(names, layers).frames.size(), 3U);
 }
 
 TEST_F(FramePlanTest, TwoFramesAreNotWrittenToOneFile) {
@@ -321,7 +340,7 @@ TEST_F(FramePlanTest, TwoFramesAreNotWrittenToOneFile) {
     std::filesystem::create_symlink("out.01.png", folder / "out.02.png");
     names.output = in("out.##.png");
     names.missingFrame = MissingFrame::Skip;
-    EXPECT_THAT(refusal<Error>(), HasSubstr("another frame is written to the same file"));
+    EXPECT_THAT(refusal<UsageError>(), HasSubstr("another frame is written to the same file"));
 }
 
 }  // namespace

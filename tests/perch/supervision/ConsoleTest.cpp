@@ -61,7 +61,7 @@ TEST(ConsoleDeathTest, LogHasWhatIsSaidWithItsTimesBehindWhatItHad) {
 TEST(ConsoleTest, FileThatIsNoLogIsLeftAlone) {
     const TemporaryFolder folder;
     writeBytes(folder / "picture.png", "\x89PNG");
-    EXPECT_THROW(keepLog(folder / "picture.png"), OutputError);
+    EXPECT_THROW(keepLog(folder / "picture.png"), UsageError);
     EXPECT_EQ(bytesOf(folder / "picture.png"), "\x89PNG");
     EXPECT_THROW(keepLog(folder / "none" / "log"), OutputError);
 }
