@@ -61,7 +61,7 @@ int runCurveCommand(const std::vector<std::string>& arguments) {
     if (!plot.empty()) {
         std::vector<std::int32_t> ascending = frames;
         std::ranges::sort(ascending);
-        writeTextFile(plot, plotCurves(curves, ascending));
+        command.write(plot, plotCurves(curves, ascending), {.name = "a plot", .has = isPlot});
     }
     printResult(csvOf(curves, frames));
     return kDone;

@@ -37,7 +37,7 @@ int runPresetCommand(const std::vector<std::string>& arguments) {
     if (output.empty()) {
         printResult(text);
     } else {
-        writeTextFile(output, text);
+        command.write(output, text, {.name = "a preset", .has = isPreset});
     }
     return kDone;
 }

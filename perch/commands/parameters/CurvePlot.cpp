@@ -141,6 +141,10 @@ private:
 
 }  // namespace
 
+bool isPlot(std::string_view text) {
+    return text.starts_with("<svg ");
+}
+
 std::string plotCurves(const std::vector<PlottedCurve>& curves, const std::vector<std::int32_t>& frames) {
     const double height = kStripHeight * static_cast<double>(curves.size());
     std::string out = fmt::format(

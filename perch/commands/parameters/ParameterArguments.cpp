@@ -170,9 +170,13 @@ ParameterArguments takeParameterArguments(const CLI::App& app, const std::vector
     return result;
 }
 
+std::string repetitionText(const std::string& option) {
+    return option + " is given more than once; the last one counts";
+}
+
 void warnOfMistakes(const ParameterArguments& arguments, Notes& notes) {
     for (const std::string& option : arguments.repeated)
-        notes.warn(option, fmt::format("{} is given more than once; the last one counts", option));
+        notes.warn(option, repetitionText(option));
     if (!arguments.missingLayer.empty()) {
         notes.warn("layer", fmt::format("the effect gets values and no picture; give one by {0}, or {0} none",
                                         arguments.missingLayer));

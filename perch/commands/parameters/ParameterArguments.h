@@ -50,6 +50,8 @@ void addParameterOptions(CLI::App& app, const std::vector<ParameterOption>& opti
 ParameterArguments takeParameterArguments(const CLI::App& app, const std::vector<ParameterOption>& options,
                                           const ParameterTexts& texts, const std::string& preset);
 
+// Of an option that was given several times.
+std::string repetitionText(const std::string& option);
 // What is likely a mistake, as far as it shows before any picture is read.
 void warnOfMistakes(const ParameterArguments& arguments, Notes& notes);
 

@@ -36,13 +36,15 @@ bool isKeys(const Json& value) {
     return value.is_array() && !value.empty() && value.front().is_object();
 }
 
+bool isKey(const Json& key) {
+    return key.is_object() && key.contains("frame") && key.contains("value");
+}
+
 // "1:20,48:70:smooth"
 std::string textOfKeys(const Json& keys, const std::string& name) {
     std::string text;
     for (const Json& key : keys) {
-        const bool isWhole = key.is_object() && key.contains("frame") && key.contains("value") &&
-                             key["frame"].is_number_integer();
-        if (!isWhole)
+        if (!isKey(key) || !key["frame"].is_number_integer())
             throw UsageError(
                 fmt::format("{}: a key is like {{\"frame\": 1, \"value\": 20, \"key\": \"smooth\"}}, not {}",
                             name, key.dump()));
@@ -64,7 +66,25 @@ Json parseJson(std::string_view text, const std::string& name) {
     }
 }
 
+bool isNumber(const Json& value) {
+    return value.is_number();
+}
+
+bool isValueOrKeys(const Json& value) {
+    if (value.is_array()) return std::ranges::all_of(value, isKeys(value) ? isKey : isNumber);
+    return value.is_string() || value.is_boolean() || value.is_number();
+}
+
 }  // namespace
+
+bool isPreset(std::string_view text) {
+    try {
+        const Json json = shallowJson(text, "");
+        return json.is_object() && std::ranges::all_of(json, isValueOrKeys);
+    } catch (const std::exception&) {
+        return false;
+    }
+}
 
 ParameterCurve parsePresetValue(const ParameterOption& option, const Json& value, const std::string& name) {
     if (isLayer(option.parameter))

@@ -30,6 +30,8 @@ std::vector<ParameterCurve> readPreset(const std::filesystem::path& path,
 // The same from the text of a preset, which `name` is told of in messages.
 std::vector<ParameterCurve> parsePreset(std::string_view text, const std::string& name,
                                         const std::vector<ParameterOption>& options);
+// Whether the text holds values and keys by names, whatever the names are.
+bool isPreset(std::string_view text);
 // One value or list of keys; `name` is what the user knows the parameter by.
 ParameterCurve parsePresetValue(const ParameterOption& option, const nlohmann::ordered_json& value,
                                 const std::string& name);
