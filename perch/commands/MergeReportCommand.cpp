@@ -24,6 +24,13 @@ NamedRecord readTask(const std::string& name) {
     return {.name = name, .record = std::move(*record)};
 }
 
+// The whole would be lost as soon as the tasks' reports are joined again.
+void requireReplaceable(const std::string& output, const std::vector<std::string>& tasks) {
+    recordToReplace(output);
+    for (const std::string& task : tasks)
+        requireOtherFile(output, task);
+}
+
 }  // namespace
 
 int runMergeReportCommand(const std::vector<std::string>& arguments) {
@@ -47,13 +54,15 @@ int runMergeReportCommand(const std::vector<std::string>& arguments) {
     std::vector<NamedRecord> tasks;
     for (const std::string& name : names)
         tasks.push_back(readTask(name));
-    const std::string text = recordText(mergedRecord(tasks));
+    if (!output.empty()) requireReplaceable(output, names);
+    const JobRecord whole = mergedRecord(tasks);
+    const std::string text = recordText(whole);
     if (output.empty()) {
         printResult(text);
     } else {
-        readRecord(output);  // refuses another file
         writeTextFile(output, text);
     }
+    if (whole.state == kIncomplete) throw InputError(whole.error);
     return kDone;
 }
 

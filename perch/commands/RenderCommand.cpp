@@ -294,6 +294,7 @@ int runRenderCommand(const std::vector<std::string>& arguments) {
         JobRecord record = accountOf(job, earlier);
         record.version = PERCH_VERSION;
         record.arguments = arguments;
+        record.shard = options.names.shard;
         record.effect = effect.description().name;
         record.effectBuild = effectBuild;
         audience.report.emplace(options.job.report, std::move(record));

@@ -100,6 +100,11 @@ JobRecord recordOf(const Json& json) {
                      .skipped = json.at("skipped").get<std::vector<std::int32_t>>(),
                      .notes = json.at("notes").get<std::vector<std::string>>(),
                      .frames = {}};
+    if (json.contains("shard")) {
+        const Json& shard = json.at("shard");
+        record.shard = Shard{.number = shard.at("number").get<std::size_t>(),
+                             .count = shard.at("count").get<std::size_t>()};
+    }
     for (const Json& frame : json.at("frames"))
         record.frames.push_back(frameOf(frame));
     return record;
@@ -120,6 +125,7 @@ std::string recordText(const JobRecord& record) {
               {"skipped", record.skipped},
               {"notes", record.notes},
               {"frames", Json::array()}};
+    if (record.shard) json["shard"] = {{"number", record.shard->number}, {"count", record.shard->count}};
     if (!record.error.empty()) json["error"] = record.error;
     for (const FrameRecord& frame : record.frames)
         json["frames"].push_back(jsonOf(frame));

@@ -11,6 +11,7 @@
 #include "ExistingFrames.h"
 #include "Fingerprint.h"
 #include "FrameEnd.h"
+#include "Shard.h"
 
 namespace perch {
 
@@ -42,9 +43,10 @@ struct FrameRecord {
 struct JobRecord {
     std::string version{};  // of the program
     std::vector<std::string> arguments{};
-    std::string effect{};       // name
-    std::string effectBuild{};  // see fileFingerprint
-    OptionTexts parameters{};   // values and keys that were given
+    std::optional<Shard> shard{};  // absent: all frames
+    std::string effect{};          // name
+    std::string effectBuild{};     // see fileFingerprint
+    OptionTexts parameters{};      // values and keys that were given
     std::string state = "running";
     std::string error{};                  // why the job failed
     std::string begin{};                  // "2026-11-22T05:16:00Z"

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "Error.h"
+#include "FrameList.h"
 
 namespace perch {
 namespace {
@@ -52,6 +53,7 @@ public:
     JobRecord result() {
         for (const NamedRecord& task : tasks) {
             requireSameJob(task);
+            addShard(task);
             for (const FrameRecord& frame : task.record.frames)
                 add(task, frame);
         }
@@ -62,6 +64,7 @@ public:
             merged.frames.push_back(*chosen.frame);
         for (const NamedRecord& task : tasks)
             addState(task.record);
+        requireAllShards();
         addTimes();
         addTexts();
         return merged;
@@ -83,6 +86,31 @@ private:
         compare("another effect", task.record.effect, first.record.effect);
         compare("another build of the effect", task.record.effectBuild, first.record.effectBuild);
         compare("other parameters", task.record.parameters, first.record.parameters);
+    }
+
+    // A report of no shard, as of frames that were rendered once more by hand, stands for none.
+    void addShard(const NamedRecord& task) {
+        if (!task.record.shard) return;
+        if (sharded == nullptr) sharded = &task;
+        shards.insert(task.record.shard->number);
+        if (task.record.shard->count != sharded->record.shard->count)
+            conflicts.push_back(fmt::format("\"{}\" is of {} shards and \"{}\" of {}", task.name,
+                                            task.record.shard->count, sharded->name,
+                                            sharded->record.shard->count));
+    }
+
+    // What a task that is missing has done is in no report, not even which frames are its own.
+    void requireAllShards() {
+        if (sharded == nullptr) return;
+        const std::size_t count = sharded->record.shard->count;
+        std::vector<std::int32_t> missing;
+        for (std::size_t number = 1; number <= count; ++number)
+            if (!shards.contains(number)) missing.push_back(static_cast<std::int32_t>(number));
+        if (missing.empty()) return;
+        merged.state = kIncomplete;
+        merged.error = fmt::format("the report{} of shard{} {} of {} {} missing; name those of all tasks",
+                                   missing.size() == 1 ? "" : "s", missing.size() == 1 ? "" : "s",
+                                   frameListText(missing), count, missing.size() == 1 ? "is" : "are");
     }
 
     void add(const NamedRecord& task, const FrameRecord& frame) {
@@ -137,7 +165,9 @@ private:
     void addTexts() {
         std::set<std::int32_t> skipped;
         for (const NamedRecord& task : tasks) {
-            skipped.insert(task.record.skipped.begin(), task.record.skipped.end());
+            // One task may have found the file that another lacked.
+            for (const std::int32_t frame : task.record.skipped)
+                if (!frames.contains(frame)) skipped.insert(frame);
             for (const std::string& note : task.record.notes)
                 if (std::ranges::find(merged.notes, note) == merged.notes.end()) merged.notes.push_back(note);
         }
@@ -147,6 +177,8 @@ private:
     const std::span<const NamedRecord> tasks;
     JobRecord merged;
     std::map<std::int32_t, Chosen> frames;
+    const NamedRecord* sharded = nullptr;  // the first of a shard
+    std::set<std::size_t> shards;          // numbers
     std::vector<std::string> conflicts;
 };
 

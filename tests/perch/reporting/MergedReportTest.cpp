@@ -31,6 +31,7 @@ struct MergedReportTest : testing::Test {
     static JobRecord record(const std::string& begin, std::int32_t first) {
         return {.version = "1.0.0",
                 .arguments = {"-i", "in.#.png", "--shard", std::to_string(first) + "/2", "--report=r.#.json"},
+                .shard = Shard{.number = static_cast<std::size_t>(first), .count = 2},
                 .effect = "Effect",
                 .effectBuild = "fedcba9876543210",
                 .parameters = {{"--amount", "10"}},
@@ -102,10 +103,35 @@ TEST_F(MergedReportTest, FailureCountsUntilAnotherTaskHasDoneTheFrame) {
     EXPECT_EQ(merged().state, "failed");
 }
 
+TEST_F(MergedReportTest, MissingTasksLeaveTheWholeIncomplete) {
+    for (NamedRecord& task : tasks)
+        task.record.shard->count = 5;
+    EXPECT_EQ(merged().state, kIncomplete);
+    EXPECT_EQ(merged().error, "the reports of shards 3-5 of 5 are missing; name those of all tasks");
+    EXPECT_EQ(merged().frames.size(), 4U);
+    tasks = {{"b.json", record("2026-11-22T05:16:00Z", 2)}};
+    EXPECT_EQ(merged().error, "the report of shard 1 of 2 is missing; name those of all tasks");
+    tasks.push_back(tasks.front());
+    EXPECT_EQ(merged().state, kIncomplete) << "the same one twice";
+    JobRecord byHand = record("2026-11-22T05:18:00Z", 1);
+    byHand.shard.reset();
+    tasks.push_back({"by-hand.json", byHand});
+    EXPECT_EQ(merged().state, kIncomplete);
+    tasks.push_back({"a.json", record("2026-11-22T05:16:10Z", 1)});
+    EXPECT_EQ(merged().state, "done");
+    EXPECT_FALSE(merged().shard);
+}
+
+TEST_F(MergedReportTest, FrameThatATaskHasIsNotSkipped) {
+    tasks[0].record.skipped = {4, 12};  // missing then, and done by the other since
+    EXPECT_THAT(merged().skipped, ElementsAre(12));
+}
+
 TEST_F(MergedReportTest, EveryConflictIsNamed) {
     tasks[1].record.version = "1.1.0";
     tasks[1].record.effectBuild = "0000000000000000";
     tasks[1].record.parameters = {};
+    tasks[1].record.shard->count = 3;
     FrameRecord other = frameOf(1, State::Done);
     other.fingerprint = "0000000000000000";
     tasks[1].record.frames.push_back(other);
@@ -120,6 +146,7 @@ TEST_F(MergedReportTest, EveryConflictIsNamed) {
         for (const char* const conflict : {"\"b.json\" has another version of perch than \"a.json\"",
                                            "\"b.json\" has another build of the effect than \"a.json\"",
                                            "\"b.json\" has other parameters than \"a.json\"",
+                                           "\"b.json\" is of 3 shards and \"a.json\" of 2",
                                            "frame 1 is not the same in \"a.json\" and \"b.json\"",
                                            "frame 3 is not the same in \"a.json\" and \"b.json\"",
                                            "frames 2 and 3 are both \"out.3.png\""})

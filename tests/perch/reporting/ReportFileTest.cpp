@@ -24,6 +24,7 @@ struct ReportFileTest : testing::Test {
     const std::filesystem::path path = folder / "report.json";
     JobRecord record{.version = "1.0.0",
                      .arguments = {"-i", "in.####.png", "--label", "caf\xE9"},
+                     .shard = Shard{.number = 2, .count = 8},
                      .effect = "Effect",
                      .effectBuild = "0123456789abcdef",
                      .parameters = {{"--amount", "1:10:linear,3:30:smooth"}},
