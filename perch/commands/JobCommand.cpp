@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -70,7 +71,8 @@ RenderTasks tasksOf(const Arguments& command, int count) {
             "a job is for sequences; give --input a place for the frame number, like in.####.png");
     return {.command = command,
             .count = count,
-            .threads = options.load.threads,
+            .threads = options.given.contains("threads") ? std::optional(options.load.threads) : std::nullopt,
+            .saysProgress = options.given.contains("progress"),
             .folder = fs::current_path().string()};
 }
 

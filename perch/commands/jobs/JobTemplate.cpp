@@ -76,6 +76,7 @@ Json argumentsOf(const RenderTasks& tasks, Parameters& parameters) {
     Json arguments{"-c", R"(cd "$1" && shift && exec "$@")", "sh", "{{Param.Folder}}"};
     for (const std::string& word : tasks.command)
         arguments.push_back(parameters.reference(word));
+    if (!tasks.saysProgress) arguments.insert(arguments.end(), {"--progress", "openjd"});
     arguments.push_back("--shard");
     arguments.push_back(fmt::format("{{{{Task.Param.Shard}}}}/{}", tasks.count));
     return arguments;
@@ -96,8 +97,8 @@ std::string jobTemplate(const RenderTasks& tasks) {
     Parameters parameters(tasks.folder);
     const Json arguments = argumentsOf(tasks, parameters);
     Json step{{"name", "render"}};
-    if (tasks.threads > 0)
-        step["hostRequirements"]["amounts"] = {{{"name", "amount.worker.vcpu"}, {"min", tasks.threads}}};
+    if (tasks.threads.value_or(0) > 0)
+        step["hostRequirements"]["amounts"] = {{{"name", "amount.worker.vcpu"}, {"min", *tasks.threads}}};
     step["parameterSpace"]["taskParameterDefinitions"] = {
         {{"name", "Shard"}, {"type", "INT"}, {"range", fmt::format("1-{}", tasks.count)}}};
     // SIGTERM first: perch then ends the frame under way, and removes what it has begun to write.

@@ -24,7 +24,7 @@ std::string parallelLine(const RenderTasks& tasks) {
     for (const std::string& word : tasks.command)
         words += shellWord(withoutReplacements(shellWord(word))) + ' ';
     // As many tasks at once as there are processors.
-    if (tasks.threads == 0) words += "--threads 1 ";
+    if (!tasks.threads) words += "--threads 1 ";
     return fmt::format("cd {} && seq {} | PARALLEL_SHELL=/bin/sh parallel {}--shard {{}}/{}\n",
                        shellWord(tasks.folder), tasks.count, words, tasks.count);
 }

@@ -1,6 +1,7 @@
 // A render command line that is to be divided among tasks, of which each renders its shard of the frames.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -9,8 +10,9 @@ namespace perch {
 struct RenderTasks {
     std::vector<std::string> command;  // the program, "render" and its options
     int count = 1;
-    int threads = 0;     // of each task, as the command says; 0: it does not say
-    std::string folder;  // absolute: where the command's relative names begin
+    std::optional<int> threads{};  // of each task, 0 for one per processor; absent: the command does not say
+    bool saysProgress = false;     // how its progress is told
+    std::string folder;            // absolute: where the command's relative names begin
 };
 
 }  // namespace perch

@@ -300,7 +300,8 @@ RenderOptions parseRenderOptions(const std::vector<std::string>& arguments) {
     takeFailureOptions(app, texts.job, options.settings);
     if (options.names.shard && !options.job.report.empty())
         options.job.report = reportOfShard(options.job.report, *options.names.shard);
-    for (const AccountName& account : {AccountName{"--report", options.job.report}, {"--log", options.job.log}})
+    for (const AccountName& account :
+         {AccountName{"--report", options.job.report}, {"--log", options.job.log}})
         if (!account.path.empty()) options.names.accounts.push_back(account);
     options.settings.quality = parseQuality(texts.quality);
     options.settings.smart = parseSmart(texts.smart);
@@ -318,6 +319,8 @@ RenderOptions parseRenderOptions(const std::vector<std::string>& arguments) {
     options.settings.reading.acceptsDamage = texts.acceptsDamage;
     options.settings.framesAhead = framesAheadFor(options.load.threads);
     takeLimits(texts, options);
+    for (const std::string& name : longOptionNames(app))
+        if (app.count("--" + name) > 0) options.given.insert(name);
     return options;
 }
 

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -43,6 +44,7 @@ struct RenderOptions {
     RenderSettings settings;
     JobOptions job;
     std::optional<std::int64_t> memory;  // for pictures, in bytes
+    std::set<std::string> given;         // options that the command line has, without their dashes
 };
 
 // The names of the command's own options, which no parameter's option takes.

@@ -14,10 +14,10 @@ using Json = nlohmann::json;
 
 TEST(JobTemplateTest, TemplateHasThePublishedStructure) {
     const JobTexts texts;
-    for (const int threads : {0, 4}) {
+    for (const std::optional<int> threads : {std::optional<int>(), {0}, {4}}) {
         const Json json = Json::parse(jobTemplate(texts.tasks(kDifficultWords, threads)));
         EXPECT_EQ(breachesOf(json), std::vector<std::string>());
-        EXPECT_EQ(json["steps"][0].contains("hostRequirements"), threads > 0);
+        EXPECT_EQ(json["steps"][0].contains("hostRequirements"), threads == 4);
     }
 }
 
@@ -75,6 +75,19 @@ TEST(JobTemplateTest, TasksGetEveryWordAsItWas) {
                   std::vector<std::string>{texts.expected(kDifficultWords, shard)});
         EXPECT_EQ(result.err, "");
     }
+}
+
+TEST(JobTemplateTest, TasksTellTheSchedulerHowFarTheyAreUnlessTheCommandSaysHow) {
+    RenderTasks tasks = JobTexts().tasks({"-q"});
+    const auto argumentsOf = [&tasks] {
+        return Json::parse(jobTemplate(tasks))["steps"][0]["script"]["actions"]["onRun"]["args"];
+    };
+    EXPECT_EQ(std::ranges::count(argumentsOf(), "--progress"), 0);
+    tasks.saysProgress = false;
+    const Json arguments = argumentsOf();
+    const auto option = std::ranges::find(arguments, "--progress");
+    ASSERT_NE(option, arguments.end());
+    EXPECT_EQ(*(option + 1), "openjd");
 }
 
 TEST(JobTemplateTest, WhatATemplateCannotHoldIsRefused) {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -86,9 +87,13 @@ public:
         std::filesystem::permissions(program, std::filesystem::perms::owner_all);
     }
 
-    RenderTasks tasks(std::vector<std::string> options, int threads = 4) const {
+    RenderTasks tasks(std::vector<std::string> options, std::optional<int> threads = 4) const {
         options.insert(options.begin(), {"./my perch", "render"});
-        return {.command = options, .count = kTasks, .threads = threads, .folder = folder.string()};
+        return {.command = options,
+                .count = kTasks,
+                .threads = threads,
+                .saysProgress = true,
+                .folder = folder.string()};
     }
 
     // What the program tells of each task in whatever order they ran, sorted.

@@ -11,7 +11,7 @@ namespace {
 
 TEST(ShellJobsTest, ScriptForSlurmIsAsOneWouldWriteIt) {
     const std::vector<std::string> command{"perch", "render", "-i", "in.####.exr", "-o", "out.####.exr"};
-    const RenderTasks tasks{.command = command, .count = 8, .threads = 0, .folder = "/shot 12"};
+    const RenderTasks tasks{.command = command, .count = 8, .folder = "/shot 12"};
     EXPECT_EQ(slurmScript(tasks),
               "#!/bin/sh\n"
               "#SBATCH --array=1-8\n"
@@ -25,6 +25,16 @@ TEST(ShellJobsTest, ThreadsOfTheCommandAreProcessorsOfTheTask) {
     const std::string script = slurmScript(texts.tasks({"--threads", "4"}, 4));
     EXPECT_NE(script.find("#SBATCH --cpus-per-task=4\n"), std::string::npos) << script;
     EXPECT_EQ(script.find("SLURM_CPUS_PER_TASK"), std::string::npos) << script;
+}
+
+TEST(ShellJobsTest, ThreadsThatTheCommandSaysAreSaidOnce) {
+    const JobTexts texts;
+    for (const int threads : {0, 4}) {
+        const RenderTasks tasks = texts.tasks({"--threads", std::to_string(threads)}, threads);
+        for (const std::string& job : {slurmScript(tasks), parallelLine(tasks)})
+            EXPECT_EQ(job.find("--threads"), job.rfind("--threads")) << job;
+    }
+    EXPECT_EQ(slurmScript(texts.tasks({"--threads", "0"}, 0)).find("--cpus-per-task"), std::string::npos);
 }
 
 TEST(ShellJobsTest, SlurmsTasksGetEveryWordAsItWas) {
@@ -42,7 +52,7 @@ TEST(ShellJobsTest, SlurmsTasksGetEveryWordAsItWas) {
 
 TEST(ShellJobsTest, LineOfParallelIsAsOneWouldWriteIt) {
     const std::vector<std::string> command{"perch", "render", "-i", "in.####.exr", "-o", "out.####.exr"};
-    const RenderTasks tasks{.command = command, .count = 8, .threads = 0, .folder = "/shot12"};
+    const RenderTasks tasks{.command = command, .count = 8, .folder = "/shot12"};
     EXPECT_EQ(parallelLine(tasks),
               "cd /shot12 && seq 8 | PARALLEL_SHELL=/bin/sh parallel "
               "perch render -i in.####.exr -o out.####.exr --threads 1 --shard {}/8\n");

@@ -65,6 +65,11 @@ TEST(RenderOptionsTest, EachShardHasAReportOfItsOwn) {
     EXPECT_THROW(parseRenderOptions(arguments), UsageError) << "the other would replace it";
 }
 
+TEST(RenderOptionsTest, OptionsAreKnownToBeGivenWhateverTheySay) {
+    EXPECT_EQ(parsed("--threads", "0").given, (std::set<std::string>{"input", "output", "threads"}));
+    EXPECT_EQ(parsed("--progress", "auto").given, (std::set<std::string>{"input", "output", "progress"}));
+}
+
 TEST(RenderOptionsTest, ThreadsGoToTheEffect) {
     for (const int threads : {0, 1, 3, 1024}) {
         const std::string text = std::to_string(threads);
