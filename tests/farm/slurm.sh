@@ -11,6 +11,7 @@ if [[ -z ${SLURM_TEST_LIMIT-} ]]; then
 fi
 
 perch=$1 shot=$2 effect=$3
+here=$(cd "$(dirname "$0")" && pwd)
 scratch=$(mktemp -d)
 export SLURM_CONF=$scratch/slurm.conf
 
@@ -120,15 +121,17 @@ array() {
 tasks_in() { squeue --noheader --array --states all --jobs "$2" --format %T | grep -cx "$1"; }
 have_completed() { [[ $(tasks_in COMPLETED "$1") == "$2" ]]; }
 
-# An array leaves what one run leaves.
+# An array leaves what one run leaves, and its reports tell what the run's report does.
 mkdir whole parts
 "$perch" render -i plates/beauty.####.png --control-layer plates/depth.####.png --focal-point 1:20,24:70:smooth -q \
-    -o whole/shot.####.png || fail "one run"
+    -o whole/shot.####.png --report whole.json || fail "one run"
 [[ $(find whole -type f | wc -l) == 24 ]] || fail "one run does not leave 24 frames"
-job=$(array 3 --control-layer plates/depth.####.png --focal-point 1:20,24:70:smooth -o parts/shot.####.png) ||
+job=$(array 3 --control-layer plates/depth.####.png --focal-point 1:20,24:70:smooth -o parts/shot.####.png --report task.#.json) ||
     fail "an array is not taken"
 await "an array does not come to its end" have_completed "$job" 3
 diff -r whole parts || fail "an array leaves other files than one run"
+"$perch" merge-report task.*.json -o joined.json || fail "the reports of an array are not of one job"
+"$here/compare-reports.py" whole.json joined.json || fail "an array reports otherwise than one run"
 
 # A task that is killed in the middle of frame 11, and started again.
 mkdir undisturbed disturbed
