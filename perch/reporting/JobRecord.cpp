@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "Error.h"
+#include "FrameList.h"
 #include "StartFolder.h"
 
 namespace perch {
@@ -86,6 +87,14 @@ FrameRecord frameOf(const Json& json) {
     return frame;
 }
 
+Shard shardOf(const Json& json) {
+    const Shard shard{.number = json.at("number").get<std::size_t>(),
+                      .count = json.at("count").get<std::size_t>()};
+    if (shard.number < 1 || shard.number > shard.count || shard.count > kMostFrames)
+        throw Error("no such shard");
+    return shard;
+}
+
 JobRecord recordOf(const Json& json) {
     if (json.at("form").get<int>() != kForm) throw Error("unknown form");
     JobRecord record{.version = json.at("perch").get<std::string>(),
@@ -100,11 +109,7 @@ JobRecord recordOf(const Json& json) {
                      .skipped = json.at("skipped").get<std::vector<std::int32_t>>(),
                      .notes = json.at("notes").get<std::vector<std::string>>(),
                      .frames = {}};
-    if (json.contains("shard")) {
-        const Json& shard = json.at("shard");
-        record.shard = Shard{.number = shard.at("number").get<std::size_t>(),
-                             .count = shard.at("count").get<std::size_t>()};
-    }
+    if (json.contains("shard")) record.shard = shardOf(json.at("shard"));
     for (const Json& frame : json.at("frames"))
         record.frames.push_back(frameOf(frame));
     return record;

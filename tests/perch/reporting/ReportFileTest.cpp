@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <stdexcept>
 #include <string>
 
@@ -133,6 +134,16 @@ TEST_F(ReportFileTest, AnotherFileIsNotTakenForAReport) {
     later.replace(later.find(form), form.size(), "\"form\": 2");
     writeBytes(path, later);
     EXPECT_THROW(readRecord(path), Error) << "of a later form, and else like ours";
+}
+
+TEST_F(ReportFileTest, ShardIsOneOfItsCount) {
+    for (const Shard shard : {Shard{.number = 0, .count = 2},
+                              {.number = 3, .count = 2},
+                              {.number = 1, .count = std::numeric_limits<std::size_t>::max()}}) {
+        record.shard = shard;
+        writeBytes(path, recordText(record));
+        EXPECT_THROW(readRecord(path), Error) << shard.number << " of " << shard.count;
+    }
 }
 
 }  // namespace
