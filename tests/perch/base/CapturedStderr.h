@@ -1,18 +1,28 @@
-// What this process prints on stderr, libraries included, for as long as the object lives.
+// What this process prints on stderr, libraries included, for as long as the object lives. What a sanitizer
+// reports comes out as ever.
 #pragma once
 
 #include <unistd.h>
 
+#include <cstdint>
 #include <cstdio>
 #include <string>
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#include <sanitizer/common_interface_defs.h>
+#endif
 
 namespace perch::test {
 
 class CapturedStderr {
 public:
-    CapturedStderr() { dup2(fileno(file), STDERR_FILENO); }
+    CapturedStderr() {
+        reportAt(before);
+        dup2(fileno(file), STDERR_FILENO);
+    }
     ~CapturedStderr() {
         dup2(before, STDERR_FILENO);
+        reportAt(STDERR_FILENO);
         close(before);
         std::fclose(file);
     }
@@ -28,7 +38,14 @@ public:
     }
 
 private:
-    static off_t offsetOf(const std::string& read) { return static_cast<off_t>(read.size()); }
+    static void reportAt([[maybe_unused]] std::intptr_t descriptor) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+        __sanitizer_set_report_fd(reinterpret_cast<void*>(descriptor));
+#endif
+    }
+    static off_t offsetOf(const std::string& read) {
+        return static_cast<off_t>(read.size());
+    }
 
     std::FILE* const file = std::tmpfile();
     const int before = dup(STDERR_FILENO);

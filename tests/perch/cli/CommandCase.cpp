@@ -121,8 +121,18 @@ std::string withoutTimes(const std::string& text) {
     std::string kept;
     std::istringstream lines(text);
     for (std::string line; std::getline(lines, line);) {
-        if (isProgress(line)) continue;
         kept += withoutJsonTimes(withoutTime(line));
+        if (!lines.eof()) kept += '\n';
+    }
+    return kept;
+}
+
+std::string withoutProgress(const std::string& text) {
+    std::string kept;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        if (isProgress(line)) continue;
+        kept += line;
         if (!lines.eof()) kept += '\n';
     }
     return kept;

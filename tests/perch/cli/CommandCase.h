@@ -32,8 +32,10 @@ void writeCases(const std::filesystem::path& file, const std::vector<CommandCase
 std::vector<std::string> wordsOf(const std::string& command);
 
 // What a job took is {time}: "4 frames done in {time}: out.####.png", and in JSON "renderSeconds":{time}.
-// Lines of progress, which come every ten seconds, are left out.
 std::string withoutTimes(const std::string& text);
+
+// Without the lines of progress, which come every ten seconds.
+std::string withoutProgress(const std::string& text);
 
 std::string replaceAll(std::string text, const std::string& from, const std::string& to);
 

@@ -79,7 +79,7 @@ CommandLine::CommandLine() {
 ProgramResult CommandLine::run(const std::string& command, const std::string& input) const {
     ProgramResult result = runProgram(commandOf(command), folder, input);
     result.out = withoutTimes(replaceAll(result.out, PERCH_TEST_PLUGINS, "{plugins}"));
-    result.err = withoutTimes(replaceAll(result.err, PERCH_TEST_PLUGINS, "{plugins}"));
+    result.err = withoutTimes(withoutProgress(replaceAll(result.err, PERCH_TEST_PLUGINS, "{plugins}")));
     return result;
 }
 

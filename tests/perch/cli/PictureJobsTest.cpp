@@ -149,7 +149,7 @@ TEST_F(PictureJobsTest, LaterFrameOutsideTheRangeOfTheFirstIsToldOnce) {
         perch("-i in.#.png -o out.#.png --control-layer z.#.exr --control-range auto --threads 1");
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(
-        withoutTimes(result.err),
+        withoutTimes(withoutProgress(result.err)),
         "perch: note: --control-range auto is --control-range 2:30\n"
         "perch: note: \"z.3.exr\" has depths of 4:60, outside the 2:30 that --control-range auto found in "
         "the first frame\n"
@@ -183,13 +183,13 @@ TEST_F(PictureJobsTest, ClippedLightIsCountedOnce) {
     const std::string job = "-i in.#.exr -o out.#.exr --control-layer none --blend-with-original 100";
     const std::string summary = "perch: 2 frames done in {time}: out.#.exr\n";
     EXPECT_EQ(
-        withoutTimes(perch(job).err),
+        withoutTimes(withoutProgress(perch(job).err)),
         "perch: note: the pictures hold light in floats, which the effect gets by the curve of sRGB, as with "
         "--encode srgb\n"
         "perch: note: 30 % of the pixels of 2 frames are below 0 or above 1 and were clipped; --encode log "
         "keeps up to 64\n" +
             summary);
-    EXPECT_EQ(withoutTimes(perch(job + " --encode log").err), summary);
+    EXPECT_EQ(withoutTimes(withoutProgress(perch(job + " --encode log").err)), summary);
     EXPECT_EQ(perch(job + " --quiet").err, "");
 }
 

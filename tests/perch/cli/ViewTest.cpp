@@ -106,8 +106,10 @@ TEST_F(ViewTest, NothingOfItStaysWhenItEnds) {
         EXPECT_EQ(processesIn(folder).size(), 3U);  // server, session and its worker
         view.send(signal);
         EXPECT_EQ(view.finish().status, 128 + signal);
-        while (!processesIn(folder).empty())
+        const auto latest = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+        while (!processesIn(folder).empty() && std::chrono::steady_clock::now() < latest)
             std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        EXPECT_TRUE(processesIn(folder).empty());
     }
 }
 
