@@ -19,14 +19,20 @@ paragraphs() {
     escaped | sed -n 's/^  \([^ ]\{1,\}\( [^ ]\{1,\}\)\{0,1\}\)  *\([^ ].*\)$/.TP\n.B \1\n\3/p'
 }
 
-"$perch" --help | sed -n '/^Exit codes:/,/^$/p' | paragraphs >"$scratch/codes"
-for command in $("$perch" --help | sed -n '/^Commands:/,/^$/s/^  \([a-z-]*\) .*/\1/p'); do
+# Not into a pipe, which would hide that it fails.
+"$perch" --help >"$scratch/program"
+sed -n '/^Exit codes:/,/^$/p' "$scratch/program" | paragraphs >"$scratch/codes"
+sed -n '/^Commands:/,/^$/s/^  \([a-z-]*\) .*/\1/p' "$scratch/program" >"$scratch/commands"
+for command in $(cat "$scratch/commands"); do
     "$perch" "$command" --help >"$scratch/help"
     printf '.SS perch %s\n' "$(echo "$command" | escaped)"
     sed '/^Usage:/,$d' "$scratch/help" | escaped
     # The effect's parameters are not the program's.
     sed '/^Parameters of the effect:/,$d' "$scratch/help" | paragraphs
 done >"$scratch/options"
+for part in codes options; do
+    [ -s "$scratch/$part" ] || { echo "$0: $perch --help lists no $part" >&2; exit 1; }
+done
 
 sed -e "/^\.\\\\\" options$/{r $scratch/options" -e 'd}' -e "/^\.\\\\\" codes$/{r $scratch/codes" -e 'd}' "$template" >"$scratch/page"
 cp "$scratch/page" "$page"

@@ -1,6 +1,7 @@
 // The manual page, which is made from what the program's own help lists.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -56,6 +57,18 @@ TEST(ManualTest, HoldsEveryRowOfEveryHelp) {
             EXPECT_NE(page.find(".TP\n.B " + command + "\n" + escaped(summary) + "\n"), std::string::npos)
                 << command;
         }
+    }
+}
+
+TEST(ManualTest, IsNotMadeWhereTheProgramCannotListItsOptions) {
+    const CommandLine commandLine;
+    const std::string sources = PERCH_SOURCES;
+    for (const char* const program : {"/bin/false", "/bin/true"}) {
+        const ProgramResult result = runProgram({"/bin/sh", sources + "/packaging/man-page.sh", program,
+                                                 sources + "/packaging/perch.1.in", "page.1"},
+                                                commandLine.folder);
+        EXPECT_NE(result.status, 0) << program;
+        EXPECT_FALSE(std::filesystem::exists(commandLine.folder / "page.1")) << program;
     }
 }
 
