@@ -18,13 +18,18 @@ constexpr ExitCode kExitCodes[] = {
     {kDone, "done"},
     {kFailed, "failed for another reason, as where there is not enough memory"},
     {kWrongUse,
-     "wrong use of the command line, also where it would replace what it reads, or a file of another "
-     "kind; nothing was done"},
-    {kBadInput, "a file that is read is missing, damaged, or does not go with the others"},
+     "wrong use of the command line, also where it would replace what it reads or a file of another kind, "
+     "and likely "
+     "mistakes in it with --warnings-as-errors; nothing was done"},
+    {kBadInput,
+     "a file that is read is missing, damaged, or does not go with the others, or likely so with "
+     "--warnings-as-errors"},
     {kBadOutput, "a file cannot be written, or must not be replaced"},
     {kNotLoaded, "there is no effect to load, or it cannot be loaded"},
-    {kEffectFailed, "the effect answered with an error, or broke a rule of check or --strict"},
-    {kSomeFailed, "some frames failed, with --on-error continue; the others are done"},
+    {kEffectFailed,
+     "the effect answered with an error, cannot do what was asked, or broke a rule of check or --strict"},
+    {kSomeFailed,
+     "some frames failed, or were asked for by --frames-from and are not the job's; the others are done"},
     {kEffectBroke, "the effect crashed, ended the program, let an exception out, or did not come back"},
     {kSignalled + SIGHUP, "ended by SIGHUP; finished frames stay"},
     {kInterrupted, "interrupted by SIGINT; finished frames stay"},

@@ -176,10 +176,11 @@ std::string repetitionText(const std::string& option) {
 
 void warnOfMistakes(const ParameterArguments& arguments, Notes& notes) {
     for (const std::string& option : arguments.repeated)
-        notes.warn(option, repetitionText(option));
+        notes.warnOfUse(option, repetitionText(option));
     if (!arguments.missingLayer.empty()) {
-        notes.warn("layer", fmt::format("the effect gets values and no picture; give one by {0}, or {0} none",
-                                        arguments.missingLayer));
+        notes.warnOfUse("layer",
+                        fmt::format("the effect gets values and no picture; give one by {0}, or {0} none",
+                                    arguments.missingLayer));
     }
 }
 

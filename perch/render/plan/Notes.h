@@ -25,10 +25,10 @@ inline std::vector<std::string> sentencesOf(const std::vector<Note>& notes) {
     return sentences;
 }
 
-// Throws Error for the first that is a warning.
+// Throws InputError for the first that is a warning: of what is read.
 inline void refuseWarnings(const std::vector<Note>& notes) {
     for (const Note& note : notes)
-        if (note.isWarning) throw Error(note.sentence);
+        if (note.isWarning) throw InputError(note.sentence);
 }
 
 class Notes {
@@ -39,10 +39,14 @@ public:
         keep(kind, place, {false, sentence});
     }
 
-    // Throws Error instead where warnings are to be errors.
+    // Of what is read, and of the command line. Where warnings are to be errors they throw one instead.
     void warn(const std::string& kind, const std::string& sentence, std::size_t place = 0) {
         if (areWarningsErrors) throw InputError(sentence);
         keep(kind, place, {true, sentence});
+    }
+    void warnOfUse(const std::string& kind, const std::string& sentence) {
+        if (areWarningsErrors) throw UsageError(sentence);
+        keep(kind, 0, {true, sentence});
     }
 
     // In the order of their places, those of one in that of their kinds' names.
