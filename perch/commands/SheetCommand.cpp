@@ -47,8 +47,7 @@ SheetOptions parseSheetOptions(const Arguments& arguments) {
     addHelpFlag(app, options.wantsHelp);
     app.add_option("--over", options.axes,
                    "a parameter and its values, like focal-point=0:100:25 or blur-type=Coarse,Fine; twice "
-                   "for a grid, "
-                   "the second downwards")
+                   "for a grid, the second downwards")
         ->type_name("NAME=VALUES")
         ->expected(1)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
@@ -72,8 +71,7 @@ void requireSheet(const RenderOptions& options) {
         !options.job.report.empty() || options.job.isFed)
         throw UsageError(
             "--on-error continue, --existing, --report and --frames-from are for perch render; a sheet is "
-            "whole "
-            "or not at all");
+            "whole or not at all");
     if (options.job.isVerbose || !options.job.log.empty())
         throw UsageError("-v and --log are for perch render; leave them out");
     if (options.load.strict)

@@ -50,8 +50,7 @@ void addViewOptions(CLI::App& app, ViewTexts& texts) {
 int printHelp(const std::vector<std::string>& arguments) {
     CLI::App app(
         "Shows an effect at work on a picture or a sequence, in the browser and at every move of a control. "
-        "Takes "
-        "the options of perch render; --output may be left out.",
+        "Takes the options of perch render; --output may be left out.",
         "perch view");
     ViewTexts texts;
     addViewOptions(app, texts);
@@ -68,7 +67,8 @@ int printHelp(const std::vector<std::string>& arguments) {
     return kDone;
 }
 
-// "x" of a coordinate and so on of a value as it is by default.
+// The value that a parameter has by default, as a curve that does not move; absent where it has none, as a
+// layer.
 std::optional<ParameterCurve> defaultCurve(const Parameter& parameter, const PF_ParamDef& value) {
     constexpr double kFixedOne = 65536.0;
     const PF_ParamDefUnion& u = value.u;
@@ -140,6 +140,9 @@ int runSession(int socket, const std::vector<std::string>& given) {
     const RenderOptions options = parseRenderOptions(arguments);
     if (options.use != PlanUse::Render)
         throw UsageError("--dry-run is for perch render; perch view shows pictures");
+    if (options.job.isFed)
+        throw UsageError(
+            "--frames-from is for perch render; the page of perch view asks for its frames itself");
     whereabouts().limit = options.frameLimit.count();
     pictures::keepStartFolder();
     HostOptions host;
@@ -154,7 +157,7 @@ int runSession(int socket, const std::vector<std::string>& given) {
     const ParameterArguments values = parseParameterArguments(arguments, parameters);
     FramePlan plan = planFrames(options.names, values.layers);
     plan.emptyLayers = values.emptyLayers;
-    if (plan.frames.empty()) throw Error("there is no frame to be shown; leave --shard out");
+    if (plan.frames.empty()) throw UsageError("there is no frame to be shown; leave --shard out");
     RenderSettings settings = options.settings;
     settings.layers = values.readings;
 

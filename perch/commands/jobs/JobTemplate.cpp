@@ -49,8 +49,7 @@ public:
         if (codePoints(argument) > kLongestDefault || definitions.size() == kMostParameters)
             throw UsageError(
                 "an Open Job Description template cannot hold so many, or so long, names with control "
-                "characters "
-                "or two braces; rename the files");
+                "characters or two braces; rename the files");
         definitions.push_back({{"name", name},
                                {"type", "STRING"},
                                {"default", argument},
