@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <new>
+
 namespace perch {
 namespace {
 
@@ -23,5 +25,10 @@ EffectError::EffectError(std::string command, std::int32_t code, std::string mes
       code(code),
       message(std::move(message)),
       frame(frame) {}
+
+std::string sentenceOf(const std::exception& failure) {
+    if (dynamic_cast<const std::bad_alloc*>(&failure) != nullptr) return "there is not enough memory";
+    return failure.what();
+}
 
 }  // namespace perch

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <exception>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -76,5 +77,8 @@ class EffectBroke : public Error {
 public:
     explicit EffectBroke(const std::string& sentence) : Error(sentence, kEffectBroke) {}
 };
+
+// The sentence for the user of any exception.
+std::string sentenceOf(const std::exception& failure);
 
 }  // namespace perch

@@ -18,9 +18,8 @@ constexpr ExitCode kExitCodes[] = {
     {kDone, "done"},
     {kFailed, "failed for another reason, as where there is not enough memory"},
     {kWrongUse,
-     "wrong use of the command line, also where it would replace what it reads or a file of another kind, "
-     "and likely "
-     "mistakes in it with --warnings-as-errors; nothing was done"},
+     "the command line is wrong, would replace what it reads or a file of another kind, or is likely wrong "
+     "with --warnings-as-errors; nothing was done"},
     {kBadInput,
      "a file that is read is missing, damaged, or does not go with the others, or likely so with "
      "--warnings-as-errors"},

@@ -7,6 +7,7 @@
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
+#include <exception>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -29,6 +30,7 @@
 #include "RenderOptions.h"
 #include "ReplacedFile.h"
 #include "ReportFile.h"
+#include "Seconds.h"
 #include "StartFolder.h"
 #include "Whereabouts.h"
 
@@ -74,6 +76,7 @@ struct Audience {
 
     JobDisplay display;
     std::optional<ReportFile> report;
+    std::string failure;  // of the job
 };
 
 // `audience` and the budget outlive the effect.
@@ -115,15 +118,14 @@ bool reportFindings(const Effect& effect) {
     return hasFault;
 }
 
-double secondsOf(const timeval& time) {
+double secondsIn(const timeval& time) {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
 }
 
 // Reading and writing in processor time, since they wait for processors where there are too few of them.
 void reportTiming(const RenderReport& report, std::chrono::steady_clock::duration wall) {
-    using Seconds = std::chrono::duration<double>;
     const auto seconds = [](const RenderReport::Time& time) {
-        return Seconds(std::chrono::nanoseconds(time.load())).count();
+        return secondsOf(std::chrono::nanoseconds(time.load()));
     };
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
@@ -131,8 +133,8 @@ void reportTiming(const RenderReport& report, std::chrono::steady_clock::duratio
     sayAsItIs(fmt::format("render    {:8.2f} s\n", seconds(report.renderTime)));
     sayAsItIs(fmt::format("encode    {:8.2f} s of processor time\n", seconds(report.encodeTime)));
     sayAsItIs(
-        fmt::format("processor {:8.2f} s in all\n", secondsOf(usage.ru_utime) + secondsOf(usage.ru_stime)));
-    sayAsItIs(fmt::format("wall      {:8.2f} s\n", Seconds(wall).count()));
+        fmt::format("processor {:8.2f} s in all\n", secondsIn(usage.ru_utime) + secondsIn(usage.ru_stime)));
+    sayAsItIs(fmt::format("wall      {:8.2f} s\n", secondsOf(wall)));
 }
 
 // What did not fail and should be known.
@@ -147,10 +149,12 @@ void reportNotes(const RenderReport& report, std::optional<pictures::Transfer> t
         report.framesWritten.load(), isLog ? "64" : "1", isLog ? "" : "; --encode log keeps up to 64"));
 }
 
-int reportInterrupt(const RenderReport& report, std::size_t count) {
+int reportInterrupt(const RenderReport& report, std::size_t count, bool isFed) {
     const std::size_t written = report.framesWritten;
-    const std::string outcome =
-        written == 0 ? "nothing was written" : fmt::format("{} of {} frames were written", written, count);
+    std::string outcome = "nothing was written";
+    if (written > 0)
+        outcome = isFed ? fmt::format("{} frames were written", written)
+                        : fmt::format("{} of {} frames were written", written, count);
     say(fmt::format("interrupted; {}", outcome));
     return gEndingSignal == SIGTERM ? kTerminated : kInterrupted;
 }
@@ -162,8 +166,8 @@ RenderWatch watchOf(Audience& audience, const FramePlan& plan, bool goesOn) {
     watch.frameBegins = [&display](std::size_t index) { display.frameBegins(index); };
     watch.frameProgresses = [&display](double fraction) { display.frameProgresses(fraction); };
     watch.frameEnds = [&audience, &display, &plan, goesOn](const FrameEnd& end) {
-        display.frameEnds(end);
         if (audience.report) audience.report->frameEnds(plan.frames[end.index].frame, end);
+        display.frameEnds(end);
         if (end.state != FrameEnd::State::Failed || !goesOn) return;
         display.clearLine();
         say(end.message);
@@ -171,35 +175,81 @@ RenderWatch watchOf(Audience& audience, const FramePlan& plan, bool goesOn) {
     return watch;
 }
 
-// Renders, and returns whether the job came to its end.
-bool render(Effect& effect, const RenderOptions& options, const RenderSettings& settings,
-            const std::vector<ParameterCurve>& parameters, const FramePlan& plan, Audience& audience,
-            RenderReport& report) {
-    JobDisplay& display = audience.display;
-    display.begin(plan);
-    RenderWatch watch = watchOf(audience, plan, settings.goesOn);
+// What a job does, and with what.
+struct Job {
+    Effect& effect;
+    const RenderOptions& options;
+    const RenderSettings& settings;
+    const std::vector<ParameterCurve>& parameters;
+    const FramePlan& plan;
+    std::chrono::steady_clock::time_point start;
+};
+
+void renderPlan(const Job& job, Audience& audience, RenderReport& report) {
+    RenderWatch watch = watchOf(audience, job.plan, job.settings.goesOn);
     std::optional<FrameFeed> feed;
-    if (options.job.isFed) {
-        feed.emplace(plan, InputLines(inputDescriptor(), gWasInterrupted), display);
-        watch.nextFrames = [&feed] { return feed->next(); };
+    if (job.options.job.isFed) {
+        feed.emplace(job.plan, InputLines(inputDescriptor(), gWasInterrupted), audience.display);
+        watch.nextFrames = [&audience, &feed, &job] {
+            auto asked = feed->next();
+            if (!asked || !audience.report) return asked;
+            for (const std::size_t place : *asked)
+                audience.report->frameIsAsked(job.plan.frames[place].frame);
+            return asked;
+        };
     }
+    renderFrames(job.effect, job.settings, job.parameters, job.plan, watch, report);
+    job.effect.close();
+}
+
+// Renders, tells how it went, and returns what the program ends with.
+int render(const Job& job, Audience& audience, RenderReport& report) {
+    JobDisplay& display = audience.display;
+    const bool isFed = job.options.job.isFed;
+    display.begin(job.plan, job.options.names.output, isFed);
     try {
-        renderFrames(effect, settings, parameters, plan, watch, report);
-        effect.close();
+        renderPlan(job, audience, report);
     } catch (const Cancelled&) {
         display.clearLine();
-        if (audience.report) audience.report->finish("interrupted", "", report.notes.sentences());
-        return false;
+        const int status = reportInterrupt(report, job.plan.frames.size(), isFed);
+        display.finish("interrupted");
+        return status;
     } catch (const Error& error) {
         display.clearLine();
-        if (audience.report) audience.report->finish("failed", error.what(), report.notes.sentences());
-        display.fails(error.what());
-        reportFindings(effect);
-        if (!display.totals().failed.empty()) display.finish(options.names.output);
-        throw;
+        reportFindings(job.effect);
+        say(error.what());
+        audience.failure = error.what();
+        try {
+            display.finish(audience.failure);
+        } catch (const OutputError&) {
+            return error.status();  // nobody reads the results, which may be why the job has failed
+        }
+        return error.status();
     }
     display.clearLine();
-    return true;
+    reportNotes(report, job.settings.transfer, display);
+    if (job.options.wantsTiming) reportTiming(report, std::chrono::steady_clock::now() - job.start);
+    const bool hasFault = reportFindings(job.effect);
+    const bool isWhole = display.totals().isWhole();
+    display.finish(hasFault ? "the effect broke rules" : isWhole ? "" : "some frames failed");
+    return hasFault ? kEffectFailed : isWhole ? kDone : kSomeFailed;
+}
+
+// The same, with the end of the report.
+int renderReported(const Job& job, Audience& audience, RenderReport& report) {
+    const auto finish = [&](const std::string& state) {
+        if (audience.report) audience.report->finish(state, audience.failure, report.notes.sentences());
+    };
+    int status = kFailed;
+    try {
+        status = render(job, audience, report);
+    } catch (const std::exception& error) {
+        audience.failure = sentenceOf(error);
+        finish("failed");
+        throw;
+    }
+    finish(status == kDone ? "done" : status > kSignalled ? "interrupted" : "failed");
+    return status;
 }
 
 void setFingerprints(const EffectDescription& effect, const std::string& effectBuild, const LoadOptions& load,
@@ -273,7 +323,7 @@ int runRenderCommand(const std::vector<std::string>& arguments) {
     const std::string effectBuild = fileFingerprint(openBundle(bundle).library);
     if (options.job.isVerbose) {
         display.tellNote(fmt::format(
-            "perch {} renders by \"{}\" from \"{}\" of build {}; {} frames are read ahead at most",
+            "perch {} renders with the effect \"{}\" from \"{}\", build {}; {} frames are read ahead at most",
             PERCH_VERSION, effect.description().name, bundle.string(), effectBuild, settings.framesAhead));
     }
     setFingerprints(effect.description(), effectBuild, options.load, settings, parameters.curves, plan);
@@ -297,19 +347,16 @@ int runRenderCommand(const std::vector<std::string>& arguments) {
         record.shard = options.names.shard;
         record.effect = effect.description().name;
         record.effectBuild = effectBuild;
-        audience.report.emplace(options.job.report, std::move(record));
+        audience.report.emplace(options.job.report, std::move(record), options.job.isFed);
         whereabouts().report.set(options.job.report.string());
     }
-    if (!render(effect, options, settings, parameters.curves, plan, audience, report))
-        return reportInterrupt(report, plan.frames.size());
-    reportNotes(report, settings.transfer, display);
-    if (options.wantsTiming) reportTiming(report, std::chrono::steady_clock::now() - start);
-    const bool hasFault = reportFindings(effect);
-    display.finish(options.names.output);
-    const int status = hasFault ? kEffectFailed : display.totals().isWhole() ? kDone : kSomeFailed;
-    if (audience.report)
-        audience.report->finish(status == kDone ? "done" : "failed", "", report.notes.sentences());
-    return status;
+    return renderReported({.effect = effect,
+                           .options = options,
+                           .settings = settings,
+                           .parameters = parameters.curves,
+                           .plan = plan,
+                           .start = start},
+                          audience, report);
 }
 
 }  // namespace perch

@@ -6,7 +6,6 @@
 #include <array>
 #include <csignal>
 #include <exception>
-#include <new>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,6 +15,7 @@
 #include "Console.h"
 #include "Error.h"
 #include "ExitCodes.h"
+#include "JobDisplay.h"
 #include "NearestName.h"
 #include "ReportFile.h"
 #include "Supervisor.h"
@@ -85,6 +85,7 @@ int run(const Arguments& arguments) {
 struct Ending {
     int status = perch::kDone;
     std::string sentence;
+    std::string lastLine{};  // of a job
 };
 
 Ending runHere(const Arguments& arguments) {
@@ -92,10 +93,8 @@ Ending runHere(const Arguments& arguments) {
         return {run(arguments), {}};
     } catch (const perch::Error& error) {
         return {error.status(), error.what()};
-    } catch (const std::bad_alloc&) {
-        return {perch::kFailed, "there is not enough memory"};
     } catch (const std::exception& error) {
-        return {perch::kFailed, error.what()};
+        return {perch::kFailed, perch::sentenceOf(error)};
     }
 }
 
@@ -117,7 +116,7 @@ bool isSupervised(const Arguments& arguments) {
 
 // What the worker could not do any more.
 void closeReportOf(const perch::Outcome& outcome) {
-    if (outcome.report.empty()) return;
+    if (outcome.report.empty() || outcome.status == perch::kDone) return;
     try {
         const bool isInterrupted = outcome.status > perch::kSignalled;
         perch::closeReport(outcome.report, isInterrupted ? "interrupted" : "failed", outcome.sentence,
@@ -146,9 +145,29 @@ Ending runSupervised(const Arguments& arguments) {
         for (const std::string& finding : outcome.findings)
             perch::say("strict: " + finding);
         closeReportOf(outcome);
-        return {outcome.status, std::move(outcome.sentence)};
+        return {outcome.status, std::move(outcome.sentence), std::move(outcome.lastLine)};
     } catch (const std::exception& error) {
         return {perch::kFailed, error.what()};
+    }
+}
+
+// Of Open Job Description.
+bool tellsScheduler(const Arguments& arguments) {
+    if (arguments.empty() || arguments[0] != "render") return false;
+    bool tells = false;
+    for (std::size_t i = 1; i < arguments.size(); ++i) {
+        const std::string_view word = arguments[i];
+        if (word.starts_with("--progress=")) tells = word == "--progress=openjd";
+        if (word == "--progress" && i + 1 < arguments.size()) tells = arguments[i + 1] == "openjd";
+    }
+    return tells;
+}
+
+void tellScheduler(const std::string& failure) {
+    try {
+        perch::printResult(perch::openJdFailure(failure));
+    } catch (const perch::Error&) {
+        return;  // standard error has it
     }
 }
 
@@ -165,6 +184,10 @@ int main(int argc, char** argv) {
         perch::finishWork(ending.status, ending.sentence);
     }
     const Ending ending = isSupervised(arguments) ? runSupervised(arguments) : runHere(arguments);
-    if (!ending.sentence.empty()) perch::say(ending.sentence);
+    if (!ending.sentence.empty()) {
+        perch::say(ending.sentence);
+        if (tellsScheduler(arguments)) tellScheduler(ending.sentence);
+    }
+    if (!ending.lastLine.empty()) perch::say(ending.lastLine);
     return ending.status;
 }

@@ -5,9 +5,12 @@
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
+#include <utility>
 
 #include "Console.h"
 #include "ProgressText.h"
+#include "Seconds.h"
+#include "Whereabouts.h"
 
 namespace perch {
 namespace {
@@ -25,16 +28,16 @@ bool isForPrograms(ProgressForm form) {
     return form == ProgressForm::Json || form == ProgressForm::OpenJd;
 }
 
-double secondsOf(std::chrono::nanoseconds time) {
-    return std::chrono::duration<double>(time).count();
-}
-
 // Names of files have no certain encoding.
 void printLine(const Json& json) {
     printResult(json.dump(-1, ' ', false, Json::error_handler_t::replace) + '\n');
 }
 
 }  // namespace
+
+std::string openJdFailure(std::string_view sentence) {
+    return fmt::format("openjd_fail: {}\n", printable(sentence));
+}
 
 JobDisplay::JobDisplay(ProgressForm form, bool isQuiet, bool isVerbose)
     : form(isQuiet && !isForPrograms(form) ? ProgressForm::None : form),
@@ -46,22 +49,33 @@ JobDisplay::~JobDisplay() {
     clearLine();
 }
 
-void JobDisplay::begin(const FramePlan& planned) {
+void JobDisplay::begin(const FramePlan& planned, const std::string& place, bool fed) {
     plan = &planned;
+    output = place;
+    isFed = fed;
     counted.skipped = planned.skipped;
     counted.current = planned.current.size();
     start = std::chrono::steady_clock::now();
+    keepLastLine(counted);
 }
 
 void JobDisplay::frameBegins(std::size_t index) {
     current = index;
     furthest = 0;
+    JobTotals fails = counted;
+    fails.failed.push_back(plan->frames[index].frame);
+    keepLastLine(fails);
     showLine();
 }
 
 void JobDisplay::frameProgresses(double fraction) {
+    if (unprintable != nullptr) return;
     furthest = std::max(furthest, fraction);
-    showLine();
+    try {
+        showLine();
+    } catch (...) {
+        unprintable = std::current_exception();
+    }
 }
 
 void JobDisplay::frameEnds(const FrameEnd& end) {
@@ -73,6 +87,8 @@ void JobDisplay::frameEnds(const FrameEnd& end) {
         ++counted.done;
     }
     if (end.retries > 0) ++counted.triedAgain;
+    keepLastLine(counted);
+    if (unprintable != nullptr) std::rethrow_exception(std::exchange(unprintable, nullptr));
     if (form == ProgressForm::Json) printJson(end);
     if (form == ProgressForm::OpenJd) printOpenJd(static_cast<double>(counted.done + counted.failed.size()));
     if (isVerbose && !isFailed) return tellFrame(end);
@@ -99,23 +115,36 @@ void JobDisplay::printOpenJd(double framesDone) {
     printResult(fmt::format("openjd_progress: {}\n", percent));
 }
 
-void JobDisplay::fails(const std::string& sentence) const {
-    if (form == ProgressForm::OpenJd) printResult(fmt::format("openjd_fail: {}\n", printable(sentence)));
-}
-
-void JobDisplay::finish(const std::string& output) {
+void JobDisplay::finish(const std::string& failure) {
     clearLine();
+    counted.notRendered = notRendered(counted);
+    const std::string summary = summaryText(counted, seconds(), output);
+    if (plan->isSequence && !isQuiet) say(summary);
+    whereabouts().lastLine.set("");
     if (form == ProgressForm::Json) {
         printLine({{"done", counted.done},
                    {"upToDate", counted.current},
                    {"skipped", counted.skipped},
                    {"failed", counted.failed},
+                   {"notRendered", counted.notRendered},
                    {"refusedLines", counted.refusedLines},
                    {"seconds", seconds()}});
     }
-    if (form == ProgressForm::OpenJd)
-        printResult(fmt::format("openjd_status: {}\n", printable(summaryText(counted, seconds(), output))));
-    if (plan->isSequence && !isQuiet) say(summaryText(counted, seconds(), output));
+    if (form == ProgressForm::OpenJd) {
+        printResult(fmt::format("openjd_status: {}\n", printable(summary)));
+        if (!failure.empty()) printResult(openJdFailure(failure));
+    }
+}
+
+void JobDisplay::keepLastLine(const JobTotals& totals) const {
+    if (!plan->isSequence || isQuiet) return;
+    JobTotals ends = totals;
+    ends.notRendered = notRendered(totals);
+    whereabouts().lastLine.set(summaryText(ends, seconds(), output));
+}
+
+std::size_t JobDisplay::notRendered(const JobTotals& totals) const {
+    return isFed ? 0 : plan->frames.size() - totals.done - totals.failed.size();
 }
 
 void JobDisplay::tellCurrent(const FrameFiles& files) const {
@@ -196,7 +225,7 @@ void JobDisplay::printJson(const FrameEnd& end) const {
 }
 
 double JobDisplay::seconds() const {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    return secondsOf(std::chrono::steady_clock::now() - start);
 }
 
 }  // namespace perch

@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <exception>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -16,6 +17,9 @@
 
 namespace perch {
 
+// The line by which schedulers of Open Job Description are told of a failure.
+std::string openJdFailure(std::string_view sentence);
+
 // On one thread.
 class JobDisplay {
 public:
@@ -25,17 +29,16 @@ public:
     JobDisplay(const JobDisplay&) = delete;
     JobDisplay& operator=(const JobDisplay&) = delete;
 
-    // Before the frames. `plan` outlives the display.
-    void begin(const FramePlan& plan);
+    // Before the frames, which are where `output` says. `plan` outlives the display. Of a job that is fed
+    // they come in any order, several times or never.
+    void begin(const FramePlan& plan, const std::string& output, bool isFed = false);
     void frameBegins(std::size_t index);  // of the plan's frames
-    // An effect may tell less than before, where it begins another part of its work: what is shown stays
-    // then.
+    // Never throws; what cannot be printed is told when the frame ends. An effect may tell less than before,
+    // where it begins another part of its work: what is shown stays then.
     void frameProgresses(double fraction);
     void frameEnds(const FrameEnd& end);
-    // Tells what became of the frames, which are where `output` says.
-    void finish(const std::string& output);
-    // The job ends with this failure.
-    void fails(const std::string& sentence) const;
+    // Tells what became of the frames, and why the job failed where it did.
+    void finish(const std::string& failure = "");
 
     // Of a frame that was asked for while the job is under way and is not rendered: its file is up to date,
     // or the job does not have it; and of a line that asks for no frames.
@@ -60,6 +63,9 @@ private:
     void printOpenJd(double framesDone);
     void tellFrame(const FrameEnd& end) const;
     void printJson(const FrameEnd& end) const;
+    // What the parent tells where the program ends before its next frame does.
+    void keepLastLine(const JobTotals& totals) const;
+    std::size_t notRendered(const JobTotals& totals) const;
     double seconds() const;
 
     const ProgressForm form;
@@ -67,6 +73,9 @@ private:
     const bool isVerbose;
     const bool isTerminal;
     const FramePlan* plan = nullptr;
+    std::string output;
+    bool isFed = false;
+    std::exception_ptr unprintable;  // why progress could not be printed
     std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
     double lastLine = 0;  // seconds after the start
     int lastPercent = -1;

@@ -12,6 +12,7 @@ std::string summaryText(const JobTotals& totals, double seconds, const std::stri
     if (!totals.skipped.empty()) text += fmt::format(", {} skipped", totals.skipped.size());
     if (!totals.failed.empty())
         text += fmt::format(", {} failed ({})", totals.failed.size(), frameListText(totals.failed));
+    if (totals.notRendered > 0) text += fmt::format(", {} not rendered", totals.notRendered);
     if (totals.refusedLines > 0)
         text += fmt::format(", {} line{} refused", totals.refusedLines, totals.refusedLines == 1 ? "" : "s");
     if (totals.triedAgain > 0) text += fmt::format(", {} tried again", totals.triedAgain);

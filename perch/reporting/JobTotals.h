@@ -13,6 +13,7 @@ struct JobTotals {
     std::size_t current = 0;            // up to date before the job
     std::vector<std::int32_t> skipped;  // numbers of frames
     std::vector<std::int32_t> failed;
+    std::size_t notRendered = 0;   // as the job ended before
     std::size_t triedAgain = 0;    // frames that needed it
     std::size_t refusedLines = 0;  // that asked for frames and named none
 

@@ -10,13 +10,10 @@
 #include "Error.h"
 #include "FailingAs.h"
 #include "ReplacedFile.h"
+#include "Seconds.h"
 
 namespace perch {
 namespace {
-
-double secondsOf(std::chrono::nanoseconds time) {
-    return std::chrono::duration<double>(time).count();
-}
 
 void replace(const std::filesystem::path& path, const JobRecord& record) {
     const std::string text = recordText(record);
@@ -27,13 +24,27 @@ void replace(const std::filesystem::path& path, const JobRecord& record) {
 
 }  // namespace
 
-ReportFile::ReportFile(std::filesystem::path path, JobRecord record)
+ReportFile::ReportFile(std::filesystem::path path, JobRecord record, bool isFed)
     : path(std::move(path)), record(std::move(record)) {
-    for (std::size_t place = 0; place < this->record.frames.size(); ++place)
-        places[this->record.frames[place].frame] = place;
+    for (std::size_t place = 0; place < this->record.frames.size(); ++place) {
+        const FrameRecord& frame = this->record.frames[place];
+        places[frame.frame] = place;
+        if (isFed && frame.state == FrameRecord::State::Waiting) unasked.insert(frame.frame);
+    }
     this->record.begin = fmt::format("{:%FT%TZ}", fmt::gmtime(std::time(nullptr)));
     failingAs<OutputError>([&] { pictures::prepareToReplace(std::span(&this->path, 1)); });
     write();
+}
+
+void ReportFile::frameIsAsked(std::int32_t frame) {
+    unasked.erase(frame);
+    FrameRecord& asked = recordOf(frame);
+    asked.state = FrameRecord::State::Waiting;
+    asked.outputState.reset();
+    asked.retries = 0;
+    asked.seconds.reset();
+    asked.messages.clear();
+    asked.error.clear();
 }
 
 void ReportFile::frameEnds(std::int32_t frame, const FrameEnd& end) {
@@ -66,7 +77,14 @@ void ReportFile::write() {
     constexpr int kShare = 20;  // writing takes no more than one part in so many of the time
     const Clock::time_point begin = Clock::now();
     record.seconds = secondsOf(begin - start);
-    replace(path, record);
+    if (unasked.empty()) {
+        replace(path, record);
+    } else {
+        JobRecord asked = record;
+        std::erase_if(asked.frames,
+                      [this](const FrameRecord& frame) { return unasked.contains(frame.frame); });
+        replace(path, asked);
+    }
     const Clock::time_point end = Clock::now();
     nextWrite = end + std::max<Clock::duration>(kPause, kShare * (end - begin));
 }
@@ -74,7 +92,7 @@ void ReportFile::write() {
 void closeReport(const std::filesystem::path& path, const std::string& state, const std::string& why,
                  std::optional<std::int32_t> frame) {
     std::optional<JobRecord> record = readRecord(path);
-    if (!record) return;
+    if (!record || record->state != "running") return;
     record->state = state;
     record->error = why;
     for (FrameRecord& known : record->frames) {

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -18,8 +19,11 @@ namespace perch {
 // On one thread. Failures are Error, where the file cannot be written.
 class ReportFile {
 public:
-    // Writes the first.
-    ReportFile(std::filesystem::path path, JobRecord record);
+    // Writes the first. Of a job that is fed the frames that wait are left out until they are asked for.
+    ReportFile(std::filesystem::path path, JobRecord record, bool isFed = false);
+
+    // It waits, whatever has become of it before.
+    void frameIsAsked(std::int32_t frame);
 
     // Of a frame that the record has.
     void frameEnds(std::int32_t frame, const FrameEnd& end);
@@ -36,12 +40,13 @@ private:
     const std::filesystem::path path;
     JobRecord record;
     std::map<std::int32_t, std::size_t> places;  // in the record's frames, by number
+    std::set<std::int32_t> unasked;
     const Clock::time_point start = Clock::now();
     Clock::time_point nextWrite;
 };
 
-// Brings the report of a job to its end whose program could not: `state` and `why` are the job's, and those
-// of the frame where there is one. Throws Error where the file cannot be written.
+// Brings the report of a job that is running to its end where the program could not: `state` and `why` are
+// the job's, and those of the frame where there is one. Throws Error where the file cannot be written.
 void closeReport(const std::filesystem::path& path, const std::string& state, const std::string& why,
                  std::optional<std::int32_t> frame);
 

@@ -72,7 +72,7 @@ void say(std::string_view sentence) noexcept {
 void keepLog(const std::filesystem::path& path) {
     const int file = open(path.c_str(), O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
     if (file < 0)
-        throw OutputError(fmt::format("cannot write the log \"{}\": {}", path.string(),
+        throw OutputError(fmt::format("cannot write the log \"{}\": {}; name another file", path.string(),
                                       std::generic_category().message(errno)));
     char first = '0';  // of the year
     const bool isLog = pread(file, &first, 1, 0) >= 0 && first >= '0' && first <= '9';

@@ -14,8 +14,9 @@ struct Outcome {
     int signal = 0;        // that has asked the program to end, the user's interrupt above all; 0 without one
     std::vector<std::string> findings;  // of strict mode, where the worker could not tell them itself
     std::string log{};                  // file that what is said goes to as well; empty without one
-    std::string report{};               // file that the worker could not bring to its end; empty without one
+    std::string report{};  // file that the worker may have left as of a running job; empty without one
     std::optional<std::int32_t> frame{};  // that the effect was at then
+    std::string lastLine{};               // of the job, where the worker could not tell it
 };
 
 }  // namespace perch

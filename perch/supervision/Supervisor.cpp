@@ -200,13 +200,15 @@ private:
                     .sentence = at.sentence.get(),
                     .signal = signal,
                     .findings = {},
-                    .log = at.log.get()};
+                    .log = at.log.get(),
+                    .report = at.report.get()};
         Outcome outcome{.status = kEffectBroke,
                         .sentence = {},
                         .signal = signal,
                         .findings = findings(),
                         .log = at.log.get(),
-                        .report = at.report.get()};
+                        .report = at.report.get(),
+                        .lastLine = at.lastLine.get()};
         if (at.frame != Whereabouts::kNoFrame) outcome.frame = static_cast<std::int32_t>(at.frame);
         if (endedBy != 0) {
             outcome.status = kSignalled + endedBy;

@@ -1,6 +1,7 @@
 // What a job says of itself.
 #include "JobDisplay.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <pty.h>
 #include <unistd.h>
@@ -9,7 +10,9 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "Error.h"
 #include "ProgressText.h"
+#include "Whereabouts.h"
 
 namespace perch::test {
 namespace {
@@ -26,9 +29,10 @@ TEST(JobTotalsTest, SummaryCountsFramesAndSaysWhereTheyAre) {
         {{.done = 24, .skipped = {}, .failed = {}}, 3.2, "24 frames done in 3.2 s, 7.5 per second: o.#.png"},
         {{.done = 1, .skipped = {}, .failed = {}}, 0.04, "1 frame done in 0.0 s: o.#.png"},
         {{.done = 0, .skipped = {4}, .failed = {}}, 0, "0 frames done, 1 skipped in 0.0 s: o.#.png"},
-        {{.done = 2, .skipped = {4, 5}, .failed = {1, 2, 3, 9}, .triedAgain = 3},
+        {{.done = 2, .skipped = {4, 5}, .failed = {1, 2, 3, 9}, .notRendered = 1, .triedAgain = 3},
          4,
-         "2 frames done, 2 skipped, 4 failed (1-3,9), 3 tried again in 4.0 s, 0.5 per second: o.#.png"},
+         "2 frames done, 2 skipped, 4 failed (1-3,9), 1 not rendered, 3 tried again in 4.0 s, 0.5 per "
+         "second: o.#.png"},
     };
     for (const auto& [totals, seconds, text] : cases)
         EXPECT_EQ(summaryText(totals, seconds, "o.#.png"), text);
@@ -69,14 +73,15 @@ struct Output {
 };
 
 // A job of frames 7, 8 and 9, the second of which fails after a second try.
-Output jobAs(ProgressForm form, bool isQuiet = false, bool isVerbose = false) {
+Output jobAs(ProgressForm form, bool isQuiet = false, bool isVerbose = false,
+             const std::string& failure = "") {
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
     FramePlan plan = planOf({7, 8, 9});
     plan.skipped = {3};
     {
         JobDisplay display(form, isQuiet, isVerbose);
-        display.begin(plan);
+        display.begin(plan, "out.#.png");
         for (std::size_t i = 0; i < plan.frames.size(); ++i) {
             display.frameBegins(i);
             display.tellMessage("RENDER", "well");
@@ -89,7 +94,7 @@ Output jobAs(ProgressForm form, bool isQuiet = false, bool isVerbose = false) {
                                .renderTime = std::chrono::milliseconds(1500)});
         }
         display.tellNote("note: by the way");
-        display.finish("out.#.png");
+        display.finish(failure);
     }
     return {testing::internal::GetCapturedStdout(), testing::internal::GetCapturedStderr()};
 }
@@ -142,7 +147,7 @@ std::string shownOfAnUnsteadyJob() {
     const FramePlan plan = planOf({7, 8});
     {
         JobDisplay display(ProgressForm::Auto, false);
-        display.begin(plan);
+        display.begin(plan, "out.#.png");
         for (std::size_t i = 0; i < plan.frames.size(); ++i) {
             display.frameBegins(i);
             for (const double fraction : {0.5, 0.2, 0.75, 0.0})
@@ -176,9 +181,41 @@ TEST(JobDisplayTest, SchedulersOfOpenJobDescriptionGetWholePercents) {
         "66\nopenjd_progress: 83\n"
         "openjd_progress: 100\nopenjd_status: 2 frames done, 1 skipped, 1 failed (8), 1 tried again in ";
     EXPECT_EQ(job.out.substr(0, lines.size()), lines);
-    testing::internal::CaptureStdout();
-    JobDisplay(ProgressForm::OpenJd, true).fails("frame 3: no\nopenjd_env: A=B");
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "openjd_fail: frame 3: no?openjd_env: A=B\n");
+    EXPECT_TRUE(jobAs(ProgressForm::OpenJd, true, false, "frame 3: no\nopenjd_env: A=B")
+                    .out.ends_with("\nopenjd_fail: frame 3: no?openjd_env: A=B\n"));
+}
+
+// It is told from within the effect, through which no exception may pass.
+TEST(JobDisplayTest, ProgressThatCannotBePrintedIsTheFramesEnd) {
+    const FramePlan plan = planOf({7});
+    JobDisplay display(ProgressForm::OpenJd, true);
+    display.begin(plan, "out.#.png");
+    display.frameBegins(0);
+    const int before = dup(STDOUT_FILENO);
+    const int full = open("/dev/full", O_WRONLY);
+    dup2(full, STDOUT_FILENO);
+    EXPECT_NO_THROW(display.frameProgresses(0.5));
+    EXPECT_NO_THROW(display.frameProgresses(0.7));
+    dup2(before, STDOUT_FILENO);
+    close(full);
+    close(before);
+    EXPECT_THROW(display.frameEnds({.index = 0}), OutputError);
+}
+
+TEST(JobDisplayTest, LastLineCountsTheFramesThatAJobHasNotComeTo) {
+    const FramePlan plan = planOf({7, 8, 9});
+    testing::internal::CaptureStderr();
+    JobDisplay display(ProgressForm::None, false);
+    display.begin(plan, "out.#.png");
+    display.frameBegins(0);
+    display.frameEnds({.index = 0});
+    display.frameBegins(1);
+    EXPECT_TRUE(whereabouts().lastLine.get().starts_with("1 frame done, 1 failed (8), 1 not rendered in "))
+        << "where the effect crashes at it";
+    display.finish();
+    EXPECT_TRUE(
+        testing::internal::GetCapturedStderr().starts_with("perch: 1 frame done, 2 not rendered in "));
+    EXPECT_EQ(whereabouts().lastLine.get(), "") << "nobody needs to tell it again";
 }
 
 TEST(JobDisplayTest, JsonIsALineForEachFrameAndOneForAll) {

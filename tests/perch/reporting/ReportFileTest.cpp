@@ -87,6 +87,25 @@ TEST_F(ReportFileTest, ItTellsWhatHasBecomeOfEachFrame) {
     EXPECT_EQ(tracesOf(end).size(), 1U);
 }
 
+TEST_F(ReportFileTest, OfAJobThatIsFedItHasTheFramesThatWereAskedFor) {
+    record.frames[2].state = State::Done;
+    ReportFile file(path, record, true);
+    file.frameIsAsked(2);
+    file.addMessage(2, "RENDER: \"hello\"");
+    file.frameEnds(2, {.index = 1, .state = FrameEnd::State::Failed, .message = "frame 2: no"});
+    file.frameIsAsked(2);
+    file.frameEnds(2, {.index = 1});
+    file.finish("done", "", {});
+    const JobRecord end = onDisk();
+    ASSERT_EQ(end.frames.size(), 2U) << "nobody has asked for frame 1";
+    EXPECT_EQ(end.frames[0].frame, 2);
+    EXPECT_EQ(end.frames[0].state, State::Done);
+    EXPECT_EQ(end.frames[0].error, "");
+    EXPECT_TRUE(end.frames[0].messages.empty()) << "of the time before";
+    EXPECT_EQ(end.frames[1].frame, 3) << "up to date before";
+    EXPECT_TRUE(isAsTheSchemaSays(folder, "report.json")) << bytesOf(folder / "tool.log");
+}
+
 TEST_F(ReportFileTest, FrameThatFailedLeavesNoTraceThoughItHasAFile) {
     record.frames[0].outputState = fileState(folder / "out.1.png");
     record.frames[1].outputState = fileState(folder / "out.2.png");
@@ -118,6 +137,8 @@ TEST_F(ReportFileTest, ItIsBroughtToItsEndByAnotherWhereTheProgramCannot) {
     EXPECT_EQ(end.frames[1].error, "frame 2: it crashed");
     EXPECT_EQ(end.frames[2].state, State::Waiting);
     EXPECT_TRUE(isAsTheSchemaSays(folder, "report.json")) << bytesOf(folder / "tool.log");
+    closeReport(path, "interrupted", "too late", std::nullopt);
+    EXPECT_EQ(onDisk().state, "failed") << "it has come to its end";
     std::filesystem::remove(path);
     closeReport(path, "failed", "it crashed", std::nullopt);
     EXPECT_FALSE(std::filesystem::exists(path));
