@@ -23,6 +23,7 @@
 #include "PngChunks.h"
 #include "TargaPixels.h"
 #include "TiffStrips.h"
+#include "WebPFile.h"
 
 namespace pictures {
 namespace {
@@ -95,16 +96,21 @@ Channels firstChannels(const OIIO::ImageSpec& layout, FileFormat format) {
         for (const char* const name : {"R", "G", "B"}) {
             if (const int channel = channelNamed(layout, name); channel >= 0) channels.push_back(channel);
         }
-        if (const int grey = channelNamed(layout, "Y"); channels.empty() && grey >= 0)
+        const int grey = channelNamed(layout, "Y");
+        if (channels.empty() && grey >= 0) {
+            if (channelNamed(layout, "RY") >= 0 || channelNamed(layout, "BY") >= 0)
+                throw PictureError("its colours are luminance and chroma; save it as red, green and blue");
             channels.push_back(grey);
+        }
         const int alpha = channelNamed(layout, "A");
         const bool isWhole = channels.size() == 3 || channels.size() == 1;
         if (isWhole && alpha >= 0) channels.push_back(alpha);
         if (isWhole) return channels;
         if (layout.nchannels > 1) {
-            throw PictureError(fmt::format("it has the channels {}; name one of them after the file, as :{}",
-                                           fmt::join(layout.channelnames, ", "),
-                                           layout.channelnames.front()));
+            throw PictureError(
+                fmt::format("it has the channels {} and not R, G and B; save it with these, or for a layer "
+                            "name one of them after the file, as :{}",
+                            fmt::join(layout.channelnames, ", "), layout.channelnames.front()));
         }
     }
     if (layout.nchannels < 1 || layout.nchannels > kMostChannels) {
@@ -247,8 +253,12 @@ std::shared_ptr<const Metadata> metadataOf(const OIIO::ImageSpec& layout, FileFo
     const Window window = windowOf(layout, format);
     metadata->originX = window.x;
     metadata->originY = window.y;
-    metadata->attributes = layout.extra_attribs;
+    for (const OIIO::ParamValue& value : layout.extra_attribs)
+        if (!isUndefined(value)) metadata->attributes.push_back(value);
     if (format == FileFormat::Png) metadata->pngChunks = describingChunks(bytes);
+    if (format == FileFormat::WebP)
+        for (const OIIO::ParamValue& value : WebPFile(bytes).attributes())
+            metadata->attributes.add_or_replace(value);
     return metadata;
 }
 
@@ -259,10 +269,11 @@ SampleType requireType(const OIIO::ImageSpec& layout, const Channels& channels) 
                                    typeName(stored)));
 }
 
+// Of other pictures the samples are read by code of our own.
 bool isReadByLibrary(const OIIO::ImageSpec& layout, FileFormat format, const Channels& channels,
                      std::span<const unsigned char> bytes) {
-    const bool isWhole = channels.size() == static_cast<std::size_t>(layout.nchannels);
-    return format != FileFormat::Targa || !isWhole || !TargaPixels(bytes).arePlain();
+    if (channels.size() != static_cast<std::size_t>(layout.nchannels)) return true;
+    return format != FileFormat::WebP && (format != FileFormat::Targa || !TargaPixels(bytes).arePlain());
 }
 
 ClaimedPicture claimOf(const OIIO::ImageSpec& layout, FileFormat format, const Channels& channels,
@@ -297,7 +308,13 @@ Picture readPart(OIIO::ImageInput& file, FileFormat format, const Source& source
                           std::numeric_limits<float>::quiet_NaN());
     }
     if (!isReadByLibrary(layout, format, channels, bytes)) {
-        TargaPixels(bytes).readTo(std::get<std::vector<std::uint8_t>>(picture.samples));
+        auto& samples = std::get<std::vector<std::uint8_t>>(picture.samples);
+        if (format == FileFormat::WebP) {
+            picture.isPremultiplied = false;
+            picture.isDamaged = !WebPFile(bytes).readTo(samples, picture.width, picture.hasAlpha());
+        } else {
+            TargaPixels(bytes).readTo(samples);
+        }
         return picture;
     }
     const bool isRead = std::visit(

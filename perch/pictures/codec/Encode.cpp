@@ -3,8 +3,11 @@
 #include <OpenImageIO/filesystem.h>
 #include <OpenImageIO/imageio.h>
 #include <fmt/format.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <fstream>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -14,6 +17,11 @@
 #include "Metadata.h"
 #include "PictureError.h"
 #include "PngChunks.h"
+
+// The header that declares it asks for one of the TIFF library.
+OIIO_NAMESPACE_BEGIN
+OIIO_API void encode_exif(const ImageSpec& layout, std::vector<char>& blob, OIIO::endian order);
+OIIO_NAMESPACE_END
 
 namespace pictures {
 namespace {
@@ -107,6 +115,31 @@ OIIO::ImageSpec layoutOf(const Picture& picture, const Encoding& encoding) {
     return layout;
 }
 
+// A file that is nowhere but in memory. The encoder of TIFF reads again what it has written, for a directory
+// beside the main one as Exif is, and does so of files alone.
+class MemoryFile {
+public:
+    MemoryFile() : descriptor(memfd_create("picture", MFD_CLOEXEC)) {
+        if (descriptor < 0) throw PictureError("there is no memory for its bytes; make it smaller");
+    }
+    ~MemoryFile() { close(descriptor); }
+    MemoryFile(const MemoryFile&) = delete;
+    MemoryFile& operator=(const MemoryFile&) = delete;
+
+    std::string name() const { return fmt::format("/proc/self/fd/{}", descriptor); }
+
+    std::vector<unsigned char> bytes() const {
+        std::ifstream file(name(), std::ios::binary | std::ios::ate);
+        std::vector<unsigned char> bytes(static_cast<std::size_t>(std::max<std::streamoff>(file.tellg(), 0)));
+        file.seekg(0);
+        file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+        return bytes;
+    }
+
+private:
+    const int descriptor;
+};
+
 // The same bytes as of all rows at once: strips and blocks of formats have fewer rows, or as many.
 template <typename T>
 bool writeRows(OIIO::ImageOutput& file, const EncodingOptions& options, const std::vector<T>& samples) {
@@ -125,31 +158,61 @@ bool writeRows(OIIO::ImageOutput& file, const EncodingOptions& options, const st
     return true;
 }
 
-std::string firstLine(const std::string& text) {
-    return text.substr(0, text.find('\n'));
+// The encoder of PNG leaves it out.
+std::string exifChunkFor(const OIIO::ImageSpec& layout) {
+    const auto isOfExif = [](const OIIO::ParamValue& value) {
+        const std::string name = value.name().string();
+        if (name == "Orientation") return value.get_int() > 1;
+        return name.starts_with("Exif:") || name.starts_with("GPS:") || name == "ExposureTime" ||
+               name == "FNumber" || name == "Make" || name == "Model";
+    };
+    if (std::ranges::none_of(layout.extra_attribs, isOfExif)) return "";
+    std::vector<char> exif;
+    OIIO::encode_exif(layout, exif, OIIO::endian::big);
+    return pngChunk("eXIf", {exif.data(), exif.size()});
+}
+
+void describePngFurther(const Picture& picture, const OIIO::ImageSpec& layout,
+                        std::vector<unsigned char>& bytes) {
+    const Metadata& source = *picture.metadata;
+    if (source.format == FileFormat::Png) {
+        bytes = describedBy(source.pngChunks, source.isGrey == (picture.channels < 3), bytes);
+    } else {
+        insertChunk(exifChunkFor(layout), bytes);
+    }
+}
+
+void encodeTo(const std::string& name, OIIO::Filesystem::IOProxy* memory, const Picture& picture,
+              const Encoding& encoding, const OIIO::ImageSpec& layout) {
+    const std::unique_ptr<OIIO::ImageOutput> file =
+        OIIO::ImageOutput::create(libraryName(encoding.format), memory);
+    if (file == nullptr) throw PictureError(firstLine(OIIO::geterror()));
+    const auto writeSamples = [&](const auto& samples) {
+        return writeRows(*file, encoding.options, samples);
+    };
+    const bool isWritten =
+        file->open(name, layout) && std::visit(writeSamples, picture.samples) && file->close();
+    const std::string error = file->geterror();
+    if (!isWritten) throw PictureError("its encoder failed: " + firstLine(error));
 }
 
 }  // namespace
 
 // In memory: the encoders do not notice when a write to a file fails.
 EncodedPicture encode(const Picture& picture, const Encoding& encoding) {
-    std::vector<unsigned char> bytes;
-    OIIO::Filesystem::IOVecOutput memory(bytes);
     const OIIO::ImageSpec layout = layoutOf(picture, encoding);
-    const std::unique_ptr<OIIO::ImageOutput> file =
-        OIIO::ImageOutput::create(libraryName(encoding.format), &memory);
-    if (file == nullptr) throw PictureError(firstLine(OIIO::geterror()));
-    const auto writeSamples = [&](const auto& samples) {
-        return writeRows(*file, encoding.options, samples);
-    };
-    const bool isWritten =
-        file->open("picture", layout) && std::visit(writeSamples, picture.samples) && file->close();
-    const std::string error = file->geterror();
-    if (!isWritten) throw PictureError("its encoder failed: " + firstLine(error));
+    std::vector<unsigned char> bytes;
+    if (encoding.format == FileFormat::Tiff) {
+        const MemoryFile memory;
+        encodeTo(memory.name(), nullptr, picture, encoding, layout);
+        bytes = memory.bytes();
+    } else {
+        OIIO::Filesystem::IOVecOutput memory(bytes);
+        encodeTo("picture", &memory, picture, encoding, layout);
+    }
     const Metadata* const source = picture.metadata.get();
     if (source == nullptr) return {std::move(bytes), {}};
-    if (encoding.format == FileFormat::Png && source->format == FileFormat::Png)
-        bytes = describedBy(source->pngChunks, source->isGrey == (picture.channels < 3), bytes);
+    if (encoding.format == FileFormat::Png) describePngFurther(picture, layout, bytes);
     std::vector<std::string> unheld = unheldBy(bytes, encoding.format, *source);
     return {std::move(bytes), std::move(unheld)};
 }

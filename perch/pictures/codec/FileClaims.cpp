@@ -11,6 +11,7 @@
 #include "JpegSegments.h"
 #include "PictureError.h"
 #include "PictureFile.h"
+#include "WebPFile.h"
 
 namespace pictures {
 namespace {
@@ -18,17 +19,6 @@ namespace {
 bool isInterlaced(std::span<const unsigned char> png) {
     constexpr std::size_t kInterlacing = 28;
     return png.size() > kInterlacing && png[kInterlacing] != 0;
-}
-
-// By its first chunks; a long colour profile may stand before.
-bool isLossless(std::string_view webp) {
-    constexpr std::size_t kChunks = 12;
-    for (std::size_t place = kChunks; place + 8 <= webp.size();) {
-        const std::string_view name = webp.substr(place, 4);
-        if (name == "VP8L" || name == "VP8 ") return name == "VP8L";
-        place += 8 + littleEndianAt(webp, place + 4, 4);
-    }
-    return true;
 }
 
 // What a tiled or an OpenEXR file compresses as one.
@@ -42,7 +32,7 @@ std::int64_t blockBytes(const OIIO::ImageSpec& layout) {
 }
 
 // What the decoder holds beside the samples that it is asked for, at most; found by measuring.
-std::int64_t heldByDecoder(const OIIO::ImageSpec& layout, FileFormat format,
+std::int64_t heldByDecoder(const OIIO::ImageSpec& layout, FileFormat format, bool isReadByLibrary,
                            std::span<const unsigned char> bytes) {
     const auto pixels = static_cast<std::int64_t>(layout.image_pixels());
     const auto picture = static_cast<std::int64_t>(layout.image_bytes(true));
@@ -50,9 +40,10 @@ std::int64_t heldByDecoder(const OIIO::ImageSpec& layout, FileFormat format,
         case FileFormat::Png:
             return isInterlaced(bytes) ? picture : 0;
         case FileFormat::Targa:
-            return picture;
+            return isReadByLibrary ? picture : 0;
         case FileFormat::WebP:
-            return picture + pixels * (isLossless(textOf(bytes)) ? 4 : 1);
+            // All channels, or alpha alone, as they are before they become samples.
+            return (isReadByLibrary ? picture : 0) + pixels * (WebPFile(bytes).isLossless() ? 7 : 1);
         case FileFormat::Jpeg:
             return 2 * coefficientsKept(bytes) * pixels;
         case FileFormat::OpenExr:
@@ -93,6 +84,7 @@ void requireMemory(const ClaimedPicture& picture, std::int64_t heldBeside, const
 // How many bytes of samples a byte of the file can stand for at most; 0 where that is not known.
 std::size_t mostExpansion(const OIIO::ImageSpec& layout, FileFormat format) {
     constexpr std::size_t kDeflated = 1032;
+    constexpr std::size_t kRuns = 64;
     constexpr std::size_t kLzw = 1400;  // strings of up to 3837 bytes, each one longer than another
     const std::string compression = layout.get_string_attribute("compression");
     switch (format) {
@@ -102,6 +94,7 @@ std::size_t mostExpansion(const OIIO::ImageSpec& layout, FileFormat format) {
         case FileFormat::OpenExr:
             if (compression == "none") return 1;
             if (compression == "lzw") return kLzw;
+            if (compression == "packbits" || compression == "rle") return kRuns;
             return compression.starts_with("zip") ? kDeflated : 0;
         case FileFormat::Jpeg:
             return 8 * 64 * 3;  // a bit for each block of 64 pixels, of three channels
@@ -137,8 +130,7 @@ void requireBelievable(const OIIO::ImageSpec& layout, FileFormat format, const C
                        std::span<const unsigned char> bytes, const ReadOptions& options) {
     requireExtent(picture.width, picture.height, options);
     requireExtent(layout.width, layout.height, options);
-    const std::int64_t held = picture.isReadByLibrary ? heldByDecoder(layout, format, bytes) : 0;
-    requireMemory(picture, held, options);
+    requireMemory(picture, heldByDecoder(layout, format, picture.isReadByLibrary, bytes), options);
     if (format == FileFormat::Tiff) requireStrips(layout);
     requireBytesFor(layout, format, bytes.size());
 }

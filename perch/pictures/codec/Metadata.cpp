@@ -3,10 +3,14 @@
 #include <OpenImageIO/filesystem.h>
 #include <OpenImageIO/imageio.h>
 
+#include <fmt/format.h>
+
 #include <algorithm>
+#include <cmath>
 #include <memory>
 
 #include "LibraryName.h"
+#include "PictureError.h"
 #include "PngChunks.h"
 
 namespace pictures {
@@ -26,10 +30,20 @@ OIIO::ParamValueList attributesOf(std::span<const unsigned char> bytes, FileForm
     OIIO::Filesystem::IOMemReader memory(bytes.data(), bytes.size());
     OIIO::ImageSpec layout;
     const std::unique_ptr<OIIO::ImageInput> file = OIIO::ImageInput::create(libraryName(format));
-    if (file == nullptr) return {};
+    if (file == nullptr) throw PictureError(firstLine(OIIO::geterror()));
     file->set_ioproxy(&memory);
-    if (!file->open("picture", layout)) file->geterror();
+    if (!file->open("picture", layout)) {
+        throw PictureError(
+            fmt::format("its encoder failed: what it made cannot be read ({})", firstLine(file->geterror())));
+    }
     return layout.extra_attribs;
+}
+
+// Numbers may be rounded.
+bool isHeld(const OIIO::ParamValue& value, const OIIO::ParamValueList& held) {
+    const auto found = held.find(value.name());
+    if (found == held.cend()) return false;
+    return value.type() != OIIO::TypeString || value.get_string() == found->get_string();
 }
 
 // The library's attributes have the others.
@@ -64,13 +78,26 @@ bool isOfStorage(std::string_view name) {
            name.starts_with("jpeg:");
 }
 
+bool isUndefined(const OIIO::ParamValue& value) {
+    if (value.type().basetype != OIIO::TypeDesc::FLOAT) return false;
+    const auto isNumber = [](float number) { return std::isfinite(number); };
+    const std::span numbers(static_cast<const float*>(value.data()),
+                            value.type().basevalues() * static_cast<std::size_t>(value.nvalues()));
+    if (!std::ranges::all_of(numbers, isNumber)) return true;
+    return value.name() == "PixelAspectRatio" && value.get_float() <= 0;
+}
+
+std::string firstLine(const std::string& text) {
+    return text.substr(0, text.find('\n'));
+}
+
 std::vector<std::string> unheldBy(std::span<const unsigned char> bytes, FileFormat format,
                                   const Metadata& source) {
     std::vector<std::string> unheld;
     const OIIO::ParamValueList held = attributesOf(bytes, format);
     for (const OIIO::ParamValue& value : source.attributes) {
         const std::string name = value.name().string();
-        if (!isOfStorage(name) && !saysNothing(value) && !held.contains(name)) unheld.push_back(name);
+        if (!isOfStorage(name) && !saysNothing(value) && !isHeld(value, held)) unheld.push_back(name);
     }
     if (format != FileFormat::Png) {
         for (const PngChunk& chunk : describingChunksIn(source.pngChunks))

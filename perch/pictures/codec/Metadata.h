@@ -27,7 +27,13 @@ public:
 // Whether an attribute says how the samples of its file are stored, which is decided anew for each file.
 bool isOfStorage(std::string_view name);
 
-// What the source says and a file that was made from it does not, by name.
+// Whether an attribute tells nothing, as numbers that a file left undefined.
+bool isUndefined(const OIIO::ParamValue& value);
+
+std::string firstLine(const std::string& text);
+
+// What the source says and a file that was made from it does not, or says differently, by name. Throws
+// PictureError where the file cannot be read.
 std::vector<std::string> unheldBy(std::span<const unsigned char> bytes, FileFormat format,
                                   const Metadata& source);
 

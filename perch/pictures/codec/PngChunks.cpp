@@ -17,6 +17,14 @@ std::uint32_t checkSumOf(std::string_view bytes) {
         crc32_z(0, reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size()));
 }
 
+// The number in 4 bytes.
+std::string bigEndian(std::size_t number) {
+    std::string bytes;
+    for (int shift = 24; shift >= 0; shift -= 8)
+        bytes += static_cast<char>(number >> shift);
+    return bytes;
+}
+
 bool isText(std::string_view name) {
     return name == "tEXt" || name == "zTXt" || name == "iTXt";
 }
@@ -73,6 +81,16 @@ std::vector<unsigned char> describedBy(const std::string& chunks, bool keepsProf
         }
     }
     return {result.begin(), result.end()};
+}
+
+std::string pngChunk(std::string_view name, std::string_view data) {
+    const std::string checked = std::string(name) + std::string(data);
+    return bigEndian(data.size()) + checked + bigEndian(checkSumOf(checked));
+}
+
+void insertChunk(const std::string& chunk, std::vector<unsigned char>& bytes) {
+    constexpr std::size_t kFirst = kAroundData + 13;
+    bytes.insert(bytes.begin() + kSignature + kFirst, chunk.begin(), chunk.end());
 }
 
 }  // namespace pictures

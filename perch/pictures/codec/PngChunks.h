@@ -34,4 +34,10 @@ std::vector<PngChunk> describingChunksIn(const std::string& chunks);
 std::vector<unsigned char> describedBy(const std::string& chunks, bool keepsProfile,
                                        std::span<const unsigned char> bytes);
 
+// A whole chunk, with length and check sum.
+std::string pngChunk(std::string_view name, std::string_view data);
+
+// Behind the first chunk of the file.
+void insertChunk(const std::string& chunk, std::vector<unsigned char>& bytes);
+
 }  // namespace pictures

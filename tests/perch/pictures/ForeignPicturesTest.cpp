@@ -210,8 +210,28 @@ TEST_F(ForeignPicturesTest, ChannelsArePickedByNameFromAnyPart) {
 
 TEST_F(ForeignPicturesTest, FileWithoutColoursListsItsChannels) {
     runTool(folder.path, "oiiotool --create 2x1 2 --chnames motion.X,motion.Y -d half -o motion.exr");
-    EXPECT_EQ(failureToRead("motion.exr"),
-              "it has the channels motion.X, motion.Y; name one of them after the file, as :motion.X");
+    EXPECT_EQ(
+        failureToRead("motion.exr"),
+        "it has the channels motion.X, motion.Y and not R, G and B; save it with these, or for a layer name "
+        "one of them after the file, as :motion.X");
+}
+
+TEST_F(ForeignPicturesTest, LuminanceAndChromaAreNoGrey) {
+    runTool(folder.path, "oiiotool --create 4x4 3 --chnames Y,RY,BY -d half -o chroma.exr");
+    EXPECT_EQ(failureToRead("chroma.exr"),
+              "its colours are luminance and chroma; save it as red, green and blue");
+}
+
+TEST_F(ForeignPicturesTest, AlphaOfWebPIsStraight) {
+    runTool(folder.path,
+            "oiiotool --create 9x7 4 --fill:color=0.8,0.5,0.3,0.02 9x7 -d uint8 --attrib "
+            "oiio:UnassociatedAlpha 1 "
+            "-o a.png && convert a.png -define webp:lossless=true a.webp && "
+            "ffmpeg -v error -i a.webp -pix_fmt rgba right.png");
+    const Picture picture = readPicture(folder / "a.webp");
+    EXPECT_FALSE(picture.isPremultiplied);
+    EXPECT_EQ(picture.samples, readPicture(folder / "right.png").samples);
+    EXPECT_EQ(readPicture(folder / "a.webp", "A").samples, readPicture(folder / "right.png", "A").samples);
 }
 
 TEST_F(ForeignPicturesTest, FirstPageOfSeveralIsRead) {

@@ -43,8 +43,8 @@ constexpr Kind kKinds[] = {
     {"one-tile.exr", Decoder::Heavy},    {"a.dpx", Decoder::Light},
     {"a.tga", Decoder::Light},           {"runs.tga", Decoder::Light},
     {"palette.tga", Decoder::Heavy},     {"a.jpg", Decoder::Light},
-    {"progressive.jpg", Decoder::Heavy}, {"a.webp", Decoder::Heavy},
-    {"alpha.webp", Decoder::Heavy},      {"lossless.webp", Decoder::Heavy},
+    {"progressive.jpg", Decoder::Heavy}, {"a.webp", Decoder::Light},
+    {"alpha.webp", Decoder::Light},      {"lossless.webp", Decoder::Heavy},
 };
 
 constexpr char kMakeAll[] =

@@ -1,6 +1,7 @@
 // What a file says of its picture, format by format.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -183,6 +184,70 @@ TEST_F(MetadataTest, LibrariesPrintNothingOfWhatAFormatDoesNotHold) {
             EXPECT_EQ(captured.text(), "") << from << " to " << to;
         }
     }
+}
+
+// Of a camera; a line has a column for each. The image library keeps the last of them out of TIFF files, and
+// does not read them there.
+constexpr char kExifTags[] =
+    "-EXIF:Make -EXIF:Model -EXIF:Orientation -EXIF:Artist -EXIF:ExposureTime -EXIF:FNumber "
+    "-EXIF:DateTimeOriginal -EXIF:ISO -EXIF:GPSLatitude -EXIF:GPSLatitudeRef";
+
+TEST_F(MetadataTest, ExifSurvivesBetweenTheFormatsThatHoldIt) {
+    runTool(folder.path,
+            "convert -size 9x7 gradient:red-blue -depth 8 a.png && convert a.png a.jpg && "
+            "convert a.png a.tif && convert a.png a.webp && exiftool -q -overwrite_original "
+            "-EXIF:Make=Acme -EXIF:Model=One -EXIF:Orientation#=6 -EXIF:Artist=Ada -EXIF:ExposureTime=1/50 "
+            "-EXIF:FNumber=2.8 -EXIF:ISO=100 \"-EXIF:DateTimeOriginal=2001:02:03 04:05:06\" "
+            "-EXIF:GPSLatitude=52.5 -EXIF:GPSLatitudeRef=N a.png a.jpg a.tif a.webp");
+    const std::string camera = "Acme\tOne\tRotate 90 CW\tAda\t1/50\t2.8\t2001:02:03 04:05:06\t";
+    std::string files;
+    std::vector<std::string> expected;
+    for (const std::string from : {"png", "jpg", "tif", "webp"}) {
+        for (const std::string to : {"png", "jpg", "tif"}) {
+            const std::string name = from + "-to." + to;
+            copy("a." + from, name);
+            EXPECT_EQ(pictures::readPicture(folder / name).width, 9) << name;
+            const bool isWhole = from != "tif" && to != "tif";
+            files += " " + name;
+            expected.push_back(name + "\t" + camera +
+                               (isWhole ? "100\t52 deg 30' 0.00\"\tNorth" : "-\t-\t-"));
+        }
+    }
+    EXPECT_EQ(linesOf(listOf(files, "exiftool -q -T -f -FileName " + std::string(kExifTags))), expected);
+}
+
+TEST_F(MetadataTest, WhatTiffDoesNotHoldOfExifIsNamed) {
+    runTool(folder.path,
+            "convert -size 9x7 gradient:red-blue -depth 8 a.jpg && "
+            "exiftool -q -overwrite_original -EXIF:GPSLatitude=52.5 a.jpg");
+    const std::vector<std::string> unheld = copy("a.jpg", "b.tif");
+    EXPECT_NE(std::ranges::find(unheld, "GPS:Latitude"), unheld.end()) << testing::PrintToString(unheld);
+}
+
+TEST_F(MetadataTest, ExposureOfOpenExrIsKeptInTiff) {
+    runTool(folder.path, "oiiotool --create 9x7 3 --attrib:type=float ExposureTime 0.02 -d half -o a.exr");
+    copy("a.exr", "b.tif");
+    EXPECT_EQ(listOf("b.tif", "exiftool -q -T -ExposureTime"), "1/50\n");
+}
+
+TEST_F(MetadataTest, ATextThatIsSaidDifferentlyIsNamed) {
+    const std::string text(150, 'x');
+    runTool(folder.path,
+            "convert -size 9x7 gradient:red-blue -depth 8 a.png && "
+            "exiftool -q -overwrite_original -PNG:Artist=" +
+                text + " a.png");
+    const std::vector<std::string> unheld = copy("a.png", "b.dpx");
+    EXPECT_NE(std::ranges::find(unheld, "Artist"), unheld.end()) << testing::PrintToString(unheld);
+}
+
+TEST_F(MetadataTest, NumbersThatAFileLeavesUndefinedAreLeftOut) {
+    runTool(folder.path,
+            "convert -size 64x48 gradient:red-blue -depth 8 a.png && "
+            "ffmpeg -v error -i a.png -pix_fmt gbrp10le a.dpx");
+    copy("a.dpx", "b.exr");
+    const auto file = OIIO::ImageInput::open(folder / "b.exr");
+    ASSERT_NE(file, nullptr);
+    EXPECT_EQ(file->spec().get_float_attribute("PixelAspectRatio", 1), 1);
 }
 
 // Chunks that no library here reads pass as they are.
