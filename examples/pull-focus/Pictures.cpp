@@ -63,6 +63,10 @@ void FromPixels(const PixelBuffer& pixels, pictures::Picture& picture) {
 // Floats are taken as they are stored, and the codes of buffers end at 1.
 void RequireShares(const std::string& path, const pictures::Picture& picture) {
     const std::optional<pictures::Extent> extent = extentOf(picture);
+    if (hasInfinity(picture)) {
+        throw pictures::PictureError("cannot read \"" + path +
+                                     "\": it has infinite values; convert it to 16 bits per channel");
+    }
     if (!extent || (extent->least >= 0 && extent->greatest <= 1)) return;
     std::ostringstream sentence;
     sentence << "cannot read \"" << path << "\": its values are " << extent->least << " to "

@@ -68,6 +68,14 @@ std::optional<Extent> extentOf(const Picture& picture) {
     return extent;
 }
 
+bool hasInfinity(const Picture& picture) {
+    bool isFound = false;
+    forEachDepth(picture, [&](std::size_t, double value, bool isColour) {
+        isFound = isFound || (isColour && !isDepth(value) && !std::isnan(value));
+    });
+    return isFound;
+}
+
 std::optional<DepthRange> usualRange(const Picture& picture) {
     std::vector<double> depths;
     forEachDepth(picture, [&](std::size_t, double value, bool isColour) {

@@ -29,6 +29,9 @@ struct Extent {
 };
 std::optional<Extent> extentOf(const Picture& picture);
 
+// Whether one of them is infinite, or as great as renderers write it where there is nothing to see.
+bool hasInfinity(const Picture& picture);
+
 // Between the 0.5 and 99.5 percentiles of the finite depths, the least near.
 std::optional<DepthRange> usualRange(const Picture& picture);
 

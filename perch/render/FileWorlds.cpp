@@ -69,7 +69,8 @@ void keepSamples(const World& world, const FileWorld& source, const pictures::En
 
 bool canKeepSamples(const World& world, const FileWorld& source, const Picture& picture) {
     const Picture& from = *source.source;
-    return from.width == picture.width && from.height == picture.height && from.type() == picture.type() &&
+    return from.width == picture.width && from.height == picture.height &&
+           from.samples.index() == picture.samples.index() &&
            from.isPremultiplied == picture.isPremultiplied && world.isDeep() == source.pixels.isDeep();
 }
 

@@ -22,12 +22,15 @@ const fs::path* firstFileOf(const FramePlan& plan, PF_ParamIndex index) {
 
 void requireShares(const fs::path& path, const pictures::Picture& picture, const LayerReading& reading) {
     const std::optional<pictures::Extent> extent = extentOf(picture);
-    if (!extent || (extent->least >= 0 && extent->greatest <= 1)) return;
+    const bool isInfinite = hasInfinity(picture);
+    if (!isInfinite && (!extent || (extent->least >= 0 && extent->greatest <= 1))) return;
+    const pictures::Extent range = extent.value_or(pictures::Extent{0, 1});
+    const std::string values = fmt::format("{:.6g} to {:.6g}", range.least, range.greatest);
     throw InputError(
-        fmt::format("cannot take \"{}\" for a layer: its values are {:.6g} to {:.6g}, not 0 to 1; "
+        fmt::format("cannot take \"{}\" for a layer: its values are {}{}{}, not 0 to 1; "
                     "say which are near and far with {} NEAR:FAR, as {:.6g}:{:.6g}",
-                    path.string(), extent->least, extent->greatest, reading.rangeOption, extent->least,
-                    extent->greatest));
+                    path.string(), extent ? values : "", extent && isInfinite ? " and " : "",
+                    isInfinite ? "infinite" : "", reading.rangeOption, range.least, range.greatest));
 }
 
 std::string_view nameOf(LayerChannel channel) {

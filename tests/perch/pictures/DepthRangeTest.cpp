@@ -102,6 +102,13 @@ TEST(DepthRangeTest, ExtentIsThatOfFiniteDepths) {
     EXPECT_FALSE(extentOf(depths({std::numeric_limits<float>::quiet_NaN()})));
 }
 
+TEST(DepthRangeTest, InfinityIsWhatThereIsNoEndTo) {
+    EXPECT_FALSE(hasInfinity(depths({0, 1, 9e9F, std::numeric_limits<float>::quiet_NaN()})));
+    for (const float value : {1e10F, std::numeric_limits<float>::infinity(),
+                              -std::numeric_limits<float>::infinity(), std::numeric_limits<float>::max()})
+        EXPECT_TRUE(hasInfinity(depths({0, value, 1}))) << value;
+}
+
 TEST(DepthRangeTest, SampleDepthsGiveTheSampleMatte) {
     const std::string folder = PERCH_SOURCES "/samples/still/";
     const Picture greys = ranged(readPicture(folder + "depth.exr"), {1.5, 16, false});
