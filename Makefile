@@ -8,7 +8,7 @@
 #   make bench  runs the benchmarks; make bench-all every kind of frame as well; make bench-compare times other programs
 #               at the same job, where they are installed
 
-PRODUCT_PACKAGES := g++ cmake ninja-build pkg-config libopenimageio-dev zlib1g-dev libcli11-dev libfmt-dev nlohmann-json3-dev libcpp-httplib-dev
+PRODUCT_PACKAGES := g++ cmake ninja-build pkg-config libopenimageio-dev zlib1g-dev libjpeg-dev libcli11-dev libfmt-dev nlohmann-json3-dev libcpp-httplib-dev
 TEST_PACKAGES := $(PRODUCT_PACKAGES) libgtest-dev libgmock-dev libbenchmark-dev binutils \
     openimageio-tools imagemagick ffmpeg libimage-exiftool-perl \
     g++-12-multilib g++-powerpc64-linux-gnu qemu-user python3 python3-jsonschema zsh fish parallel

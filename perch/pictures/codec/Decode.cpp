@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "FileClaims.h"
+#include "JpegScans.h"
 #include "LibraryName.h"
 #include "Metadata.h"
 #include "PictureEnd.h"
@@ -289,6 +290,7 @@ ClaimedPicture claimOf(const OIIO::ImageSpec& layout, FileFormat format, const C
 
 bool hasDamagedPixels(std::span<const unsigned char> bytes, FileFormat format, int part) {
     if (format == FileFormat::Tiff) return hasDamagedStrip(bytes, part);
+    if (format == FileFormat::Jpeg) return hasDamagedScan(bytes);
     return format == FileFormat::Targa && TargaPixels(bytes).areDamaged();
 }
 

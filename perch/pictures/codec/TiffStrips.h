@@ -1,4 +1,4 @@
-// Whether the pieces of a TIFF file are whole. The image library reads a deflated piece up to a wrong bit,
+// Whether the pieces of a TIFF file are whole. The image library reads a compressed piece up to a wrong bit,
 // fills the rest with what it makes of it, and says nothing.
 #pragma once
 
@@ -6,8 +6,9 @@
 
 namespace pictures {
 
-// Whether a strip or tile of a page, counted from 0, lies outside the file, or is deflated and does not come
-// out with its own check sum. False where the page's directory makes no sense, which readers find.
+// Whether a strip or tile of a page, counted from 0, lies outside the file, is deflated and does not come out
+// with its own check sum, or is compressed by LZW or PackBits and does not come out as long as it has to be.
+// False where the page's directory makes no sense, which readers find.
 bool hasDamagedStrip(std::span<const unsigned char> bytes, int page);
 
 }  // namespace pictures

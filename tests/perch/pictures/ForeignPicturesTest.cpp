@@ -103,6 +103,30 @@ TEST_F(ForeignPicturesTest, EveryFormatAndDepthIsRead) {
     }
 }
 
+// None of these has a check sum; what is counted of them instead must fit the files of every program.
+TEST_F(ForeignPicturesTest, PackedTiffsAreWholeWhoeverWroteThem) {
+    runTool(
+        folder.path,
+        "convert -size 90x70 plasma:red-blue -depth 16 a.png && "
+        "convert a.png -compress LZW -write lzw16.tif -depth 8 -write lzw.tif "
+        "-define tiff:rows-per-strip=16 -write strips.tif -compress RLE -write rle-strips.tif "
+        "-define tiff:fill-order=lsb -write rle-turned.tif -compress LZW -write turned.tif "
+        "-compress Zip -write zip-turned.tif +define tiff:fill-order -compress LZW "
+        "-define tiff:tile-geometry=32x32 -write tiles.tif +define tiff:tile-geometry "
+        "-type Palette -write palette.tif -type Bilevel -write bits.tif -type Grayscale grey.tif && "
+        "convert a.png -colorspace YCbCr -compress LZW luma.tif && "
+        "oiiotool a.png --planarconfig separate --compression lzw -o planes.tif "
+        "--tile 16 16 --compression packbits -o plane-tiles.tif -d float --compression lzw -o float.tif && "
+        "ffmpeg -v error -i a.png -compression_algo lzw ff.tif -compression_algo packbits ff-bits.tif "
+        "-compression_algo lzw -pix_fmt yuv420p ff-luma.tif");
+    for (const char* const name :
+         {"lzw16.tif", "lzw.tif", "strips.tif", "rle-strips.tif", "rle-turned.tif", "turned.tif",
+          "zip-turned.tif", "tiles.tif", "palette.tif", "bits.tif", "grey.tif", "luma.tif", "planes.tif",
+          "plane-tiles.tif", "float.tif", "ff.tif", "ff-bits.tif", "ff-luma.tif"}) {
+        EXPECT_NO_THROW(readPicture(folder / name)) << name;
+    }
+}
+
 TEST_F(ForeignPicturesTest, AlphaIsAssociatedInOpenExrAndStraightElsewhereUnlessTheFileSaysOtherwise) {
     // Straight 0.8, 0.4, 0.2 at an alpha of a half.
     const std::string make = "oiiotool --create 1x1 4 --fill:color=0.4,0.2,0.1,0.5 1x1+0+0 ";
