@@ -38,6 +38,9 @@ public:
     virtual Picture decode(std::span<const unsigned char> bytes, FileFormat format,
                            const std::string& channel, const ReadOptions& options) const = 0;
     virtual EncodedPicture encode(const Picture& picture, const Encoding& encoding) const = 0;
+    // As JPEG that is shown and not kept, made in a fraction of the time. Of 8 bits, red, green, blue and
+    // alpha, which is left out.
+    virtual std::vector<unsigned char> encodeForScreen(const Picture& picture) const = 0;
 };
 
 const Codec& codec();

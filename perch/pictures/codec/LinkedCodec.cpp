@@ -5,6 +5,7 @@
 #include "Decode.h"
 #include "Encode.h"
 #include "QuietLibrary.h"
+#include "ScreenJpeg.h"
 
 namespace pictures {
 namespace {
@@ -23,6 +24,10 @@ public:
 
     EncodedPicture encode(const Picture& picture, const Encoding& encoding) const override {
         return pictures::encode(picture, encoding);
+    }
+
+    std::vector<unsigned char> encodeForScreen(const Picture& picture) const override {
+        return screenJpeg(picture);
     }
 };
 
