@@ -38,4 +38,7 @@ struct ViewEvent {
     std::string data;  // JSON
 };
 
+// An event for the server alone: a state that came with the question for its picture and has been taken.
+constexpr char kTakenState[] = "state";
+
 }  // namespace perch

@@ -15,7 +15,7 @@ constexpr Question kQuestions[] = {
     {"/api/state", "GET, POST"},
     {"/api/preset", "GET, PUT"},
     {"/words", "GET"},  // of the state's command: for the server alone, which starts it
-    {"/api/picture", "GET", true},
+    {"/api/picture", "GET, POST", true},
     {"/api/pixel", "GET", true},
     {"/api/histogram", "GET", true},
 };

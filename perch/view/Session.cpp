@@ -22,6 +22,7 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 constexpr std::size_t kMostLooks = 8;
+constexpr std::chrono::milliseconds kProgressStep{100};
 
 ViewAnswer overtaken(std::uint64_t id) {
     ViewAnswer answer = refusal(409, "a newer picture was asked for");
@@ -33,37 +34,27 @@ double milliseconds(std::chrono::nanoseconds time) {
     return std::chrono::duration<double, std::milli>(time).count();
 }
 
-// RGBA, straight, or an image file of it.
-ViewAnswer encoded(const Development& development, const std::string& format) {
-    ViewAnswer answer;
-    pictures::Picture picture =
-        pictureOf(development.picture, *development.input, pictures::SampleType::Bits8);
-    if (format.empty() || format == "raw") {
-        const auto& samples = std::get<0>(picture.samples);
-        answer.type = "application/octet-stream";
-        answer.body.assign(samples.begin(), samples.end());
-        return answer;
-    }
-    const bool isPng = format == "png";
-    if (!isPng && format != "jpeg")
-        throw UsageError(fmt::format("\"format\" is raw, png or jpeg, not \"{}\"", format));
-    pictures::Encoding encoding;
-    encoding.format = isPng ? pictures::FileFormat::Png : pictures::FileFormat::Jpeg;
-    encoding.options.compression = 1;
-    encoding.options.jpegQuality = 85;
-    if (!isPng) {  // which has no alpha
-        pictures::Picture opaque =
-            pictures::newPicture(picture.width, picture.height, 3, pictures::SampleType::Bits8);
-        const auto& from = std::get<0>(picture.samples);
-        auto& to = std::get<0>(opaque.samples);
-        for (std::size_t pixel = 0; pixel < from.size() / 4; ++pixel)
-            std::copy_n(from.begin() + static_cast<std::ptrdiff_t>(4 * pixel), 3,
-                        to.begin() + static_cast<std::ptrdiff_t>(3 * pixel));
-        picture = std::move(opaque);
-    }
-    const std::vector<unsigned char> bytes = pictures::codec().encode(picture, encoding).bytes;
-    answer.type = isPng ? "image/png" : "image/jpeg";
+void take(const std::vector<unsigned char>& bytes, const char* type, ViewAnswer& answer) {
+    answer.type = type;
     answer.body.assign(bytes.begin(), bytes.end());
+}
+
+// RGBA, straight, or an image file of it. For the screen what it can show first: JPEG, which holds no alpha.
+ViewAnswer encoded(const Development& development, const std::string& format) {
+    const pictures::Picture picture =
+        pictureOf(development.picture, *development.input, pictures::SampleType::Bits8);
+    ViewAnswer answer;
+    if (format == "png") {
+        pictures::Encoding encoding;
+        encoding.options.compression = 1;
+        take(pictures::codec().encode(picture, encoding).bytes, "image/png", answer);
+    } else if (format == "jpeg" || (format == "screen" && needsNoAlpha(development.picture))) {
+        take(pictures::codec().encodeForScreen(picture), "image/jpeg", answer);
+    } else if (format.empty() || format == "raw" || format == "screen") {
+        take(std::get<0>(picture.samples), "application/octet-stream", answer);
+    } else {
+        throw UsageError(fmt::format("\"format\" is raw, screen, png or jpeg, not \"{}\"", format));
+    }
     return answer;
 }
 
@@ -117,6 +108,11 @@ void Session::tellWarnings(Wire& wire) {
 
 void Session::read(Wire& wire) {
     while (std::optional<ViewRequest> request = wire.receiveRequest()) {
+        if (std::optional<ViewAnswer> refused = takeLookWithin(*request)) {
+            refused->id = request->id;
+            wire.send(*refused);
+            continue;
+        }
         if (isAnsweredAtOnce(*request)) {
             ViewAnswer answer = answerAtOnce(*request);
             answer.id = request->id;
@@ -141,7 +137,8 @@ QueuedRequest Session::queued(ViewRequest request) const {
     return queued;
 }
 
-ViewAnswer Session::answer(const ViewRequest& request) {
+ViewAnswer Session::answer(ViewRequest request) {
+    if (std::optional<ViewAnswer> refused = takeLookWithin(request)) return *refused;
     return isAnsweredAtOnce(request) ? answerAtOnce(request) : answerInTurn(request);
 }
 
@@ -214,16 +211,30 @@ std::optional<Look> Session::lookFor(const ViewRequest& request) const {
     return wanted;
 }
 
-void Session::keepLook(Look look) {
+bool Session::keepLook(Look look) {
     const std::lock_guard lock(mutex);
-    if (look.serial <= recent.back().serial) return;
+    if (look.serial <= recent.back().serial) return false;
     recent.push_back(std::move(look));
     if (recent.size() > kMostLooks) recent.pop_front();
+    return true;
 }
 
 ViewAnswer Session::takeLook(const std::string& body) {
     keepLook(looks.parse(body));
     return jsonAnswer(looks.json(look()));
+}
+
+std::optional<ViewAnswer> Session::takeLookWithin(ViewRequest& request) {
+    if (request.path != "/api/picture" || request.method != "POST") return std::nullopt;
+    try {
+        Look sent = looks.parse(request.body);
+        request.query["serial"] = std::to_string(sent.serial);
+        if (!keepLook(std::move(sent))) return refusal(409, "newer values have been set");
+        if (wireInUse != nullptr) wireInUse->send(ViewEvent{kTakenState, request.body});
+        return std::nullopt;
+    } catch (const Error& error) {
+        return refusal(422, error.what());
+    }
 }
 
 ViewAnswer Session::takePreset(const std::string& body) {
@@ -240,7 +251,12 @@ ViewAnswer Session::picture(const ViewRequest& request, const Look& wanted) {
     if (!kind)
         throw UsageError(fmt::format("\"kind\" is {}, {}, {} or {}, not \"{}\"", kResult, kOriginal, kLayer,
                                      kFocus, request.value("kind")));
+    // Of a picture that comes at once nothing is told.
+    auto toldAt = std::chrono::steady_clock::now();
     const auto progress = [&](double fraction) {
+        const auto now = std::chrono::steady_clock::now();
+        if (now - toldAt < kProgressStep) return;
+        toldAt = now;
         if (wireInUse != nullptr)
             wireInUse->send(ViewEvent{"progress", jsonText({{"serial", serial}, {"fraction", fraction}})});
     };

@@ -33,13 +33,16 @@ public:
     void run(Wire& wire);
 
     // One request, on the thread of the effect; what the queue would do is left out. For tests too.
-    ViewAnswer answer(const ViewRequest& request);
+    ViewAnswer answer(ViewRequest request);
 
 private:
     bool isAnsweredAtOnce(const ViewRequest& request) const;
     ViewAnswer answerAtOnce(const ViewRequest& request);
     ViewAnswer answerInTurn(const ViewRequest& request);
     ViewAnswer takeLook(const std::string& body);
+    // A picture may be asked for together with the state that it shows, in one trip. What is left is the
+    // question for the picture; an answer tells why the state is not taken.
+    std::optional<ViewAnswer> takeLookWithin(ViewRequest& request);
     ViewAnswer takePreset(const std::string& body);
     ViewAnswer picture(const ViewRequest& request, const Look& wanted);
     ViewAnswer pixel(const ViewRequest& request, const Look& wanted);
@@ -50,7 +53,8 @@ private:
     Look look() const;
     std::optional<Look> lookOf(std::int64_t serial) const;
     std::optional<Look> lookFor(const ViewRequest& request) const;
-    void keepLook(Look look);
+    // False where there is a newer one.
+    bool keepLook(Look look);
 
     void tellWarnings(Wire& wire);
 

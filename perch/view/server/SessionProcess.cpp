@@ -110,11 +110,15 @@ void SessionProcess::listen(Life& at) {
             continue;
         }
         const ViewEvent& event = std::get<ViewEvent>(*received);
-        if (event.name != "ready") {
+        if (event.name != "ready" && event.name != kTakenState) {
             events.publish(event);
             continue;
         }
         const std::lock_guard lock(mutex);
+        if (event.name == kTakenState) {
+            newestState = event.data;
+            continue;
+        }
         at.isReady = true;
         hasChanged.notify_all();
     }

@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 #include <thread>
 
+#include "Codec.h"
 #include "Error.h"
 #include "Misdeeds.h"
 #include "ParameterText.h"
@@ -185,6 +186,39 @@ TEST_F(ShotTest, AnErrorOfTheEffectIsToldWithFrameAndCommandAndTheNextPictureGoe
     EXPECT_EQ(broken.answer(picture).status, 200);
 }
 
+TEST_F(SessionTest, AStateAndItsPictureAreOneQuestion) {
+    const auto shown = [&](int serial, const std::string& parameters) {
+        const Json state{{"serial", serial}, {"frame", 1}, {"parameters", Json::parse(parameters)}};
+        return ask("POST", "/api/picture", {{"size", "full"}}, state.dump());
+    };
+    const ViewAnswer picture = shown(4, kBlurred);
+    EXPECT_EQ(picture.status, 200);
+    EXPECT_EQ(picture.headers.at("X-Serial"), "4");
+    EXPECT_TRUE(picture.body == ask("GET", "/api/picture", {{"serial", "4"}}).body);
+    EXPECT_EQ(Json::parse(ask("GET", "/api/state", {}).body)["parameters"]["Focal Point"], 20);
+    EXPECT_EQ(shown(4, R"({"Focal Point": 30})").status, 409);
+    EXPECT_EQ(shown(5, R"({"Focal Point": 1000})").status, 422);
+    EXPECT_EQ(Json::parse(ask("GET", "/api/state", {}).body)["parameters"]["Focal Point"], 20);
+    EXPECT_FALSE(shown(5, R"({"Focal Point": 30})").body == picture.body);
+}
+
+TEST_F(SessionTest, ForTheScreenPicturesThatLackAlphaAreJpeg) {
+    show(1, 1, "{}");
+    const auto picture = [&](const std::string& kind, const std::string& format) {
+        return ask("GET", "/api/picture", {{"serial", "1"}, {"kind", kind}, {"format", format}});
+    };
+    EXPECT_TRUE(picture("original", "screen").body == picture("original", "raw").body);
+    const ViewAnswer jpeg = picture("layer", "screen");
+    ASSERT_EQ(jpeg.type, "image/jpeg");
+    const pictures::Picture matte =
+        pictures::codec().decode({reinterpret_cast<const unsigned char*>(jpeg.body.data()), jpeg.body.size()},
+                                 pictures::FileFormat::Jpeg, "", {});
+    const auto& samples = std::get<0>(matte.samples);
+    ASSERT_EQ(samples.size(), std::size_t{3} * kWidth * kHeight);
+    for (std::size_t i = 0; i < samples.size(); ++i)
+        EXPECT_NEAR(samples[i], i / 3 % kWidth < kWidth / 2 ? 51 : 255, 3) << i;
+}
+
 TEST_F(SessionTest, WhatIsNotUnderstoodIsRefusedInASentence) {
     EXPECT_EQ(show(1, 1, R"({"Focal Point": 1000})").status, 422);
     EXPECT_EQ(show(1, 9, "{}").status, 422);
@@ -214,7 +248,7 @@ TEST_F(SessionTest, WhatAPathDoesNotTakeIsRefusedWithWhatItTakes) {
     for (const auto& [path, method, taken] :
          {Case{"/api/session", "POST", "GET"}, Case{"/api/state", "DELETE", "GET, POST"},
           Case{"/api/state", "PUT", "GET, POST"}, Case{"/api/preset", "DELETE", "GET, PUT"},
-          Case{"/api/picture", "POST", "GET"}, Case{"/api/pixel", "DELETE", "GET"},
+          Case{"/api/picture", "PUT", "GET, POST"}, Case{"/api/pixel", "DELETE", "GET"},
           Case{"/api/histogram", "PUT", "GET"}}) {
         const ViewAnswer answer = ask(method, path, {{"serial", "0"}}, "{}");
         EXPECT_EQ(answer.status, 405) << method << ' ' << path;
