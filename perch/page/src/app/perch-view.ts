@@ -168,7 +168,7 @@ export class PerchView extends LitElement implements RendererView {
     this.waitsSince = begin;
     await this.stage.paint(picture);
     if (picture.kind === 'result')
-      this.speed = this.speedometer.take(picture, changedAt, performance.now() - begin);
+      this.speed = this.speedometer.take(picture, changedAt, performance.now() - begin) ?? this.speed;
     this.messages.clearOfPictures();
   }
 
@@ -210,7 +210,7 @@ export class PerchView extends LitElement implements RendererView {
     if (this.fetchingOriginal || this.originalFrame === frame || this.renderer.serial === 0) return;
     this.fetchingOriginal = true;
     try {
-      const wish = { serial: this.renderer.serial, kind: 'original', size: 'full' } as const;
+      const wish = { serial: this.renderer.serial, kind: 'original' } as const;
       await this.stage.paint(await api.picture(wish, new AbortController().signal));
       this.originalFrame = frame;
     } catch (error) {

@@ -11,10 +11,10 @@ export function paintOn(canvas: HTMLCanvasElement, picture: Picture): boolean {
   if (canvas.width !== width) canvas.width = width;
   if (canvas.height !== height) canvas.height = height;
   const context = canvas.getContext('2d');
+  if (context) context.globalCompositeOperation = 'copy';
   if (image instanceof ImageData) {
     context?.putImageData(image, 0, 0);
   } else {
-    context?.clearRect(0, 0, width, height);
     context?.drawImage(image, 0, 0);
   }
   return true;

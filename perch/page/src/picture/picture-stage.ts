@@ -45,10 +45,12 @@ export class PictureStage extends StoreElement {
 
   // Draws the picture; comes back when the screen shows it.
   async paint(picture: Picture): Promise<void> {
+    const before = this.pictures.get(picture.kind)?.image;
     this.pictures.set(picture.kind, picture);
     if (picture.kind === 'result') this.paints += 1;
     this.requestUpdate();
     await this.updateComplete;
+    if (before instanceof ImageBitmap) before.close(); // megabytes, which would wait for the collector
     await new Promise((done) => requestAnimationFrame(done));
   }
 

@@ -32,7 +32,12 @@ export interface Picture {
 export interface PictureWish {
   readonly serial: number;
   readonly kind: PictureKind;
-  readonly size: { readonly width: number; readonly height: number } | 'full';
+}
+
+export interface PreviewWish {
+  readonly kind: PictureKind;
+  readonly width: number;
+  readonly height: number;
 }
 
 async function answer(path: string, init: RequestInit = {}): Promise<Response> {
@@ -74,6 +79,29 @@ function serverTimes(header: string): { decode: number; render: number; encode: 
   return times;
 }
 
+async function pictureOf(kind: PictureKind, response: Response, begin: number): Promise<Picture> {
+  const type = response.headers.get('Content-Type') ?? '';
+  const number = (name: string) => Number(response.headers.get(name));
+  const isRaw = type.startsWith('application/octet-stream');
+  const bytes = isRaw ? await response.arrayBuffer() : null;
+  const blob = isRaw ? null : await response.blob();
+  const spent = performance.now() - begin;
+  const image = bytes
+    ? new ImageData(new Uint8ClampedArray(bytes), number('X-Width'))
+    : await createImageBitmap(blob as Blob, { colorSpaceConversion: 'none' });
+  const times = serverTimes(response.headers.get('Server-Timing') ?? '');
+  const transfer = Math.max(spent - times.decode - times.render - times.encode, 0);
+  return {
+    kind,
+    serial: number('X-Serial'),
+    width: image.width,
+    height: image.height,
+    isFull: response.headers.get('X-Full') === '1',
+    image,
+    times: { ...times, transfer },
+  };
+}
+
 export const api = {
   async session(): Promise<Session> {
     const session = await json<Session>('/api/session');
@@ -82,9 +110,6 @@ export const api = {
   },
 
   state: () => json<State>('/api/state'),
-
-  send: (serial: number, frame: number, parameters: Curves) =>
-    json<State>('/api/state', sending('POST', JSON.stringify({ serial, frame, parameters }))),
 
   pixel: (serial: number, x: number, y: number) =>
     json<PixelAnswer>(`/api/pixel?serial=${serial}&x=${x}&y=${y}`),
@@ -98,32 +123,20 @@ export const api = {
   render: () => answer('/api/render', sending('POST', '{}')),
   cancelRender: () => answer('/api/render', sending('DELETE', '{}')),
 
-  // A full picture comes without loss; a smaller one as the server sends it fastest.
+  // A full picture comes without loss.
   async picture(wish: PictureWish, signal: AbortSignal): Promise<Picture> {
-    const size = wish.size === 'full' ? 'full&format=raw' : `${wish.size.width}x${wish.size.height}`;
     const begin = performance.now();
-    const response = await answer(`/api/picture?serial=${wish.serial}&size=${size}&kind=${wish.kind}`, { signal });
-    const type = response.headers.get('Content-Type') ?? '';
-    const number = (name: string) => Number(response.headers.get(name));
-    const isRaw = type.startsWith('application/octet-stream');
-    const bytes = isRaw ? await response.arrayBuffer() : null;
-    const blob = isRaw ? null : await response.blob();
-    const spent = performance.now() - begin;
-    const width = number('X-Width');
-    const image = bytes
-      ? new ImageData(new Uint8ClampedArray(bytes), width)
-      : await createImageBitmap(blob as Blob, { colorSpaceConversion: 'none' });
-    const times = serverTimes(response.headers.get('Server-Timing') ?? '');
-    const transfer = Math.max(spent - times.decode - times.render - times.encode, 0);
-    return {
-      kind: wish.kind,
-      serial: number('X-Serial'),
-      width: image.width,
-      height: image.height,
-      isFull: response.headers.get('X-Full') === '1',
-      image,
-      times: { ...times, transfer },
-    };
+    const response = await answer(`/api/picture?serial=${wish.serial}&kind=${wish.kind}&size=full&format=raw`, { signal });
+    return pictureOf(wish.kind, response, begin);
+  },
+
+  // Values and the picture that they make in one trip, in the form that the server sends fastest. Comes back
+  // when the server has the next one's time; the picture follows.
+  async preview(serial: number, frame: number, parameters: Curves, wish: PreviewWish): Promise<{ picture: Promise<Picture> }> {
+    const begin = performance.now();
+    const path = `/api/picture?kind=${wish.kind}&size=${wish.width}x${wish.height}&format=screen`;
+    const response = await answer(path, sending('POST', JSON.stringify({ serial, frame, parameters })));
+    return { picture: pictureOf(wish.kind, response, begin) };
   },
 };
 

@@ -1,15 +1,17 @@
 // Keeps the picture up with the values. The newest values win; of those in between only what there is time
 // for is rendered:
 //
-//   change ---> send the state ---> preview at the size shown ---> paint
-//     ^                                                             |
-//     |   newer values meanwhile: at once again <-------------------+
-//     |                                                             | none for restTime
-//     +--- newer values end it --- full picture, without loss <-----+ then: settled
+//   change ---> the state is sent, and answered with a preview at the size shown ---> paint
+//     ^                                                      |
+//     |   newer values meanwhile: at once again <------------+
+//     |                                                      | none for restTime
+//     +--- newer values end it --- full picture, loss-free <-+ then: settled
+//
+// While one picture comes over, is decoded and painted, the server works at the next.
 import type { PictureKind, State } from '../model/session';
 import type { Store } from '../model/store';
 import { ApiError } from './api';
-import type { Api, Picture } from './api';
+import type { Api, Picture, PreviewWish } from './api';
 
 export interface RendererView {
   // The kinds of picture that are looked at now, and the size they are looked at.
@@ -33,7 +35,7 @@ export class Renderer {
   private isRunning = false;
   private full: AbortController | null = null;
   private wake: (() => void) | null = null;
-  private painting: Promise<void> | void = undefined;
+  private painting: Promise<void> = Promise.resolve();
   private refusals = 0;
   private previewed = new Set<() => void>();
 
@@ -73,8 +75,8 @@ export class Renderer {
       this.refusals = 0;
       this.view.settles();
     } catch (error) {
+      if (error instanceof ApiError && error.status === 409 && ++this.refusals < mostRefusals) return this.catchUp();
       if (this.newest !== target) return;
-      if (error instanceof ApiError && error.status === 409 && ++this.refusals < mostRefusals) return;
       this.done = target;
       this.view.fails(error instanceof ApiError ? error : new ApiError(0, String(error)));
     } finally {
@@ -83,14 +85,13 @@ export class Renderer {
   }
 
   private async preview(): Promise<void> {
-    const changedAt = this.changedAt;
-    await this.send();
     const { kinds, width, height } = this.view.wishes();
     for (const kind of kinds) {
-      const wish = { serial: this.serial, kind, size: { width, height } };
-      const picture = await this.api.picture(wish, new AbortController().signal);
+      const changedAt = this.changedAt;
+      const { picture } = await this.send({ kind, width, height });
       await this.painting;
-      this.painting = this.view.paint(picture, changedAt);
+      this.painting = picture.then((picture) => this.view.paint(picture, changedAt));
+      this.painting.catch(() => {}); // thrown to who waits for it
     }
     this.tellPreviewed();
   }
@@ -100,22 +101,26 @@ export class Renderer {
     const { signal } = this.full;
     const { kinds } = this.view.wishes();
     for (const kind of kinds) {
-      const picture = await this.api.picture({ serial: this.serial, kind, size: 'full' }, signal);
+      const picture = await this.api.picture({ serial: this.serial, kind }, signal);
       await this.painting;
       if (signal.aborted) return;
       await this.view.paint(picture, this.changedAt);
     }
+    this.view.answers(await this.api.state());
   }
 
-  private async send(): Promise<void> {
-    for (;;) {
-      const serial = this.serial + 1;
-      const state = await this.api.send(serial, this.store.frame, this.store.curves);
-      this.serial = Math.max(state.serial, serial);
-      if (state.serial !== serial) continue; // another page has sent newer values
-      this.view.answers(state);
-      return;
+  private async send(wish: PreviewWish): Promise<{ picture: Promise<Picture> }> {
+    const serial = this.serial + 1;
+    try {
+      return await this.api.preview(serial, this.store.frame, this.store.curves, wish);
+    } finally {
+      this.serial = serial;
     }
+  }
+
+  // Another page may have set values, and counted on.
+  private async catchUp(): Promise<void> {
+    this.serial = Math.max(this.serial, (await this.api.state()).serial);
   }
 
   // Whether nothing changes for the rest time.

@@ -101,9 +101,13 @@ export class StandIn {
         return void response.end(readFileSync(new URL('dist/page.js', pageFolder)));
       case 'GET /api/session':
         return this.json(response, this.shot.session(this.scene));
-      case 'POST /api/state':
-        this.shot.take(JSON.parse(await body()) as Parameters<Shot['take']>[0]);
-        return this.json(response, this.shot.state());
+      case 'POST /api/picture': {
+        const state = JSON.parse(await body()) as Parameters<Shot['take']>[0];
+        if (state.serial <= this.shot.state().serial) throw new Refusal(409, 'newer values have been set');
+        this.shot.take(state);
+        url.searchParams.set('serial', String(state.serial));
+        return this.picture(url, response);
+      }
       case 'GET /api/state':
         return this.json(response, this.shot.state());
       case 'GET /api/picture':
