@@ -1,8 +1,12 @@
 // How fast the picture follows the hand: drags Focal Point over the sample still and prints pictures a second and the
-// time from the input to the painted picture. `npm run bench`, with PERCH as in tests/perch/program.ts.
+// time from the input to the painted picture, and the processor time of each picture. `npm run bench`, with sizes of
+// the browser's window after `--`, and with PERCH as in tests/perch/program.ts.
+import { setTimeout } from 'node:timers/promises';
 import { closeBrowser, openAt, settled } from './browser/page';
+import { cpuTimes } from './cpu-time';
 import { View, sample } from './perch/program';
 
+const step = 16; // ms between two moves of the hand; the browser gives a page one of them per frame of the screen
 const seconds = 5;
 
 interface Measured {
@@ -34,7 +38,7 @@ async function measure(viewport: { width: number; height: number }, options: rea
     );
     const send = window.fetch;
     window.fetch = (path, init) => {
-      if (path === '/api/state' && init?.method === 'POST') {
+      if (String(path).startsWith('/api/picture') && init?.method === 'POST') {
         const { serial, parameters } = JSON.parse(String(init.body)) as { serial: number; parameters: Record<string, number> };
         const begin = inputAt.get(parameters['Focal Point'] ?? NaN);
         if (begin !== undefined) sentAt.set(String(serial), begin);
@@ -51,30 +55,43 @@ async function measure(viewport: { width: number; height: number }, options: rea
     }).observe(canvas, { attributes: true, attributeFilter: ['data-serial'] });
   });
 
+  // Its own mouse makes the page look for what is dragged at every move, which no hand does.
+  const devtools = await page.context().newCDPSession(page);
   await page.mouse.move(box.x + 8, box.y + box.height / 2);
   await page.mouse.down();
+  const spentBefore = cpuTimes();
   const begin = Date.now();
   while (Date.now() < begin + 1000 * seconds) {
     const phase = (Date.now() - begin) / 900;
-    await page.mouse.move(box.x + box.width * (0.5 - 0.4 * Math.cos(phase)), box.y + box.height / 2);
-    await page.waitForTimeout(8);
+    await devtools.send('Input.dispatchMouseEvent', {
+      type: 'mouseMoved',
+      x: box.x + box.width * (0.5 - 0.4 * Math.cos(phase)),
+      y: box.y + box.height / 2,
+      button: 'left',
+      buttons: 1,
+    });
+    await setTimeout(step);
   }
   const { paints, delays } = await page.evaluate(() => (window as unknown as { measured: Measured }).measured);
   const spent = (Date.now() - begin) / 1000;
+  const cpu = Object.entries(cpuTimes()).map(
+    ([role, time]) => `${role} ${((time - (spentBefore[role] ?? 0)) / paints.length).toFixed(0)}`,
+  );
   await page.mouse.up();
   await settled(page);
   const rate = (paints.length / spent).toFixed(1);
   console.log(
     `${Math.round(picture.width)} x ${Math.round(picture.height)} ${options.join(' ')}: ${rate} pictures a second, ` +
-      `${median(delays).toFixed(0)} ms from input to paint (median of ${delays.length})`,
+      `${median(delays).toFixed(0)} ms from input to paint (median of ${delays.length})\n    ms of processor time a picture: ${cpu.join(', ')}`,
   );
   await close();
   await view.end();
 }
 
-for (const options of [['--blur-type', 'Coarse'], ['--blur-type', 'Fine']]) {
-  await measure({ width: 1024, height: 768 }, options);
-  await measure({ width: 1440, height: 900 }, options);
-  await measure({ width: 1920, height: 1080 }, options);
-}
+const windows = process.argv.length > 2 ? process.argv.slice(2) : ['1024x768', '1440x900', '1680x1080', '1920x1080'];
+for (const options of [['--blur-type', 'Coarse'], ['--blur-type', 'Fine']])
+  for (const size of windows) {
+    const [width = 0, height = 0] = size.split('x').map(Number);
+    await measure({ width, height }, options);
+  }
 await closeBrowser();
