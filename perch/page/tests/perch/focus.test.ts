@@ -67,6 +67,23 @@ test('the settled picture is the one that the copied command renders', async () 
   assert.deepEqual(await difference(page, await view.rendered(command, 'still.png')), { size: [1280, 720], sent: 0, shown: 0 });
 });
 
+test('a layer shows the files given, and another choice is in picture and command', async () => {
+  const layer = page.getByRole('combobox', { name: 'Control Layer' });
+  assert.deepEqual(await layer.locator('option').allTextContents(), ['None', 'depth.png']);
+  const before = await view.rendered((await stateOf(page)).command, 'still.png');
+  await layer.selectOption('None');
+  await settled(page);
+  const { command } = await stateOf(page);
+  assert.match(command, / --control-layer none\b/);
+  const { sent, shown } = await difference(page, before);
+  assert.ok(sent > 100_000 && shown > 100_000, `${sent}, ${shown}`);
+  assert.deepEqual(await difference(page, await view.rendered(command, 'still.png')), { size: [1280, 720], sent: 0, shown: 0 });
+  await layer.selectOption('depth.png');
+  await settled(page);
+  assert.match((await stateOf(page)).command, / --control-layer \S*depth\.png\b/);
+  assert.deepEqual(await difference(page, before), { size: [1280, 720], sent: 0, shown: 0 });
+});
+
 test('every parameter is set by keyboard alone', async () => {
   const { parameters } = await sessionOf(page);
   assert.equal(await setEachByKeys(page), parameters.filter(({ type }) => type !== 'layer').length);
@@ -76,7 +93,7 @@ test('axe-core finds nothing', async () => assert.deepEqual(await violations(pag
 
 test('Render runs the command and tells its end', async () => {
   await page.getByRole('button', { name: 'Render', exact: true }).click();
-  await page.getByRole('log', { name: 'Messages' }).getByText('The render is done.').waitFor();
+  await page.getByRole('log', { name: 'Messages' }).getByText(/still\.png" is written/).waitFor();
   await page.getByRole('button', { name: 'Render', exact: true }).waitFor();
 });
 
