@@ -52,10 +52,11 @@ export class MessageList extends LitElement {
 
   @state() private messages: readonly Message[] = [];
 
-  // The same again is told once.
+  // The same again is told once, and as an error where it is one.
   add(message: Message): void {
-    if (this.messages.some(({ text }) => text === message.text)) return;
-    this.messages = [message, ...this.messages].slice(0, most);
+    const same = this.messages.find(({ text }) => text === message.text);
+    if (same && (same.kind === message.kind || message.kind !== 'error')) return;
+    this.messages = [message, ...this.messages.filter((other) => other !== same)].slice(0, most);
   }
 
   // What was told of pictures is overcome by one that has come.

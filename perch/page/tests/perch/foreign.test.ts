@@ -37,3 +37,20 @@ test('what an effect says and refuses is on the page, which goes on', async () =
   await close();
   assert.equal(await view.end(), 130);
 });
+
+test('an effect that crashes is told with frame and command, and a new instance renders what comes next', async () => {
+  const shot = ['-i', sample('shot/beauty.####.png'), '-o', '{}/result.####.png'];
+  const view = await View.start(['--plugin', plugin('Hostile'), ...shot], { PERCH_HOSTILE: 'abort@frame5' });
+  const { page, close } = await openAt(view.address);
+  const frame = page.getByRole('slider', { name: 'Frame', exact: true });
+  await frame.fill('5');
+  const messages = page.getByRole('log', { name: 'Messages' });
+  await messages.getByText(/frame 5: .* crashed at FRAME_SETUP/).first().waitFor();
+  await frame.fill('6');
+  await settled(page);
+  const { command } = await stateOf(page);
+  const expected = await view.rendered(`${command} --frames 6`, 'result.0006.png');
+  assert.deepEqual(await difference(page, expected), { size: [640, 360], sent: 0, shown: 0 });
+  await close();
+  assert.equal(await view.end(), 130);
+});

@@ -27,10 +27,11 @@ export class View {
   ) {}
 
   // `{}` in an option stands for a folder of its own, which goes with it.
-  static async start(options: readonly string[]): Promise<View> {
+  static async start(options: readonly string[], environment: Readonly<Record<string, string>> = {}): Promise<View> {
     const folder = mkdtempSync(join(tmpdir(), 'perch-page-'));
     const words = ['view', '--no-open', ...options.map((word) => word.replace('{}', folder))];
-    const started = spawn(program, words, { cwd: folder, stdio: ['ignore', 'pipe', 'inherit'] });
+    const env = { ...process.env, ...environment };
+    const started = spawn(program, words, { cwd: folder, stdio: ['ignore', 'pipe', 'inherit'], env });
     const [line] = (await Promise.race([
       once(createInterface(started.stdout), 'line'),
       once(started, 'exit').then(([status]) => Promise.reject(new Error(`perch view ended with ${status}`))),

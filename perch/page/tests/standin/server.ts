@@ -12,7 +12,6 @@ import type { ShotOptions } from './shot';
 export interface StandInOptions extends ShotOptions {
   readonly scene?: SceneName;
   readonly hasStamps?: boolean; // pictures show serial and values, for tests of lost updates
-  readonly delay?: number; // ms for each picture, beside what it takes
 }
 
 const policy =
@@ -41,6 +40,7 @@ export class StandIn {
   readonly shot: Shot;
   readonly saved: string[] = [];
   frameTime = 20; // ms for a frame of a render
+  delay = 0; // ms for each picture, beside what it takes
   breaksAt: number | null = null; // the focal point at which the effect crashes
   private readonly scene: Scene;
   private readonly server: Server;
@@ -148,7 +148,7 @@ export class StandIn {
     const size = url.searchParams.get('size') ?? 'full';
     this.newest.set(kind, Math.max(this.newest.get(kind) ?? 0, serial));
     const begin = performance.now();
-    if (this.options.delay) await new Promise((done) => setTimeout(done, this.options.delay));
+    if (this.delay > 0) await new Promise((done) => setTimeout(done, this.delay));
     if ((this.newest.get(kind) ?? 0) > serial) throw new Refusal(409, 'overtaken by newer values');
     const sent = this.shot.sent(serial);
     if (this.breaksAt !== null && this.shot.value(sent, 'Focal Point') === this.breaksAt)
