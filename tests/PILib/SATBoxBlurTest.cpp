@@ -13,6 +13,7 @@
 #include "OracleBuffers.h"
 #include "RandomImage.h"
 #include "SATBlur.h"
+#include "SATBlurChecks.h"
 
 namespace {
 
@@ -31,24 +32,7 @@ protected:
 TYPED_TEST_SUITE(SATBoxBlurTest, HostChannels, ChannelNames);
 
 TYPED_TEST(SATBoxBlurTest, UniformImageReturnsItsOwnColour) {
-    const oracle::Colour colour{oracle::kFull<TypeParam>, 200, 0, oracle::kFull<TypeParam>};
-    oracle::Image image(6, 4, oracle::kFull<TypeParam>);
-    std::fill(image.values.begin(), image.values.end(), colour);
-    const SimplePixelBuffer<Pixel<TypeParam>> source(6, 4);
-    oracle::Store<TypeParam>(image, source);
-    SATBoxBlur<Pixel<TypeParam>> blur(this->context, source, 12, 9);
-    blur.initialize();
-    for (int y = 0; y < 4; ++y) {
-        for (int x = 0; x < 6; ++x) {
-            for (int r = 0; r <= 12; ++r) {
-                const std::int32_t fixed = r * 32768 + 12345;
-                ASSERT_EQ(colour, oracle::ColourOf(blur.getBlurInt(x, y, r, 12 - r)))
-                    << x << ", " << y << ", " << r;
-                ASSERT_EQ(colour, oracle::ColourOf(blur.getBlur(x, y, fixed, fixed)))
-                    << x << ", " << y << ", " << r;
-            }
-        }
-    }
+    ExpectUniformImageKeepsItsColour<SATBoxBlur, TypeParam>();
 }
 
 // Every pair of alpha and colour at 8 bits, every 128th of each at 15.
@@ -167,16 +151,8 @@ TYPED_TEST(SATBoxBlurTest, TablesHoldTheSumsUpAndLeftOfEachCell) {
     blur.initialize();
     for (oracle::Colour& pixel : image.values)
         pixel = oracle::Premultiplied(pixel, image.full);
-    for (int ty = 0; ty < blur.tableHeight; ++ty) {
-        for (int tx = 0; tx < blur.tableWidth; ++tx) {
-            const auto cell = static_cast<std::size_t>(ty * blur.tableWidth + tx);
-            const auto sum = [&](std::size_t channel) { return SumUpLeft(image, channel, 3, 2, tx, ty); };
-            ASSERT_EQ(sum(oracle::kAlpha), blur.sumAlpha[cell]) << tx << ", " << ty;
-            ASSERT_EQ(sum(oracle::kRed), blur.sumRed[cell]) << tx << ", " << ty;
-            ASSERT_EQ(sum(oracle::kGreen), blur.sumGreen[cell]) << tx << ", " << ty;
-            ASSERT_EQ(sum(oracle::kBlue), blur.sumBlue[cell]) << tx << ", " << ty;
-        }
-    }
+    ExpectTablesHold(
+        blur, [&](std::size_t channel, int tx, int ty) { return SumUpLeft(image, channel, 3, 2, tx, ty); });
 }
 
 // A white image at 15 bits with tables of 405 x 405 cells, whose sum needs 33 bits.

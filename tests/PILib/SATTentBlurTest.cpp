@@ -16,6 +16,7 @@
 #include "FakeContext.h"
 #include "OracleBuffers.h"
 #include "RandomImage.h"
+#include "SATBlurChecks.h"
 
 namespace {
 
@@ -72,24 +73,7 @@ TYPED_TEST(SATTentBlurTypedTest, UnusableRadiiAndSourcesAreRefusedAsByTheBoxBlur
 }
 
 TYPED_TEST(SATTentBlurTypedTest, UniformImageReturnsItsOwnColour) {
-    const oracle::Colour colour{oracle::kFull<TypeParam>, 200, 0, oracle::kFull<TypeParam>};
-    oracle::Image image(6, 4, oracle::kFull<TypeParam>);
-    std::fill(image.values.begin(), image.values.end(), colour);
-    const SimplePixelBuffer<Pixel<TypeParam>> source(6, 4);
-    oracle::Store<TypeParam>(image, source);
-    SATTentBlur<Pixel<TypeParam>> blur(this->context, source, 12, 9);
-    blur.initialize();
-    for (int y = 0; y < 4; ++y) {
-        for (int x = 0; x < 6; ++x) {
-            for (int r = 0; r <= 12; ++r) {
-                const std::int32_t fixed = r * 32768 + 12345;
-                ASSERT_EQ(colour, oracle::ColourOf(blur.getBlurInt(x, y, r, 12 - r)))
-                    << x << ", " << y << ", " << r;
-                ASSERT_EQ(colour, oracle::ColourOf(blur.getBlur(x, y, fixed, fixed)))
-                    << x << ", " << y << ", " << r;
-            }
-        }
-    }
+    ExpectUniformImageKeepsItsColour<SATTentBlur, TypeParam>();
 }
 
 TYPED_TEST(SATTentBlurTypedTest, RadiusZeroIsThePixelPremultiplied) {
@@ -198,16 +182,8 @@ TYPED_TEST(SATTentBlurTypedTest, TablesHoldSecondOrderSums) {
     blur.initialize();
     for (oracle::Colour& pixel : image.values)
         pixel = oracle::Premultiplied(pixel, image.full);
-    for (int ty = 0; ty < blur.tableHeight; ++ty) {
-        for (int tx = 0; tx < blur.tableWidth; ++tx) {
-            const auto cell = static_cast<std::size_t>(ty * blur.tableWidth + tx);
-            const auto sum = [&](std::size_t channel) { return SecondOrderSum(image, channel, 4, tx, ty); };
-            ASSERT_EQ(sum(oracle::kAlpha), blur.sumAlpha[cell]) << tx << ", " << ty;
-            ASSERT_EQ(sum(oracle::kRed), blur.sumRed[cell]) << tx << ", " << ty;
-            ASSERT_EQ(sum(oracle::kGreen), blur.sumGreen[cell]) << tx << ", " << ty;
-            ASSERT_EQ(sum(oracle::kBlue), blur.sumBlue[cell]) << tx << ", " << ty;
-        }
-    }
+    ExpectTablesHold(
+        blur, [&](std::size_t channel, int tx, int ty) { return SecondOrderSum(image, channel, 4, tx, ty); });
 }
 
 // One channel's second-order sums, every operation written out in its order.
