@@ -2,6 +2,7 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <CLI/CLI.hpp>
 #include <atomic>
 #include <chrono>
 #include <csignal>
@@ -27,6 +28,7 @@
 #include "JobAccount.h"
 #include "JobDisplay.h"
 #include "PlanReport.h"
+#include "RenderHelp.h"
 #include "RenderOptions.h"
 #include "ReplacedFile.h"
 #include "ReportFile.h"
@@ -92,18 +94,9 @@ HostOptions hostOptions(const LoadOptions& options, ThreadBudget* budget, Audien
     return host;
 }
 
-int printHelp(const LoadOptions& options) {
-    std::filesystem::path bundle;
-    try {
-        bundle = chooseBundle(options.plugin);
-    } catch (const Error&) {
-        printResult(renderHelp(nullptr));  // without an effect to list the parameters of
-        return kDone;
-    }
-    Audience audience({.progress = ProgressForm::None});
-    Effect effect(bundle, hostOptions(options, nullptr, audience));
-    effect.close();
-    printResult(renderHelp(&effect.description()));
+int printHelp(const std::filesystem::path& plugin) {
+    CLI::App app("Applies an effect to a picture or a sequence of pictures.", "perch render");
+    printRenderHelp(app, plugin);
     return kDone;
 }
 
@@ -295,7 +288,7 @@ int runRenderCommand(const std::vector<std::string>& arguments) {
     const auto start = std::chrono::steady_clock::now();
     const RenderOptions options = parseRenderOptions(arguments);
     whereabouts().limit = options.frameLimit.count();
-    if (options.wantsHelp) return printHelp(options.load);
+    if (options.wantsHelp) return printHelp(options.load.plugin);
     if (!options.job.log.empty()) {
         keepLog(options.job.log);
         whereabouts().log.set(std::filesystem::absolute(options.job.log).string());

@@ -18,6 +18,7 @@
 #include "FailingAs.h"
 #include "JobDisplay.h"
 #include "ParameterText.h"
+#include "RenderHelp.h"
 #include "RenderOptions.h"
 #include "ReplacedFile.h"
 #include "SheetAxis.h"
@@ -39,12 +40,11 @@ struct SheetOptions {
     Arguments others;  // options of render
 };
 
-SheetOptions parseSheetOptions(const Arguments& arguments) {
-    CLI::App app(
-        "Renders frames of a sequence, or values of one or two parameters, into one labelled picture.",
-        "perch sheet");
-    SheetOptions options;
-    addHelpFlag(app, options.wantsHelp);
+// Those of render that ask for what a sheet is not.
+constexpr const char* kRefused[] = {"--dry-run", "--json",        "--shard",   "--on-error", "--existing",
+                                    "--report",  "--frames-from", "--verbose", "--log",      "--strict"};
+
+void addSheetOptions(CLI::App& app, SheetOptions& options) {
     app.add_option("--over", options.axes,
                    "a parameter and its values, like focal-point=0:100:25 or blur-type=Coarse,Fine; twice "
                    "for a grid, the second downwards")
@@ -55,13 +55,27 @@ SheetOptions parseSheetOptions(const Arguments& arguments) {
     app.add_option("--columns", options.columns,
                    "how many pictures stand side by side (default: as many as rows)")
         ->type_name("N");
-    app.footer(
-        "The pictures, the effect and its parameters are given by the options of perch render; -o is the "
-        "sheet. A sequence\n"
-        "is drawn frame by frame, and one frame of it by --frames N.");
+}
+
+SheetOptions parseSheetOptions(const Arguments& arguments) {
+    CLI::App app;
+    SheetOptions options;
+    addHelpFlag(app, options.wantsHelp);
+    addSheetOptions(app, options);
     options.others = parseArguments(app, arguments);
-    if (options.wantsHelp) printResult(app.help());
     return options;
+}
+
+int printHelp(const Arguments& arguments) {
+    CLI::App app(
+        "Renders frames of a sequence, or values of one or two parameters, into one labelled picture, the "
+        "output. A "
+        "sequence is drawn frame by frame, and one frame of it by --frames N.",
+        "perch sheet");
+    SheetOptions options;
+    addSheetOptions(app, options);
+    printRenderHelp(app, parseRenderOptions(arguments).load.plugin, kRefused);
+    return kDone;
 }
 
 void requireSheet(const RenderOptions& options) {
@@ -171,7 +185,7 @@ void requireWritable(const fs::path& sheet, const FramePlan& plan) {
 
 int runSheetCommand(const Arguments& arguments) {
     const SheetOptions own = parseSheetOptions(arguments);
-    if (own.wantsHelp) return kDone;
+    if (own.wantsHelp) return printHelp(arguments);
     constexpr int kMostWidth = 8192;
     const int width = parseNumber("--width", own.width, 16, kMostWidth);
     const RenderOptions options = parseRenderOptions(own.others);

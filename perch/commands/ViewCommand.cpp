@@ -19,6 +19,7 @@
 #include "Error.h"
 #include "FileFormat.h"
 #include "PF_Values.h"
+#include "RenderHelp.h"
 #include "RenderOptions.h"
 #include "Session.h"
 #include "StartFolder.h"
@@ -46,7 +47,6 @@ void addViewOptions(CLI::App& app, ViewTexts& texts) {
         ->type_name("FOLDER");
 }
 
-// In a worker, since it loads the effect.
 int printHelp(const std::vector<std::string>& arguments) {
     CLI::App app(
         "Shows an effect at work on a picture or a sequence, in the browser and at every move of a control. "
@@ -54,16 +54,7 @@ int printHelp(const std::vector<std::string>& arguments) {
         "perch view");
     ViewTexts texts;
     addViewOptions(app, texts);
-    std::filesystem::path bundle;
-    try {
-        bundle = chooseBundle(parseRenderOptions(arguments).load.plugin);
-    } catch (const Error&) {
-        printResult(helpWithRenderOptions(app, nullptr));  // without an effect to list the parameters of
-        return kDone;
-    }
-    Effect effect(bundle, HostOptions{});
-    effect.close();
-    printResult(helpWithRenderOptions(app, &effect.description()));
+    printRenderHelp(app, parseRenderOptions(arguments).load.plugin);
     return kDone;
 }
 

@@ -373,15 +373,13 @@ CommandParts commandParts(const std::vector<std::string>& arguments,
     return parts;
 }
 
-std::string renderHelp(const EffectDescription* effect) {
-    CLI::App app("Applies an effect to a picture or a sequence of pictures.", "perch render");
-    return helpWithRenderOptions(app, effect);
-}
-
-std::string helpWithRenderOptions(CLI::App& app, const EffectDescription* effect) {
+std::string helpWithRenderOptions(CLI::App& app, const EffectDescription* effect,
+                                  std::span<const char* const> refused) {
     Texts texts;
     ParameterTexts parameterTexts;
     addOwnOptions(app, texts);
+    for (const char* const name : refused)
+        app.remove_option(app.get_option(name));
     if (effect == nullptr) {
         app.footer("The effect's parameters are options as well; name it with --plugin to list them.");
     } else {

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <optional>
 #include <set>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -68,9 +69,9 @@ struct CommandParts {
 CommandParts commandParts(const std::vector<std::string>& arguments,
                           const std::vector<Parameter>& parameters);
 
-// What --help prints; without an effect, only the command's own options.
-std::string renderHelp(const EffectDescription* effect);
-// The same for a command that takes them as well, and `app` has the options of.
-std::string helpWithRenderOptions(CLI::App& app, const EffectDescription* effect);
+// What --help prints of a command that takes them beside the options that `app` has, except `refused`;
+// without an effect, no parameters.
+std::string helpWithRenderOptions(CLI::App& app, const EffectDescription* effect,
+                                  std::span<const char* const> refused);
 
 }  // namespace perch
