@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstdlib>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -93,6 +94,16 @@ ParameterKey parseKey(const Parameter& parameter, std::string_view name, std::st
     return {*frameOf(text), setting->numbers, kind.value_or(isChoice(parameter) ? Kind::Hold : Kind::Linear)};
 }
 
+// "1.5:20"
+void refuseFrameBetween(std::string_view name, std::string_view text) {
+    const std::string frame(text.substr(0, text.find(':')));
+    char* end = nullptr;
+    std::strtod(frame.c_str(), &end);
+    const bool isNumber = !frame.empty() && *end == '\0';
+    if (isNumber && frame.size() < text.size() && !frameOf(text))
+        throw UsageError(fmt::format("{}: the frame of a key is a whole number, not \"{}\"", name, frame));
+}
+
 // As many of the numbers as the type has, in as many digits as tell them apart from all others.
 std::string numbersText(const std::array<double, 4>& numbers, std::size_t count) {
     return fmt::format("{}",
@@ -145,6 +156,7 @@ std::string_view kindName(Kind kind) {
 ParameterCurve parseCurve(const Parameter& parameter, std::string_view name, std::string_view text) {
     // First, as a popup's item may look like a key.
     if (const auto setting = parseSetting(parameter, text)) return constantCurve(*setting);
+    refuseFrameBetween(name, text);
     if (!frameOf(text))
         throw UsageError(fmt::format("{} takes {}, not \"{}\"{}", name, expectedValue(parameter), text,
                                      suggestion(text, parameter.items)));

@@ -17,7 +17,7 @@ void requireFile(const fs::path& path) {
     std::error_code ignored;
     const fs::file_status status = fs::status(placeOf(path), ignored);
     if (!fs::exists(status)) refuseToRead(path, "there is no such file; check the name");
-    if (fs::is_directory(status)) refuseToRead(path, "it is a folder; name a picture file");
+    if (fs::is_directory(status)) refuseToRead(path, "it is a folder; name a file");
     if (!fs::is_regular_file(status)) refuseToRead(path, "it is not a file; name a picture file");
 }
 

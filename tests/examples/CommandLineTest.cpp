@@ -87,7 +87,7 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"MissingControl", "rgb.png none.png out.png", kFailed,
              "cannot read \"none.png\": there is no such file; check the name"},
         Case{"Folder", "folder rgb.png out.png", kFailed,
-             "cannot read \"folder\": it is a folder; name a picture file"},
+             "cannot read \"folder\": it is a folder; name a file"},
         Case{"Device", "/dev/zero rgb.png out.png", kFailed,
              "cannot read \"/dev/zero\": it is not a file; name a picture file"},
         Case{"Text", "text.png rgb.png out.png", kFailed, "cannot read \"text.png" + kNoPicture},

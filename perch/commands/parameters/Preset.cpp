@@ -19,17 +19,31 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-// The text of a value as the command line takes it; none of what can be no value.
+// The text of a value as the command line takes it.
 std::string textOf(const Json& value) {
     if (value.is_string()) return value.get<std::string>();
     if (value.is_boolean()) return value.get<bool>() ? "on" : "off";
     if (value.is_number_integer()) return fmt::format("{}", value.get<std::int64_t>());
     if (value.is_number()) return fmt::format("{}", value.get<double>());
-    if (!value.is_array()) return "";
     std::string text;
     for (const Json& part : value)
         text += fmt::format("{}{}", text.empty() ? "" : ",", textOf(part));
     return text;
+}
+
+// Whether a text can stand for it: a number, a choice, a colour or the coordinates of a point.
+bool hasText(const Json& value) {
+    if (!value.is_array()) return value.is_primitive() && !value.is_null();
+    return !value.empty() && std::ranges::all_of(value, [](const Json& part) { return part.is_number(); });
+}
+
+void requireKnown(const Json& key, const std::string& name) {
+    const std::vector<std::string> fields{"frame", "value", "key"};
+    for (const auto& [field, value] : key.items()) {
+        if (std::ranges::find(fields, field) == fields.end())
+            throw UsageError(fmt::format("{}: a key has no \"{}\"{}; it has frame, value and key", name,
+                                         field, suggestion(field, fields)));
+    }
 }
 
 bool isKeys(const Json& value) {
@@ -44,10 +58,11 @@ bool isKey(const Json& key) {
 std::string textOfKeys(const Json& keys, const std::string& name) {
     std::string text;
     for (const Json& key : keys) {
-        if (!isKey(key) || !key["frame"].is_number_integer())
+        if (!isKey(key) || !key["frame"].is_number_integer() || !hasText(key["value"]))
             throw UsageError(
                 fmt::format("{}: a key is like {{\"frame\": 1, \"value\": 20, \"key\": \"smooth\"}}, not {}",
                             name, key.dump()));
+        requireKnown(key, name);
         text += fmt::format("{}{}:{}", text.empty() ? "" : ",", textOf(key["frame"]), textOf(key["value"]));
         if (key.contains("key")) text += fmt::format(":{}", textOf(key["key"]));
     }
@@ -66,13 +81,8 @@ Json parseJson(std::string_view text, const std::string& name) {
     }
 }
 
-bool isNumber(const Json& value) {
-    return value.is_number();
-}
-
 bool isValueOrKeys(const Json& value) {
-    if (value.is_array()) return std::ranges::all_of(value, isKeys(value) ? isKey : isNumber);
-    return value.is_string() || value.is_boolean() || value.is_number();
+    return isKeys(value) ? std::ranges::all_of(value, isKey) : hasText(value);
 }
 
 }  // namespace
@@ -90,8 +100,11 @@ ParameterCurve parsePresetValue(const ParameterOption& option, const Json& value
     if (isLayer(option.parameter))
         throw UsageError(
             fmt::format("{} is a layer, which a preset does not hold; give --{}", name, option.name));
-    const std::string text = isKeys(value) ? textOfKeys(value, name) : textOf(value);
-    return parseCurve(option.parameter, name, text);
+    if (isKeys(value)) return parseCurve(option.parameter, name, textOfKeys(value, name));
+    if (!hasText(value))
+        throw UsageError(
+            fmt::format("{} takes {}, not {}", name, expectedValue(option.parameter), value.dump()));
+    return parseCurve(option.parameter, name, textOf(value));
 }
 
 std::vector<ParameterCurve> parsePreset(std::string_view text, const std::string& preset,

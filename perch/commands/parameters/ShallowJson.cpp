@@ -3,6 +3,9 @@
 #include <fmt/format.h>
 
 #include <nlohmann/json.hpp>
+#include <set>
+#include <string>
+#include <vector>
 
 #include "Error.h"
 
@@ -16,13 +19,18 @@ constexpr int kMostLevels = 16;  // a state has five: itself, its parameters, ke
 }  // namespace
 
 Json shallowJson(std::string_view text, const std::string& name) {
-    const auto isKept = [&](int levelsAround, Json::parse_event_t event, const Json&) {
+    std::vector<std::set<std::string>> namesAround;  // of each level that is an object
+    const auto isKept = [&](int levelsAround, Json::parse_event_t event, const Json& parsed) {
         const bool isLevel =
             event == Json::parse_event_t::object_start || event == Json::parse_event_t::array_start;
         if (isLevel && levelsAround >= kMostLevels)
             throw UsageError(
                 fmt::format("{} nests values more than {} levels deep; no parameter takes such a value", name,
                             kMostLevels));
+        if (event == Json::parse_event_t::object_start) namesAround.emplace_back();
+        if (event == Json::parse_event_t::object_end) namesAround.pop_back();
+        if (event == Json::parse_event_t::key && !namesAround.back().insert(parsed.get<std::string>()).second)
+            throw UsageError(fmt::format("{} has {} twice; leave one", name, parsed.dump()));
         return true;
     };
     return Json::parse(text, isKept, true, true);

@@ -8,8 +8,9 @@
 
 namespace perch {
 
-// Comments are left out. Throws UsageError where values are nested too deeply, which names the text as "a
-// state" or "preset ..."; parse_error of the JSON library where it is not JSON.
+// Comments are left out. Throws UsageError where values are nested too deeply or an object has a name twice;
+// it names the text as "a state" or "preset ...". Throws parse_error of the JSON library where it is not
+// JSON.
 nlohmann::ordered_json shallowJson(std::string_view text, const std::string& name);
 
 // The same for an object; null where the text is none.

@@ -62,6 +62,9 @@ void writePresets(const fs::path& folder) {
     writeBytes(folder / "wide.json", "{\"amount\": 101}");
     writeBytes(folder / "keyless.json", "{\"amount\": [{\"frame\": 1}]}");
     writeBytes(folder / "between.json", "{\"amount\": [{\"frame\": 1.5, \"value\": 20}]}");
+    writeBytes(folder / "field.json", "{\"amount\": [{\"frame\": 1, \"value\": 20, \"kee\": \"smooth\"}]}");
+    writeBytes(folder / "twice.json", "{\"amount\": 3, \"amount\": 4}");
+    writeBytes(folder / "null.json", "{\"amount\": null}");
     writeBytes(folder / "list.json", "[1, 2]");
     writeBytes(folder / "cut.json", "{\n\"amount\": 4,\n");
 }

@@ -29,7 +29,7 @@ TEST(FileBytesTest, WhatIsNoFileIsNamed) {
     const TemporaryFolder folder;
     const std::pair<std::filesystem::path, const char*> cases[] = {
         {folder / "none.png", "there is no such file; check the name"},
-        {folder.path, "it is a folder; name a picture file"},
+        {folder.path, "it is a folder; name a file"},
         {"/dev/null", "it is not a file; name a picture file"}};
     for (const auto& [path, reason] : cases) {
         try {

@@ -175,7 +175,7 @@ TEST_F(FileWorldsTest, FilesThatAreNoPicturesAreRefusedAndTheSentenceSaysHowToMe
         "it is not a picture, or a damaged one; name a PNG, TIFF, OpenEXR, DPX, TGA, JPEG or WebP file";
     const std::pair<const char*, std::string> cases[] = {
         {"absent.png", "there is no such file; check the name"},
-        {".", "it is a folder; name a picture file"},
+        {".", "it is a folder; name a file"},
         {"text.png", notPicture},
         {"empty.png", notPicture},
         {"wide.tif", "it has 32-bit integer channels; convert it to 8 or 16 bits per channel, or floats"},
