@@ -39,15 +39,19 @@ void LayerSequence::requireAnyFile() {
         throw InputError(fmt::format("no file is named like \"{}\"; check the name and the folder", name));
 }
 
-fs::path LayerSequence::heldFor(std::int32_t frame) const {
+fs::path LayerSequence::heldFor(std::int32_t frame) {
     const auto next = std::ranges::upper_bound(framesOnDisk, frame);
-    return pattern.pathOf(next == framesOnDisk.begin() ? *next : *std::prev(next));
+    if (next != framesOnDisk.begin()) return pattern.pathOf(*std::prev(next));
+    isFirstHeld = true;
+    return pattern.pathOf(*next);
 }
 
 std::string LayerSequence::note() const {
     if (framesWithout.empty()) return "";
     return fmt::format("\"{}\" has no file for {}; {}", name, countedFrames(framesWithout),
-                       missing == MissingLayerFrame::Hold ? "the one before is held" : "rendered without");
+                       missing == MissingLayerFrame::None ? "rendered without"
+                       : isFirstHeld ? "the one before is held, or the first where none is before"
+                                     : "the one before is held");
 }
 
 }  // namespace perch

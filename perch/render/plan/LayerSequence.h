@@ -26,7 +26,7 @@ public:
     std::string note() const;
 
 private:
-    std::filesystem::path heldFor(std::int32_t frame) const;
+    std::filesystem::path heldFor(std::int32_t frame);
     void requireAnyFile();
 
     const std::string name;
@@ -35,6 +35,7 @@ private:
     const MissingLayerFrame missing;
     std::vector<std::int32_t> framesOnDisk;  // read at the first file that is missing
     std::vector<std::int32_t> framesWithout;
+    bool isFirstHeld = false;  // where there is none before
 };
 
 }  // namespace perch

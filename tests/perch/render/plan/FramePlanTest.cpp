@@ -135,7 +135,7 @@ TEST_F(FramePlanTest, LayersFileIsOffsetAndHeldOrNoneWhereItIsMissing) {
         {MissingLayerFrame::Hold,
          -1,
          {"depth.0001.png", "depth.0001.png", "depth.0002.png"},
-         "2 frames, 1,4; the one before is held"},
+         "2 frames, 1,4; the one before is held, or the first where none is before"},
         {MissingLayerFrame::None, 1, {"depth.0002.png", nullptr, nullptr}, "2 frames, 2,4; rendered without"},
         {MissingLayerFrame::Hold,
          100,
