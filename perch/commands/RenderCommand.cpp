@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <csignal>
@@ -136,10 +137,21 @@ void reportNotes(const RenderReport& report, std::optional<pictures::Transfer> t
     display.tellNotes(report.notes.all());
     if (report.pixelsClipped == 0) return;
     const bool isLog = transfer == pictures::Transfer::Log;
+    const double share =
+        100.0 * static_cast<double>(report.pixelsClipped) / static_cast<double>(report.pixelsRead);
+    const std::size_t frames = report.framesWritten;
     display.tellNote(fmt::format(
-        "note: {:.2g} % of the pixels of {} frames are below 0 or above {} and were clipped{}",
-        100.0 * static_cast<double>(report.pixelsClipped) / static_cast<double>(report.pixelsRead),
-        report.framesWritten.load(), isLog ? "64" : "1", isLog ? "" : "; --encode log keeps up to 64"));
+        "note: {} % of the pixels of {} frame{} are below 0 or above {} and were clipped{}",
+        share < 0.1 ? "less than 0.1" : fmt::format("{:.1f}", share), frames, frames == 1 ? "" : "s",
+        isLog ? "64" : "1", isLog ? "" : "; --encode log keeps light up to 64"));
+}
+
+void warnOfKeysOnAStill(const FramePlan& plan, const std::vector<ParameterCurve>& curves, Notes& notes) {
+    if (plan.isSequence || std::ranges::none_of(curves, &ParameterCurve::moves)) return;
+    notes.warnOfUse("keys",
+                    "parameters have keys and the picture has no frame number, so that their values at "
+                    "frame 0 are taken; for another frame name the sequence, like in.####.png, and the "
+                    "frame by --frames");
 }
 
 int reportInterrupt(const RenderReport& report, std::size_t count, bool isFed) {
@@ -311,7 +323,8 @@ int runRenderCommand(const std::vector<std::string>& arguments) {
     settings.budget = &budget;
     if (options.hasProvenance) {
         settings.encoding.software =
-            fmt::format("perch {}, {}:{}", PERCH_VERSION, effect.description().name, parameters.given);
+            fmt::format("perch {}, {}:{}{}", PERCH_VERSION, effect.description().name, parameters.given,
+                        pixelOptions(arguments));
     }
     const std::string effectBuild = fileFingerprint(openBundle(bundle).library);
     if (options.job.isVerbose) {
@@ -331,6 +344,7 @@ int runRenderCommand(const std::vector<std::string>& arguments) {
     RenderReport report;
     report.notes.areWarningsErrors = options.areWarningsErrors;
     warnOfMistakes(parameters, report.notes);
+    warnOfKeysOnAStill(plan, parameters.curves, report.notes);
     catchInterrupts();
     pictures::watchTemporaryFiles({.appears = noteTemporary, .isGone = forgetTemporary});
     if (!options.job.report.empty()) {

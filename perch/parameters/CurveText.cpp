@@ -99,8 +99,8 @@ void refuseFrameBetween(std::string_view name, std::string_view text) {
     const std::string frame(text.substr(0, text.find(':')));
     char* end = nullptr;
     std::strtod(frame.c_str(), &end);
-    const bool isNumber = !frame.empty() && *end == '\0';
-    if (isNumber && frame.size() < text.size() && !frameOf(text))
+    const bool isBetween = *end == '\0' && frame.find('.') != std::string::npos;
+    if (isBetween && frame.size() < text.size())
         throw UsageError(fmt::format("{}: the frame of a key is a whole number, not \"{}\"", name, frame));
 }
 

@@ -35,6 +35,7 @@ struct Picture {
     bool isPremultiplied = false;  // colours are multiplied by alpha
     bool isHalf = false;           // each float is one of 16 bits
     bool isDamaged = false;        // what could not be read is black, or whatever the decoder makes of it
+    std::string depthChannel{};    // of the same part, where the picture is made of its colours; empty: none
     int parts = 1;                 // of the file; the picture is the first, or that of the channel asked for
     std::variant<std::vector<std::uint8_t>, std::vector<std::uint16_t>, std::vector<float>> samples;
     std::shared_ptr<const Metadata> metadata;  // may be null

@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <array>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -90,6 +92,13 @@ void LayerReader::findRanges(const FramePlan& plan) {
     }
 }
 
+std::string LayerReader::rangesText() const {
+    std::string text;
+    for (const auto& [index, reading] : readings)
+        if (reading.range) text += fmt::format(" {} {}", reading.rangeOption, textOf(*reading.range));
+    return text;
+}
+
 SharedPicture LayerReader::read(PF_ParamIndex index, const fs::path& path, std::size_t place) const {
     const auto found = readings.find(index);
     const LayerReading reading = found != readings.end() ? found->second : LayerReading{};
@@ -97,6 +106,15 @@ SharedPicture LayerReader::read(PF_ParamIndex index, const fs::path& path, std::
     if (picture->isDamaged) notes.add("damaged", damageNote(path), place);
     if (picture->parts > 1 && reading.channel.empty())
         notes.add("parts", partsNote(path, picture->parts), place);
+    if (!picture->depthChannel.empty()) {
+        notes.warn(
+            "depth of " + reading.option,
+            fmt::format(
+                "\"{0}\" has depths in its channel {1} and its colours are read; for the depths name it as "
+                "{0}:{1}",
+                path.string(), picture->depthChannel),
+            place);
+    }
     if (reading.range) {
         if (reading.hasUsualRange) compare(path, *picture, reading, place);
         const auto greys = std::make_shared<const pictures::Picture>(ranged(*picture, *reading.range));
@@ -139,10 +157,10 @@ void LayerReader::compare(const fs::path& path, const pictures::Picture& picture
     if (!own) return;
     const double slack = (reading.range->far - reading.range->near) / 20;
     if (own->near >= reading.range->near - slack && own->far <= reading.range->far + slack) return;
-    notes.add(reading.rangeOption + " left",
-              fmt::format("\"{}\" has depths of {}, outside the {} that {} auto found in the first frame",
-                          path.string(), textOf(*own), textOf(*reading.range), reading.rangeOption),
-              place);
+    notes.warn(reading.rangeOption + " left",
+               fmt::format("\"{}\" has depths of {}, outside the {} that {} auto found in the first frame",
+                           path.string(), textOf(*own), textOf(*reading.range), reading.rangeOption),
+               place);
 }
 
 std::string damageNote(const fs::path& path) {
@@ -150,7 +168,23 @@ std::string damageNote(const fs::path& path) {
 }
 
 std::string unheldNote(const fs::path& output, std::vector<std::string> unheld) {
+    // What changes how the picture looks, or where and when it belongs, comes first.
+    static constexpr std::array<std::string_view, 13> kWeighty{"ICCProfile",
+                                                               "gAMA",
+                                                               "cHRM",
+                                                               "sRGB",
+                                                               "cICP",
+                                                               "oiio:ColorSpace",
+                                                               "Orientation",
+                                                               "PixelAspectRatio",
+                                                               "XResolution",
+                                                               "YResolution",
+                                                               "smpte:TimeCode",
+                                                               "FramesPerSecond",
+                                                               "the display window's place"};
     constexpr std::size_t kMostNamed = 6;
+    std::ranges::stable_partition(
+        unheld, [](const std::string& name) { return std::ranges::find(kWeighty, name) != kWeighty.end(); });
     const std::size_t more = unheld.size() > kMostNamed ? unheld.size() - kMostNamed : 0;
     unheld.resize(unheld.size() - more);
     return fmt::format("\"{}\" does not say all that the input's file does; without {}{}", output.string(),
@@ -160,8 +194,7 @@ std::string unheldNote(const fs::path& output, std::vector<std::string> unheld) 
 std::string partsNote(const fs::path& path, int parts) {
     return fmt::format(
         "\"{}\" has {} parts and the first is read; a layer's file can be followed by the channel of "
-        "another, "
-        "as NAME:Z",
+        "another, as NAME:Z",
         path.string(), parts);
 }
 

@@ -22,6 +22,9 @@ public:
     // Finds the ranges that are left to the first frame, before any picture is read.
     void findRanges(const FramePlan& plan);
 
+    // Those of all layers as they are given on a command line, with a space before each.
+    std::string rangesText() const;
+
     // Throws Error, which names the file, where it cannot be read or where floats beyond 0 to 1 have no
     // range. Any thread. `place` is that of the notes.
     SharedPicture read(PF_ParamIndex index, const std::filesystem::path& path, std::size_t place) const;

@@ -187,7 +187,9 @@ private:
         FramePictures pictures;
         pictures.output = {outputType(settings, files.output, *picture), settings.encoding,
                            settings.isDithered};
-        pictures.output.encoding.software = withFingerprint(settings.encoding.software, files.fingerprint);
+        if (!settings.encoding.software.empty())
+            pictures.output.encoding.software =
+                withFingerprint(settings.encoding.software + layerReader.rangesText(), files.fingerprint);
         if (!watch.takesPicture) requireOutput(files.output, pictures.output.type, picture->hasAlpha());
         LayerPictures layers;
         for (const auto& [layer, path] : files.layers)

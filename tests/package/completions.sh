@@ -47,7 +47,6 @@ expect "render" perch re
 expect "--focal-point --frames" perch curve --f
 expect "--maximum-blur" perch render --maximum
 expect "--focal-point --frames" perch sheet --f
-expect "" perch sheet --rep
 expect "--control-channel" perch render -i beauty.png --control-c
 expect "Coarse Fine" perch render --blur-type ""
 expect "Fine" perch render --blur-type F

@@ -373,6 +373,22 @@ CommandParts commandParts(const std::vector<std::string>& arguments,
     return parts;
 }
 
+std::string pixelOptions(const std::vector<std::string>& arguments) {
+    CLI::App app;
+    Texts texts;
+    addOwnOptions(app, texts);
+    parseArguments(app, arguments);
+    std::string given;
+    for (const char* const name : {"--depth", "--output-depth", "--encode", "--dither", "--downsample",
+                                   "--resize", "--quality", "--smart"}) {
+        const CLI::Option* const option = app.get_option(name);
+        if (option->count() == 0) continue;
+        const bool isFlag = option->get_expected_max() == 0;
+        given += isFlag ? fmt::format(" {}", name) : fmt::format(" {} {}", name, option->results().back());
+    }
+    return given;
+}
+
 std::string helpWithRenderOptions(CLI::App& app, const EffectDescription* effect,
                                   std::span<const char* const> refused) {
     Texts texts;

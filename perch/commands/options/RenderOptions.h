@@ -69,6 +69,10 @@ struct CommandParts {
 CommandParts commandParts(const std::vector<std::string>& arguments,
                           const std::vector<Parameter>& parameters);
 
+// Those of the options that change pixels beside the effect's parameters and the ranges of layers, as they
+// are given, with a space before each.
+std::string pixelOptions(const std::vector<std::string>& arguments);
+
 // What --help prints of a command that takes them beside the options that `app` has, except `refused`;
 // without an effect, no parameters.
 std::string helpWithRenderOptions(CLI::App& app, const EffectDescription* effect,

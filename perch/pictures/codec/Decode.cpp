@@ -123,6 +123,17 @@ Channels firstChannels(const OIIO::ImageSpec& layout, FileFormat format) {
     return channels;
 }
 
+// The channel of depths in a file of which others are taken.
+std::string depthBeside(const OIIO::ImageSpec& layout, FileFormat format, const Channels& taken) {
+    if (format != FileFormat::OpenExr) return "";
+    for (int channel = 0; channel < layout.nchannels; ++channel) {
+        const std::string& name = layout.channelnames[static_cast<std::size_t>(channel)];
+        const bool isDepth = name == "Z" || name.ends_with(".Z");
+        if (isDepth && std::ranges::find(taken, channel) == taken.end()) return name;
+    }
+    return "";
+}
+
 std::string partName(const OIIO::ImageSpec& layout) {
     return layout.get_string_attribute("oiio:subimagename");
 }
@@ -357,6 +368,7 @@ Picture decode(std::span<const unsigned char> bytes, FileFormat format, const st
     Picture picture = readPart(*file, format, source, bytes);
     picture.metadata = metadataOf(file->spec(), format, bytes, picture.channels < 3);
     picture.parts = parts;
+    if (channel.empty()) picture.depthChannel = depthBeside(file->spec(), format, source.channels);
     picture.software = file->spec().get_string_attribute("Software");
     picture.frameRate = frameRateOf(file->spec());
     picture.isDamaged = picture.isDamaged || isDamaged;

@@ -169,9 +169,12 @@ TEST_F(PictureJobsTest, LaterFrameOutsideTheRangeOfTheFirstIsToldOnce) {
     EXPECT_EQ(
         withoutTimes(withoutProgress(result.err)),
         "perch: note: --control-range auto is --control-range 2:30\n"
-        "perch: note: \"z.3.exr\" has depths of 4:60, outside the 2:30 that --control-range auto found in "
+        "perch: warning: \"z.3.exr\" has depths of 4:60, outside the 2:30 that --control-range auto found in "
         "the first frame\n"
         "perch: 4 frames done in {time}: out.#.png\n");
+    const ProgramResult refused =
+        perch("-i in.#.png -o out.#.png --control-layer z.#.exr --control-range auto --warnings-as-errors");
+    EXPECT_EQ(refused.status, 3);
 }
 
 TEST_F(PictureJobsTest, PartsOfOneFileAreBeautyAndDepth) {
@@ -194,6 +197,38 @@ TEST_F(PictureJobsTest, PartsOfOneFileAreBeautyAndDepth) {
     EXPECT_NE(out.values, before.values);
 }
 
+TEST_F(PictureJobsTest, ColoursOfAFileThatHasDepthsAreNotTakenForThemInSilence) {
+    make(kNoise +
+         "-d half -o beauty.exr && oiiotool --pattern fill:left=2:right=30 62x43 1 --chnames Z -d float -o "
+         "z.exr && "
+         "oiiotool beauty.exr z.exr --chappend -d half -d Z=float -o all.exr && " +
+         kNoise + "-d uint8 -o in.png");
+    const std::string warning =
+        "\"all.exr\" has depths in its channel Z and its colours are read; for the depths name it as "
+        "all.exr:Z\n";
+    EXPECT_EQ(perch("-i in.png -o out.png --control-layer all.exr").err, "perch: warning: " + warning);
+    const ProgramResult refused = perch("-i in.png -o out.png --control-layer all.exr --warnings-as-errors");
+    EXPECT_EQ(refused.err, "perch: " + warning);
+    EXPECT_EQ(refused.status, 3);
+    EXPECT_EQ(perch("-i in.png -o out.png --control-layer all.exr:Z --control-range 2:30").err, "");
+}
+
+TEST_F(PictureJobsTest, FilesTellWhatChangedTheirPixels) {
+    make("oiiotool --pattern fill:left=2:right=30 62x43 1 --chnames Z -d float -o z.exr && " + kNoise +
+         "-d uint8 -o in.png");
+    ASSERT_EQ(
+        perch("-i in.png -o out.png --control-layer z.exr --control-range auto --focal-point 40 --depth 16 "
+              "--dither --threads 2")
+            .status,
+        0);
+    const auto file = OIIO::ImageInput::open(folder / "work" / "out.png");
+    ASSERT_TRUE(file);
+    const std::string software = file->spec().get_string_attribute("Software");
+    EXPECT_TRUE(software.ends_with(
+        ": --control-layer z.exr --focal-point 40 --depth 16 --dither --control-range 2:30"))
+        << software;
+}
+
 TEST_F(PictureJobsTest, ClippedLightIsCountedOnce) {
     make(
         "oiiotool --create 10x10 3 --fill:color=2,0.5,0.5 10x3+0+0 -d half -o in.1.exr && cp in.1.exr "
@@ -204,8 +239,8 @@ TEST_F(PictureJobsTest, ClippedLightIsCountedOnce) {
         withoutTimes(withoutProgress(perch(job).err)),
         "perch: note: the pictures hold light in floats, which the effect gets by the curve of sRGB, as with "
         "--encode srgb\n"
-        "perch: note: 30 % of the pixels of 2 frames are below 0 or above 1 and were clipped; --encode log "
-        "keeps up to 64\n" +
+        "perch: note: 30.0 % of the pixels of 2 frames are below 0 or above 1 and were clipped; --encode log "
+        "keeps light up to 64\n" +
             summary);
     EXPECT_EQ(withoutTimes(withoutProgress(perch(job + " --encode log").err)), summary);
     EXPECT_EQ(perch(job + " --quiet").err, "");

@@ -177,6 +177,12 @@ TEST(RenderOptionsTest, LikelyMistakesOfTheCommandLineAreNoticed) {
     EXPECT_EQ(twice.repeated, (std::vector<std::string>{"--threads", "--amount"}));
 }
 
+TEST(RenderOptionsTest, OptionsThatChangePixelsAreTold) {
+    EXPECT_EQ(pixelOptions({"-i", "a.exr", "--dither", "--threads", "2", "--encode", "log", "--depth=8"}),
+              " --depth 8 --encode log --dither");
+    EXPECT_EQ(pixelOptions({"-i", "a.exr", "--threads", "2"}), "");
+}
+
 TEST(RenderOptionsTest, ACommandLineIsTakenApart) {
     const CommandParts parts =
         commandParts({"--amount", "3", "--input=in.#.png", "--matte", "z.exr:Z", "--strict", "-o",
