@@ -34,7 +34,10 @@ struct Whereabouts {
     SharedText<65536> findings;                 // of strict mode so far, a line each
     SharedText<4096> log;                       // file; empty without one
     SharedText<4096> report;                    // file of the job under way; empty without one
-    SharedText<4096> lastLine;                  // of the job, if it ends now; empty once it is told
+    // Of the job, if it ends now; empty once it is told. The frame under way has failed where the effect
+    // does.
+    SharedText<4096> lastLine;
+    SharedText<4096> lastLineOfFailure;
 
     // Files that are to be removed: those whose path is whole.
     struct Temporary {

@@ -56,15 +56,13 @@ void JobDisplay::begin(const FramePlan& planned, const std::string& place, bool 
     counted.skipped = planned.skipped;
     counted.current = planned.current.size();
     start = std::chrono::steady_clock::now();
-    keepLastLine(counted);
+    keepLastLine();
 }
 
 void JobDisplay::frameBegins(std::size_t index) {
     current = index;
     furthest = 0;
-    JobTotals fails = counted;
-    fails.failed.push_back(plan->frames[index].frame);
-    keepLastLine(fails);
+    keepLastLine(plan->frames[index].frame);
     showLine();
 }
 
@@ -87,7 +85,7 @@ void JobDisplay::frameEnds(const FrameEnd& end) {
         ++counted.done;
     }
     if (end.retries > 0) ++counted.triedAgain;
-    keepLastLine(counted);
+    keepLastLine();
     if (unprintable != nullptr) std::rethrow_exception(std::exchange(unprintable, nullptr));
     if (form == ProgressForm::Json) printJson(end);
     if (form == ProgressForm::OpenJd) printOpenJd(static_cast<double>(counted.done + counted.failed.size()));
@@ -118,9 +116,10 @@ void JobDisplay::printOpenJd(double framesDone) {
 void JobDisplay::finish(const std::string& failure) {
     clearLine();
     counted.notRendered = notRendered(counted);
-    const std::string summary = summaryText(counted, seconds(), output);
+    const std::string summary = lastLineOf(counted);
     if (plan->isSequence && !isQuiet) say(summary);
     whereabouts().lastLine.set("");
+    whereabouts().lastLineOfFailure.set("");
     if (form == ProgressForm::Json) {
         printLine({{"done", counted.done},
                    {"upToDate", counted.current},
@@ -136,11 +135,17 @@ void JobDisplay::finish(const std::string& failure) {
     }
 }
 
-void JobDisplay::keepLastLine(const JobTotals& totals) const {
+void JobDisplay::keepLastLine(std::optional<std::int32_t> frame) const {
     if (!plan->isSequence || isQuiet) return;
-    JobTotals ends = totals;
-    ends.notRendered = notRendered(totals);
-    whereabouts().lastLine.set(summaryText(ends, seconds(), output));
+    whereabouts().lastLine.set(lastLineOf(counted));
+    JobTotals failing = counted;
+    if (frame) failing.failed.push_back(*frame);
+    whereabouts().lastLineOfFailure.set(lastLineOf(failing));
+}
+
+std::string JobDisplay::lastLineOf(JobTotals totals) const {
+    totals.notRendered = notRendered(totals);
+    return summaryText(totals, seconds(), output);
 }
 
 std::size_t JobDisplay::notRendered(const JobTotals& totals) const {

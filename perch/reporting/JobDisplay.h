@@ -63,8 +63,9 @@ private:
     void printOpenJd(double framesDone);
     void tellFrame(const FrameEnd& end) const;
     void printJson(const FrameEnd& end) const;
-    // What the parent tells where the program ends before its next frame does.
-    void keepLastLine(const JobTotals& totals) const;
+    // For the parent to tell where the program ends before it can; with a frame that is under way.
+    void keepLastLine(std::optional<std::int32_t> frame = std::nullopt) const;
+    std::string lastLineOf(JobTotals totals) const;
     std::size_t notRendered(const JobTotals& totals) const;
     double seconds() const;
 

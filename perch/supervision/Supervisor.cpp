@@ -207,8 +207,7 @@ private:
                         .signal = signal,
                         .findings = findings(),
                         .log = at.log.get(),
-                        .report = at.report.get(),
-                        .lastLine = at.lastLine.get()};
+                        .report = at.report.get()};
         if (at.frame != Whereabouts::kNoFrame) outcome.frame = static_cast<std::int32_t>(at.frame);
         if (endedBy != 0) {
             outcome.status = kSignalled + endedBy;
@@ -232,6 +231,7 @@ private:
             outcome.sentence = describeWorkerEnd(at, status);
             if (at.effect.get().empty()) outcome.status = kFailed;
         }
+        outcome.lastLine = outcome.status == kEffectBroke ? at.lastLineOfFailure.get() : at.lastLine.get();
         return outcome;
     }
 

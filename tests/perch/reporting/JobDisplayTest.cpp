@@ -210,8 +210,11 @@ TEST(JobDisplayTest, LastLineCountsTheFramesThatAJobHasNotComeTo) {
     display.frameBegins(0);
     display.frameEnds({.index = 0});
     display.frameBegins(1);
-    EXPECT_TRUE(whereabouts().lastLine.get().starts_with("1 frame done, 1 failed (8), 1 not rendered in "))
+    EXPECT_TRUE(
+        whereabouts().lastLineOfFailure.get().starts_with("1 frame done, 1 failed (8), 1 not rendered in "))
         << "where the effect crashes at it";
+    EXPECT_TRUE(whereabouts().lastLine.get().starts_with("1 frame done, 2 not rendered in "))
+        << "where the user ends it";
     display.finish();
     EXPECT_TRUE(
         testing::internal::GetCapturedStderr().starts_with("perch: 1 frame done, 2 not rendered in "));
