@@ -1,6 +1,7 @@
 import assert from 'node:assert/strict';
 import { after, before, test } from 'node:test';
 import type { Page } from 'playwright-core';
+import type { PixelAnswer } from '../../src/model/session';
 import { stampSize } from '../standin/scene';
 import { stampOf } from '../standin/server';
 import { closeBrowser, open, settled } from './page';
@@ -130,6 +131,69 @@ test('zoom keeps to the picture, one to one shows each pixel once, and fit shows
   assert.ok(((await result().boundingBox())?.width ?? 0) > 1000);
   await page.keyboard.press('f');
   assert.deepEqual(await result().boundingBox(), fitted);
+});
+
+test('a drag pans and two fingers zoom, and neither focuses', async () => {
+  const point = await value('Focal Point');
+  for (let press = 0; press < 4; press += 1) await page.getByRole('button', { name: 'Zoom in' }).click();
+  const before = await result().boundingBox();
+  const at = await picturePlace(320, 180);
+  await page.mouse.move(at.x, at.y);
+  await page.mouse.down();
+  await page.mouse.move(at.x - 60, at.y - 30, { steps: 3 });
+  await page.mouse.up();
+  const panned = await result().boundingBox();
+  assert.ok(before && panned);
+  assert.deepEqual([panned.x - before.x, panned.y - before.y].map(Math.round), [-60, -30]);
+  const touch = await page.context().newCDPSession(page);
+  await touch.send('Emulation.setTouchEmulationEnabled', { enabled: true, maxTouchPoints: 2 });
+  const fingers = (half: number) => [{ x: at.x - half, y: at.y, id: 0 }, { x: at.x + half, y: at.y, id: 1 }];
+  await touch.send('Input.dispatchTouchEvent', { type: 'touchStart', touchPoints: fingers(40) });
+  await touch.send('Input.dispatchTouchEvent', { type: 'touchMove', touchPoints: fingers(60) });
+  await touch.send('Input.dispatchTouchEvent', { type: 'touchEnd', touchPoints: [] });
+  await touch.send('Emulation.setTouchEmulationEnabled', { enabled: false });
+  const zoomed = (await result().boundingBox())?.width ?? 0;
+  assert.ok(Math.abs(zoomed / panned.width - 1.5) < 0.02, `${panned.width} before, ${zoomed} after`);
+  await page.getByRole('button', { name: 'Fit' }).click();
+  assert.equal(await value('Focal Point'), point);
+});
+
+test('the read-out tells place, codes, control value and distance', async () => {
+  await settled(page);
+  const { x, y } = await picturePlace(200, 250);
+  await page.mouse.move(x, y);
+  const pixel = (await page.evaluate(async () => (await fetch('/api/pixel?serial=0&x=200&y=250')).json())) as PixelAnswer;
+  const readOut = page.getByRole('group', { name: 'Pixel', exact: true });
+  await readOut.getByText(`source ${pixel.source.join(' ')}`).waitFor();
+  const text = (await readOut.textContent())?.replace(/\s+/g, ' ') ?? '';
+  assert.ok(text.startsWith('200, 250 '), text);
+  assert.ok(Math.abs(Number(/depth ([\d.]+) %/.exec(text)?.[1]) - (pixel.value ?? NaN)) < 0.01, text);
+  assert.ok(Math.abs(Number(/distance ([\d.]+)/.exec(text)?.[1]) - (pixel.distance ?? NaN)) < 0.01, text);
+});
+
+test('a click sets another parameter where one is chosen', async () => {
+  const [point, radius] = [await value('Focal Point'), await value('Maximum Blur')];
+  const target = page.getByRole('combobox', { name: 'Click sets' });
+  await target.selectOption('Maximum Blur');
+  const { x, y } = await picturePlace(100, 300);
+  await page.mouse.click(x, y);
+  await page.waitForTimeout(200);
+  assert.notEqual(await value('Maximum Blur'), radius);
+  assert.equal(await value('Focal Point'), point);
+  await target.selectOption('Focal Point');
+});
+
+test('black, white or a checkerboard lies behind alpha', async () => {
+  const ground = () => result().evaluate((canvas) => {
+    const { backgroundColor, backgroundImage } = getComputedStyle(canvas.parentElement as Element);
+    return backgroundImage === 'none' ? backgroundColor : backgroundImage.replace(/\(.*/, '');
+  });
+  const grounds = [];
+  for (const name of ['White', 'Black', 'Checkerboard']) {
+    await page.getByRole('combobox', { name: 'Behind alpha' }).selectOption(name);
+    grounds.push(await ground());
+  }
+  assert.deepEqual(grounds, ['rgb(255, 255, 255)', 'rgb(0, 0, 0)', 'repeating-conic-gradient']);
 });
 
 test('the wipe shows the original to the left of a divider that moves by pointer and keys', async () => {
