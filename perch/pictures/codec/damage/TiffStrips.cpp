@@ -172,8 +172,8 @@ std::vector<unsigned char> reversed(std::span<const unsigned char> bytes) {
     std::vector<unsigned char> result(bytes.begin(), bytes.end());
     for (unsigned char& byte : result) {
         unsigned turned = 0;
-        for (int bit = 0; bit < 8; ++bit)
-            turned = turned << 1 | (byte >> bit & 1U);
+        for (unsigned rest = byte, bit = 0; bit < 8; ++bit, rest >>= 1)
+            turned = turned << 1 | (rest & 1);
         byte = static_cast<unsigned char>(turned);
     }
     return result;
