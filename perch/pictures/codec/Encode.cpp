@@ -4,13 +4,17 @@
 #include <OpenImageIO/imageio.h>
 #include <fmt/format.h>
 #include <sys/mman.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <fstream>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <variant>
 
 #include "LibraryName.h"
@@ -128,7 +132,16 @@ public:
 
     std::string name() const { return fmt::format("/proc/self/fd/{}", descriptor); }
 
+    // The encoder does not notice that a write fails. It fails here alone where the process may not write
+    // files of that size, and then the file ends just there.
     std::vector<unsigned char> bytes() const {
+        rlimit limit{};
+        struct stat status {};
+        const bool isKnown = getrlimit(RLIMIT_FSIZE, &limit) == 0 && fstat(descriptor, &status) == 0;
+        if (!isKnown || static_cast<rlim_t>(status.st_size) >= limit.rlim_cur) {
+            throw PictureError(fmt::format("{}; check its folder and the room on its disk",
+                                           std::generic_category().message(EFBIG)));
+        }
         std::ifstream file(name(), std::ios::binary | std::ios::ate);
         std::vector<unsigned char> bytes(static_cast<std::size_t>(std::max<std::streamoff>(file.tellg(), 0)));
         file.seekg(0);
@@ -158,15 +171,19 @@ bool writeRows(OIIO::ImageOutput& file, const EncodingOptions& options, const st
     return true;
 }
 
-// The encoder of PNG leaves it out.
-std::string exifChunkFor(const OIIO::ImageSpec& layout) {
+bool hasExif(const OIIO::ImageSpec& layout) {
     const auto isOfExif = [](const OIIO::ParamValue& value) {
         const std::string name = value.name().string();
         if (name == "Orientation") return value.get_int() > 1;
         return name.starts_with("Exif:") || name.starts_with("GPS:") || name == "ExposureTime" ||
                name == "FNumber" || name == "Make" || name == "Model";
     };
-    if (std::ranges::none_of(layout.extra_attribs, isOfExif)) return "";
+    return std::ranges::any_of(layout.extra_attribs, isOfExif);
+}
+
+// The encoder of PNG leaves it out.
+std::string exifChunkFor(const OIIO::ImageSpec& layout) {
+    if (!hasExif(layout)) return "";
     std::vector<char> exif;
     OIIO::encode_exif(layout, exif, OIIO::endian::big);
     return pngChunk("eXIf", {exif.data(), exif.size()});
@@ -202,7 +219,7 @@ void encodeTo(const std::string& name, OIIO::Filesystem::IOProxy* memory, const 
 EncodedPicture encode(const Picture& picture, const Encoding& encoding) {
     const OIIO::ImageSpec layout = layoutOf(picture, encoding);
     std::vector<unsigned char> bytes;
-    if (encoding.format == FileFormat::Tiff) {
+    if (encoding.format == FileFormat::Tiff && hasExif(layout)) {
         const MemoryFile memory;
         encodeTo(memory.name(), nullptr, picture, encoding, layout);
         bytes = memory.bytes();
