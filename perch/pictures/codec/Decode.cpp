@@ -301,7 +301,6 @@ ClaimedPicture claimOf(const OIIO::ImageSpec& layout, FileFormat format, const C
 
 bool hasDamagedPixels(std::span<const unsigned char> bytes, FileFormat format, int part) {
     if (format == FileFormat::Tiff) return hasDamagedStrip(bytes, part);
-    if (format == FileFormat::Jpeg) return hasDamagedScan(bytes);
     return format == FileFormat::Targa && TargaPixels(bytes).areDamaged();
 }
 
@@ -371,6 +370,8 @@ Picture decode(std::span<const unsigned char> bytes, FileFormat format, const st
     if (channel.empty()) picture.depthChannel = depthBeside(file->spec(), format, source.channels);
     picture.software = file->spec().get_string_attribute("Software");
     picture.frameRate = frameRateOf(file->spec());
+    file->close();  // gives back what the decoder holds, before another takes as much
+    if (format == FileFormat::Jpeg && hasDamagedScan(bytes)) isDamaged = true;
     picture.isDamaged = picture.isDamaged || isDamaged;
     if (picture.isDamaged && !options.acceptsDamage) throw PictureError(kDamaged);
     return picture;
