@@ -215,12 +215,6 @@ void place(const Band<T>& band, const OIIO::ImageSpec& layout, const ChannelRang
     }
 }
 
-// Some rows at a time: the library holds them a second time while it converts them.
-int rowsAtOnce(const OIIO::ImageSpec& layout) {
-    constexpr int kRows = 64;
-    return layout.tile_height > 0 ? layout.tile_height : kRows;
-}
-
 template <typename T>
 bool readRows(OIIO::ImageInput& file, int part, const ChannelRange& range, int begin, int end, T* data) {
     const OIIO::ImageSpec& layout = file.spec();

@@ -21,9 +21,19 @@ bool isInterlaced(std::span<const unsigned char> png) {
     return png.size() > kInterlacing && png[kInterlacing] != 0;
 }
 
+constexpr int kRowsRead = 64;
+
+int rowsPerStrip(const OIIO::ImageSpec& layout) {
+    return std::min(layout.get_int_attribute("tiff:RowsPerStrip", layout.height), layout.height);
+}
+
+bool hasLongPlanes(const OIIO::ImageSpec& layout) {
+    return layout.tile_width == 0 && layout.get_string_attribute("planarconfig") == "separate" &&
+           rowsPerStrip(layout) > kRowsRead;
+}
+
 // What a tiled or an OpenEXR file compresses as one.
 std::int64_t blockBytes(const OIIO::ImageSpec& layout) {
-    constexpr int kRowsRead = 64;
     constexpr int kMostRows = 256;
     const auto pixelBytes = static_cast<std::int64_t>(layout.pixel_bytes(true));
     if (layout.tile_width > 0) return std::int64_t{layout.tile_width} * layout.tile_height * pixelBytes;
@@ -49,7 +59,8 @@ std::int64_t heldByDecoder(const OIIO::ImageSpec& layout, FileFormat format, boo
         case FileFormat::OpenExr:
             return 5 * blockBytes(layout);
         case FileFormat::Tiff:
-            return layout.tile_width > 0 ? 3 * blockBytes(layout) : 0;
+            if (layout.tile_width > 0) return 3 * blockBytes(layout);
+            return hasLongPlanes(layout) ? 2 * picture : 0;
         case FileFormat::Dpx:
             return 0;
     }
@@ -117,9 +128,8 @@ void requireBytesFor(const OIIO::ImageSpec& layout, FileFormat format, std::size
 
 // The reader takes a strip whole, and counts its samples in an int.
 void requireStrips(const OIIO::ImageSpec& layout) {
-    const std::int64_t rows =
-        std::min(layout.get_int_attribute("tiff:RowsPerStrip", layout.height), layout.height);
-    const std::int64_t samples = std::max<std::int64_t>(rows, 1) * layout.width * layout.nchannels;
+    const std::int64_t samples =
+        std::max<std::int64_t>(rowsPerStrip(layout), 1) * layout.width * layout.nchannels;
     if (samples > std::numeric_limits<int>::max())
         throw PictureError("its strips are too large; save it with more strips, or with tiles");
 }
@@ -133,6 +143,11 @@ void requireBelievable(const OIIO::ImageSpec& layout, FileFormat format, const C
     requireMemory(picture, heldByDecoder(layout, format, picture.isReadByLibrary, bytes), options);
     if (format == FileFormat::Tiff) requireStrips(layout);
     requireBytesFor(layout, format, bytes.size());
+}
+
+int rowsAtOnce(const OIIO::ImageSpec& layout) {
+    if (layout.tile_height > 0) return layout.tile_height;
+    return hasLongPlanes(layout) ? layout.height : kRowsRead;
 }
 
 }  // namespace pictures

@@ -27,4 +27,9 @@ struct ClaimedPicture {
 void requireBelievable(const OIIO::ImageSpec& layout, FileFormat format, const ClaimedPicture& picture,
                        std::span<const unsigned char> bytes, const ReadOptions& options);
 
+// How many rows are to be read at a time: some, as the library holds them a second time while it converts
+// them. But all of planes with strips longer than that: planes lie one behind the other, and no reading
+// begins again in the middle of a strip.
+int rowsAtOnce(const OIIO::ImageSpec& layout);
+
 }  // namespace pictures

@@ -258,6 +258,15 @@ TEST_F(ForeignPicturesTest, AlphaOfWebPIsStraight) {
     EXPECT_EQ(readPicture(folder / "a.webp", "A").samples, readPicture(folder / "right.png", "A").samples);
 }
 
+TEST_F(ForeignPicturesTest, PlanesOfManyRowsAreReadOneAfterTheOther) {
+    runTool(folder.path, "oiiotool --pattern noise 40x200 3 -d uint8 -o a.png");
+    for (const std::string compression : {"none", "LZW", "Zip"}) {
+        runTool(folder.path, "convert a.png -interlace plane -compress " + compression + " planes.tif");
+        EXPECT_EQ(readPicture(folder / "planes.tif").samples, readPicture(folder / "a.png").samples)
+            << compression;
+    }
+}
+
 TEST_F(ForeignPicturesTest, FirstPageOfSeveralIsRead) {
     runTool(folder.path, kMake +
                              "-d uint8 -o a.tif && oiiotool --create 9x9 3 -d uint8 -o b.tif && "

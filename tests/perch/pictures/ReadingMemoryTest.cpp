@@ -38,13 +38,14 @@ constexpr Kind kKinds[] = {
     {"zip.tif", Decoder::Light},         {"one-strip.tif", Decoder::Light},
     {"tiles.tif", Decoder::Light},       {"one-tile.tif", Decoder::Heavy},
     {"palette.tif", Decoder::Light},     {"planes.tif", Decoder::Light},
-    {"zip.exr", Decoder::Light},         {"piz.exr", Decoder::Light},
-    {"overscan.exr", Decoder::Light},    {"dwab.exr", Decoder::Heavy},
-    {"one-tile.exr", Decoder::Heavy},    {"a.dpx", Decoder::Light},
-    {"a.tga", Decoder::Light},           {"runs.tga", Decoder::Light},
-    {"palette.tga", Decoder::Heavy},     {"a.jpg", Decoder::Light},
-    {"progressive.jpg", Decoder::Heavy}, {"a.webp", Decoder::Light},
-    {"alpha.webp", Decoder::Light},      {"lossless.webp", Decoder::Heavy},
+    {"long-planes.tif", Decoder::Heavy}, {"zip.exr", Decoder::Light},
+    {"piz.exr", Decoder::Light},         {"overscan.exr", Decoder::Light},
+    {"dwab.exr", Decoder::Heavy},        {"one-tile.exr", Decoder::Heavy},
+    {"a.dpx", Decoder::Light},           {"a.tga", Decoder::Light},
+    {"runs.tga", Decoder::Light},        {"palette.tga", Decoder::Heavy},
+    {"a.jpg", Decoder::Light},           {"progressive.jpg", Decoder::Heavy},
+    {"a.webp", Decoder::Light},          {"alpha.webp", Decoder::Light},
+    {"lossless.webp", Decoder::Heavy},
 };
 
 constexpr char kMakeAll[] =
@@ -57,6 +58,7 @@ constexpr char kMakeAll[] =
     "oiiotool 8.png --ch R,G,B,A=0.5 -d uint8 -o alpha.webp && "
     "convert 8.png -interlace PNG interlaced.png && convert 16.png -interlace PNG interlaced16.png && "
     "convert 8.png -interlace JPEG -sampling-factor 1x1 progressive.jpg && "
+    "convert 8.png -interlace plane -compress LZW -define tiff:rows-per-strip=1008 long-planes.tif && "
     "convert 8.png -compress LZW -define tiff:rows-per-strip=1008 one-strip.tif && "
     "convert 8.png -type Palette -compress none palette.tif && convert 8.png -type Palette palette.tga && "
     "oiiotool --create 1504x1008 3 --noise:type=uniform:min=0:max=1:seed=7 -d uint8 -o noise.png && "
