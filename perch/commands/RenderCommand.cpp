@@ -219,17 +219,15 @@ int render(const Job& job, Audience& audience, RenderReport& report) {
         const int status = reportInterrupt(report, job.plan.frames.size(), isFed);
         display.finish("interrupted");
         return status;
-    } catch (const Error& error) {
+    } catch (const Error&) {
         display.clearLine();
         reportFindings(job.effect);
-        say(error.what());
-        audience.failure = error.what();
         try {
-            display.finish(audience.failure);
+            display.finishBeforeFailure();
         } catch (const OutputError&) {
-            return error.status();  // nobody reads the results, which may be why the job has failed
+            // Nobody reads the results, which may be why the job has failed.
         }
-        return error.status();
+        throw;
     }
     display.clearLine();
     reportNotes(report, job.settings.transfer, display);

@@ -20,6 +20,7 @@
 #include "ReportFile.h"
 #include "Supervisor.h"
 #include "ViewOptions.h"
+#include "Whereabouts.h"
 #include "Worker.h"
 
 namespace {
@@ -92,9 +93,9 @@ Ending runHere(const Arguments& arguments) {
     try {
         return {run(arguments), {}};
     } catch (const perch::Error& error) {
-        return {error.status(), error.what()};
+        return {error.status(), error.what(), perch::whereabouts().lastLine.get()};
     } catch (const std::exception& error) {
-        return {perch::kFailed, perch::sentenceOf(error)};
+        return {perch::kFailed, perch::sentenceOf(error), perch::whereabouts().lastLine.get()};
     }
 }
 

@@ -115,11 +115,22 @@ void JobDisplay::printOpenJd(double framesDone) {
 
 void JobDisplay::finish(const std::string& failure) {
     clearLine();
-    counted.notRendered = notRendered(counted);
-    const std::string summary = lastLineOf(counted);
-    if (plan->isSequence && !isQuiet) say(summary);
+    if (plan->isSequence && !isQuiet) say(lastLineOf(counted));
     whereabouts().lastLine.set("");
     whereabouts().lastLineOfFailure.set("");
+    printTotals();
+    if (form == ProgressForm::OpenJd && !failure.empty()) printResult(openJdFailure(failure));
+}
+
+void JobDisplay::finishBeforeFailure() {
+    clearLine();
+    keepLastLine();
+    printTotals();
+}
+
+// For programs.
+void JobDisplay::printTotals() {
+    counted.notRendered = notRendered(counted);
     if (form == ProgressForm::Json) {
         printLine({{"done", counted.done},
                    {"upToDate", counted.current},
@@ -129,10 +140,8 @@ void JobDisplay::finish(const std::string& failure) {
                    {"refusedLines", counted.refusedLines},
                    {"seconds", seconds()}});
     }
-    if (form == ProgressForm::OpenJd) {
-        printResult(fmt::format("openjd_status: {}\n", printable(summary)));
-        if (!failure.empty()) printResult(openJdFailure(failure));
-    }
+    if (form == ProgressForm::OpenJd)
+        printResult(fmt::format("openjd_status: {}\n", printable(lastLineOf(counted))));
 }
 
 void JobDisplay::keepLastLine(std::optional<std::int32_t> frame) const {

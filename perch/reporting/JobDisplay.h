@@ -39,6 +39,9 @@ public:
     void frameEnds(const FrameEnd& end);
     // Tells what became of the frames, and why the job failed where it did.
     void finish(const std::string& failure = "");
+    // The same for a job that an error ends. Its sentence and the last line behind it are left to who starts
+    // the program's work: an effect can see to it that nothing can be told from here any more.
+    void finishBeforeFailure();
 
     // Of a frame that was asked for while the job is under way and is not rendered: its file is up to date,
     // or the job does not have it; and of a line that asks for no frames.
@@ -60,6 +63,7 @@ public:
 
 private:
     void showLine();
+    void printTotals();
     void printOpenJd(double framesDone);
     void tellFrame(const FrameEnd& end) const;
     void printJson(const FrameEnd& end) const;

@@ -201,7 +201,9 @@ private:
                     .signal = signal,
                     .findings = {},
                     .log = at.log.get(),
-                    .report = at.report.get()};
+                    .report = at.report.get(),
+                    .frame = {},
+                    .lastLine = at.lastLine.get()};
         Outcome outcome{.status = kEffectBroke,
                         .sentence = {},
                         .signal = signal,
