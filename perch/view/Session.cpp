@@ -329,7 +329,7 @@ ViewAnswer Session::pixel(const ViewRequest& request, const Look& wanted) {
 ViewAnswer Session::histogram(const Look& wanted) {
     const PF_ParamIndex shown = pick ? looks.layerShown(wanted, pick->layer) : kNoLayer;
     const SharedPicture layer = store.layer(store.filesOf(wanted.frame), shown);
-    if (layer == nullptr) return refusal(404, "there is no layer whose values could be counted");
+    if (layer == nullptr) return jsonAnswer({{"bins", Json::array()}});
     return jsonAnswer({{"bins", histogramOf(*layer, controlChannel(wanted, looks))}});
 }
 

@@ -232,7 +232,7 @@ export class PerchView extends LitElement implements RendererView {
     try {
       this.bins = (await api.histogram(this.store.frame)).bins;
     } catch {
-      this.bins = []; // no layer is chosen
+      this.bins = []; // the layer's file cannot be read, which the picture's error tells
     }
   }
 
