@@ -183,8 +183,9 @@ std::string unheldNote(const fs::path& output, std::vector<std::string> unheld) 
                                                                "FramesPerSecond",
                                                                "the display window's place"};
     constexpr std::size_t kMostNamed = 6;
-    std::ranges::stable_partition(
-        unheld, [](const std::string& name) { return std::ranges::find(kWeighty, name) != kWeighty.end(); });
+    std::stable_partition(unheld.begin(), unheld.end(), [](const std::string& name) {
+        return std::ranges::find(kWeighty, name) != kWeighty.end();
+    });
     const std::size_t more = unheld.size() > kMostNamed ? unheld.size() - kMostNamed : 0;
     unheld.resize(unheld.size() - more);
     return fmt::format("\"{}\" does not say all that the input's file does; without {}{}", output.string(),

@@ -92,8 +92,8 @@ PF_ParamIndex LookReader::layerShown(const Look& look, PF_ParamIndex index) cons
 void LookReader::takeLayer(const ParameterOption& option, const Json& value, Look& look) const {
     std::vector<LayerWords> files = layerFiles();
     // Several layers may be given the same file, each with a range of its own: a layer prefers its own.
-    std::ranges::stable_partition(
-        files, [&](const LayerWords& file) { return file.index == option.parameter.index; });
+    std::stable_partition(files.begin(), files.end(),
+                          [&](const LayerWords& file) { return file.index == option.parameter.index; });
     std::vector<std::string> names{kNone};
     for (const LayerWords& file : files)
         names.push_back(file.picture);
