@@ -11,6 +11,7 @@
 #include <system_error>
 
 #include "Error.h"
+#include "WriteAll.h"
 
 namespace perch {
 namespace {
@@ -19,16 +20,6 @@ int gInput = STDIN_FILENO;
 int gResults = STDOUT_FILENO;
 int gMessages = STDERR_FILENO;
 int gLog = -1;
-
-bool writeAll(int descriptor, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t written = write(descriptor, text.data(), text.size());
-        if (written < 0 && errno == EINTR) continue;
-        if (written <= 0) return false;
-        text.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return true;
-}
 
 // Beyond the descriptors that an effect may close because it counts on their numbers, if there are so many;
 // -1 where there is none at all.

@@ -11,6 +11,7 @@
 #include <system_error>
 
 #include "Error.h"
+#include "WriteAll.h"
 
 namespace perch {
 namespace {
@@ -35,17 +36,6 @@ void requirePlainName(const std::string& name) {
 
 [[noreturn]] void throwCannotWrite(const std::string& name) {
     throw Error(fmt::format("cannot write \"{}\": {}", name, std::generic_category().message(errno)));
-}
-
-// A disk that is nearly full takes a part, and says why only when it is given the rest.
-bool writeAll(int file, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t written = write(file, text.data(), text.size());
-        if (written < 0 && errno == EINTR) continue;
-        if (written <= 0) return false;
-        text.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return true;
 }
 
 }  // namespace
