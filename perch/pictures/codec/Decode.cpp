@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <limits>
 #include <memory>
-#include <numeric>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -21,6 +20,7 @@
 #include "PictureEnd.h"
 #include "PictureError.h"
 #include "PictureFile.h"
+#include "PictureSource.h"
 #include "PngChunks.h"
 #include "TargaPixels.h"
 #include "TiffStrips.h"
@@ -28,9 +28,6 @@
 
 namespace pictures {
 namespace {
-
-// The channels of the file that become those of the picture.
-using Channels = std::vector<int>;
 
 std::string_view typeName(OIIO::TypeDesc type) {
     if (type == OIIO::TypeInt32 || type == OIIO::TypeUInt32) return "32-bit integer";
@@ -78,99 +75,6 @@ bool covers(const OIIO::ImageSpec& layout, const Window& window) {
     return layout.x <= window.x && layout.y <= window.y &&
            layout.x + layout.width >= window.x + window.width &&
            layout.y + layout.height >= window.y + window.height;
-}
-
-int channelNamed(const OIIO::ImageSpec& layout, std::string_view name) {
-    const auto found = std::ranges::find(layout.channelnames, name);
-    return found == layout.channelnames.end() ? -1 : static_cast<int>(found - layout.channelnames.begin());
-}
-
-bool isGrey(const OIIO::ImageSpec& layout, const Channels& channels) {
-    return channels.front() == channelNamed(layout, "Y");
-}
-
-// Of files of few channels all, in their order. OpenEXR files name theirs: red, green, blue and alpha of all.
-Channels firstChannels(const OIIO::ImageSpec& layout, FileFormat format) {
-    constexpr int kMostChannels = 4;
-    if (format == FileFormat::OpenExr) {
-        Channels channels;
-        for (const char* const name : {"R", "G", "B"}) {
-            if (const int channel = channelNamed(layout, name); channel >= 0) channels.push_back(channel);
-        }
-        const int grey = channelNamed(layout, "Y");
-        if (channels.empty() && grey >= 0) {
-            if (channelNamed(layout, "RY") >= 0 || channelNamed(layout, "BY") >= 0)
-                throw PictureError("its colours are luminance and chroma; save it as red, green and blue");
-            channels.push_back(grey);
-        }
-        const int alpha = channelNamed(layout, "A");
-        const bool isWhole = channels.size() == 3 || channels.size() == 1;
-        if (isWhole && alpha >= 0) channels.push_back(alpha);
-        if (isWhole) return channels;
-        if (layout.nchannels > 1) {
-            throw PictureError(
-                fmt::format("it has the channels {} and not R, G and B; save it with these, or for a layer "
-                            "name one of them after the file, as :{}",
-                            fmt::join(layout.channelnames, ", "), layout.channelnames.front()));
-        }
-    }
-    if (layout.nchannels < 1 || layout.nchannels > kMostChannels) {
-        throw PictureError(fmt::format("it has {} channels; convert it to grey or RGB, with or without alpha",
-                                       layout.nchannels));
-    }
-    Channels channels(static_cast<std::size_t>(layout.nchannels));
-    std::iota(channels.begin(), channels.end(), 0);
-    return channels;
-}
-
-// The channel of depths in a file of which others are taken.
-std::string depthBeside(const OIIO::ImageSpec& layout, FileFormat format, const Channels& taken) {
-    if (format != FileFormat::OpenExr) return "";
-    for (int channel = 0; channel < layout.nchannels; ++channel) {
-        const std::string& name = layout.channelnames[static_cast<std::size_t>(channel)];
-        const bool isDepth = name == "Z" || name.ends_with(".Z");
-        if (isDepth && std::ranges::find(taken, channel) == taken.end()) return name;
-    }
-    return "";
-}
-
-std::string partName(const OIIO::ImageSpec& layout) {
-    return layout.get_string_attribute("oiio:subimagename");
-}
-
-// The name that tells a channel from those of other parts.
-std::string fullName(const OIIO::ImageSpec& layout, const std::string& channel, bool hasParts) {
-    const std::string part = hasParts ? partName(layout) : "";
-    return part.empty() || channel.starts_with(part + ".") ? channel : part + "." + channel;
-}
-
-// Which part of a file has the picture, and which of its channels it is made of.
-struct Source {
-    int part = 0;
-    Channels channels;
-};
-
-// The part that has the channel, by its own name or with the part's before it.
-Source findChannel(OIIO::ImageInput& file, const std::string& wanted, int parts) {
-    std::vector<std::string> names;
-    for (int part = 0; part < parts && file.seek_subimage(part, 0); ++part) {
-        const OIIO::ImageSpec& layout = file.spec();
-        for (int channel = 0; channel < layout.nchannels; ++channel) {
-            const std::string& name = layout.channelnames[static_cast<std::size_t>(channel)];
-            names.push_back(fullName(layout, name, parts > 1));
-            if (wanted == name || wanted == names.back()) return {part, {channel}};
-        }
-    }
-    throw PictureError(fmt::format("it has no channel \"{}\"; it has {}", wanted, fmt::join(names, ", ")));
-}
-
-int countParts(OIIO::ImageInput& file, FileFormat format) {
-    if (format != FileFormat::Tiff && format != FileFormat::OpenExr) return 1;
-    int parts = 1;
-    while (file.seek_subimage(parts, 0))
-        ++parts;
-    file.geterror();  // there is no next part
-    return parts;
 }
 
 // An unspecified fourth channel is taken for straight alpha.
@@ -226,8 +130,8 @@ bool readRows(OIIO::ImageInput& file, int part, const ChannelRange& range, int b
 }
 
 template <typename T>
-bool readSamples(OIIO::ImageInput& file, const Source& source, const Window& window, std::vector<T>& samples,
-                 const Picture& picture) {
+bool readSamples(OIIO::ImageInput& file, const PictureSource& source, const Window& window,
+                 std::vector<T>& samples, const Picture& picture) {
     const OIIO::ImageSpec layout = file.spec();
     const Channels& channels = source.channels;
     const ChannelRange range(channels);
@@ -298,7 +202,7 @@ bool hasDamagedPixels(std::span<const unsigned char> bytes, FileFormat format, i
     return format == FileFormat::Targa && TargaPixels(bytes).areDamaged();
 }
 
-Picture readPart(OIIO::ImageInput& file, FileFormat format, const Source& source,
+Picture readPart(OIIO::ImageInput& file, FileFormat format, const PictureSource& source,
                  std::span<const unsigned char> bytes) {
     const OIIO::ImageSpec& layout = file.spec();
     const Channels& channels = source.channels;
@@ -351,8 +255,8 @@ Picture decode(std::span<const unsigned char> bytes, FileFormat format, const st
         throw PictureError(kDamaged);
     }
     const int parts = countParts(*file, format);
-    const Source source =
-        channel.empty() ? Source{0, firstChannels(layout, format)} : findChannel(*file, channel, parts);
+    const PictureSource source = channel.empty() ? PictureSource{0, firstChannels(layout, format)}
+                                                 : findChannel(*file, channel, parts);
     file->seek_subimage(source.part, 0);
     requireBelievable(file->spec(), format, claimOf(file->spec(), format, source.channels, bytes), bytes,
                       options);
