@@ -19,6 +19,7 @@
 #include "Error.h"
 #include "FileFormat.h"
 #include "PF_Values.h"
+#include "PictureFile.h"
 #include "RenderHelp.h"
 #include "RenderOptions.h"
 #include "Session.h"
@@ -110,7 +111,7 @@ std::vector<std::string> withOutput(std::vector<std::string> arguments) {
     app.add_option("-o,--output", output);
     parseArguments(app, arguments);
     if (!output.empty() || input.empty()) return arguments;
-    std::string name = std::filesystem::path(input).filename().string();
+    std::string name = std::filesystem::path(pictures::parseSelectedPicture(input).path).filename().string();
     name.insert(std::min(name.find('.'), name.size()), "-result");
     const std::optional<pictures::FileFormat> format = pictures::formatOfName(name);
     if (!format || !isWritten(*format)) name = std::filesystem::path(name).replace_extension(".png").string();
@@ -158,7 +159,8 @@ int runSession(int socket, const std::vector<std::string>& given) {
     std::vector<std::int32_t> frames;
     for (const FrameFiles& files : plan.frames)
         frames.push_back(files.frame);
-    const SharedPicture first = readPictureFile(plan.frames.front().input, "", settings.reading);
+    const SharedPicture first =
+        readPictureFile(plan.frames.front().input, settings.selectedInput, settings.reading);
     const LookReader looks(optionsOf(parameters), defaultCurves(effect, *first), frames,
                            {.words = words, .layers = parts.layers});
     Notes notes;

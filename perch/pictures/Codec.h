@@ -34,9 +34,10 @@ public:
     Codec(const Codec&) = delete;
     Codec& operator=(const Codec&) = delete;
 
-    // With a channel, "Z" or "depth.Z", the picture is that channel alone, in grey, of whichever part has it.
+    // `selected` names a channel, "Z" or "depth.Z", which is then the picture, in grey; or a layer, "beauty",
+    // of which the picture is red, green, blue and alpha. Whichever part has it.
     virtual Picture decode(std::span<const unsigned char> bytes, FileFormat format,
-                           const std::string& channel, const ReadOptions& options) const = 0;
+                           const std::string& selected, const ReadOptions& options) const = 0;
     virtual EncodedPicture encode(const Picture& picture, const Encoding& encoding) const = 0;
     // As JPEG that is shown and not kept, made in a fraction of the time. Of 8 bits, red, green, blue and
     // alpha, which is left out.

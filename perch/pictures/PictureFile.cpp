@@ -35,21 +35,21 @@ FileFormat requireFormat(const fs::path& path) {
 
 }  // namespace
 
-Picture readPicture(const fs::path& path, const std::string& channel, const ReadOptions& options) {
+Picture readPicture(const fs::path& path, const std::string& selected, const ReadOptions& options) {
     const FileBytes bytes = readFile(path);
     const FileFormat format = requireFormat(path, bytes);
     try {
-        return codec().decode(bytes, format, channel, options);
+        return codec().decode(bytes, format, selected, options);
     } catch (const PictureError& error) {
         refuseToRead(path, error.what());
     }
 }
 
-// A file whose name has a colon is that file.
-ChannelOfFile parseChannelOfFile(const std::string& text) {
+// A file whose name has a colon is that file, and names that end as a picture's are of files.
+SelectedPicture parseSelectedPicture(const std::string& text) {
     std::error_code ignored;
     const std::size_t colon = text.rfind(':');
-    if (colon == std::string::npos || fs::exists(text, ignored)) return {text, ""};
+    if (colon == std::string::npos || formatOfName(text) || fs::exists(text, ignored)) return {text, ""};
     const std::string path = text.substr(0, colon);
     if (!formatOfName(path)) return {text, ""};
     return {path, text.substr(colon + 1)};

@@ -1,5 +1,5 @@
 // Picture files: PNG, TIFF, OpenEXR, DPX, TGA, JPEG and, read alone, WebP; grey or RGB, with or without
-// alpha, or one named channel of any file.
+// alpha; or a layer of an OpenEXR file, or one channel of any file.
 //
 // Failures are PictureError: one sentence that names the file and how to mend it. Any thread.
 #pragma once
@@ -17,17 +17,17 @@ namespace pictures {
 // Of the width and height: more than any frame has. Keeps a hostile size from taking the machine's memory.
 constexpr std::int32_t kLargestExtent = 30000;
 
-// Opens the file once and decodes its bytes from memory.
-// Without the name of a channel the picture is the file's first.
-Picture readPicture(const std::filesystem::path& path, const std::string& channel = {},
+// Opens the file once and decodes its bytes from memory. `selected` names a layer or a channel; without it
+// the picture is the file's first.
+Picture readPicture(const std::filesystem::path& path, const std::string& selected = {},
                     const ReadOptions& options = {});
 
-// A file and one of its channels, as "depth.####.exr:Z" names them.
-struct ChannelOfFile {
+// A file and what of it is read, as "shot.####.exr:beauty" or "shot.####.exr:Z" names them.
+struct SelectedPicture {
     std::string path;
-    std::string channel;  // empty: the file's picture
+    std::string selected;  // a layer or a channel; empty: the file's first picture
 };
-ChannelOfFile parseChannelOfFile(const std::string& text);
+SelectedPicture parseSelectedPicture(const std::string& text);
 
 // Throws unless a file of this name can be expected to hold such a picture: its format by the ending must
 // have the type and alpha, and its folder must exist.

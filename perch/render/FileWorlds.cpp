@@ -129,10 +129,10 @@ bool isWrittenPremultiplied(const fs::path& path, const Picture& source) {
 
 }  // namespace
 
-SharedPicture readPictureFile(const fs::path& path, const std::string& channel,
+SharedPicture readPictureFile(const fs::path& path, const std::string& selected,
                               const pictures::ReadOptions& options) {
     return failingAs<InputError>(
-        [&] { return std::make_shared<const Picture>(pictures::readPicture(path, channel, options)); });
+        [&] { return std::make_shared<const Picture>(pictures::readPicture(path, selected, options)); });
 }
 
 Depth depthOf(const Picture& picture) {

@@ -33,7 +33,7 @@ struct FileWorld {
 
 using SharedPicture = std::shared_ptr<const pictures::Picture>;
 
-SharedPicture readPictureFile(const std::filesystem::path& path, const std::string& channel = {},
+SharedPicture readPictureFile(const std::filesystem::path& path, const std::string& selected = {},
                               const pictures::ReadOptions& options = {});
 
 // That keeps the most of the picture.

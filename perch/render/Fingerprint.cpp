@@ -42,7 +42,7 @@ std::string textOf(const ParameterSetting& setting) {
 }
 
 std::string textOf(PF_ParamIndex layer, const LayerReading& reading) {
-    std::string text = fmt::format("layer {} by \"{}\" {}", layer, reading.channel, reading.hasUsualRange);
+    std::string text = fmt::format("layer {} by \"{}\" {}", layer, reading.selected, reading.hasUsualRange);
     if (const auto& range = reading.range)
         text += fmt::format(" {}:{}:{}", range->near, range->far, range->isReciprocal);
     return text;
@@ -86,6 +86,8 @@ std::string frameFingerprint(const FrameSources& sources, const FrameFiles& fram
     add("made by " + sources.maker);
     add(textOf(sources.settings));
     add("input " + textOf(frame.input));
+    if (const std::string& selected = sources.settings.selectedInput; !selected.empty())
+        add("of the input " + selected);
     for (const auto* const layers : {&frame.layers, &sources.plan.stillLayers})
         for (const auto& [index, path] : *layers)
             add(fmt::format("layer {} {}", index, textOf(path)));

@@ -80,7 +80,7 @@ void LayerReader::findRanges(const FramePlan& plan) {
     for (auto& [index, reading] : readings) {
         const fs::path* const path = firstFileOf(plan, index);
         if (!reading.hasUsualRange || path == nullptr) continue;
-        reading.range = pictures::usualRange(*readPictureFile(*path, reading.channel, options));
+        reading.range = pictures::usualRange(*readPictureFile(*path, reading.selected, options));
         if (!reading.range) {
             throw InputError(
                 fmt::format("cannot find near and far in \"{}\": it has one depth at most; give {} "
@@ -102,10 +102,7 @@ std::string LayerReader::rangesText() const {
 SharedPicture LayerReader::read(PF_ParamIndex index, const fs::path& path, std::size_t place) const {
     const auto found = readings.find(index);
     const LayerReading reading = found != readings.end() ? found->second : LayerReading{};
-    const SharedPicture picture = readPictureFile(path, reading.channel, options);
-    if (picture->isDamaged) notes.add("damaged", damageNote(path), place);
-    if (picture->parts > 1 && reading.channel.empty())
-        notes.add("parts", partsNote(path, picture->parts), place);
+    const SharedPicture picture = readNoted(path, reading.selected, options, notes, place);
     if (!picture->depthChannel.empty()) {
         notes.warn(
             "depth of " + reading.option,
@@ -163,8 +160,23 @@ void LayerReader::compare(const fs::path& path, const pictures::Picture& picture
                place);
 }
 
-std::string damageNote(const fs::path& path) {
-    return fmt::format("\"{}\" is damaged or cut short; what can be read of it is taken", path.string());
+SharedPicture readNoted(const fs::path& path, const std::string& selected,
+                        const pictures::ReadOptions& options, Notes& notes, std::size_t place) {
+    SharedPicture picture = readPictureFile(path, selected, options);
+    if (picture->isDamaged) {
+        notes.add(
+            "damaged",
+            fmt::format("\"{}\" is damaged or cut short; what can be read of it is taken", path.string()),
+            place);
+    }
+    if (picture->parts > 1 && selected.empty()) {
+        notes.add("parts",
+                  fmt::format("\"{}\" has {} parts and the first is read; the name of another, or of its "
+                              "channel, can follow the file's, as NAME:Z",
+                              path.string(), picture->parts),
+                  place);
+    }
+    return picture;
 }
 
 std::string unheldNote(const fs::path& output, std::vector<std::string> unheld) {
@@ -190,13 +202,6 @@ std::string unheldNote(const fs::path& output, std::vector<std::string> unheld) 
     unheld.resize(unheld.size() - more);
     return fmt::format("\"{}\" does not say all that the input's file does; without {}{}", output.string(),
                        fmt::join(unheld, ", "), more > 0 ? fmt::format(" and {} more", more) : "");
-}
-
-std::string partsNote(const fs::path& path, int parts) {
-    return fmt::format(
-        "\"{}\" has {} parts and the first is read; a layer's file can be followed by the channel of "
-        "another, as NAME:Z",
-        path.string(), parts);
 }
 
 }  // namespace perch

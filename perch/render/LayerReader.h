@@ -44,13 +44,12 @@ private:
     Notes& notes;
 };
 
-// What is said of a file that is read though it is damaged.
-std::string damageNote(const std::filesystem::path& path);
+// Reads a picture, and notes where its file is damaged or has more parts than the one that is read.
+// `selected` is as in readPictureFile, `place` as in Notes.
+SharedPicture readNoted(const std::filesystem::path& path, const std::string& selected,
+                        const pictures::ReadOptions& options, Notes& notes, std::size_t place);
 
 // What is said of a file that cannot hold all that the input's says of its picture.
 std::string unheldNote(const std::filesystem::path& output, std::vector<std::string> unheld);
-
-// What is said of a file of several parts, of which the first is read.
-std::string partsNote(const std::filesystem::path& path, int parts);
 
 }  // namespace perch

@@ -14,7 +14,7 @@ enum class LayerChannel { Any, Alpha, Red, Green, Blue };
 
 // How the pictures of a layer parameter are read.
 struct LayerReading {
-    std::string channel;          // empty: the file's picture
+    std::string selected;         // of the file, a channel or a layer; empty: its first picture
     std::string option{};         // "--control-layer"
     std::string channelOption{};  // "--control-channel"; empty: none
     LayerChannel usedChannel = LayerChannel::Any;

@@ -181,9 +181,8 @@ private:
 
     FramePictures read(std::size_t index) {
         const FrameFiles& files = plan.frames[index];
-        const SharedPicture picture = readPictureFile(files.input, "", settings.reading);
-        if (picture->isDamaged) report.notes.add("damaged", damageNote(files.input), index + 1);
-        if (picture->parts > 1) report.notes.add("parts", partsNote(files.input, picture->parts), index + 1);
+        const SharedPicture picture =
+            readNoted(files.input, settings.selectedInput, settings.reading, report.notes, index + 1);
         FramePictures pictures;
         pictures.output = {outputType(settings, files.output, *picture), settings.encoding,
                            settings.isDithered};

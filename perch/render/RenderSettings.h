@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "Effect.h"
@@ -23,6 +24,7 @@ using Variant = std::vector<ParameterSetting>;
 
 // The same for all frames of a job.
 struct RenderSettings {
+    std::string selectedInput;  // of the input's files, a layer or a channel; empty: their first picture
     LayerReadings layers;
     std::optional<Depth> depth;                      // absent: the deepest of the frame's pictures
     std::optional<pictures::SampleType> outputType;  // absent: that of the input, or of a depth that is given

@@ -107,8 +107,9 @@ SharedPicture PictureStore::picture(PF_ParamIndex index, const std::filesystem::
                                     const Paths& shown) {
     const Key key{index, path, 0, 1, Depth::Bits8};
     if (const std::optional<Kept> known = find(key)) return known->picture;
-    const SharedPicture read =
-        index == kInput ? readPictureFile(path, "", settings.reading) : reader.read(index, path, kAnyPlace);
+    const SharedPicture read = index == kInput
+                                   ? readPictureFile(path, settings.selectedInput, settings.reading)
+                                   : reader.read(index, path, kAnyPlace);
     keep({.key = key, .picture = read, .world = nullptr}, shown);
     return read;
 }

@@ -162,7 +162,8 @@ void addOwnOptions(CLI::App& app, Texts& texts) {
     addHelpFlag(app, texts.wantsHelp);
     app.add_option("-i,--input", texts.input,
                    "the picture to be changed: PNG, TIFF, OpenEXR, DPX, TGA, JPEG or WebP; a sequence by a "
-                   "name like in.####.png or in.%04d.png")
+                   "name like in.####.png or in.%04d.png; a layer or a part of an OpenEXR file by its name "
+                   "behind, like in.exr:beauty")
         ->type_name("PICTURE");
     app.add_option(
            "-o,--output", texts.output,
@@ -296,6 +297,7 @@ RenderOptions parseRenderOptions(const std::vector<std::string>& arguments) {
     options.names.input = texts.input;
     options.names.output = texts.output;
     takeSequenceOptions(app, texts.sequence, options.names);
+    options.settings.selectedInput = takeSelected(options.names);
     options.job = parseJobOptions(texts.job);
     takeFailureOptions(app, texts.job, options.settings);
     if (options.names.shard && !options.job.report.empty())

@@ -4,9 +4,12 @@
 
 #include <CLI/CLI.hpp>
 #include <charconv>
+#include <optional>
 
 #include "Error.h"
 #include "FrameList.h"
+#include "FramePattern.h"
+#include "PictureFile.h"
 
 namespace perch {
 namespace {
@@ -69,6 +72,16 @@ void takeSequenceOptions(const CLI::App& app, const SequenceTexts& texts, Pictur
     names.missingFrame = parseMissingFrame(texts.missingFrame);
     names.missingLayerFrame = parseMissingLayerFrame(texts.missingLayerFrame);
     if (app.count("--shard") > 0) names.shard = parseShard(texts.shard);
+}
+
+// The files of a sequence may really be named with a colon.
+std::string takeSelected(PictureNames& names) {
+    const pictures::SelectedPicture input = pictures::parseSelectedPicture(names.input);
+    if (input.selected.empty()) return "";
+    const auto pattern = names.areFiles ? std::nullopt : FramePattern::parse(names.input);
+    if (pattern && !pattern->framesOnDisk().empty()) return "";
+    names.input = input.path;
+    return input.selected;
 }
 
 }  // namespace perch

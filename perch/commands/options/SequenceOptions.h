@@ -26,4 +26,7 @@ void addSequenceOptions(CLI::App& app, SequenceTexts& texts);
 // Sets what the options that `app` met stand for. Throws UsageError with what was expected.
 void takeSequenceOptions(const CLI::App& app, const SequenceTexts& texts, PictureNames& names);
 
+// What of its files the input's name selects, as ":beauty" at its end does; takes it off the name.
+std::string takeSelected(PictureNames& names);
+
 }  // namespace perch

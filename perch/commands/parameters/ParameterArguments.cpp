@@ -47,9 +47,9 @@ void takeParameter(const ParameterOption& option, const std::string& text, Param
     } else if (text == "none") {
         arguments.emptyLayers.insert(option.parameter.index);
     } else {
-        const pictures::ChannelOfFile named = pictures::parseChannelOfFile(text);
+        const pictures::SelectedPicture named = pictures::parseSelectedPicture(text);
         arguments.layers[option.parameter.index].name = named.path;
-        arguments.readings[option.parameter.index].channel = named.channel;
+        arguments.readings[option.parameter.index].selected = named.selected;
     }
 }
 

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <set>
 #include <system_error>
@@ -24,6 +25,7 @@ using Json = nlohmann::ordered_json;
 struct PictureFacts {
     std::string use;  // "input", or the option of a layer
     fs::path path;
+    std::string selected;  // of the file, a layer or a channel; empty: its first picture
     std::int32_t width;
     std::int32_t height;
     pictures::SampleType type;
@@ -37,11 +39,13 @@ struct GivenValue {
     std::vector<std::pair<std::int32_t, std::string>> values;
 };
 
-PictureFacts factsOf(const std::string& use, const fs::path& path, bool isStill,
-                     const std::string& channel = {}) {
-    const auto picture = failingAs<InputError>([&] { return pictures::readPicture(path, channel); });
+PictureFacts factsOf(const std::string& use, const fs::path& path, bool isStill, const std::string& selected,
+                     const pictures::ReadOptions& options) {
+    const auto picture =
+        failingAs<InputError>([&] { return pictures::readPicture(path, selected, options); });
     return {.use = use,
             .path = path,
+            .selected = selected,
             .width = picture.width,
             .height = picture.height,
             .type = picture.type(),
@@ -49,20 +53,26 @@ PictureFacts factsOf(const std::string& use, const fs::path& path, bool isStill,
             .isStill = isStill};
 }
 
-std::string channelOf(const PlannedJob& job, PF_ParamIndex layer) {
+std::string selectedOf(const PlannedJob& job, PF_ParamIndex layer) {
     const auto reading = job.parameters.readings.find(layer);
-    return reading == job.parameters.readings.end() ? "" : reading->second.channel;
+    return reading == job.parameters.readings.end() ? "" : reading->second.selected;
 }
 
 std::vector<PictureFacts> firstPictures(const PlannedJob& job) {
     std::vector<PictureFacts> facts;
     if (job.plan.frames.empty()) return facts;
     const FrameFiles& first = job.plan.frames.front();
-    facts.push_back(factsOf("input", first.input, !job.plan.isSequence));
-    for (const auto& [index, path] : first.layers)
-        facts.push_back(factsOf(layerOption(job, index), path, false, channelOf(job, index)));
-    for (const auto& [index, path] : job.plan.stillLayers)
-        facts.push_back(factsOf(layerOption(job, index), path, true, channelOf(job, index)));
+    const RenderSettings& settings = job.settings;
+    facts.push_back(
+        factsOf("input", first.input, !job.plan.isSequence, settings.selectedInput, settings.reading));
+    const auto addLayers = [&](const std::map<PF_ParamIndex, fs::path>& layers, bool areStill) {
+        for (const auto& [index, path] : layers) {
+            facts.push_back(
+                factsOf(layerOption(job, index), path, areStill, selectedOf(job, index), settings.reading));
+        }
+    };
+    addLayers(first.layers, false);
+    addLayers(job.plan.stillLayers, true);
     return facts;
 }
 
@@ -156,9 +166,10 @@ std::string planAsText(const PlannedJob& job) {
     std::string text = frames.empty() ? "no frames\n" : countedFrames(numbersOf(frames)) + '\n';
     for (const PictureFacts& picture : pictures) {
         text +=
-            fmt::format("{}: {}, {} x {}, {} bits{}, {}\n", picture.use, picture.path.string(), picture.width,
-                        picture.height, bitsOf(picture.type),
-                        isFloat(picture.type) ? " in floating point" : "", channelsText(picture.channels));
+            fmt::format("{}: {}{}{}, {} x {}, {} bits{}, {}\n", picture.use, picture.path.string(),
+                        picture.selected.empty() ? "" : ":", picture.selected, picture.width, picture.height,
+                        bitsOf(picture.type), isFloat(picture.type) ? " in floating point" : "",
+                        channelsText(picture.channels));
     }
     for (const GivenValue& given : givenValues(job)) {
         text += given.option + ':';
@@ -185,6 +196,7 @@ std::string planAsJson(const PlannedJob& job) {
         pictures[picture.use] = {{"file", picture.path.string()},    {"width", picture.width},
                                  {"height", picture.height},         {"bits", bitsOf(picture.type)},
                                  {"isFloat", isFloat(picture.type)}, {"channels", picture.channels}};
+        if (!picture.selected.empty()) pictures[picture.use]["selected"] = picture.selected;
     }
     Json values = Json::object();
     for (const GivenValue& given : givenValues(job))

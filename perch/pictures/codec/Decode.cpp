@@ -77,9 +77,10 @@ bool covers(const OIIO::ImageSpec& layout, const Window& window) {
            layout.y + layout.height >= window.y + window.height;
 }
 
-// An unspecified fourth channel is taken for straight alpha.
-bool isPremultiplied(const OIIO::ImageSpec& layout) {
-    return layout.alpha_channel >= 0 && layout.get_int_attribute(kAlphaIsStraight) == 0;
+// An unspecified fourth channel is taken for straight alpha. OpenEXR files name theirs, that of each layer.
+bool isPremultiplied(const OIIO::ImageSpec& layout, FileFormat format) {
+    const bool isNamed = layout.alpha_channel >= 0 || format == FileFormat::OpenExr;
+    return isNamed && layout.get_int_attribute(kAlphaIsStraight) == 0;
 }
 
 // Of the file, what has to be read for some of its channels.
@@ -208,11 +209,11 @@ Picture readPart(OIIO::ImageInput& file, FileFormat format, const PictureSource&
     const Channels& channels = source.channels;
     const SampleType type = requireType(layout, channels);
     const Window window = windowOf(layout, format);
-    const bool isDepth = channels.size() == 1 && isFloat(type) && !isGrey(layout, channels);
+    const bool isDepth = channels.size() == 1 && isFloat(type) && !source.isGrey;
     // Outside of what was rendered a picture is transparent, so that it has alpha there.
     const bool needsAlpha = channels.size() % 2 == 1 && !isDepth && !covers(layout, window);
     Picture picture = newPicture(window.width, window.height, channels.size() + (needsAlpha ? 1 : 0), type);
-    picture.isPremultiplied = picture.hasAlpha() && (needsAlpha || isPremultiplied(layout));
+    picture.isPremultiplied = picture.hasAlpha() && (needsAlpha || isPremultiplied(layout, format));
     if (isDepth) {
         std::ranges::fill(std::get<std::vector<float>>(picture.samples),
                           std::numeric_limits<float>::quiet_NaN());
@@ -238,7 +239,7 @@ Picture readPart(OIIO::ImageInput& file, FileFormat format, const PictureSource&
 
 }  // namespace
 
-Picture decode(std::span<const unsigned char> bytes, FileFormat format, const std::string& channel,
+Picture decode(std::span<const unsigned char> bytes, FileFormat format, const std::string& selected,
                const ReadOptions& options) {
     bool isDamaged = !reachesItsEnd(bytes, format);
     if (isDamaged && !options.acceptsDamage) throw PictureError(kDamaged);
@@ -255,8 +256,8 @@ Picture decode(std::span<const unsigned char> bytes, FileFormat format, const st
         throw PictureError(kDamaged);
     }
     const int parts = countParts(*file, format);
-    const PictureSource source = channel.empty() ? PictureSource{0, firstChannels(layout, format)}
-                                                 : findChannel(*file, channel, parts);
+    const PictureSource source =
+        selected.empty() ? firstPicture(layout, format) : namedPicture(*file, selected, parts);
     file->seek_subimage(source.part, 0);
     requireBelievable(file->spec(), format, claimOf(file->spec(), format, source.channels, bytes), bytes,
                       options);
@@ -265,7 +266,7 @@ Picture decode(std::span<const unsigned char> bytes, FileFormat format, const st
     Picture picture = readPart(*file, format, source, bytes);
     picture.metadata = metadataOf(file->spec(), format, bytes, picture.channels < 3);
     picture.parts = parts;
-    if (channel.empty()) picture.depthChannel = depthBeside(file->spec(), format, source.channels);
+    if (selected.empty()) picture.depthChannel = depthBeside(file->spec(), format, source.channels);
     picture.software = file->spec().get_string_attribute("Software");
     picture.frameRate = frameRateOf(file->spec());
     file->close();  // gives back what the decoder holds, before another takes as much

@@ -11,7 +11,7 @@
 namespace pictures {
 
 // As Codec::decode.
-Picture decode(std::span<const unsigned char> bytes, FileFormat format, const std::string& channel,
+Picture decode(std::span<const unsigned char> bytes, FileFormat format, const std::string& selected,
                const ReadOptions& options);
 
 }  // namespace pictures

@@ -17,9 +17,9 @@ public:
         OIIO::attribute("threads", 1);  // frames are decoded beside one another; a pool would only be started
     }
 
-    Picture decode(std::span<const unsigned char> bytes, FileFormat format, const std::string& channel,
+    Picture decode(std::span<const unsigned char> bytes, FileFormat format, const std::string& selected,
                    const ReadOptions& options) const override {
-        return pictures::decode(bytes, format, channel, options);
+        return pictures::decode(bytes, format, selected, options);
     }
 
     EncodedPicture encode(const Picture& picture, const Encoding& encoding) const override {

@@ -186,15 +186,40 @@ TEST_F(PictureJobsTest, PartsOfOneFileAreBeautyAndDepth) {
         "-i parts.exr -o out.exr --control-layer parts.exr:Z --control-range 2:30 --encode log "
         "--maximum-blur 9");
     ASSERT_EQ(result.status, 0) << result.err;
-    EXPECT_EQ(
-        result.err,
-        "perch: note: \"parts.exr\" has 2 parts and the first is read; a layer's file can be followed by the "
-        "channel of another, as NAME:Z\n");
+    EXPECT_EQ(result.err,
+              "perch: note: \"parts.exr\" has 2 parts and the first is read; the name of another, or of its "
+              "channel, "
+              "can follow the file's, as NAME:Z\n");
     const Samples out = samples("out.exr");
     EXPECT_EQ(out.type, OIIO::TypeHalf);
     EXPECT_GT(*std::ranges::max_element(out.values), 4);  // highlights stay above white
     const Samples before = samples("beauty.exr");
     EXPECT_NE(out.values, before.values);
+}
+
+TEST_F(PictureJobsTest, LayersOfTheInputAreRendered) {
+    make(kNoise + "-d half -o a.exr && " + kNoise +
+         "--mulc 0.5 --chnames fog.R,fog.G,fog.B,fog.A -d half -o fog.exr && "
+         "oiiotool a.exr fog.exr --chappend -o in.1.exr && cp in.1.exr in.2.exr && "
+         "oiiotool fog.exr --chnames R,G,B,A -o want.exr");
+    const std::string job = " -o out.#.exr --control-layer none --blend-with-original 100 --existing skip";
+    ASSERT_EQ(perch("-i in.#.exr" + job).status, 0);
+    EXPECT_EQ(samples("out.2.exr").values, samples("a.exr").values);
+    const ProgramResult fog = perch("-i in.#.exr:fog --report report.json" + job);
+    EXPECT_EQ(fog.err.find("up to date"), std::string::npos) << fog.err;
+    EXPECT_EQ(samples("out.1.exr").values, samples("want.exr").values);
+    EXPECT_EQ(samples("out.2.exr").values, samples("want.exr").values);
+    const ProgramResult again = perch("-i in.#.exr:fog --dry-run" + job);
+    EXPECT_NE(again.err.find("2 frames, 1-2, are up to date"), std::string::npos) << again.err;
+    EXPECT_NE(perch("-i in.#.exr:fog --dry-run --frames 1 -o x.#.exr")
+                  .out.find("input: in.1.exr:fog, 62 x 43, 16 bits in floating point, RGBA\n"),
+              std::string::npos);
+    const ProgramResult refused = perch("-i in.1.exr:smoke -o x.exr");
+    EXPECT_EQ(refused.status, 3);
+    EXPECT_EQ(refused.err,
+              "perch: cannot read \"in.1.exr\": it has no layer or channel \"smoke\"; it has the layers fog "
+              "and the "
+              "channels R, G, B, A, fog.R, fog.G, fog.B, fog.A\n");
 }
 
 TEST_F(PictureJobsTest, ColoursOfAFileThatHasDepthsAreNotTakenForThemInSilence) {

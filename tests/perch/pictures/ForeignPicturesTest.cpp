@@ -228,16 +228,104 @@ TEST_F(ForeignPicturesTest, ChannelsArePickedByNameFromAnyPart) {
     EXPECT_EQ(readPicture(folder / "mixed.exr").type(), SampleType::Half);
     EXPECT_EQ(readPicture(folder / "parts.exr").parts, 2);
     EXPECT_EQ(failureToRead("parts.exr", "Q"),
-              "it has no channel \"Q\"; it has rgba.R, rgba.G, rgba.B, rgba.A, depth.Z");
-    EXPECT_EQ(failureToRead("rgba.png", "Z"), "it has no channel \"Z\"; it has R, G, B, A");
+              "it has no layer or channel \"Q\"; it has the layers rgba, depth and the channels rgba.R, "
+              "rgba.G, rgba.B, rgba.A, depth.Z");
+    EXPECT_EQ(failureToRead("rgba.png", "Z"),
+              "it has no layer or channel \"Z\"; it has the channels R, G, B, A");
+}
+
+TEST_F(ForeignPicturesTest, LayersAreColoursBelowANameOrAPartOfThatName) {
+    // The layers in one part, with a type each; the same as parts; and parts that have layers.
+    runTool(
+        folder.path,
+        "oiiotool --create 4x2 4 --fill:color=0.1,0.2,0.3,0.5 4x2+0+0 -d half -o beauty.exr "
+        "--create 4x2 4 --fill:color=4,5,6,0.25 4x2+0+0 -d float -o unnamed.exr "
+        "--chnames fog.R,fog.G,fog.B,fog.A -o fog.exr "
+        "--create 4x2 3 --fill:color=7,8,9 4x2+0+0 --chnames a.b.R,a.b.G,a.b.B -d half -o deep.exr "
+        "--create 4x2 1 --fill:color=10 4x2+0+0 --chnames mask.Y -o mask.exr "
+        "--create 4x2 1 --fill:color=11 4x2+0+0 --chnames Z -d float -o z.exr "
+        "--chnames depth.Z -o depth.exr --create 4x2 2 --chnames motion.X,motion.Y -d half -o motion.exr && "
+        "oiiotool beauty.exr fog.exr --chappend deep.exr --chappend mask.exr --chappend depth.exr "
+        "--chappend motion.exr --chappend -d half -d fog.R=float -d fog.G=float -d fog.B=float "
+        "-d fog.A=float -d depth.Z=float -o layers.exr && "
+        "oiiotool beauty.exr --attrib name rgba unnamed.exr --attrib name fog z.exr --attrib name depth "
+        "--siappendall -o parts.exr && "
+        "oiiotool beauty.exr --attrib name left fog.exr --attrib name right --siappend -o views.exr && "
+        "oiiotool fog.exr deep.exr --chappend -o none.exr");
+    struct Case {
+        const char* file;
+        const char* layer;
+        std::vector<float> pixel;
+        SampleType type = SampleType::Float;
+    };
+    const std::vector<float> beauty{0.1F, 0.2F, 0.3F, 0.5F};
+    const std::vector<float> fog{4, 5, 6, 0.25F};
+    const std::vector<float> deep{7, 8, 9};
+    const Case cases[] = {
+        {"layers.exr", "", beauty, SampleType::Half},
+        {"layers.exr", "fog", fog},
+        {"layers.exr", "a.b", deep, SampleType::Half},
+        {"layers.exr", "mask", {10}, SampleType::Half},
+        {"layers.exr", "depth", {11}},
+        {"layers.exr", "fog.G", {5}},
+        {"parts.exr", "rgba", beauty, SampleType::Half},
+        {"parts.exr", "fog", fog},
+        {"parts.exr", "depth", {11}},
+        {"views.exr", "right.fog", fog},
+        {"views.exr", "fog", fog},
+        {"none.exr", "fog", fog},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::string(c.file) + ":" + c.layer);
+        const Picture picture = readPicture(folder / c.file, c.layer);
+        EXPECT_EQ(picture.type(), c.type);
+        ASSERT_EQ(picture.channels, c.pixel.size());
+        EXPECT_EQ(picture.isPremultiplied, picture.hasAlpha());
+        const auto& samples = std::get<std::vector<float>>(picture.samples);
+        ASSERT_EQ(samples.size(), 8 * c.pixel.size());
+        for (std::size_t i = 0; i < samples.size(); ++i)
+            EXPECT_NEAR(samples[i], c.pixel[i % c.pixel.size()], 1e-3) << i;
+    }
+    EXPECT_EQ(
+        failureToRead("layers.exr", "motion"),
+        "it has no layer or channel \"motion\"; it has the layers a.b, depth, fog, mask and the channels "
+        "R, G, B, A, a.b.R, a.b.G, a.b.B, depth.Z, fog.R, fog.G, fog.B, fog.A, mask.Y, motion.X, motion.Y");
+    EXPECT_EQ(
+        failureToRead("none.exr"),
+        "it has the layers a.b, fog and the channels a.b.R, a.b.G, a.b.B, fog.R, fog.G, fog.B, fog.A and "
+        "not R, G and B; name one of them after the file, as :a.b");
+}
+
+TEST_F(ForeignPicturesTest, NamesBehindAColonSelectUnlessTheyAreOfTheFile) {
+    runTool(folder.path, "touch a.exr:fog");
+    const std::string there = (folder / "a.exr:fog").string();
+    const struct {
+        std::string text;
+        std::string path;
+        std::string selected;
+    } cases[] = {
+        {"b.exr:fog", "b.exr", "fog"},
+        {"b.####.exr:a.b", "b.####.exr", "a.b"},
+        {"m.png:A", "m.png", "A"},
+        {"a:b/m.png", "a:b/m.png", ""},
+        {"take:fog", "take:fog", ""},
+        {"a.exr:b.exr", "a.exr:b.exr", ""},
+        {"a.exr:b.#.png", "a.exr:b.#.png", ""},
+        {there, there, ""},
+    };
+    for (const auto& [text, path, selected] : cases) {
+        const SelectedPicture parsed = parseSelectedPicture(text);
+        EXPECT_EQ(parsed.path, path) << text;
+        EXPECT_EQ(parsed.selected, selected) << text;
+    }
 }
 
 TEST_F(ForeignPicturesTest, FileWithoutColoursListsItsChannels) {
     runTool(folder.path, "oiiotool --create 2x1 2 --chnames motion.X,motion.Y -d half -o motion.exr");
     EXPECT_EQ(
         failureToRead("motion.exr"),
-        "it has the channels motion.X, motion.Y and not R, G and B; save it with these, or for a layer name "
-        "one of them after the file, as :motion.X");
+        "it has the channels motion.X, motion.Y and not R, G and B; name one of them after the file, as "
+        ":motion.X");
 }
 
 TEST_F(ForeignPicturesTest, LuminanceAndChromaAreNoGrey) {

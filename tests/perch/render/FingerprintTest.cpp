@@ -76,7 +76,9 @@ TEST(FingerprintTest, WhateverChangesPixelsOrBytesChangesIt) {
         {"a layer for all frames", [](auto& of) { of.plan.stillLayers[kMatte] = of.folder / "matte.exr"; }},
         {"a layer without a picture", [](auto& of) { of.plan.frames[0].missingLayers = {kMatte}; }},
         {"another layer without one", [](auto& of) { of.plan.frames[0].missingLayers = {kMatte + 1}; }},
-        {"a channel", [](auto& of) { of.settings.layers[kMatte].channel = "Z"; }},
+        {"a layer of the input", [](auto& of) { of.settings.selectedInput = "beauty"; }},
+        {"another layer of the input", [](auto& of) { of.settings.selectedInput = "fog"; }},
+        {"a channel", [](auto& of) { of.settings.layers[kMatte].selected = "Z"; }},
         {"a range",
          [](auto& of) {
              of.settings.layers[kMatte].range = {1, 9, false};

@@ -81,7 +81,7 @@ TEST_F(MistakesTest, LayersThatHardlyFitAreWarnedOf) {
     write("square.png", {2, 2, 1});
     writeFile<std::uint8_t>(folder / "flat.png", {4, 2, 2}, {9, 1, 9, 2, 9, 3, 9, 4, 9, 5, 9, 6, 9, 7, 9, 8});
     const auto readingOf = [](LayerChannel channel) {
-        return LayerReading{.channel = "",
+        return LayerReading{.selected = "",
                             .option = "--matte",
                             .channelOption = "--matte-channel",
                             .usedChannel = channel,

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "Error.h"
+#include "TemporaryFolder.h"
 
 namespace perch::test {
 namespace {
@@ -63,6 +64,31 @@ TEST(RenderOptionsTest, EachShardHasAReportOfItsOwn) {
     std::vector<std::string> arguments = withPictures("--shard", "1/2");
     arguments.insert(arguments.end(), {"--report", "report.json"});
     EXPECT_THROW(parseRenderOptions(arguments), UsageError) << "the other would replace it";
+}
+
+TEST(RenderOptionsTest, InputCanNameALayerOfItsFiles) {
+    const TemporaryFolder folder;
+    std::ofstream(folder / "real.0001.exr:fog");
+    const std::string real = (folder / "real.####.exr:fog").string();
+    const struct {
+        std::vector<std::string> arguments;
+        std::string input;
+        std::string selected;
+    } cases[] = {
+        {{"-i", "a.exr:fog"}, "a.exr", "fog"},
+        {{"-i", "a.####.exr:fog.Z"}, "a.####.exr", "fog.Z"},
+        {{"-i", "a.exr:fog", "--no-pattern"}, "a.exr", "fog"},
+        {{"-i", "a.exr"}, "a.exr", ""},
+        {{"-i", real}, real, ""},
+        {{"-i", real, "--no-pattern"}, (folder / "real.####.exr").string(), "fog"},
+    };
+    for (const auto& [arguments, input, selected] : cases) {
+        std::vector<std::string> all = arguments;
+        all.insert(all.end(), {"-o", "out.exr"});
+        const RenderOptions options = parseRenderOptions(all);
+        EXPECT_EQ(options.names.input, input) << arguments[1];
+        EXPECT_EQ(options.settings.selectedInput, selected) << arguments[1];
+    }
 }
 
 TEST(RenderOptionsTest, OptionsAreKnownToBeGivenWhateverTheySay) {
