@@ -13,6 +13,7 @@
 #include <variant>
 #include <vector>
 
+#include "ExrChunks.h"
 #include "FileClaims.h"
 #include "JpegScans.h"
 #include "LibraryName.h"
@@ -200,6 +201,7 @@ ClaimedPicture claimOf(const OIIO::ImageSpec& layout, FileFormat format, const C
 
 bool hasDamagedPixels(std::span<const unsigned char> bytes, FileFormat format, int part) {
     if (format == FileFormat::Tiff) return hasDamagedStrip(bytes, part);
+    if (format == FileFormat::OpenExr) return lacksChunks(bytes, part);
     return format == FileFormat::Targa && TargaPixels(bytes).areDamaged();
 }
 
@@ -243,6 +245,7 @@ Picture decode(std::span<const unsigned char> bytes, FileFormat format, const st
                const ReadOptions& options) {
     bool isDamaged = !reachesItsEnd(bytes, format);
     if (isDamaged && !options.acceptsDamage) throw PictureError(kDamaged);
+    if (format == FileFormat::OpenExr && lacksTables(bytes)) throw PictureError(kDamaged);
     if (isEmptyPng(bytes, format)) throw PictureError(kEmpty);
     OIIO::Filesystem::IOMemReader memory(bytes.data(), bytes.size());
     OIIO::ImageSpec keepAlpha;

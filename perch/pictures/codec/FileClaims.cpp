@@ -92,21 +92,37 @@ void requireMemory(const ClaimedPicture& picture, std::int64_t heldBeside, const
     }
 }
 
+constexpr std::size_t kDeflated = 1032;
+
+struct Expansion {
+    std::string_view compression;
+    std::size_t most;
+};
+
+// Of TIFF and OpenEXR, for a byte of the file.
+constexpr Expansion kExpansions[] = {
+    {"none", 1},
+    {"lzw", 1400},  // strings of up to 3837 bytes, each one longer than another
+    {"packbits", 64},
+    {"rle", 64},
+    {"zip", kDeflated},
+    {"zips", kDeflated},
+    {"pxr24", kDeflated * 4 / 3},  // three bytes of four
+    {"piz", 512},                  // runs of 255 numbers of 16 bits in 9 bits
+    {"b44", 3},                    // blocks of 32 bytes in 14
+    {"b44a", 11},                  // or in 3
+};
+
 // How many bytes of samples a byte of the file can stand for at most; 0 where that is not known.
 std::size_t mostExpansion(const OIIO::ImageSpec& layout, FileFormat format) {
-    constexpr std::size_t kDeflated = 1032;
-    constexpr std::size_t kRuns = 64;
-    constexpr std::size_t kLzw = 1400;  // strings of up to 3837 bytes, each one longer than another
     const std::string compression = layout.get_string_attribute("compression");
+    const auto known = std::ranges::find(kExpansions, compression, &Expansion::compression);
     switch (format) {
         case FileFormat::Png:
             return kDeflated;
         case FileFormat::Tiff:
         case FileFormat::OpenExr:
-            if (compression == "none") return 1;
-            if (compression == "lzw") return kLzw;
-            if (compression == "packbits" || compression == "rle") return kRuns;
-            return compression.starts_with("zip") ? kDeflated : 0;
+            return known != std::end(kExpansions) ? known->most : 0;
         case FileFormat::Jpeg:
             return 8 * 64 * 3;  // a bit for each block of 64 pixels, of three channels
         case FileFormat::Dpx:
@@ -119,11 +135,13 @@ std::size_t mostExpansion(const OIIO::ImageSpec& layout, FileFormat format) {
     return 0;
 }
 
-void requireBytesFor(const OIIO::ImageSpec& layout, FileFormat format, std::size_t fileSize) {
+// Of a file that is cut short what there is can be wanted all the same.
+void requireBytesFor(const OIIO::ImageSpec& layout, FileFormat format, std::size_t fileSize,
+                     bool acceptsDamage) {
     constexpr std::size_t kSamplesOfOneBit = 8 * 3;  // in a palette they are of three channels
-    const std::size_t expansion = mostExpansion(layout, format);
-    if (expansion != 0 && layout.image_bytes(true) / kSamplesOfOneBit / expansion > fileSize)
-        throw PictureError(kDamaged);
+    const bool isExact = format == FileFormat::OpenExr && !acceptsDamage;
+    const std::size_t expansion = mostExpansion(layout, format) * (isExact ? 1 : kSamplesOfOneBit);
+    if (expansion != 0 && layout.image_bytes(true) / expansion > fileSize) throw PictureError(kDamaged);
 }
 
 // The reader takes a strip whole, and counts its samples in an int.
@@ -142,7 +160,7 @@ void requireBelievable(const OIIO::ImageSpec& layout, FileFormat format, const C
     requireExtent(layout.width, layout.height, options);
     requireMemory(picture, heldByDecoder(layout, format, picture.isReadByLibrary, bytes), options);
     if (format == FileFormat::Tiff) requireStrips(layout);
-    requireBytesFor(layout, format, bytes.size());
+    requireBytesFor(layout, format, bytes.size(), options.acceptsDamage);
 }
 
 int rowsAtOnce(const OIIO::ImageSpec& layout) {

@@ -8,7 +8,9 @@
 #include <fstream>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <variant>
+#include <vector>
 
 #include "Codec.h"
 #include "FileBytes.h"
@@ -140,6 +142,37 @@ TEST_F(ReadingMemoryTest, IsNoneForAFalseSize) {
     std::ranges::copy(claim, png.begin() + 16);
     const std::int64_t taken = memoryTakenBy([&] { EXPECT_THROW(decode(png), PictureError); });
     EXPECT_LE(taken, kSlack);
+}
+
+// The number in a file behind the name of an attribute, its type and its length.
+void replaceIn(FileBytes& bytes, std::string_view attribute, std::size_t distance, std::string_view number) {
+    std::string text(bytes.begin(), bytes.end());
+    text.replace(text.find(attribute) + distance, number.size(), number);
+    std::ranges::copy(text, bytes.begin());
+}
+
+TEST_F(ReadingMemoryTest, IsNoneForWindowsThatAnOpenExrFileHasNoChunksFor) {
+    using namespace std::string_view_literals;
+    constexpr std::string_view kLast = "\x7F\x3E\0\0\x7F\x3E\0\0"sv;  // 15999
+    std::string make = "oiiotool --pattern noise 300x200 4 -d half ";
+    std::vector<std::string> names;
+    for (const std::string name :
+         {"none", "rle", "zips", "zip", "piz", "pxr24", "b44", "b44a", "dwaa", "dwab"}) {
+        make += "--compression " + name + " -o claims-" + name + ".exr ";
+        names.push_back("claims-" + name + ".exr");
+    }
+    make +=
+        "--tile 16 16 --compression piz -o claims-tiles.exr && "
+        "oiiotool claims-piz.exr claims-piz.exr --siappend -o claims-parts.exr";
+    names.insert(names.end(), {"claims-tiles.exr", "claims-parts.exr"});
+    runTool(folder->path, make);
+    for (const std::string& name : names) {
+        FileBytes bytes = readFile(*folder / name);
+        replaceIn(bytes, "displayWindow", 32, kLast);
+        replaceIn(bytes, "dataWindow", 29, kLast);
+        const std::int64_t taken = memoryTakenBy([&] { EXPECT_THROW(decode(bytes), PictureError) << name; });
+        EXPECT_LE(taken, kSlack) << name;
+    }
 }
 
 }  // namespace
