@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""kill_and_resume.py PERCH SAMPLES [TIMES]: kills a keyed sequence so many times (50) at random moments, lets --existing skip finish it,
+"""test-resume.py PERCH SAMPLES [TIMES]: kills a keyed sequence so many times (50) at random moments, lets --existing skip finish it,
 and compares the files and the report with those of a run that nobody has disturbed. After each kill the report must be whole."""
 import json
 import pathlib
