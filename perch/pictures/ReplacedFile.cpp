@@ -11,6 +11,7 @@
 #include <atomic>
 #include <cerrno>
 #include <map>
+#include <memory>
 #include <random>
 #include <set>
 #include <string>
@@ -92,20 +93,21 @@ public:
           descriptor(open(name.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0666)) {
         if (descriptor.number < 0) refuseBecauseOf(named, errno);
         enlist();
-        // Whoever tidies up may have taken it for a file left behind in the moment before it was locked.
-        struct stat status {};
-        if (flock(descriptor.number, LOCK_EX) != 0 || fstat(descriptor.number, &status) != 0 ||
-            status.st_nlink == 0) {
-            const int error = status.st_nlink == 0 ? EAGAIN : errno;
-            drop();
-            refuseBecauseOf(named, error);
-        }
+        if (flock(descriptor.number, LOCK_EX) == 0) return;
+        const int error = errno;
+        drop();
+        refuseBecauseOf(named, error);
     }
     ~TemporaryFile() { drop(); }
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
 
     int number() const { return descriptor.number; }
+
+    bool isThere() const {
+        struct stat status {};
+        return fstat(descriptor.number, &status) == 0 && status.st_nlink > 0;
+    }
 
     bool renameTo(const fs::path& target) {
         if (std::rename(name.c_str(), target.c_str()) != 0) return false;
@@ -135,6 +137,16 @@ private:
     const Descriptor descriptor;
     bool isRenamed = false;
 };
+
+// Another run for the same name that tidies up takes one that is not locked yet for a file left behind.
+std::unique_ptr<TemporaryFile> newTemporaryFile(const fs::path& named, const fs::path& target) {
+    constexpr int kMostTries = 1000;
+    for (int i = 0; i < kMostTries; ++i) {
+        auto file = std::make_unique<TemporaryFile>(named, target);
+        if (file->isThere()) return file;
+    }
+    refuseToWrite(named, "somebody removes what is written for it; choose another name");
+}
 
 bool writeAll(int file, std::span<const unsigned char> bytes) {
     while (!bytes.empty()) {
@@ -224,7 +236,7 @@ void prepareToReplace(std::span<const fs::path> paths) {
         makeFolder(path, folder.firstFile);
     for (const auto& [path, folder] : folders) {
         removeLeftovers(path, folder.prefixes);
-        const TemporaryFile tried(folder.firstFile, folder.firstTarget);
+        newTemporaryFile(folder.firstFile, folder.firstTarget);
     }
 }
 
@@ -234,12 +246,12 @@ void replaceFile(const fs::path& path, std::span<const unsigned char> bytes,
     struct stat older {};
     const bool exists = stat(target.c_str(), &older) == 0;
     if (exists) requireReplaceable(path, older);
-    TemporaryFile temporary(path, target);
-    if (!writeThrough(temporary.number(), bytes, checkpoint)) refuseBecauseOf(path, errno);
-    if (exists && !takeOver(temporary.number(), older)) {
+    const std::unique_ptr<TemporaryFile> temporary = newTemporaryFile(path, target);
+    if (!writeThrough(temporary->number(), bytes, checkpoint)) refuseBecauseOf(path, errno);
+    if (exists && !takeOver(temporary->number(), older)) {
         refuseToWrite(path, "it belongs to another user; choose another name");
     }
-    if (fsync(temporary.number()) != 0 || !temporary.renameTo(target)) refuseBecauseOf(path, errno);
+    if (fsync(temporary->number()) != 0 || !temporary->renameTo(target)) refuseBecauseOf(path, errno);
     // The name as well; a file system that cannot do that has done all it can.
     const Descriptor folder(open(folderOf(target).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (folder.number >= 0) fsync(folder.number);

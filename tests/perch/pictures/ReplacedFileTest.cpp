@@ -9,9 +9,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <csignal>
 #include <set>
 #include <string>
+#include <thread>
 
 #include "PictureError.h"
 #include "PictureFiles.h"
@@ -162,6 +164,22 @@ TEST_F(ReplacedFileTest, WhatAKilledRunLeftIsRemovedByTheNextForTheSameName) {
     }
     EXPECT_EQ(failureToPrepare("a"), "nothing was thrown");
     EXPECT_EQ(names(), std::set<std::string>());
+}
+
+// Each tidies up when it begins, whatever the other has just made and not locked yet.
+TEST_F(ReplacedFileTest, RunsForTheSameNameAtOnceDoNotHarmEachOther) {
+    constexpr int kRounds = 100;
+    std::atomic<bool> isOver{false};
+    std::thread other([&] {
+        while (!isOver)
+            EXPECT_EQ(failureToPrepare("a"), "nothing was thrown");
+    });
+    for (int i = 0; i < kRounds; ++i)
+        EXPECT_NO_THROW(replaceFile(folder / "a", asBytes("whole")));
+    isOver = true;
+    other.join();
+    EXPECT_EQ(bytesOf(folder / "a"), "whole");
+    EXPECT_EQ(names(), std::set<std::string>{"a"});
 }
 
 }  // namespace
