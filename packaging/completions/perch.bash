@@ -1,18 +1,31 @@
 # Completion of perch's command lines for bash. What it offers is what perch's own help lists: the options of the command,
-# the parameters of the effect among them, and the items of its popups.
+# the parameters of the effect among them, and the words that an option takes.
 
 _perch_complete() {
-    local program=$1 word=$2 option=$3 command=${COMP_WORDS[1]} effect=() help line candidates i
+    local program=$1 word=$2 option=$3 words=("${COMP_WORDS[@]}") at=$COMP_CWORD command effect=() help line candidates i
     local IFS=$'\n'
     COMPREPLY=()
-    if ((COMP_CWORD == 1)); then
+    # What a job runs, behind --, is a command line of its own.
+    for ((i = 2; i < COMP_CWORD; ++i)); do
+        if [[ ${words[i]} == -- ]]; then
+            words=("${words[@]:i+1}")
+            at=$((COMP_CWORD - i - 1))
+            break
+        fi
+    done
+    if ((at == 0)); then
+        COMPREPLY=($(compgen -W "$program" -- "$word"))
+        return
+    fi
+    if ((at == 1)); then
         candidates=$("$program" --help 2>/dev/null | sed -n '/^Commands:/,/^$/s/^  \([a-z-]*\) .*/\1/p')
         COMPREPLY=($(compgen -W "$candidates"$'\n--help\n--version' -- "$word"))
         return
     fi
 
-    for ((i = 2; i < COMP_CWORD - 1; ++i)); do
-        if [[ ${COMP_WORDS[i]} == --plugin ]]; then effect=(--plugin "${COMP_WORDS[i + 1]}"); fi
+    command=${words[1]}
+    for ((i = 2; i < at - 1; ++i)); do
+        if [[ ${words[i]} == --plugin ]]; then effect=(--plugin "${words[i + 1]}"); fi
     done
     help=$("$program" "$command" "${effect[@]}" --help 2>/dev/null)
     if [[ $word == -* ]]; then
@@ -22,7 +35,12 @@ _perch_complete() {
     fi
 
     if [[ $option != -* ]]; then
-        COMPREPLY=($(compgen -f -- "$word"))
+        candidates=$(sed -n 's/^  [A-Z]* \([a-z]*|[a-z|]*\) .*/\1/p' <<<"$help")
+        if [[ $at == 2 && -n $candidates ]]; then
+            COMPREPLY=($(compgen -W "${candidates//|/$IFS}" -- "$word"))
+        else
+            COMPREPLY=($(compgen -f -- "$word"))
+        fi
         return
     fi
     line=$(sed -n "/^ *\(-., *\)\{0,1\}$option /p; /^ *$option,--/p" <<<"$help")
@@ -32,8 +50,11 @@ _perch_complete() {
             candidates=${candidates%%, or its number*}
             COMPREPLY=($(compgen -W "${candidates//, /$IFS}" -- "$word"))
             ;;
-        *"[on|off]"*) COMPREPLY=($(compgen -W $'on\noff' -- "$word")) ;;
         *" PICTURE "* | *" FILE "* | *" FOLDER "* | *" BUNDLE "*) COMPREPLY=($(compgen -f -- "$word")) ;;
+        *)
+            candidates=$(sed -n 's/^ *--[a-z0-9-]* \[\{0,1\}\([a-z0-9]*|[a-z0-9|]*\).*/\1/p' <<<"$line")
+            COMPREPLY=($(compgen -W "${candidates//|/$IFS}" -- "$word"))
+            ;;
     esac
 }
 

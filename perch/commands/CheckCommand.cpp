@@ -29,8 +29,7 @@ struct CheckOptions {
 
 void addOptions(CLI::App& app, CheckOptions& options) {
     addHelpFlag(app, options.wantsHelp);
-    app.add_option("PLUGIN", options.plugin, "the effect; without it, the only one beside the program")
-        ->type_name("");
+    addPlugin(app, options.plugin);
     app.add_flag("--json", options.wantsJson, "print JSON");
     app.add_option("--rule", options.rule, "try this one alone, by its number (default: all)")
         ->type_name("N");
@@ -106,6 +105,7 @@ int runCheckCommand(const std::vector<std::string>& arguments) {
         printResult(app.help());
         return kDone;
     }
+    requireOnePlugin(app);
     const std::chrono::nanoseconds limit = parseSeconds("--timeout", options.limit);
     const std::optional<std::size_t> only = parseRule(options.rule);
     const std::string plugin = chooseBundle(options.plugin).string();

@@ -18,8 +18,7 @@ int runDescribeCommand(const std::vector<std::string>& arguments) {
     std::string plugin;
     std::string timeout = "0";
     addHelpFlag(app, wantsHelp);
-    app.add_option("PLUGIN", plugin, "the effect; without it, the only one beside the program")
-        ->type_name("");
+    addPlugin(app, plugin);
     app.add_flag("--json", wantsJson, "print JSON");
     addTimeout(app, timeout);
     addInProcessFlag(app);
@@ -28,6 +27,7 @@ int runDescribeCommand(const std::vector<std::string>& arguments) {
         printResult(app.help());
         return kDone;
     }
+    requireOnePlugin(app);
     whereabouts().limit = parseSeconds("--timeout", timeout).count();
     Effect effect(chooseBundle(plugin), HostOptions{});
     effect.printDefaults();

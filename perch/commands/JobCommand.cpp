@@ -40,12 +40,17 @@ constexpr std::array kSchedulers{
 
 constexpr char kExample[] = "perch job slurm --tasks 8 -- perch render -i in.####.png -o out.####.png";
 
-const Scheduler& schedulerNamed(const std::string& name) {
+Arguments schedulerNames() {
     Arguments names;
-    for (const Scheduler& scheduler : kSchedulers) {
-        if (scheduler.name == name) return scheduler;
+    for (const Scheduler& scheduler : kSchedulers)
         names.emplace_back(scheduler.name);
-    }
+    return names;
+}
+
+const Scheduler& schedulerNamed(const std::string& name) {
+    for (const Scheduler& scheduler : kSchedulers)
+        if (scheduler.name == name) return scheduler;
+    const Arguments names = schedulerNames();
     if (name.empty())
         throw UsageError(
             fmt::format("a scheduler is missing: {}; for example {}", fmt::join(names, ", "), kExample));
@@ -93,7 +98,7 @@ int runJobCommand(const Arguments& arguments) {
            "SCHEDULER", scheduler,
            "slurm: a script for sbatch; parallel: a line of GNU parallel; openjd: an Open Job Description "
            "template")
-        ->type_name("");
+        ->type_name(fmt::format("{}", fmt::join(schedulerNames(), "|")));
     app.add_option("--tasks", tasks, "how many tasks share the frames")->type_name("N");
     app.add_option("-o,--output", output, "the file to be written; without it, the job is printed")
         ->type_name("FILE");

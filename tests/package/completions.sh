@@ -58,6 +58,19 @@ expect "" perch render --maximum-blur b
 expect "" perch render --no-such-option b
 expect "" perch no-such-command --f
 expect "beauty.png" perch describe b
+expect "beauty.png" perch describe --plugin b
+expect "auto json line none openjd" perch render --progress ""
+expect "skip" perch render --existing s
+expect "16 8 auto" perch render --depth ""
+expect "hold" perch sheet --missing-layer-frame h
+expect "openjd parallel slurm" perch job ""
+expect "slurm" perch job s
+expect "beauty.png" perch job slurm --output b
+expect "perch" perch job slurm --tasks 8 -- p
+expect "render" perch job slurm --tasks 8 -- perch re
+expect "--focal-point --frames --frames-from" perch job slurm --tasks 8 -- perch render --f
+expect "Fine" perch job slurm --tasks 8 -- perch render --blur-type F
+expect "continue" perch job slurm --tasks 8 -- perch render -i beauty.png --on-error c
 
 # All options that a command's help lists, and no others.
 for command in $(perch --help | sed -n '/^Commands:/,/^$/s/^  \([a-z-]*\) .*/\1/p'); do

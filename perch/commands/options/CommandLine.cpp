@@ -34,12 +34,25 @@ std::string firstLine(std::string_view text) {
 }  // namespace
 
 void addHelpFlag(CLI::App& app, bool& wantsHelp) {
+    constexpr std::size_t kColumn = 42;  // beyond the longest name with its words
+    app.get_formatter()->column_width(kColumn);
     app.set_help_flag();
     app.add_flag("-h,--help", wantsHelp, "list the options");
 }
 
 void addInProcessFlag(CLI::App& app) {
     app.add_flag(kInProcessOption)->description("run the effect in this process, as debuggers like it");
+}
+
+void addPlugin(CLI::App& app, std::string& plugin) {
+    app.add_option("PLUGIN", plugin, "the effect; without it, the only one beside the program")
+        ->type_name("");
+    app.add_option("--plugin", plugin, "the same, as the other commands take it")->type_name("BUNDLE");
+}
+
+void requireOnePlugin(const CLI::App& app) {
+    if (app.count("PLUGIN") > 0 && app.count("--plugin") > 0)
+        throw UsageError("the effect is named twice, with --plugin and without; leave one");
 }
 
 void addTimeout(CLI::App& app, std::string& seconds) {

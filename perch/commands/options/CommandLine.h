@@ -16,6 +16,11 @@ void addHelpFlag(CLI::App& app, bool& wantsHelp);
 constexpr char kInProcessOption[] = "--in-process";
 void addInProcessFlag(CLI::App& app);
 
+// The effect of a command that is about it alone: an argument, or --plugin as everywhere else.
+void addPlugin(CLI::App& app, std::string& plugin);
+// Throws UsageError where both are given. `app` has met them.
+void requireOnePlugin(const CLI::App& app);
+
 // The time that the effect may take for one command.
 void addTimeout(CLI::App& app, std::string& seconds);
 // What an option with seconds, which may have a fraction, says. Throws UsageError.

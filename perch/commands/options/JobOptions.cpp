@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <array>
 #include <chrono>
 #include <cstdint>
 #include <optional>
@@ -10,37 +11,27 @@
 #include "CommandLine.h"
 #include "Error.h"
 #include "FramePattern.h"
+#include "Words.h"
 #include "Worker.h"
 
 namespace perch {
 namespace {
 
-bool parseGoesOn(const std::string& text) {
-    if (text == "stop") return false;
-    if (text == "continue") return true;
-    throw UsageError(fmt::format("--on-error takes stop or continue, not \"{}\"", text));
-}
+constexpr std::array<Word<bool>, 2> kGoesOn{{{"stop", false}, {"continue", true}}};
 
-ProgressForm parseProgress(const std::string& text) {
-    if (text == "auto") return ProgressForm::Auto;
-    if (text == "line") return ProgressForm::Lines;
-    if (text == "json") return ProgressForm::Json;
-    if (text == "openjd") return ProgressForm::OpenJd;
-    if (text == "none") return ProgressForm::None;
-    throw UsageError(fmt::format("--progress takes auto, line, json, openjd or none, not \"{}\"", text));
-}
+constexpr std::array<Word<ProgressForm>, 5> kProgress{{{"auto", ProgressForm::Auto},
+                                                       {"line", ProgressForm::Lines},
+                                                       {"json", ProgressForm::Json},
+                                                       {"openjd", ProgressForm::OpenJd},
+                                                       {"none", ProgressForm::None}}};
+
+constexpr std::array<Word<ExistingUse>, 3> kExisting{
+    {{"overwrite", ExistingUse::Overwrite}, {"skip", ExistingUse::Skip}, {"error", ExistingUse::Error}}};
 
 bool parseFramesFrom(const std::string& text) {
     if (text.empty()) return false;
     if (text == "-") return true;
     throw UsageError(fmt::format("--frames-from takes -, which is the standard input, not \"{}\"", text));
-}
-
-ExistingUse parseExisting(const std::string& text) {
-    if (text == "overwrite") return ExistingUse::Overwrite;
-    if (text == "skip") return ExistingUse::Skip;
-    if (text == "error") return ExistingUse::Error;
-    throw UsageError(fmt::format("--existing takes overwrite, skip or error, not \"{}\"", text));
 }
 
 }  // namespace
@@ -49,7 +40,7 @@ void addJobOptions(CLI::App& app, JobTexts& texts) {
     app.add_option("--on-error", texts.onError,
                    "after a frame that fails: stop, or continue with the others and exit with 7 at the end "
                    "(default stop, with --frames-from continue)")
-        ->type_name("WHAT");
+        ->type_name(listOf(kGoesOn));
     app.add_option("--retries", texts.retries,
                    "try reading, rendering or writing a frame again so often before it fails (default 0)")
         ->type_name("N");
@@ -58,7 +49,7 @@ void addJobOptions(CLI::App& app, JobTexts& texts) {
            "auto: a line on a terminal, in a log one every 10 s; line: one for each frame; json: the "
            "same as JSON on standard output; openjd: lines that Open Job Description defines; or none "
            "(default auto)")
-        ->type_name("FORM");
+        ->type_name(listOf(kProgress));
     app.add_flag("-q,--quiet", texts.isQuiet, "tell of failures alone");
     app.add_flag("-v,--verbose", texts.isVerbose,
                  "tell what renders, and for each frame its files and how long each step took");
@@ -69,7 +60,7 @@ void addJobOptions(CLI::App& app, JobTexts& texts) {
            "--existing", texts.existing,
            "files of frames that are there: overwrite them; skip those that are up to date, made by the "
            "same effect from the same pictures and parameters; or error (default overwrite)")
-        ->type_name("WHAT");
+        ->type_name(listOf(kExisting));
     app.add_option("--report", texts.report,
                    "keep what becomes of each frame in this file, as JSON, which is whole at any time; in a "
                    "name like report.##.json --shard puts its number")
@@ -83,7 +74,7 @@ void addJobOptions(CLI::App& app, JobTexts& texts) {
 
 JobOptions parseJobOptions(const JobTexts& texts) {
     const bool isFed = parseFramesFrom(texts.framesFrom);
-    const ProgressForm progress = parseProgress(texts.progress);
+    const ProgressForm progress = meaningOf("--progress", texts.progress, kProgress);
     if (isFed && progress != ProgressForm::Auto && progress != ProgressForm::Json)
         throw UsageError("--frames-from answers by JSON; leave --progress out, or give --progress json");
     if (texts.isQuiet && texts.isVerbose)
@@ -92,7 +83,7 @@ JobOptions parseJobOptions(const JobTexts& texts) {
             .isQuiet = texts.isQuiet,
             .isVerbose = texts.isVerbose,
             .log = texts.log,
-            .existing = parseExisting(texts.existing),
+            .existing = meaningOf("--existing", texts.existing, kExisting),
             .report = texts.report,
             .isFed = isFed};
 }
@@ -100,7 +91,7 @@ JobOptions parseJobOptions(const JobTexts& texts) {
 void takeFailureOptions(const CLI::App& app, const JobTexts& texts, RenderSettings& settings) {
     constexpr int kMostRetries = 100;
     constexpr std::chrono::milliseconds kPause{500};  // a server may need it
-    settings.goesOn = parseGoesOn(texts.onError);
+    settings.goesOn = meaningOf("--on-error", texts.onError, kGoesOn);
     // Whoever asks for frames one by one is told of failures one by one.
     if (parseFramesFrom(texts.framesFrom) && app.count("--on-error") == 0) settings.goesOn = true;
     settings.retries = parseNumber("--retries", texts.retries, 0, kMostRetries);

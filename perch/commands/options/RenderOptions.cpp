@@ -15,6 +15,7 @@
 #include "NearestName.h"
 #include "PF_Values.h"
 #include "SequenceOptions.h"
+#include "Words.h"
 
 namespace perch {
 namespace {
@@ -68,50 +69,28 @@ PF_RationalScale parseDownsample(const std::string& text) {
     return {static_cast<A_long>(num), den};
 }
 
-PF_Quality parseQuality(const std::string& text) {
-    if (text == "best") return PF_Quality_HI;
-    if (text == "draft") return PF_Quality_LO;
-    throw UsageError(fmt::format("--quality takes draft or best, not \"{}\"", text));
-}
+constexpr std::array<Word<PF_Quality>, 2> kQuality{{{"draft", PF_Quality_LO}, {"best", PF_Quality_HI}}};
 
-SmartUse parseSmart(const std::string& text) {
-    if (text == "on") return SmartUse::On;
-    if (text == "off") return SmartUse::Off;
-    if (text == "auto") return SmartUse::Auto;
-    throw UsageError(fmt::format("--smart takes on, off or auto, not \"{}\"", text));
-}
+constexpr std::array<Word<SmartUse>, 3> kSmart{
+    {{"on", SmartUse::On}, {"off", SmartUse::Off}, {"auto", SmartUse::Auto}}};
+
+constexpr std::array<Word<std::optional<Depth>>, 3> kDepth{
+    {{"8", Depth::Bits8}, {"16", Depth::Bits16}, {"auto", std::nullopt}}};
+
+constexpr std::array<Word<pictures::SampleType>, 4> kOutputDepth{{{"8", pictures::SampleType::Bits8},
+                                                                  {"16", pictures::SampleType::Bits16},
+                                                                  {"half", pictures::SampleType::Half},
+                                                                  {"float", pictures::SampleType::Float}}};
+
+constexpr std::array<Word<pictures::Transfer>, 3> kEncode{{{"linear", pictures::Transfer::Linear},
+                                                           {"srgb", pictures::Transfer::Srgb},
+                                                           {"log", pictures::Transfer::Log}}};
 
 A_AppID parseApplication(const std::string& text) {
     const bool isPrintable = std::ranges::all_of(text, [](char c) { return c >= ' ' && c <= '~'; });
     if (text.size() != 4 || !isPrintable)
         throw UsageError(fmt::format("--application takes four characters, like prch, not \"{}\"", text));
     return static_cast<A_AppID>(PF_FOUR_CC(text[0], text[1], text[2], text[3]));
-}
-
-std::optional<Depth> parseDepth(const std::string& text) {
-    if (text == "auto") return std::nullopt;
-    if (text == "8") return Depth::Bits8;
-    if (text == "16") return Depth::Bits16;
-    throw UsageError(fmt::format("--depth takes 8, 16 or auto, not \"{}\"", text));
-}
-
-std::optional<pictures::SampleType> parseOutputDepth(const std::string& text) {
-    using pictures::SampleType;
-    if (text.empty()) return std::nullopt;
-    if (text == "8") return SampleType::Bits8;
-    if (text == "16") return SampleType::Bits16;
-    if (text == "half") return SampleType::Half;
-    if (text == "float") return SampleType::Float;
-    throw UsageError(fmt::format("--output-depth takes 8, 16, half or float, not \"{}\"", text));
-}
-
-std::optional<pictures::Transfer> parseTransfer(const std::string& text) {
-    using pictures::Transfer;
-    if (text.empty()) return std::nullopt;
-    if (text == "linear") return Transfer::Linear;
-    if (text == "srgb") return Transfer::Srgb;
-    if (text == "log") return Transfer::Log;
-    throw UsageError(fmt::format("--encode takes linear, srgb or log, not \"{}\"", text));
 }
 
 int parseThreads(const std::string& text) {
@@ -208,11 +187,11 @@ void addOwnOptions(CLI::App& app, Texts& texts) {
                  "fail where something is likely a mistake instead of only saying so");
     app.add_flag("--timing", texts.wantsTiming, "tell how long reading, rendering and writing took");
     app.add_flag("--strict", texts.strict, "watch for breaches of the interface's rules; any is a failure");
-    app.add_option("--quality", texts.quality, "draft or best (default best)")->type_name("QUALITY");
+    app.add_option("--quality", texts.quality, "of the effect's work (default best)")
+        ->type_name(listOf(kQuality));
     app.add_option("--smart", texts.smart,
-                   "smart rendering: on, off, or auto, which takes it where the effect does not answer "
-                   "RENDER (default auto)")
-        ->type_name("WHEN");
+                   "smart rendering; auto takes it where the effect does not answer RENDER (default auto)")
+        ->type_name(listOf(kSmart));
     app.add_option("--downsample", texts.downsample,
                    "tell the effect that the pictures are that much smaller than the layer, so that it "
                    "scales what it measures in pixels: for a quick look (default 1/1)")
@@ -222,17 +201,15 @@ void addOwnOptions(CLI::App& app, Texts& texts) {
     app.add_option("--application", texts.application,
                    "four characters that the host calls itself by, for effects that ask (default prch)")
         ->type_name("CODE");
-    app.add_option(
-           "--depth", texts.depth,
-           "bits per channel of the effect's work, 8, 16 or auto: the deepest picture's (default auto)")
-        ->type_name("BITS");
-    app.add_option("--output-depth", texts.outputDepth,
-                   "of the files written: 8, 16, half or float (default: that of the input)")
-        ->type_name("DEPTH");
+    app.add_option("--depth", texts.depth,
+                   "bits per channel of the effect's work; auto: the deepest picture's (default auto)")
+        ->type_name(listOf(kDepth));
+    app.add_option("--output-depth", texts.outputDepth, "of the files written (default: that of the input)")
+        ->type_name(listOf(kOutputDepth));
     app.add_option("--encode", texts.encode,
                    "how light becomes the effect's codes and back: linear, as stored; srgb; log, up to 64 "
                    "times white (default: srgb for files of floats, else linear)")
-        ->type_name("CURVE");
+        ->type_name(listOf(kEncode));
     app.add_option("--timeout-frame", texts.frameLimit,
                    "that the effect may take for one command; 0 for any time (default 0)")
         ->type_name("SECONDS");
@@ -305,13 +282,14 @@ RenderOptions parseRenderOptions(const std::vector<std::string>& arguments) {
     for (const AccountName& account :
          {AccountName{"--report", options.job.report}, {"--log", options.job.log}})
         if (!account.path.empty()) options.names.accounts.push_back(account);
-    options.settings.quality = parseQuality(texts.quality);
-    options.settings.smart = parseSmart(texts.smart);
+    options.settings.quality = meaningOf("--quality", texts.quality, kQuality);
+    options.settings.smart = meaningOf("--smart", texts.smart, kSmart);
     options.settings.downsample = parseDownsample(texts.downsample);
     options.settings.resizes = texts.resizes;
-    options.settings.depth = parseDepth(texts.depth);
-    options.settings.outputType = parseOutputDepth(texts.outputDepth);
-    options.settings.transfer = parseTransfer(texts.encode);
+    options.settings.depth = meaningOf("--depth", texts.depth, kDepth);
+    if (!texts.outputDepth.empty())
+        options.settings.outputType = meaningOf("--output-depth", texts.outputDepth, kOutputDepth);
+    if (!texts.encode.empty()) options.settings.transfer = meaningOf("--encode", texts.encode, kEncode);
     takeCompression(texts.compression, options.settings.encoding);
     if (!texts.jpegQuality.empty())
         options.settings.encoding.jpegQuality = parseNumber("--jpeg-quality", texts.jpegQuality, 1, 100);

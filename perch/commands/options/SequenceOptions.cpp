@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <array>
 #include <charconv>
 #include <optional>
 
@@ -10,22 +11,17 @@
 #include "FrameList.h"
 #include "FramePattern.h"
 #include "PictureFile.h"
+#include "Words.h"
 
 namespace perch {
 namespace {
 
-MissingFrame parseMissingFrame(const std::string& text) {
-    if (text == "error") return MissingFrame::Error;
-    if (text == "skip") return MissingFrame::Skip;
-    throw UsageError(fmt::format("--missing-frame takes error or skip, not \"{}\"", text));
-}
+constexpr std::array<Word<MissingFrame>, 2> kMissingFrame{
+    {{"error", MissingFrame::Error}, {"skip", MissingFrame::Skip}}};
 
-MissingLayerFrame parseMissingLayerFrame(const std::string& text) {
-    if (text == "error") return MissingLayerFrame::Error;
-    if (text == "hold") return MissingLayerFrame::Hold;
-    if (text == "none") return MissingLayerFrame::None;
-    throw UsageError(fmt::format("--missing-layer-frame takes error, hold or none, not \"{}\"", text));
-}
+constexpr std::array<Word<MissingLayerFrame>, 3> kMissingLayerFrame{{{"error", MissingLayerFrame::Error},
+                                                                     {"hold", MissingLayerFrame::Hold},
+                                                                     {"none", MissingLayerFrame::None}}};
 
 // "2/8". The numbers are read as unsigned ones, which takes digits alone: no sign and no space.
 Shard parseShard(const std::string& text) {
@@ -56,11 +52,11 @@ void addSequenceOptions(CLI::App& app, SequenceTexts& texts) {
     app.add_flag("--no-pattern", texts.noPattern, "take names with # and the like as those of single files");
     app.add_option("--missing-frame", texts.missingFrame,
                    "where the input has no file for a frame: error, or skip the frame (default error)")
-        ->type_name("WHAT");
+        ->type_name(listOf(kMissingFrame));
     app.add_option("--missing-layer-frame", texts.missingLayerFrame,
                    "where a layer has no file for a frame: error, hold the one before, or render with none "
                    "(default error)")
-        ->type_name("WHAT");
+        ->type_name(listOf(kMissingLayerFrame));
     app.add_option("--shard", texts.shard,
                    "every N-th of the frames, from the I-th on: the part of one task of N, like 2/8")
         ->type_name("I/N");
@@ -69,8 +65,8 @@ void addSequenceOptions(CLI::App& app, SequenceTexts& texts) {
 void takeSequenceOptions(const CLI::App& app, const SequenceTexts& texts, PictureNames& names) {
     if (app.count("--frames") > 0) names.frames = parseFrameList(texts.frames);
     names.areFiles = texts.noPattern;
-    names.missingFrame = parseMissingFrame(texts.missingFrame);
-    names.missingLayerFrame = parseMissingLayerFrame(texts.missingLayerFrame);
+    names.missingFrame = meaningOf("--missing-frame", texts.missingFrame, kMissingFrame);
+    names.missingLayerFrame = meaningOf("--missing-layer-frame", texts.missingLayerFrame, kMissingLayerFrame);
     if (app.count("--shard") > 0) names.shard = parseShard(texts.shard);
 }
 

@@ -37,27 +37,38 @@ std::string escaped(const std::string& text) {
     return replaceAll(text, "-", "\\-");
 }
 
-TEST(ManualTest, HoldsEveryRowOfEveryHelp) {
+// In the form of the page.
+std::string paragraph(const Row& row) {
+    return ".TP\n.B " + escaped(row.name) + "\n" + escaped(row.meaning) + "\n";
+}
+
+TEST(ManualTest, HoldsEveryRowOfEveryHelpAndNoOther) {
     const CommandLine commandLine;
     const std::string page = bytesOf(PERCH_MANUAL);
-    const auto expectRows = [&](const std::string& command) {
+    std::size_t paragraphs = 0;
+    const auto expectParagraph = [&](const Row& row, const std::string& command) {
+        ++paragraphs;
+        EXPECT_NE(page.find(paragraph(row)), std::string::npos) << command << ' ' << row.name;
+    };
+    const auto rowsOfHelp = [&](const std::string& command) {
         const std::vector<Row> rows = rowsOf(commandLine.run(command + " --help").out);
         EXPECT_GE(rows.size(), 2U) << command;
         return rows;
     };
-    const std::vector<Row> commandsAndCodes = expectRows("perch");
-    for (const auto& [command, summary] : commandsAndCodes) {
-        if (command.find_first_of("0123456789") == std::string::npos) {
-            EXPECT_NE(page.find(".SS perch " + escaped(command) + "\n"), std::string::npos) << command;
-            for (const auto& [option, meaning] : expectRows("perch " + command))
-                EXPECT_NE(page.find(".TP\n.B " + escaped(option) + "\n" + escaped(meaning) + "\n"),
-                          std::string::npos)
-                    << command << ' ' << option;
-        } else {
-            EXPECT_NE(page.find(".TP\n.B " + command + "\n" + escaped(summary) + "\n"), std::string::npos)
-                << command;
+    for (const Row& commandOrCode : rowsOfHelp("perch")) {
+        if (commandOrCode.name.find_first_of("0123456789") != std::string::npos) {
+            expectParagraph(commandOrCode, "perch");
+            continue;
         }
+        const std::string command = "perch " + commandOrCode.name;
+        EXPECT_NE(page.find(".SS " + escaped(command) + "\n"), std::string::npos) << command;
+        for (const Row& option : rowsOfHelp(command))
+            expectParagraph(option, command);
     }
+    std::size_t found = 0;
+    for (std::size_t at = 0; (at = page.find(".TP\n", at)) != std::string::npos; ++at)
+        ++found;
+    EXPECT_EQ(found, paragraphs);
 }
 
 TEST(ManualTest, IsNotMadeWhereTheProgramCannotListItsOptions) {
