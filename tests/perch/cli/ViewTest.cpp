@@ -114,11 +114,23 @@ TEST_F(ViewTest, NothingOfItStaysWhenItEnds) {
 }
 
 TEST_F(ViewTest, WhatASessionCannotBeginWithEndsTheProgram) {
-    const ProgramResult result =
-        runProgram({PERCH_PROGRAM, "view", "--no-open", "--focal-point", "1"}, folder);
-    EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, "perch: --input is missing; see perch render --help\n");
+    const struct {
+        std::vector<std::string> arguments;
+        std::string sentence;
+    } cases[] = {
+        {{"--focal-point", "1"}, "--input is missing; see perch render --help"},
+        {{"-i", input.string(), "--frames-from", "-"},
+         "--frames-from is for perch render; the page of perch view asks for its frames itself"},
+        {{"-i", input.string(), "--dry-run"}, "--dry-run is for perch render; perch view shows pictures"},
+    };
+    for (const auto& [arguments, sentence] : cases) {
+        std::vector<std::string> command{PERCH_PROGRAM, "view", "--no-open"};
+        command.insert(command.end(), arguments.begin(), arguments.end());
+        const ProgramResult result = runProgram(command, folder);
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.out, "");
+        EXPECT_EQ(result.err, "perch: " + sentence + "\n");
+    }
 }
 
 }  // namespace

@@ -2,9 +2,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
 #include <filesystem>
+#include <future>
 #include <map>
+#include <optional>
 #include <string>
+#include <thread>
+#include <utility>
 #include <vector>
 
 #include "PictureFiles.h"
@@ -151,6 +157,36 @@ TEST_F(FailingFramesTest, OneThreadDoesEverythingInTurn) {
     render();
     EXPECT_THAT(states(), ElementsAre("1 done", "2 failed", "3 done", "4 done", "5 done"));
     const ThreadShare free(&budget);
+}
+
+TEST_F(FailingFramesTest, NothingIsDoneWithoutAShareOfTheThreads) {
+    constexpr std::chrono::milliseconds kLong{50};  // for what does not wait
+    plan.frames.resize(1);
+    ThreadBudget budget(1);
+    settings.budget = &budget;
+    std::atomic<bool> isRead{false};
+    watch.frameBegins = [&](std::size_t) { isRead = true; };
+    std::atomic<bool> isOthersTurn{false};
+    std::future<void> other;  // whose turn is between rendering and writing
+    script.on(PF_Cmd_RENDER, [&](const EffectCall&) {
+        other = std::async(std::launch::async, [&, turn = ThreadTurn(&budget)]() mutable {
+            const ThreadShare share(std::move(turn));
+            isOthersTurn = true;
+            std::this_thread::sleep_for(kLong);
+            EXPECT_EQ(report.framesWritten, 0U);
+        });
+        std::this_thread::sleep_for(kLong);
+        EXPECT_FALSE(isOthersTurn) << "while the effect renders";
+        return PF_Err_NONE;
+    });
+    std::optional<ThreadShare> own(&budget);
+    std::future<void> job = std::async(std::launch::async, [this] { render(); });
+    std::this_thread::sleep_for(kLong);
+    EXPECT_FALSE(isRead);
+    own.reset();
+    job.get();
+    other.get();
+    EXPECT_EQ(report.framesWritten, 1U);
 }
 
 // A frame of one pixel takes 16 bytes: its codes and samples, before and after.

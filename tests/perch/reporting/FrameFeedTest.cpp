@@ -44,6 +44,16 @@ TEST_F(FrameFeedTest, LinesThatAreThereAreTakenTogether) {
     EXPECT_TRUE(display.totals().isWhole());
 }
 
+TEST_F(FrameFeedTest, WhoeverNeverStopsAskingGetsAnswersInBetween) {
+    std::string text;
+    for (int i = 0; i < 1001; ++i)
+        text += "1\n";
+    FrameFeed feed = feedOf(text);
+    EXPECT_EQ(feed.next().value().size(), 1000U);
+    EXPECT_EQ(feed.next().value().size(), 1U);
+    EXPECT_EQ(feed.next(), std::nullopt);
+}
+
 TEST_F(FrameFeedTest, WhatIsNotRenderedIsAnsweredAtOnce) {
     testing::internal::CaptureStdout();
     FrameFeed feed = feedOf("first\n\n7\n3,4\n9-1x0\n");

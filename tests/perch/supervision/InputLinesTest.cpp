@@ -10,6 +10,8 @@
 #include <thread>
 
 #include "Error.h"
+#include "PictureFiles.h"
+#include "TemporaryFolder.h"
 
 namespace perch::test {
 namespace {
@@ -55,6 +57,16 @@ TEST_F(InputLinesTest, CancellingEndsTheWait) {
     std::thread canceller([this] { isCancelled = true; });
     EXPECT_EQ(lines.next(), std::nullopt);
     canceller.join();
+}
+
+TEST_F(InputLinesTest, LineOfNoEndIsAnError) {
+    const TemporaryFolder folder;
+    writeBytes(folder / "input", "1\n" + std::string((1 << 20) + 1, '1'));
+    const int file = open((folder / "input").c_str(), O_RDONLY);
+    InputLines lines(file, isCancelled);
+    EXPECT_EQ(lines.next(), "1");
+    EXPECT_THROW(lines.next(), InputError);
+    close(file);
 }
 
 TEST_F(InputLinesTest, WhatCannotBeReadIsAnError) {
