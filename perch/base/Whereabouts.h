@@ -38,6 +38,11 @@ struct Whereabouts {
     // does.
     SharedText<4096> lastLine;
     SharedText<4096> lastLineOfFailure;
+    std::atomic<bool> isQuiet{false};  // that line is for the log alone
+    // Of a job that answers by lines of JSON, what is to be answered where the effect ends it: the frames,
+    // with commas between them, and the line of the whole job. Both are empty once that is done.
+    SharedText<65536> unanswered;
+    SharedText<65536> totals;
 
     // Files that are to be removed: those whose path is whole.
     struct Temporary {

@@ -197,7 +197,9 @@ void renderPlan(const Job& job, Audience& audience, RenderReport& report) {
         feed.emplace(job.plan, InputLines(inputDescriptor(), gWasInterrupted), audience.display);
         watch.nextFrames = [&audience, &feed, &job] {
             auto asked = feed->next();
-            if (!asked || !audience.report) return asked;
+            if (!asked) return asked;
+            audience.display.framesAreAsked(*asked);
+            if (!audience.report) return asked;
             for (const std::size_t place : *asked)
                 audience.report->frameIsAsked(job.plan.frames[place].frame);
             return asked;
@@ -219,10 +221,11 @@ int render(const Job& job, Audience& audience, RenderReport& report) {
         const int status = reportInterrupt(report, job.plan.frames.size(), isFed);
         display.finish("interrupted");
         return status;
-    } catch (const Error&) {
+    } catch (const Error& error) {
         display.clearLine();
         reportFindings(job.effect);
         try {
+            if (error.status() == kEffectBroke) display.effectBreaks(error.what());
             display.finishBeforeFailure();
         } catch (const OutputError&) {
             // Nobody reads the results, which may be why the job has failed.

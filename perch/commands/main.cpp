@@ -6,6 +6,7 @@
 #include <array>
 #include <csignal>
 #include <exception>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -87,15 +88,20 @@ struct Ending {
     int status = perch::kDone;
     std::string sentence;
     std::string lastLine{};  // of a job
+    bool isQuiet = false;    // that line is for the log alone
 };
+
+Ending failedHere(int status, const std::string& sentence) {
+    return {status, sentence, perch::whereabouts().lastLine.get(), perch::whereabouts().isQuiet};
+}
 
 Ending runHere(const Arguments& arguments) {
     try {
         return {run(arguments), {}};
     } catch (const perch::Error& error) {
-        return {error.status(), error.what(), perch::whereabouts().lastLine.get()};
+        return failedHere(error.status(), error.what());
     } catch (const std::exception& error) {
-        return {perch::kFailed, perch::sentenceOf(error), perch::whereabouts().lastLine.get()};
+        return failedHere(perch::kFailed, perch::sentenceOf(error));
     }
 }
 
@@ -137,6 +143,18 @@ void keepLogOf(const perch::Outcome& outcome) {
     }
 }
 
+// Whoever has asked for frames is told of those that the effect took with it.
+void answerFor(const perch::Outcome& outcome) {
+    try {
+        std::istringstream frames(outcome.unanswered);
+        for (std::string frame; std::getline(frames, frame, ',');)
+            perch::printResult(perch::failureAsJson(std::stoi(frame), outcome.sentence));
+        if (!outcome.totals.empty()) perch::printResult(outcome.totals);
+    } catch (const std::exception&) {
+        return;  // standard error has it
+    }
+}
+
 Ending runSupervised(const Arguments& arguments) {
     try {
         perch::Outcome outcome = perch::superviseWorker(arguments);
@@ -146,7 +164,8 @@ Ending runSupervised(const Arguments& arguments) {
         for (const std::string& finding : outcome.findings)
             perch::say("strict: " + finding);
         closeReportOf(outcome);
-        return {outcome.status, std::move(outcome.sentence), std::move(outcome.lastLine)};
+        answerFor(outcome);
+        return {outcome.status, std::move(outcome.sentence), std::move(outcome.lastLine), outcome.isQuiet};
     } catch (const std::exception& error) {
         return {perch::kFailed, error.what()};
     }
@@ -189,6 +208,6 @@ int main(int argc, char** argv) {
         perch::say(ending.sentence);
         if (tellsScheduler(arguments)) tellScheduler(ending.sentence);
     }
-    if (!ending.lastLine.empty()) perch::say(ending.lastLine);
+    if (!ending.lastLine.empty()) (ending.isQuiet ? perch::sayInLog : perch::say)(ending.lastLine);
     return ending.status;
 }

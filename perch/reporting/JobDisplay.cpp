@@ -24,13 +24,19 @@ bool isOfFrame(std::string_view command) {
     return command == "RENDER" || command.starts_with("FRAME_");
 }
 
-bool isForPrograms(ProgressForm form) {
-    return form == ProgressForm::Json || form == ProgressForm::OpenJd;
+// Names of files have no certain encoding.
+std::string lineOf(const Json& json) {
+    return json.dump(-1, ' ', false, Json::error_handler_t::replace) + '\n';
 }
 
-// Names of files have no certain encoding.
 void printLine(const Json& json) {
-    printResult(json.dump(-1, ' ', false, Json::error_handler_t::replace) + '\n');
+    printResult(lineOf(json));
+}
+
+// What is too long for its place is left out: a part of it would be read as something else.
+template <std::size_t N>
+void keep(SharedText<N>& place, const std::string& text) {
+    place.set(text.size() < N ? text : "");
 }
 
 }  // namespace
@@ -39,11 +45,15 @@ std::string openJdFailure(std::string_view sentence) {
     return fmt::format("openjd_fail: {}\n", printable(sentence));
 }
 
+std::string failureAsJson(std::int32_t frame, const std::string& message) {
+    return lineOf({{"frame", frame}, {"state", "failed"}, {"message", message}});
+}
+
 JobDisplay::JobDisplay(ProgressForm form, bool isQuiet, bool isVerbose)
-    : form(isQuiet && !isForPrograms(form) ? ProgressForm::None : form),
+    : form(form),
       isQuiet(isQuiet),
       isVerbose(isVerbose),
-      isTerminal(isatty(STDERR_FILENO) == 1) {}
+      isTerminal(!isQuiet && isatty(STDERR_FILENO) == 1) {}
 
 JobDisplay::~JobDisplay() {
     clearLine();
@@ -56,13 +66,21 @@ void JobDisplay::begin(const FramePlan& planned, const std::string& place, bool 
     counted.skipped = planned.skipped;
     counted.current = planned.current.size();
     start = std::chrono::steady_clock::now();
+    whereabouts().isQuiet = isQuiet;
+    keepLastLine();
+}
+
+void JobDisplay::framesAreAsked(const std::vector<std::size_t>& asked) {
+    for (const std::size_t place : asked)
+        unanswered.push_back(plan->frames[place].frame);
     keepLastLine();
 }
 
 void JobDisplay::frameBegins(std::size_t index) {
     current = index;
     furthest = 0;
-    keepLastLine(plan->frames[index].frame);
+    isUnderWay = true;
+    keepLastLine();
     showLine();
 }
 
@@ -85,13 +103,15 @@ void JobDisplay::frameEnds(const FrameEnd& end) {
         ++counted.done;
     }
     if (end.retries > 0) ++counted.triedAgain;
+    if (end.index == current) isUnderWay = false;
+    if (!unanswered.empty()) unanswered.pop_front();
     keepLastLine();
     if (unprintable != nullptr) std::rethrow_exception(std::exchange(unprintable, nullptr));
     if (form == ProgressForm::Json) printJson(end);
     if (form == ProgressForm::OpenJd) printOpenJd(static_cast<double>(counted.done + counted.failed.size()));
     if (isVerbose && !isFailed) return tellFrame(end);
     if (form == ProgressForm::Lines && !isFailed)
-        say(fmt::format("frame {} done, {} of {}", files.frame, end.index + 1, plan->frames.size()));
+        tell(fmt::format("frame {} done, {} of {}", files.frame, end.index + 1, plan->frames.size()));
 }
 
 void JobDisplay::tellFrame(const FrameEnd& end) const {
@@ -113,11 +133,23 @@ void JobDisplay::printOpenJd(double framesDone) {
     printResult(fmt::format("openjd_progress: {}\n", percent));
 }
 
+void JobDisplay::effectBreaks(const std::string& sentence) {
+    for (const std::int32_t frame : lostFrames()) {
+        counted.failed.push_back(frame);
+        if (form == ProgressForm::Json) printResult(failureAsJson(frame, sentence));
+    }
+    isUnderWay = false;
+    unanswered.clear();
+}
+
 void JobDisplay::finish(const std::string& failure) {
     clearLine();
-    if (plan->isSequence && !isQuiet) say(lastLineOf(counted));
-    whereabouts().lastLine.set("");
-    whereabouts().lastLineOfFailure.set("");
+    if (plan->isSequence) tell(lastLineOf(counted));
+    Whereabouts& at = whereabouts();
+    for (auto* const line : {&at.lastLine, &at.lastLineOfFailure})
+        line->set("");
+    for (auto* const answer : {&at.unanswered, &at.totals})
+        answer->set("");
     printTotals();
     if (form == ProgressForm::OpenJd && !failure.empty()) printResult(openJdFailure(failure));
 }
@@ -130,26 +162,40 @@ void JobDisplay::finishBeforeFailure() {
 
 // For programs.
 void JobDisplay::printTotals() {
-    counted.notRendered = notRendered(counted);
-    if (form == ProgressForm::Json) {
-        printLine({{"done", counted.done},
-                   {"upToDate", counted.current},
-                   {"skipped", counted.skipped},
-                   {"failed", counted.failed},
-                   {"notRendered", counted.notRendered},
-                   {"refusedLines", counted.refusedLines},
-                   {"seconds", seconds()}});
-    }
+    if (form == ProgressForm::Json) printResult(totalsAsJson(counted));
     if (form == ProgressForm::OpenJd)
         printResult(fmt::format("openjd_status: {}\n", printable(lastLineOf(counted))));
 }
 
-void JobDisplay::keepLastLine(std::optional<std::int32_t> frame) const {
-    if (!plan->isSequence || isQuiet) return;
-    whereabouts().lastLine.set(lastLineOf(counted));
+std::string JobDisplay::totalsAsJson(const JobTotals& totals) const {
+    return lineOf({{"done", totals.done},
+                   {"upToDate", totals.current},
+                   {"skipped", totals.skipped},
+                   {"failed", totals.failed},
+                   {"notRendered", notRendered(totals)},
+                   {"refusedLines", totals.refusedLines},
+                   {"seconds", seconds()}});
+}
+
+// Frames that were asked for come to nothing without the effect. Of others, only the one under way does.
+std::vector<std::int32_t> JobDisplay::lostFrames() const {
+    if (isFed) return {unanswered.begin(), unanswered.end()};
+    if (isUnderWay) return {plan->frames[current].frame};
+    return {};
+}
+
+void JobDisplay::keepLastLine() const {
+    Whereabouts& at = whereabouts();
+    const std::vector<std::int32_t> lost = lostFrames();
     JobTotals failing = counted;
-    if (frame) failing.failed.push_back(*frame);
-    whereabouts().lastLineOfFailure.set(lastLineOf(failing));
+    failing.failed.insert(failing.failed.end(), lost.begin(), lost.end());
+    if (form == ProgressForm::Json) {
+        keep(at.unanswered, fmt::format("{}", fmt::join(lost, ",")));
+        keep(at.totals, totalsAsJson(failing));
+    }
+    if (!plan->isSequence) return;
+    at.lastLine.set(lastLineOf(counted));
+    at.lastLineOfFailure.set(lastLineOf(failing));
 }
 
 std::string JobDisplay::lastLineOf(JobTotals totals) const {
@@ -167,7 +213,7 @@ void JobDisplay::tellCurrent(const FrameFiles& files) const {
 
 void JobDisplay::refuseFrame(std::int32_t frame, const std::string& message) {
     counted.failed.push_back(frame);
-    printLine({{"frame", frame}, {"state", "failed"}, {"message", message}});
+    printResult(failureAsJson(frame, message));
 }
 
 void JobDisplay::refuseLine(const std::string& line, const std::string& message) {
@@ -176,10 +222,9 @@ void JobDisplay::refuseLine(const std::string& line, const std::string& message)
 }
 
 void JobDisplay::tellMessage(std::string_view command, std::string_view message) {
-    if (isQuiet) return;
     clearLine();
     const std::optional<std::int32_t> frame = frameOf(command);
-    say(fmt::format("{}{}: \"{}\"", frame ? fmt::format("frame {}: ", *frame) : "", command, message));
+    tell(fmt::format("{}{}: \"{}\"", frame ? fmt::format("frame {}: ", *frame) : "", command, message));
 }
 
 std::optional<std::int32_t> JobDisplay::frameOf(std::string_view command) const {
@@ -188,9 +233,16 @@ std::optional<std::int32_t> JobDisplay::frameOf(std::string_view command) const 
 }
 
 void JobDisplay::tellNote(const std::string& sentence) {
-    if (isQuiet) return;
     clearLine();
-    say(sentence);
+    tell(sentence);
+}
+
+void JobDisplay::tell(const std::string& sentence) const {
+    if (isQuiet) {
+        sayInLog(sentence);
+    } else {
+        say(sentence);
+    }
 }
 
 void JobDisplay::tellNotes(const std::vector<Note>& notes) {
@@ -218,7 +270,7 @@ void JobDisplay::showLine() {
     if (isTerminal) {
         sayInLog(text);
     } else {
-        say(text);
+        tell(text);
     }
 }
 

@@ -61,6 +61,8 @@ void say(std::string_view sentence) noexcept {
 }
 
 void keepLog(const std::filesystem::path& path) {
+    std::error_code noFolder;  // which opening tells of
+    if (path.has_parent_path()) std::filesystem::create_directory(path.parent_path(), noFolder);
     const int file = open(path.c_str(), O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
     if (file < 0)
         throw OutputError(fmt::format("cannot write the log \"{}\": {}; name another file", path.string(),

@@ -16,8 +16,9 @@ void say(std::string_view sentence) noexcept;
 // The same without the name and the line break, as it is.
 void sayAsItIs(std::string_view text) noexcept;
 
-// From now on what is said goes to the end of this file as well, each line with its time. Throws OutputError
-// where the file cannot be written, UsageError where it is there and no log.
+// From now on what is said goes to the end of this file as well, each line with its time. The file's folder
+// is made where it is the only one missing. Throws OutputError where the file cannot be written, UsageError
+// where it is there and no log.
 void keepLog(const std::filesystem::path& path);
 // To the log alone.
 void sayInLog(std::string_view sentence) noexcept;

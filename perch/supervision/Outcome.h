@@ -17,6 +17,10 @@ struct Outcome {
     std::string report{};  // file that the worker may have left as of a running job; empty without one
     std::optional<std::int32_t> frame{};  // that the effect was at then
     std::string lastLine{};               // of the job, where the worker could not tell it
+    bool isQuiet = false;                 // that line is for the log alone
+    // As in Whereabouts; empty where the effect has not ended the worker.
+    std::string unanswered{};
+    std::string totals{};
 };
 
 }  // namespace perch

@@ -203,13 +203,15 @@ private:
                     .log = at.log.get(),
                     .report = at.report.get(),
                     .frame = {},
-                    .lastLine = at.lastLine.get()};
+                    .lastLine = at.lastLine.get(),
+                    .isQuiet = at.isQuiet};
         Outcome outcome{.status = kEffectBroke,
                         .sentence = {},
                         .signal = signal,
                         .findings = findings(),
                         .log = at.log.get(),
-                        .report = at.report.get()};
+                        .report = at.report.get(),
+                        .isQuiet = at.isQuiet};
         if (at.frame != Whereabouts::kNoFrame) outcome.frame = static_cast<std::int32_t>(at.frame);
         if (endedBy != 0) {
             outcome.status = kSignalled + endedBy;
@@ -233,7 +235,13 @@ private:
             outcome.sentence = describeWorkerEnd(at, status);
             if (at.effect.get().empty()) outcome.status = kFailed;
         }
-        outcome.lastLine = outcome.status == kEffectBroke ? at.lastLineOfFailure.get() : at.lastLine.get();
+        if (outcome.status == kEffectBroke) {
+            outcome.lastLine = at.lastLineOfFailure.get();
+            outcome.unanswered = at.unanswered.get();
+            outcome.totals = at.totals.get();
+        } else {
+            outcome.lastLine = at.lastLine.get();
+        }
         return outcome;
     }
 

@@ -4,10 +4,12 @@
 #include <algorithm>
 #include <chrono>
 #include <csignal>
+#include <optional>
 #include <thread>
 
 #include "CommandCase.h"
 #include "CommandLine.h"
+#include "Misdeeds.h"
 #include "PictureFiles.h"
 
 namespace perch::test {
@@ -104,6 +106,67 @@ TEST(SequenceTest, SignalsKeepTheFinishedFramesAndLeaveNoOther) {
         EXPECT_EQ(bytesOf(commandLine.folder / "out.0002.png"),
                   bytesOf(commandLine.folder / "shot.0002.png"));
     }
+}
+
+TEST(SequenceTest, LogOfAQuietJobHasItsStory) {
+    const CommandLine commandLine;
+    const ProgramResult result = commandLine.run(std::string(kSequence) + " -q --log made/job.log");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "");
+    const std::string log = bytesOf(commandLine.folder / "made/job.log");
+    EXPECT_NE(log.find("Z frame 5: RENDER: \"time 5 "), std::string::npos) << log;
+    EXPECT_NE(log.find("Z 4 frames done in "), std::string::npos) << log;
+}
+
+// The first waits in the middle of its last frame until the second has come to its end.
+TEST(SequenceTest, TwoRunsOfOneJobAtOnceBothEndRightly) {
+    const CommandLine commandLine;
+    const char kJob[] =
+        "perch render --plugin {plugins}/Hostile.so -i shot.####.png -o out.####.png --frames 1-3,5 "
+        "--threads 1 --no-provenance --report report.json";
+    ASSERT_EQ(commandLine.run(kJob).status, 0);
+    const std::string whole = bytesOf(commandLine.folder / "out.0005.png");
+    const std::vector<std::string> outputs = outputsIn(commandLine);
+    for (const std::string& name : outputs)
+        std::filesystem::remove(commandLine.folder / name);
+
+    const std::filesystem::path sameFolder = commandLine.folder.parent_path() / "again";
+    std::filesystem::create_directory_symlink(commandLine.folder, sameFolder);
+    const std::filesystem::path mark = commandLine.folder.parent_path() / "mark";
+    std::optional<HostileMode> mode(std::in_place, "wait@frame5", mark);
+    RunningProgram first(commandLine.commandOf(kJob), commandLine.folder);
+    mode.reset();
+    waitForFile(mark);
+    const ProgramResult second = runProgram(commandLine.commandOf(kJob), sameFolder);
+    EXPECT_EQ(second.status, 0) << second.err;
+    EXPECT_EQ(outputsIn(commandLine), outputs);
+    writeBytes(mark, "go on");
+    const ProgramResult end = first.finish();
+    EXPECT_EQ(end.status, 0) << end.err;
+    EXPECT_EQ(outputsIn(commandLine), outputs) << "and no temporary file";
+    for (const std::string& name : outputs)
+        EXPECT_EQ(bytesOf(commandLine.folder / name), whole) << name;
+    EXPECT_NE(bytesOf(commandLine.folder / "report.json").find("\n \"state\": \"done\""), std::string::npos);
+}
+
+// The sheet takes long to write, and the signal comes when that begins.
+TEST(SequenceTest, WritingASheetCanBeInterrupted) {
+    const CommandLine commandLine;
+    const std::vector<std::string> files = commandLine.files();
+    const std::filesystem::path mark = commandLine.folder.parent_path() / "mark";
+    std::optional<HostileMode> mode(std::in_place, "wait@GLOBAL_SETDOWN", mark);
+    RunningProgram program(
+        commandLine.commandOf("perch sheet --plugin {plugins}/Hostile.so -i shot.####.png -o sheet.png "
+                              "--frames 1-2 --width 4096 --compression 9"),
+        commandLine.folder);
+    mode.reset();
+    waitForFile(mark);
+    writeBytes(mark, "go on");
+    program.send(SIGTERM);
+    const ProgramResult result = program.finish();
+    EXPECT_EQ(result.status, 143);
+    EXPECT_EQ(result.err, "perch: interrupted; nothing was written\n");
+    EXPECT_EQ(commandLine.files(), files);
 }
 
 TEST(SequenceTest, TerminalShowsTheFramesInOrderAndIsLeftClear) {

@@ -125,6 +125,11 @@ const Named kDeeds[] = {
          sigprocmask(SIG_BLOCK, &all, nullptr);
          waitForEver();
      }},
+    {"wait",
+     [](const Scene&) -> PF_Err {
+         waitForMark();
+         return 0;
+     }},
     // What a host can go on after.
     {"error", [](const Scene&) -> PF_Err { return -1; }},
     {"cancel", [](const Scene&) -> PF_Err { return PF_Interrupt_CANCEL; }},

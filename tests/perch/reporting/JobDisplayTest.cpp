@@ -7,11 +7,15 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "Console.h"
 #include "Error.h"
+#include "PictureFiles.h"
 #include "ProgressText.h"
+#include "TemporaryFolder.h"
 #include "Whereabouts.h"
 
 namespace perch::test {
@@ -72,29 +76,33 @@ struct Output {
     std::string err;
 };
 
-// A job of frames 7, 8 and 9, the second of which fails after a second try.
+// Of frames 7, 8 and 9, the second of which fails after a second try.
+void runJob(JobDisplay& display, const std::string& failure = "") {
+    FramePlan plan = planOf({7, 8, 9});
+    plan.skipped = {3};
+    display.begin(plan, "out.#.png");
+    for (std::size_t i = 0; i < plan.frames.size(); ++i) {
+        display.frameBegins(i);
+        display.tellMessage("RENDER", "well");
+        display.frameProgresses(0.5);
+        const bool fails = i == 1;
+        display.frameEnds({.index = i,
+                           .state = fails ? FrameEnd::State::Failed : FrameEnd::State::Done,
+                           .message = fails ? "why" : "",
+                           .retries = fails ? 1 : 0,
+                           .renderTime = std::chrono::milliseconds(1500)});
+    }
+    display.tellNote("note: by the way");
+    display.finish(failure);
+}
+
 Output jobAs(ProgressForm form, bool isQuiet = false, bool isVerbose = false,
              const std::string& failure = "") {
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
-    FramePlan plan = planOf({7, 8, 9});
-    plan.skipped = {3};
     {
         JobDisplay display(form, isQuiet, isVerbose);
-        display.begin(plan, "out.#.png");
-        for (std::size_t i = 0; i < plan.frames.size(); ++i) {
-            display.frameBegins(i);
-            display.tellMessage("RENDER", "well");
-            display.frameProgresses(0.5);
-            const bool fails = i == 1;
-            display.frameEnds({.index = i,
-                               .state = fails ? FrameEnd::State::Failed : FrameEnd::State::Done,
-                               .message = fails ? "why" : "",
-                               .retries = fails ? 1 : 0,
-                               .renderTime = std::chrono::milliseconds(1500)});
-        }
-        display.tellNote("note: by the way");
-        display.finish(failure);
+        runJob(display, failure);
     }
     return {testing::internal::GetCapturedStdout(), testing::internal::GetCapturedStderr()};
 }
@@ -125,6 +133,31 @@ TEST(JobDisplayTest, QuietJobSaysNothing) {
         const Output job = jobAs(form, true);
         EXPECT_EQ(job.out + job.err, "");
     }
+}
+
+// In a program that ends: the log stays open for good.
+TEST(JobDisplayDeathTest, LogOfAQuietJobHasWhatItDoesNotSay) {
+    const TemporaryFolder folder;
+    const std::filesystem::path log = folder / "made" / "log";
+    EXPECT_EXIT(
+        {
+            keepLog(log);
+            JobDisplay display(ProgressForm::Lines, true);
+            runJob(display);
+            std::_Exit(0);
+        },
+        testing::ExitedWithCode(0), testing::Eq(""));
+    std::string told;
+    std::istringstream lines(bytesOf(log));
+    for (std::string time, sentence; lines >> time && std::getline(lines, sentence);)
+        told += sentence + "\n";
+    EXPECT_TRUE(
+        told.starts_with(" frame 7: RENDER: \"well\"\n frame 7 done, 1 of 3\n"
+                         " frame 8: RENDER: \"well\"\n"
+                         " frame 9: RENDER: \"well\"\n frame 9 done, 3 of 3\n"
+                         " note: by the way\n"
+                         " 2 frames done, 1 skipped, 1 failed (8), 1 tried again in "))
+        << told;
 }
 
 TEST(JobDisplayTest, VerboseJobTellsOfFilesAndTimes) {
@@ -219,6 +252,50 @@ TEST(JobDisplayTest, LastLineCountsTheFramesThatAJobHasNotComeTo) {
     EXPECT_TRUE(
         testing::internal::GetCapturedStderr().starts_with("perch: 1 frame done, 2 not rendered in "));
     EXPECT_EQ(whereabouts().lastLine.get(), "") << "nobody needs to tell it again";
+}
+
+// The parent answers for a worker that the effect has ended.
+TEST(JobDisplayTest, FramesWithoutAnAnswerAreKeptForTheParent) {
+    const FramePlan plan = planOf({7, 8, 9});
+    const Whereabouts& at = whereabouts();
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    JobDisplay display(ProgressForm::Json, true);
+    display.begin(plan, "out.#.png", true);
+    EXPECT_EQ(at.unanswered.get(), "");
+    display.framesAreAsked({2, 0, 1});
+    display.frameBegins(2);
+    EXPECT_EQ(at.unanswered.get(), "9,7,8");
+    display.frameEnds({.index = 2});
+    display.frameBegins(0);
+    EXPECT_EQ(at.unanswered.get(), "7,8");
+    const Json totals = Json::parse(at.totals.get());
+    EXPECT_EQ(totals["done"], 1);
+    EXPECT_EQ(totals["failed"], Json({7, 8}));
+    testing::internal::GetCapturedStdout();
+    testing::internal::CaptureStdout();
+    display.effectBreaks("no");
+    display.finish();
+    EXPECT_TRUE(testing::internal::GetCapturedStdout().starts_with(
+        "{\"frame\":7,\"state\":\"failed\",\"message\":\"no\"}\n"
+        "{\"frame\":8,\"state\":\"failed\",\"message\":\"no\"}\n"
+        "{\"done\":1,\"upToDate\":0,\"skipped\":[],\"failed\":[7,8],"));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(at.unanswered.get() + at.totals.get(), "") << "nobody needs to tell it again";
+}
+
+TEST(JobDisplayTest, OfFramesThatNobodyAsksForTheOneUnderWayIsLost) {
+    const FramePlan plan = planOf({7, 8, 9});
+    testing::internal::CaptureStdout();
+    JobDisplay display(ProgressForm::Json, true);
+    display.begin(plan, "out.#.png");
+    display.frameBegins(0);
+    display.frameBegins(1);
+    display.frameEnds({.index = 0});
+    EXPECT_EQ(whereabouts().unanswered.get(), "8");
+    display.frameEnds({.index = 1});
+    EXPECT_EQ(whereabouts().unanswered.get(), "");
+    testing::internal::GetCapturedStdout();
 }
 
 TEST(JobDisplayTest, JsonIsALineForEachFrameAndOneForAll) {

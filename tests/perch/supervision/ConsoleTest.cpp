@@ -63,7 +63,7 @@ TEST(ConsoleTest, FileThatIsNoLogIsLeftAlone) {
     writeBytes(folder / "picture.png", "\x89PNG");
     EXPECT_THROW(keepLog(folder / "picture.png"), UsageError);
     EXPECT_EQ(bytesOf(folder / "picture.png"), "\x89PNG");
-    EXPECT_THROW(keepLog(folder / "none" / "log"), OutputError);
+    EXPECT_THROW(keepLog(folder / "none" / "here" / "log"), OutputError);
 }
 
 }  // namespace

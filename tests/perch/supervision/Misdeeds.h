@@ -29,16 +29,24 @@ struct Misdeed {
 
 const std::vector<Misdeed>& misdeeds();
 
-// Has Hostile.so do what the mode says, "abort@RENDER", for as long as the object lives.
+// Has Hostile.so do what the mode says, "abort@RENDER", for as long as the object lives; a file named as its
+// mark is made just before.
 class HostileMode {
 public:
-    explicit HostileMode(const std::string& mode) { setenv(kName, mode.c_str(), 1); }
-    ~HostileMode() { unsetenv(kName); }
+    explicit HostileMode(const std::string& mode, const std::string& mark = "") {
+        setenv(kName, mode.c_str(), 1);
+        if (!mark.empty()) setenv(kMark, mark.c_str(), 1);
+    }
+    ~HostileMode() {
+        unsetenv(kName);
+        unsetenv(kMark);
+    }
     HostileMode(const HostileMode&) = delete;
     HostileMode& operator=(const HostileMode&) = delete;
 
 private:
     static constexpr char kName[] = "PERCH_HOSTILE";
+    static constexpr char kMark[] = "PERCH_HOSTILE_MARK";
 };
 
 bool endsTheEffect(End end);

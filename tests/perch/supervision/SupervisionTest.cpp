@@ -6,10 +6,12 @@
 #include <cstdlib>
 #include <filesystem>
 #include <optional>
+#include <sstream>
 #include <thread>
 #include <utility>
 
 #include "CommandLine.h"
+#include "Misdeeds.h"
 #include "PictureFiles.h"
 
 namespace perch::test {
@@ -20,27 +22,16 @@ const char kRender[] = "perch render --plugin {plugins}/Hostile.so -i rgb8.png -
 // Until it is cancelled.
 const char kWaiting[] = "perch render --plugin {plugins}/Report.so -i rgba8.png -o out.png --wait-for-cancel";
 
-struct EnvironmentMode {
-    explicit EnvironmentMode(const char* mode) { setenv("PERCH_HOSTILE", mode, 1); }
-    ~EnvironmentMode() { unsetenv("PERCH_HOSTILE"); }
-};
-
-// Has the effect mark its deed by a file beside the command line's folder.
-struct MarkedMode : EnvironmentMode {
-    MarkedMode(const char* mode, const CommandLine& commandLine)
-        : EnvironmentMode(mode), mark(commandLine.folder.parent_path() / "mark") {
-        setenv("PERCH_HOSTILE_MARK", mark.c_str(), 1);
-    }
-    ~MarkedMode() { unsetenv("PERCH_HOSTILE_MARK"); }
-
-    const std::filesystem::path mark;
-};
+// Where the effect marks its deed.
+std::filesystem::path markBeside(const CommandLine& commandLine) {
+    return commandLine.folder.parent_path() / "mark";
+}
 
 // An effect that never comes back; it waits for nothing any more.
 struct HangingProgram {
     explicit HangingProgram(const char* deed = "hang@RENDER", const char* command = kRender) {
-        const MarkedMode mode(deed, commandLine);
-        const std::filesystem::path& mark = mode.mark;
+        const std::filesystem::path mark = markBeside(commandLine);
+        const HostileMode mode(deed, mark);
         program.emplace(commandLine.commandOf(command), commandLine.folder);
         const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
         while (bytesOf(mark).empty() && std::chrono::steady_clock::now() < end)
@@ -128,9 +119,10 @@ TEST(SupervisionTest, ProcessesThatTheEffectHasStartedEndWithIt) {
     for (const auto& [deed, status] :
          {std::pair{"daemon@RENDER", 0}, std::pair{"daemon-and-abort@RENDER", 8}}) {
         const CommandLine commandLine;
-        const MarkedMode mode(deed, commandLine);
+        const std::filesystem::path mark = markBeside(commandLine);
+        const HostileMode mode(deed, mark);
         EXPECT_EQ(commandLine.run(kRender).status, status);
-        const int daemon = std::atoi(bytesOf(mode.mark).c_str());
+        const int daemon = std::atoi(bytesOf(mark).c_str());
         ASSERT_GT(daemon, 0) << deed;
         EXPECT_NE(kill(daemon, 0), 0) << deed;
     }
@@ -139,7 +131,7 @@ TEST(SupervisionTest, ProcessesThatTheEffectHasStartedEndWithIt) {
 TEST(SupervisionTest, PictureThatWasBeingWrittenIsRemoved) {
     const CommandLine commandLine;
     const std::vector<std::string> files = commandLine.files();
-    const EnvironmentMode mode("end-while-writing@FRAME_SETDOWN");
+    const HostileMode mode("end-while-writing@FRAME_SETDOWN");
     const ProgramResult result = commandLine.run(kRender);
     EXPECT_EQ(result.status, 8);
     EXPECT_NE(result.err.find("crashed after FRAME_SETDOWN (SIGXFSZ"), std::string::npos) << result.err;
@@ -148,7 +140,7 @@ TEST(SupervisionTest, PictureThatWasBeingWrittenIsRemoved) {
 
 TEST(SupervisionTest, TimeLimitEndsEveryCommandThatLoadsAnEffect) {
     const CommandLine commandLine;
-    const EnvironmentMode mode("hang@PARAMS_SETUP");
+    const HostileMode mode("hang@PARAMS_SETUP");
     for (const char* const command :
          {"perch describe {plugins}/Hostile.so --timeout 0.2",
           "perch curve --plugin {plugins}/Hostile.so --frames 1-2 --timeout 0.2",
@@ -164,7 +156,7 @@ TEST(SupervisionTest, TimeLimitEndsEveryCommandThatLoadsAnEffect) {
 // It changes the folder while other frames are read and written.
 TEST(SupervisionTest, FilesAreWhereTheCommandLineSaysWhateverTheFolderIs) {
     const CommandLine commandLine;
-    const EnvironmentMode mode("wander@RENDER");
+    const HostileMode mode("wander@RENDER");
     const ProgramResult result = commandLine.run(
         "perch render --plugin {plugins}/Hostile.so -i shot.####.png -o out.####.png --frames 1-3,5 "
         "--threads 2");
@@ -175,7 +167,7 @@ TEST(SupervisionTest, FilesAreWhereTheCommandLineSaysWhateverTheFolderIs) {
 
 TEST(SupervisionTest, ReportAndLogSayWhatBecameOfAWorkerThatCouldNotEndIt) {
     const CommandLine commandLine;
-    const EnvironmentMode mode("abort@RENDER");
+    const HostileMode mode("abort@RENDER");
     EXPECT_EQ(commandLine.run(std::string(kRender) + " --report report.json --log job.log").status, 8);
     const std::string report = bytesOf(commandLine.folder / "report.json");
     EXPECT_NE(report.find("\n \"state\": \"failed\""), std::string::npos) << report;
@@ -190,7 +182,7 @@ const char kFed[] =
 
 TEST(SupervisionTest, StandardInputReachesTheWorkerAndNotTheEffect) {
     const CommandLine commandLine;
-    const EnvironmentMode mode("read-input@RENDER");
+    const HostileMode mode("read-input@RENDER");
     const ProgramResult result = commandLine.run(kFed, "2\n1\n");
     EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_TRUE(commandLine.has("out.0001.png"));
@@ -200,10 +192,23 @@ TEST(SupervisionTest, StandardInputReachesTheWorkerAndNotTheEffect) {
 
 TEST(SupervisionTest, EffectThatCrashesEndsAWorkerThatIsFed) {
     const CommandLine commandLine;
-    const EnvironmentMode mode("abort@RENDER");
-    const ProgramResult result = commandLine.run(kFed, "2\n1\n");
+    const HostileMode mode("abort@RENDER");
+    const ProgramResult result = commandLine.run(std::string(kFed) + " -q --log made/job.log", "2\n1\n");
     EXPECT_EQ(result.status, 8);
-    EXPECT_NE(result.err.find("frame 2: the effect"), std::string::npos) << result.err;
+    EXPECT_TRUE(result.err.starts_with("perch: frame 2: the effect")) << result.err;
+    EXPECT_EQ(result.err.find("frames done"), std::string::npos) << result.err;
+    const std::string log = bytesOf(commandLine.folder / "made/job.log");
+    EXPECT_NE(log.find(" frame 2: the effect"), std::string::npos) << log;
+    EXPECT_NE(log.find(" 0 frames done, 2 failed ("), std::string::npos) << log;
+    const std::string why =
+        "\"state\":\"failed\",\"message\":\"frame 2: the effect \\\"Hostile.so\\\" crashed";
+    std::istringstream answers(result.out);
+    for (const std::string& start :
+         {"{\"frame\":2," + why, "{\"frame\":1," + why, std::string("{\"done\":0,\"upToDate\":0")}) {
+        std::string answer;
+        std::getline(answers, answer);
+        EXPECT_TRUE(answer.starts_with(start)) << answer;
+    }
 }
 
 TEST(SupervisionTest, WorkerCannotBeStartedByHand) {
@@ -215,7 +220,7 @@ TEST(SupervisionTest, WorkerCannotBeStartedByHand) {
 // The count of parameters is at fault at PARAMS_SETUP, and the worker cannot tell it at the end.
 TEST(SupervisionTest, FindingsBeforeACrashAreTold) {
     const CommandLine commandLine;
-    const EnvironmentMode mode("left-and-abort@GLOBAL_SETDOWN");
+    const HostileMode mode("left-and-abort@GLOBAL_SETDOWN");
     const ProgramResult result = commandLine.run(std::string(kRender) + " --strict");
     EXPECT_EQ(result.status, 8);
     EXPECT_NE(
@@ -227,7 +232,7 @@ TEST(SupervisionTest, FindingsBeforeACrashAreTold) {
 
 TEST(SupervisionTest, InProcessTheEffectRunsWithoutAParent) {
     const CommandLine commandLine;
-    const EnvironmentMode mode("exit7@RENDER");
+    const HostileMode mode("exit7@RENDER");
     EXPECT_EQ(commandLine.run(std::string(kRender) + " --in-process").status, 7);
 }
 
