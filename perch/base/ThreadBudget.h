@@ -80,21 +80,25 @@ private:
     std::uint64_t place;
 };
 
-// This thread is at work for as long as the object lives; to begin with, it waits for its turn.
+// This thread is at work for as long as the object lives, or until it is given back; to begin with, it waits
+// for its turn.
 class ThreadShare {
 public:
     explicit ThreadShare(ThreadTurn turn) : budget(std::exchange(turn.budget, nullptr)) {
         if (budget != nullptr) budget->take(turn.place);
     }
     explicit ThreadShare(ThreadBudget* budget) : ThreadShare(ThreadTurn(budget)) {}
-    ~ThreadShare() {
-        if (budget != nullptr) budget->give();
-    }
+    ~ThreadShare() { giveBack(); }
     ThreadShare(const ThreadShare&) = delete;
     ThreadShare& operator=(const ThreadShare&) = delete;
 
+    // For a thread whose work goes on and takes no processor to speak of, as where it waits for a disk.
+    void giveBack() {
+        if (budget != nullptr) std::exchange(budget, nullptr)->give();
+    }
+
 private:
-    ThreadBudget* const budget;
+    ThreadBudget* budget;
 };
 
 }  // namespace perch

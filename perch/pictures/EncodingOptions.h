@@ -19,6 +19,8 @@ struct EncodingOptions {
     // Called again and again while the file is made, every few rows; what it throws ends that, and nothing is
     // left of the file.
     std::function<void()> checkpoint{};
+    // Called once, when the bytes of the file are known and only the disk is left.
+    std::function<void()> isEncoded{};
 
     void reachCheckpoint() const {
         if (checkpoint) checkpoint();

@@ -101,6 +101,7 @@ std::vector<std::string> writePicture(const fs::path& path, const Picture& pictu
     } catch (const PictureError& error) {
         refuseToWrite(path, error.what());
     }
+    if (options.isEncoded) options.isEncoded();
     replaceFile(path, encoded.bytes, options.checkpoint);
     return encoded.unheld;
 }

@@ -147,12 +147,12 @@ private:
     template <typename F>
     auto tried(ThreadTurn turn, clockid_t clock, RenderReport::Time& sum, std::chrono::milliseconds pause,
                const F& body) const {
-        Step<std::invoke_result_t<F>> step;
+        Step<std::invoke_result_t<F, ThreadShare&>> step;
         for (;; ++step.retries) {
             try {
-                const ThreadShare share(std::move(turn));
+                ThreadShare share(std::move(turn));
                 const StepTimer timer(clock, sum, step.time);
-                step.result.emplace(body());
+                step.result.emplace(body(share));
                 return step;
             } catch (const Cancelled&) {
                 throw;
@@ -174,7 +174,7 @@ private:
             ++inFlight;
             reads.start([this, index = order[nextRead], turn = ThreadTurn(settings.budget)]() mutable {
                 return tried(std::move(turn), CLOCK_THREAD_CPUTIME_ID, report.decodeTime, settings.pause,
-                             [&] { return named(index, [&] { return read(index); }); });
+                             [&](ThreadShare&) { return named(index, [&] { return read(index); }); });
             });
         }
     }
@@ -266,7 +266,7 @@ private:
         for (const ParameterSetting& setting : variant)
             applySetting(setting, request.values, settings.downsample);
         return tried(ThreadTurn(settings.budget), CLOCK_MONOTONIC, report.renderTime, {},
-                     [&] { return sequence.render(request); });
+                     [&](ThreadShare&) { return sequence.render(request); });
     }
 
     void tellTheUsersChoices(const World& input) {
@@ -303,15 +303,17 @@ private:
         startEnding([this, end = rendered, input = pictures.input, output = pictures.output,
                      result = std::move(result), turn = ThreadTurn(settings.budget)]() mutable {
             output.encoding.checkpoint = [&] { throwIfCancelled(end.index); };
-            const auto write = [&] {
+            const auto write = [&](ThreadShare& share) {
+                output.encoding.isEncoded = [&share] { share.giveBack(); };
                 const fs::path& path = plan.frames[end.index].output;
                 const std::vector<std::string> unheld = writeWorld(path, result.picture, *input, output);
                 if (!unheld.empty()) report.notes.add("unheld", unheldNote(path, unheld), end.index + 1);
                 return true;
             };
             try {
-                const Step<bool> written = tried(std::move(turn), CLOCK_THREAD_CPUTIME_ID, report.encodeTime,
-                                                 settings.pause, [&] { return named(end.index, write); });
+                const Step<bool> written =
+                    tried(std::move(turn), CLOCK_THREAD_CPUTIME_ID, report.encodeTime, settings.pause,
+                          [&](ThreadShare& share) { return named(end.index, [&] { return write(share); }); });
                 end.retries += written.retries;
                 end.encodeTime = written.time;
                 if (written.error == nullptr) {

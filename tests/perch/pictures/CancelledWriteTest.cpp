@@ -3,6 +3,7 @@
 
 #include <set>
 #include <string>
+#include <vector>
 
 #include "CapturedStderr.h"
 #include "Codec.h"
@@ -51,6 +52,24 @@ TEST(CancelledWriteTest, EncodingStopsAfterAFewRowsInEveryFormat) {
         EXPECT_EQ(ended.reached, 3);
     }
     EXPECT_EQ(captured.text(), "");
+}
+
+TEST(CancelledWriteTest, TellsWhenAllButTheDiskIsDone) {
+    const TemporaryFolder folder;
+    const Picture picture = tallPicture(FileFormat::Png);
+    Checkpoints encoding;
+    codec().encode(picture, {.format = FileFormat::Png, .options = encoding.options});
+    Checkpoints whole;
+    std::vector<int> tells;
+    whole.options.isEncoded = [&] {
+        tells.push_back(whole.reached);
+        EXPECT_TRUE(std::filesystem::is_empty(folder.path));
+    };
+    writePicture(folder / "a.png", picture, whole.options);
+    EXPECT_EQ(tells, std::vector<int>{encoding.reached});
+    Checkpoints ended{.endAt = encoding.reached};
+    ended.options.isEncoded = [] { FAIL(); };
+    EXPECT_THROW(writePicture(folder / "a.png", picture, ended.options), GivenUp);
 }
 
 TEST(CancelledWriteTest, AFileStaysAsItWasWhereverItsWriteEnds) {
