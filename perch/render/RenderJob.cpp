@@ -12,17 +12,16 @@
 #include <utility>
 
 #include "Error.h"
-#include "Fingerprint.h"
 #include "FramePictures.h"
+#include "FrameReader.h"
 #include "GivenValues.h"
-#include "LayerReader.h"
+#include "NamingFrame.h"
 #include "OrderedTasks.h"
 #include "PF_Values.h"
 #include "Sequence.h"
 #include "ShotForm.h"
 #include "Step.h"
 #include "StepTimer.h"
-#include "StillLayers.h"
 #include "Whereabouts.h"
 
 namespace perch {
@@ -65,25 +64,12 @@ public:
 
 private:
     void prepare() {
-        layerReader.findRanges(plan);
+        frameReader.prepare();
         std::vector<fs::path> outputs;
         if (watch.takesPicture) return;
         for (const FrameFiles& files : plan.frames)
             outputs.push_back(files.output);
         prepareOutputs(outputs);
-    }
-
-    // Runs `body` and tells the frame of an error in it.
-    template <typename F>
-    std::invoke_result_t<F> named(std::size_t index, const F& body) const {
-        try {
-            return body();
-        } catch (const Cancelled&) {
-            throw;
-        } catch (const Error& error) {
-            if (!plan.isSequence) throw;
-            throw Error(fmt::format("frame {}: {}", plan.frames[index].frame, error.what()), error.status());
-        }
     }
 
     bool mayGoOn() const { return settings.goesOn || !hasFailure; }
@@ -174,58 +160,9 @@ private:
             ++inFlight;
             reads.start([this, index = order[nextRead], turn = ThreadTurn(settings.budget)]() mutable {
                 return tried(std::move(turn), CLOCK_THREAD_CPUTIME_ID, report.decodeTime, settings.pause,
-                             [&](ThreadShare&) { return named(index, [&] { return read(index); }); });
+                             [&](ThreadShare&) { return frameReader.read(index); });
             });
         }
-    }
-
-    FramePictures read(std::size_t index) {
-        const FrameFiles& files = plan.frames[index];
-        const SharedPicture picture =
-            readNoted(files.input, settings.selectedInput, settings.reading, report.notes, index + 1);
-        FramePictures pictures;
-        pictures.output = {outputType(settings, files.output, *picture), settings.encoding,
-                           settings.isDithered};
-        if (!settings.encoding.software.empty())
-            pictures.output.encoding.software =
-                withFingerprint(settings.encoding.software + layerReader.rangesText(), files.fingerprint);
-        if (!watch.takesPicture) requireOutput(files.output, pictures.output.type, picture->hasAlpha());
-        LayerPictures layers;
-        for (const auto& [layer, path] : files.layers)
-            layers[layer] = layerReader.read(layer, path, index + 1);
-        const LayerPictures still = stillLayers.read();
-        const Depth depth = workDepth(settings, effect, *picture, {layers, still});
-        if (depth == Depth::Bits8) noteSteps(index);
-        for (const auto& [layer, layerPicture] : layers)
-            layerReader.compareSizes(*picture, *layerPicture, files.layers.at(layer), index + 1);
-        for (const auto& [layer, layerPicture] : still)
-            layerReader.compareSizes(*picture, *layerPicture, plan.stillLayers.at(layer), index + 1);
-        pictures.input =
-            std::make_shared<const FileWorld>(resized(worldOf(picture, depth, transferFor(*picture)), scale));
-        if (depth == Depth::Bits16 && !effect.supportsDeepColor())
-            throw EffectFault("the effect does not declare 16 bits per channel; render with --depth 8");
-        if (settings.resizes) {
-            pictures.fullWidth = picture->width;
-            pictures.fullHeight = picture->height;
-        }
-        report.pixelsRead += std::int64_t{picture->width} * picture->height;
-        report.pixelsClipped += pictures.input->clippedPixels;
-        pictures.layers = stillLayers.worlds(depth);
-        for (const auto& [layer, layerPicture] : layers) {
-            pictures.layers[layer] =
-                std::make_shared<const FileWorld>(resized(worldOf(layerPicture, depth), scale));
-        }
-        return pictures;
-    }
-
-    void noteSteps(std::size_t index) {
-        if (!plan.isSequence || watch.takesPicture || !effect.supportsDeepColor()) return;
-        if (std::ranges::none_of(parameters, glides)) return;
-        report.notes.add(
-            "steps",
-            "a value moves from frame to frame, and 8 bits per channel show slow moves as steps; --depth "
-            "16 renders and writes finer ones",
-            index + 1);
     }
 
     // Its first frame shows how many of a shot there is memory for.
@@ -241,7 +178,7 @@ private:
 
     std::exception_ptr errorOfPictures(std::size_t index, const FramePictures& pictures) {
         try {
-            named(index, [&] {
+            namingFrame(plan, index, [&] {
                 takeMemory(pictures);
                 form.require(plan.frames[index], *pictures.input, pictures.layers);
             });
@@ -249,16 +186,6 @@ private:
             return std::current_exception();
         }
         return nullptr;
-    }
-
-    pictures::Transfer transferFor(const pictures::Picture& input) {
-        if (!settings.transfer && isFloat(input.type())) {
-            report.notes.add(
-                "transfer",
-                "the pictures hold light in floats, which the effect gets by the curve of sRGB, as with "
-                "--encode srgb");
-        }
-        return workTransfer(settings, input);
     }
 
     Step<RenderedFrame> render(std::size_t index, const FramePictures& pictures, const Variant& variant) {
@@ -313,7 +240,9 @@ private:
             try {
                 const Step<bool> written =
                     tried(std::move(turn), CLOCK_THREAD_CPUTIME_ID, report.encodeTime, settings.pause,
-                          [&](ThreadShare& share) { return named(end.index, [&] { return write(share); }); });
+                          [&](ThreadShare& share) {
+                              return namingFrame(plan, end.index, [&] { return write(share); });
+                          });
                 end.retries += written.retries;
                 end.encodeTime = written.time;
                 if (written.error == nullptr) {
@@ -373,10 +302,7 @@ private:
     const FramePlan& plan;
     const RenderWatch& watch;
     RenderReport& report;
-    const PF_RationalScale scale =  // that pictures are resized by
-        settings.resizes ? settings.downsample : PF_RationalScale{1, 1};
-    LayerReader layerReader{settings.layers, settings.reading, report.notes};
-    StillLayers stillLayers{plan.stillLayers, layerReader, scale};
+    FrameReader frameReader{effect, settings, parameters, plan, !watch.takesPicture, report};
     Sequence sequence{effect};
     GivenValues values{effect, parameters, layersSetByUser(plan), settings.downsample};
     bool knowsTheUsersChoices = false;

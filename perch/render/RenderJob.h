@@ -3,9 +3,7 @@
 #pragma once
 
 #include <atomic>
-#include <chrono>
 #include <cstddef>
-#include <cstdint>
 #include <functional>
 #include <optional>
 #include <vector>
@@ -13,8 +11,8 @@
 #include "Effect.h"
 #include "FrameEnd.h"
 #include "FramePlan.h"
-#include "Notes.h"
 #include "ParameterCurve.h"
+#include "RenderReport.h"
 #include "RenderSettings.h"
 
 namespace perch {
@@ -33,19 +31,6 @@ struct RenderWatch {
     std::function<std::optional<std::vector<std::size_t>>()> nextFrames;
     // Where it is set, pictures come here instead of to files, frame by frame in each variant.
     std::function<void(const World& picture)> takesPicture;
-};
-
-// What has been done, complete also when the job ends by an exception.
-struct RenderReport {
-    using Time = std::atomic<std::chrono::nanoseconds::rep>;
-
-    std::atomic<std::size_t> framesWritten{0};
-    std::atomic<std::int64_t> pixelsRead{0};
-    std::atomic<std::int64_t> pixelsClipped{0};  // of the input, with light that the codes do not reach
-    Notes notes;
-    Time decodeTime{0};  // processor time
-    Time renderTime{0};  // elapsed
-    Time encodeTime{0};  // processor time
 };
 
 // Renders the frames in order. Throws Error for the first failure, which ends the job, and names the frame
