@@ -138,6 +138,8 @@ FramePlan planSequence(const PictureNames& names, const LayerNames& layers, Patt
     }
     plan.firstFrame = plan.frames.front().frame;
     plan.lastFrame = std::ranges::max(plan.frames, {}, &FrameFiles::frame).frame;
+    for (const std::int32_t frame : patterns.input.framesOnDisk())
+        plan.lastFrame = std::max(plan.lastFrame, frame);
     if (!plan.skipped.empty()) {
         plan.notes.push_back({.isWarning = true,
                               .sentence = fmt::format("\"{}\" has no file for {}; check that all were made",

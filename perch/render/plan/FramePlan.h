@@ -52,9 +52,9 @@ struct FrameFiles {
 
 struct FramePlan {
     bool isSequence = false;
-    std::vector<FrameFiles> frames;                              // in the order to render
-    std::int32_t firstFrame = 0;                                 // the first to render, other shards' too
-    std::int32_t lastFrame = 0;                                  // the greatest number, other shards' too
+    std::vector<FrameFiles> frames;  // in the order to render
+    std::int32_t firstFrame = 0;     // the first to render, other shards' too
+    std::int32_t lastFrame = 0;      // the greatest number of the input's files, rendered or not
     std::map<PF_ParamIndex, std::filesystem::path> stillLayers;  // the same for every frame
     // The first picture of each layer that has one for every frame, other shards' too.
     std::map<PF_ParamIndex, std::filesystem::path> firstLayers{};

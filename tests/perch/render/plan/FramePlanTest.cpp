@@ -3,8 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 #include "Error.h"
 #include "FrameList.h"
 #include "FramePattern.h"
@@ -216,7 +214,7 @@ TEST_F(FramePlanTest, FramesAreThoseAskedForInTheirOrder) {
         names.frames = frames;
         const FramePlan plan = planFrames(names, layers);
         EXPECT_EQ(numbersOf(plan), frames);
-        EXPECT_EQ(plan.lastFrame, std::ranges::max(frames));
+        EXPECT_EQ(plan.lastFrame, 4);  // of all, so that a frame's time does not depend on those beside it
     }
 }
 
