@@ -358,6 +358,8 @@ int runRenderCommand(const std::vector<std::string>& arguments) {
         audience.report.emplace(options.job.report, std::move(record), options.job.isFed);
         whereabouts().report.set(options.job.report.string());
     }
+    if (plan.isSequence && !plan.frames.empty())
+        display.tellNote(planLine(plan, options.names, options.job.isFed));
     return renderReported({.effect = effect,
                            .options = options,
                            .settings = settings,

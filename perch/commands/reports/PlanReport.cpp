@@ -145,6 +145,11 @@ std::vector<std::int32_t> numbersOf(const std::vector<FrameFiles>& frames) {
     return numbers;
 }
 
+std::size_t existingOutputs(const FramePlan& plan) {
+    return static_cast<std::size_t>(
+        std::ranges::count_if(plan.frames, [](const FrameFiles& files) { return isThere(files.output); }));
+}
+
 Json frameToJson(const PlannedJob& job, const FrameFiles& files) {
     Json layers = Json::object();
     for (const auto& [index, path] : files.layers)
@@ -159,6 +164,17 @@ Json frameToJson(const PlannedJob& job, const FrameFiles& files) {
 }
 
 }  // namespace
+
+std::string planLine(const FramePlan& plan, const PictureNames& names, bool isFed) {
+    const std::string frames = countedFrames(numbersOf(plan.frames));
+    const std::string files = fmt::format("{} -> {}", names.input, names.output);
+    if (isFed) return fmt::format("waits for frames to be asked for, of {}: {}", frames, files);
+    const std::size_t existing = existingOutputs(plan);
+    return fmt::format("{}: {}{}", frames, files,
+                       existing == 0 ? ""
+                                     : fmt::format(" ({} exist{} replaced)", existing,
+                                                   existing == 1 ? "s and is" : " and are"));
+}
 
 std::string planAsText(const PlannedJob& job) {
     const std::vector<FrameFiles>& frames = job.plan.frames;
@@ -178,9 +194,7 @@ std::string planAsText(const PlannedJob& job) {
                                 frame);
         text += '\n';
     }
-    const auto existing =
-        std::ranges::count_if(frames, [](const FrameFiles& files) { return isThere(files.output); });
-    text += fmt::format("outputs that exist: {} of {}\n", existing, frames.size());
+    text += fmt::format("outputs that exist: {} of {}\n", existingOutputs(job.plan), frames.size());
     constexpr double kMegabyte = 1e6;
     text += fmt::format("memory for pictures: {:.1f} MB\n",
                         static_cast<double>(memoryFor(job, pictures)) / kMegabyte);

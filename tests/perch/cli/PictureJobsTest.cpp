@@ -168,6 +168,7 @@ TEST_F(PictureJobsTest, LaterFrameOutsideTheRangeOfTheFirstIsToldOnce) {
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(
         withoutTimes(withoutProgress(result.err)),
+        "perch: 4 frames, 1-4: in.#.png -> out.#.png\n"
         "perch: note: --control-range auto is --control-range 2:30\n"
         "perch: warning: \"z.3.exr\" has depths of 4:60, outside the 2:30 that --control-range auto found in "
         "the first frame\n"
@@ -259,15 +260,20 @@ TEST_F(PictureJobsTest, ClippedLightIsCountedOnce) {
         "oiiotool --create 10x10 3 --fill:color=2,0.5,0.5 10x3+0+0 -d half -o in.1.exr && cp in.1.exr "
         "in.2.exr");
     const std::string job = "-i in.#.exr -o out.#.exr --control-layer none --blend-with-original 100";
+    const std::string plan = "perch: 2 frames, 1-2: in.#.exr -> out.#.exr";
     const std::string summary = "perch: 2 frames done in {time}: out.#.exr\n";
-    EXPECT_EQ(
-        withoutTimes(withoutProgress(perch(job).err)),
-        "perch: note: the pictures hold light in floats, which the effect gets by the curve of sRGB, as with "
-        "--encode srgb\n"
-        "perch: note: 30.0 % of the pixels of 2 frames are below 0 or above 1 and were clipped; --encode log "
-        "keeps light up to 64\n" +
-            summary);
-    EXPECT_EQ(withoutTimes(withoutProgress(perch(job + " --encode log").err)), summary);
+    EXPECT_EQ(withoutTimes(withoutProgress(perch(job).err)),
+              plan +
+                  "\n"
+                  "perch: note: the pictures hold light in floats, which the effect gets by the curve of "
+                  "sRGB, as with "
+                  "--encode srgb\n"
+                  "perch: note: 30.0 % of the pixels of 2 frames are below 0 or above 1 and were clipped; "
+                  "--encode log "
+                  "keeps light up to 64\n" +
+                  summary);
+    EXPECT_EQ(withoutTimes(withoutProgress(perch(job + " --encode log").err)),
+              plan + " (2 exist and are replaced)\n" + summary);
     EXPECT_EQ(perch(job + " --quiet").err, "");
 }
 
