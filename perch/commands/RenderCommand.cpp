@@ -25,9 +25,11 @@
 #include "ExistingFrames.h"
 #include "FrameFeed.h"
 #include "FrameList.h"
+#include "FrameReader.h"
 #include "GivenValues.h"
 #include "JobAccount.h"
 #include "JobDisplay.h"
+#include "NamingFrame.h"
 #include "PlanReport.h"
 #include "RenderHelp.h"
 #include "RenderOptions.h"
@@ -290,8 +292,24 @@ std::string currentNote(const FramePlan& plan) {
                        frames.size() == 1 ? "it is" : "they are");
 }
 
-int printPlan(const RenderOptions& options, const PlannedJob& job) {
-    printResult(options.use == PlanUse::PrintJson ? planAsJson(job) : planAsText(job));
+// Finds what a render would before its first frame, and changes nothing.
+std::optional<FramePictures> readFirstFrame(const PlannedJob& job, const Effect& effect,
+                                            RenderReport& report) {
+    if (job.plan.frames.empty()) return std::nullopt;
+    FrameReader reader(effect, job.settings, job.parameters.curves, job.plan, true, report);
+    reader.prepare();
+    requirePlaces(outputsOf(job.plan));
+    FramePictures pictures = reader.read(0);
+    if (job.settings.memory) namingFrame(job.plan, 0, [&] { requireMemory(*job.settings.memory, pictures); });
+    return pictures;
+}
+
+int printPlan(const PlannedJob& job, const Effect& effect, PlanUse use, RenderReport& report,
+              JobDisplay& display) {
+    const std::optional<FramePictures> first = readFirstFrame(job, effect, report);
+    const std::vector<Note> notes = report.notes.all();
+    display.tellNotes(notes);
+    printResult(use == PlanUse::PrintJson ? planAsJson(job, first, notes) : planAsText(job, first));
     return kDone;
 }
 
@@ -341,11 +359,11 @@ int runRenderCommand(const std::vector<std::string>& arguments) {
     const std::vector<ParameterOption> parameterOptions = optionsOf(effect.description().parameters);
     const PlannedJob job{
         .plan = plan, .settings = settings, .options = parameterOptions, .parameters = parameters};
-    if (options.use != PlanUse::Render) return printPlan(options, job);
     RenderReport report;
     report.notes.areWarningsErrors = options.areWarningsErrors;
     warnOfMistakes(parameters, report.notes);
     warnOfKeysOnAStill(plan, parameters.curves, report.notes);
+    if (options.use != PlanUse::Render) return printPlan(job, effect, options.use, report, display);
     catchInterrupts();
     pictures::watchTemporaryFiles({.appears = noteTemporary, .isGone = forgetTemporary});
     if (!options.job.report.empty()) {

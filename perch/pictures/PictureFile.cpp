@@ -55,7 +55,7 @@ SelectedPicture parseSelectedPicture(const std::string& text) {
     return {path, text.substr(colon + 1)};
 }
 
-void requireWritable(const fs::path& path, SampleType type, bool withAlpha) {
+void requireFormatFor(const fs::path& path, SampleType type, bool withAlpha) {
     const FileFormat format = requireFormat(path);
     if (!holds(format, type)) {
         refuseToWrite(path,
@@ -66,6 +66,10 @@ void requireWritable(const fs::path& path, SampleType type, bool withAlpha) {
         refuseToWrite(
             path, fmt::format("{} holds no alpha and the picture has one; use .png or .tif", nameOf(format)));
     }
+}
+
+void requireWritable(const fs::path& path, SampleType type, bool withAlpha) {
+    requireFormatFor(path, type, withAlpha);
     std::error_code ignored;
     const fs::path folder = folderOf(path);
     if (!fs::is_directory(placeOf(folder), ignored)) {
@@ -79,6 +83,12 @@ void prepareOutputs(std::span<const fs::path> paths) {
     for (const fs::path& path : paths)
         requireFormat(path);
     prepareToReplace(paths);
+}
+
+void requirePlaces(std::span<const fs::path> paths) {
+    for (const fs::path& path : paths)
+        requireFormat(path);
+    requireReplaceable(paths);
 }
 
 void requireNotRead(const fs::path& output, std::span<const fs::path> inputs) {

@@ -29,14 +29,20 @@ struct SelectedPicture {
 };
 SelectedPicture parseSelectedPicture(const std::string& text);
 
-// Throws unless a file of this name can be expected to hold such a picture: its format by the ending must
-// have the type and alpha, and its folder must exist.
+// Throws unless a file of this name can hold such a picture: its format by the ending must have the type and
+// alpha.
+void requireFormatFor(const std::filesystem::path& path, SampleType type, bool withAlpha);
+
+// Throws unless such a file can be expected to be written: its folder must exist as well.
 void requireWritable(const std::filesystem::path& path, SampleType type, bool withAlpha);
 
 // Throws where a job could not write one of its outputs: the ending names no format, the folder or the file
 // cannot be written. Makes folders whose parent exists. To be called once, before the job's work; later
 // failures are those of a picture or of a disk that is full.
 void prepareOutputs(std::span<const std::filesystem::path> paths);
+
+// Throws where that would, as far as it can be told without a change.
+void requirePlaces(std::span<const std::filesystem::path> paths);
 
 // Throws where the output is one of the inputs, however the two are spelled and through any links.
 void requireNotRead(const std::filesystem::path& output, std::span<const std::filesystem::path> inputs);

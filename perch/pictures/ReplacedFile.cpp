@@ -190,14 +190,29 @@ void requireReplaceable(const fs::path& path, const struct stat& older) {
     }
 }
 
+[[noreturn]] void refuseFolder(const fs::path& folder, const fs::path& firstFile,
+                               const std::error_code& error) {
+    refuseToWrite(firstFile,
+                  fmt::format("there is no folder \"{}\" and it cannot be made ({}); create it first",
+                              folder.string(), error.message()));
+}
+
 void makeFolder(const fs::path& folder, const fs::path& firstFile) {
     std::error_code error;
     if (fs::is_directory(folder, error)) return;
-    if (!fs::create_directory(folder, error) && error) {
-        refuseToWrite(firstFile,
-                      fmt::format("there is no folder \"{}\" and it cannot be made ({}); create it first",
-                                  folder.string(), error.message()));
-    }
+    if (!fs::create_directory(folder, error) && error) refuseFolder(folder, firstFile, error);
+}
+
+// Of a folder that is there, or else of the one that it would be made in.
+void requireRights(const fs::path& folder, const fs::path& firstFile) {
+    std::error_code error;
+    const bool isThere = fs::exists(folder, error);
+    if (isThere && !fs::is_directory(folder, error))
+        refuseFolder(folder, firstFile, make_error_code(std::errc::file_exists));
+    const fs::path changed = isThere ? folder : folderOf(folder);
+    if (access(changed.c_str(), W_OK | X_OK) == 0) return;
+    if (isThere) refuseBecauseOf(firstFile, errno);
+    refuseFolder(folder, firstFile, {errno, std::generic_category()});
 }
 
 // Files of dead runs have lost their lock.
@@ -216,14 +231,14 @@ void removeLeftovers(const fs::path& folder, const std::set<std::string>& prefix
     }
 }
 
-}  // namespace
+struct Folder {
+    fs::path firstFile;
+    fs::path firstTarget;
+    std::set<std::string> prefixes;  // of temporary files
+};
 
-void prepareToReplace(std::span<const fs::path> paths) {
-    struct Folder {
-        fs::path firstFile;
-        fs::path firstTarget;
-        std::set<std::string> prefixes;
-    };
+// Of files that may be replaced.
+std::map<fs::path, Folder> foldersOf(std::span<const fs::path> paths) {
     std::map<fs::path, Folder> folders;
     for (const fs::path& path : paths) {
         const fs::path target = targetOf(path);
@@ -232,12 +247,24 @@ void prepareToReplace(std::span<const fs::path> paths) {
         Folder& folder = folders.try_emplace(folderOf(target), Folder{path, target, {}}).first->second;
         folder.prefixes.insert(prefixFor(target));
     }
+    return folders;
+}
+
+}  // namespace
+
+void prepareToReplace(std::span<const fs::path> paths) {
+    const std::map<fs::path, Folder> folders = foldersOf(paths);
     for (const auto& [path, folder] : folders)
         makeFolder(path, folder.firstFile);
     for (const auto& [path, folder] : folders) {
         removeLeftovers(path, folder.prefixes);
         newTemporaryFile(folder.firstFile, folder.firstTarget);
     }
+}
+
+void requireReplaceable(std::span<const fs::path> paths) {
+    for (const auto& [path, folder] : foldersOf(paths))
+        requireRights(path, folder.firstFile);
 }
 
 void replaceFile(const fs::path& path, std::span<const unsigned char> bytes,

@@ -23,6 +23,9 @@ namespace pictures {
 // left.
 void prepareToReplace(std::span<const std::filesystem::path> paths);
 
+// Throws where that would, as far as it can be told without a change.
+void requireReplaceable(std::span<const std::filesystem::path> paths);
+
 // A file that is there keeps its mode and owner. What `checkpoint` throws, which is called again and again
 // until all bytes are on the disk, leaves it as it is.
 void replaceFile(const std::filesystem::path& path, std::span<const unsigned char> bytes,

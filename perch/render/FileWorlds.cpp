@@ -176,9 +176,13 @@ void prepareOutputs(std::span<const fs::path> paths) {
     failingAs<OutputError>([&] { pictures::prepareOutputs(paths); });
 }
 
+void requirePlaces(std::span<const fs::path> paths) {
+    failingAs<OutputError>([&] { pictures::requirePlaces(paths); });
+}
+
 void requireOutput(const fs::path& path, SampleType type, bool withAlpha) {
     try {
-        pictures::requireWritable(path, type, withAlpha);
+        pictures::requireFormatFor(path, type, withAlpha);
     } catch (const pictures::PictureError& error) {
         const std::optional<FileFormat> format = pictures::formatOfName(path);
         const bool isOfDepth = format && isWritten(*format) && !holds(*format, type);

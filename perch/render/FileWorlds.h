@@ -49,8 +49,9 @@ FileWorld resized(FileWorld picture, const PF_RationalScale& scale);
 // `depth` is that of the world; absent: the file's.
 FileWorld readWorld(const std::filesystem::path& path, std::optional<Depth> depth = std::nullopt);
 
-// As pictures::prepareOutputs.
+// As those of pictures.
 void prepareOutputs(std::span<const std::filesystem::path> paths);
+void requirePlaces(std::span<const std::filesystem::path> paths);
 
 struct OutputFormat {
     pictures::SampleType type = pictures::SampleType::Bits8;
@@ -58,7 +59,7 @@ struct OutputFormat {
     bool isDithered = false;  // 8 bits from more
 };
 
-// Throws unless a file of this name can be expected to hold such a picture.
+// Throws unless a file of this name can hold such a picture.
 void requireOutput(const std::filesystem::path& path, pictures::SampleType type, bool withAlpha);
 
 // Writes the world in the format of the ending, with alpha where the source has it or the world is not

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 
@@ -18,8 +19,16 @@ struct FramePictures {
     OutputFormat output;
 };
 
+// Of memory: the world, and the samples of its file.
+std::int64_t bytesOf(const FileWorld& picture);
+
 // Of memory, until the frame is written: its input, its layers, what renders of them and what is written.
 // Layers for all frames count in each.
 std::int64_t bytesOf(const FramePictures& pictures);
+
+// How many frames of so many bytes there is room for in `memory`; one at least, which requireMemory refuses
+// by InputError where there is none.
+std::size_t framesWithin(std::int64_t memory, const FramePictures& pictures);
+void requireMemory(std::int64_t memory, const FramePictures& pictures);
 
 }  // namespace perch

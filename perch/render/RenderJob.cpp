@@ -1,7 +1,5 @@
 #include "RenderJob.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <exception>
 #include <limits>
@@ -49,7 +47,8 @@ public:
           report(report) {}
 
     void run() {
-        prepare();
+        frameReader.prepare();
+        if (!watch.takesPicture) prepareOutputs(outputsOf(plan));
         if (watch.nextFrames) {
             while (mayGoOn() && takeAsked())
                 runOrder();
@@ -63,15 +62,6 @@ public:
     }
 
 private:
-    void prepare() {
-        frameReader.prepare();
-        std::vector<fs::path> outputs;
-        if (watch.takesPicture) return;
-        for (const FrameFiles& files : plan.frames)
-            outputs.push_back(files.output);
-        prepareOutputs(outputs);
-    }
-
     bool mayGoOn() const { return settings.goesOn || !hasFailure; }
 
     bool takeAsked() {
@@ -168,12 +158,8 @@ private:
     // Its first frame shows how many of a shot there is memory for.
     void takeMemory(const FramePictures& pictures) {
         if (!settings.memory) return;
-        const std::int64_t bytes = bytesOf(pictures);
-        mostInFlight = static_cast<std::size_t>(std::max<std::int64_t>(*settings.memory / bytes, 1));
-        if (bytes <= *settings.memory) return;
-        throw InputError(fmt::format(
-            "its pictures take {} MB, and --max-memory allows {}; make them smaller, or allow more",
-            (bytes >> 20) + 1, *settings.memory >> 20));
+        mostInFlight = framesWithin(*settings.memory, pictures);
+        requireMemory(*settings.memory, pictures);
     }
 
     std::exception_ptr errorOfPictures(std::size_t index, const FramePictures& pictures) {

@@ -3,14 +3,16 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <map>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <set>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
 #include "Error.h"
 #include "FailingAs.h"
+#include "FileFormat.h"
 #include "FrameList.h"
 #include "ParameterText.h"
 #include "PictureFile.h"
@@ -30,7 +32,6 @@ struct PictureFacts {
     std::int32_t height;
     pictures::SampleType type;
     std::size_t channels;
-    bool isStill;  // the same for every frame
 };
 
 // A parameter that was given, with its text at some frames.
@@ -39,18 +40,17 @@ struct GivenValue {
     std::vector<std::pair<std::int32_t, std::string>> values;
 };
 
-PictureFacts factsOf(const std::string& use, const fs::path& path, bool isStill, const std::string& selected,
-                     const pictures::ReadOptions& options) {
+PictureFacts factsOf(const PlannedJob& job, const std::string& use, const fs::path& path,
+                     const std::string& selected) {
     const auto picture =
-        failingAs<InputError>([&] { return pictures::readPicture(path, selected, options); });
+        failingAs<InputError>([&] { return pictures::readPicture(path, selected, job.settings.reading); });
     return {.use = use,
             .path = path,
             .selected = selected,
             .width = picture.width,
             .height = picture.height,
             .type = picture.type(),
-            .channels = picture.channels,
-            .isStill = isStill};
+            .channels = picture.channels};
 }
 
 std::string selectedOf(const PlannedJob& job, PF_ParamIndex layer) {
@@ -62,17 +62,10 @@ std::vector<PictureFacts> firstPictures(const PlannedJob& job) {
     std::vector<PictureFacts> facts;
     if (job.plan.frames.empty()) return facts;
     const FrameFiles& first = job.plan.frames.front();
-    const RenderSettings& settings = job.settings;
-    facts.push_back(
-        factsOf("input", first.input, !job.plan.isSequence, settings.selectedInput, settings.reading));
-    const auto addLayers = [&](const std::map<PF_ParamIndex, fs::path>& layers, bool areStill) {
-        for (const auto& [index, path] : layers) {
-            facts.push_back(
-                factsOf(layerOption(job, index), path, areStill, selectedOf(job, index), settings.reading));
-        }
-    };
-    addLayers(first.layers, false);
-    addLayers(job.plan.stillLayers, true);
+    facts.push_back(factsOf(job, "input", first.input, job.settings.selectedInput));
+    for (const auto* const layers : {&first.layers, &job.plan.stillLayers})
+        for (const auto& [index, path] : *layers)
+            facts.push_back(factsOf(job, layerOption(job, index), path, selectedOf(job, index)));
     return facts;
 }
 
@@ -98,30 +91,33 @@ bool isThere(const fs::path& path) {
     return fs::exists(path, ignored);
 }
 
-// Of the pictures at once in memory, should all frames be as the first: those that are read ahead, the one
+// Of the pictures of all frames at once, should they be as the first's: those that are read ahead, the one
 // that renders, and those that wait to be written; layers for all frames once.
-std::size_t memoryFor(const PlannedJob& job, const std::vector<PictureFacts>& pictures) {
-    if (pictures.empty()) return 0;
-    const bool isDeep = job.settings.depth ? *job.settings.depth == Depth::Bits16
-                                           : !std::ranges::all_of(pictures, [](const PictureFacts& picture) {
-                                                 return picture.type == pictures::SampleType::Bits8;
-                                             });
-    const std::size_t bytesPerPixel = isDeep ? 8 : 4;
-    const std::size_t atOnce = std::min(job.settings.framesAhead + 1, job.plan.frames.size());
-    std::size_t bytes = 0;
-    for (const PictureFacts& picture : pictures) {
-        const std::size_t size = static_cast<std::size_t>(picture.width) *
-                                 static_cast<std::size_t>(picture.height) * bytesPerPixel;
-        const bool isInput = &picture == &pictures.front();
-        bytes += size * (picture.isStill && !isInput ? 1 : atOnce);
-        if (isInput) bytes += size * atOnce;  // the output
-    }
-    return bytes;
+std::int64_t memoryFor(const PlannedJob& job, const FramePictures& first) {
+    std::int64_t ofStillLayers = 0;
+    for (const auto& [index, path] : job.plan.stillLayers)
+        ofStillLayers += bytesOf(*first.layers.at(index));
+    std::size_t atOnce = std::min(2 * job.settings.framesAhead + 1, job.plan.frames.size());
+    if (job.settings.memory) atOnce = std::min(atOnce, framesWithin(*job.settings.memory, first));
+    return static_cast<std::int64_t>(atOnce) * (bytesOf(first) - ofStillLayers) + ofStillLayers;
 }
 
 std::size_t bitsOf(pictures::SampleType type) {
     if (type == pictures::SampleType::Bits8) return 8;
     return type == pictures::SampleType::Float ? 32 : 16;
+}
+
+std::string bitsText(pictures::SampleType type) {
+    return fmt::format("{} bits{}", bitsOf(type), isFloat(type) ? " in floating point" : "");
+}
+
+int workBits(const FramePictures& pictures) {
+    return pictures.input->pixels.isDeep() ? 16 : 8;
+}
+
+// Of the first frame's file, whose name has been found to have one.
+std::string_view outputFormat(const PlannedJob& job) {
+    return nameOf(*pictures::formatOfName(job.plan.frames.front().output));
 }
 
 std::string channelsText(std::size_t channels) {
@@ -176,16 +172,14 @@ std::string planLine(const FramePlan& plan, const PictureNames& names, bool isFe
                                                    existing == 1 ? "s and is" : " and are"));
 }
 
-std::string planAsText(const PlannedJob& job) {
+std::string planAsText(const PlannedJob& job, const std::optional<FramePictures>& first) {
     const std::vector<FrameFiles>& frames = job.plan.frames;
     const std::vector<PictureFacts> pictures = firstPictures(job);
     std::string text = frames.empty() ? "no frames\n" : countedFrames(numbersOf(frames)) + '\n';
     for (const PictureFacts& picture : pictures) {
-        text +=
-            fmt::format("{}: {}{}{}, {} x {}, {} bits{}, {}\n", picture.use, picture.path.string(),
-                        picture.selected.empty() ? "" : ":", picture.selected, picture.width, picture.height,
-                        bitsOf(picture.type), isFloat(picture.type) ? " in floating point" : "",
-                        channelsText(picture.channels));
+        text += fmt::format("{}: {}{}{}, {} x {}, {}, {}\n", picture.use, picture.path.string(),
+                            picture.selected.empty() ? "" : ":", picture.selected, picture.width,
+                            picture.height, bitsText(picture.type), channelsText(picture.channels));
     }
     for (const GivenValue& given : givenValues(job)) {
         text += given.option + ':';
@@ -194,16 +188,21 @@ std::string planAsText(const PlannedJob& job) {
                                 frame);
         text += '\n';
     }
+    if (first) {
+        text += fmt::format("work: {} bits\noutput: {}, {}\n", workBits(*first), bitsText(first->output.type),
+                            outputFormat(job));
+    }
     text += fmt::format("outputs that exist: {} of {}\n", existingOutputs(job.plan), frames.size());
     constexpr double kMegabyte = 1e6;
     text += fmt::format("memory for pictures: {:.1f} MB\n",
-                        static_cast<double>(memoryFor(job, pictures)) / kMegabyte);
+                        first ? static_cast<double>(memoryFor(job, *first)) / kMegabyte : 0);
     for (const FrameFiles& files : frames)
         text += fmt::format("frame {}: {}\n", files.frame, filesText(job, files));
     return text;
 }
 
-std::string planAsJson(const PlannedJob& job) {
+std::string planAsJson(const PlannedJob& job, const std::optional<FramePictures>& first,
+                       const std::vector<Note>& notes) {
     const std::vector<PictureFacts> facts = firstPictures(job);
     Json pictures = Json::object();
     for (const PictureFacts& picture : facts) {
@@ -219,14 +218,22 @@ std::string planAsJson(const PlannedJob& job) {
     Json frames = Json::array();
     for (const FrameFiles& files : job.plan.frames)
         frames.push_back(frameToJson(job, files));
-    const Json json{{"frames", frameListText(numbersOf(job.plan.frames))},
-                    {"count", job.plan.frames.size()},
-                    {"upToDate", frameListText(numbersOf(job.plan.current))},
-                    {"notes", sentencesOf(job.plan.notes)},
-                    {"firstFrame", pictures},
-                    {"values", values},
-                    {"memoryBytes", memoryFor(job, facts)},
-                    {"plan", frames}};
+    std::vector<std::string> sentences = sentencesOf(job.plan.notes);
+    std::ranges::copy(sentencesOf(notes), std::back_inserter(sentences));
+    Json json{{"frames", frameListText(numbersOf(job.plan.frames))},
+              {"count", job.plan.frames.size()},
+              {"upToDate", frameListText(numbersOf(job.plan.current))},
+              {"notes", sentences},
+              {"firstFrame", pictures},
+              {"values", values},
+              {"memoryBytes", first ? memoryFor(job, *first) : 0}};
+    if (first) {
+        json["workBits"] = workBits(*first);
+        json["output"] = {{"format", outputFormat(job)},
+                          {"bits", bitsOf(first->output.type)},
+                          {"isFloat", isFloat(first->output.type)}};
+    }
+    json["plan"] = frames;
     // Names of files have no certain encoding.
     constexpr int kIndent = 2;
     return json.dump(kIndent, ' ', false, Json::error_handler_t::replace) + '\n';

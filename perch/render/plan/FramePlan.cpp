@@ -264,6 +264,13 @@ void refuseToOverwrite(const FramePlan& plan, const std::vector<AccountName>& ac
 
 }  // namespace
 
+std::vector<fs::path> outputsOf(const FramePlan& plan) {
+    std::vector<fs::path> outputs;
+    for (const FrameFiles& files : plan.frames)
+        outputs.push_back(files.output);
+    return outputs;
+}
+
 std::set<PF_ParamIndex> layersSetByUser(const FramePlan& plan) {
     std::set<PF_ParamIndex> layers = plan.emptyLayers;
     for (const auto& [index, path] : plan.stillLayers)

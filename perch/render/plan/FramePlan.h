@@ -64,6 +64,8 @@ struct FramePlan {
     std::vector<Note> notes{};              // about files that are missing
 };
 
+std::vector<std::filesystem::path> outputsOf(const FramePlan& plan);
+
 // The layer parameters that the user has set, to none as well.
 std::set<PF_ParamIndex> layersSetByUser(const FramePlan& plan);
 

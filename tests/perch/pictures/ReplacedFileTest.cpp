@@ -41,10 +41,12 @@ protected:
         return found;
     }
 
-    std::string failureToPrepare(const std::string& name) const {
+    std::string failureToPrepare(const std::string& name) const { return failureOf(prepareToReplace, name); }
+
+    std::string failureOf(void (*check)(std::span<const fs::path>), const std::string& name) const {
         const fs::path path = folder / name;
         try {
-            prepareToReplace({&path, 1});
+            check({&path, 1});
         } catch (const PictureError& error) {
             return error.what();
         }
@@ -143,6 +145,18 @@ TEST_F(ReplacedFileTest, WhatCannotBeReplacedIsRefusedBeforeTheWork) {
     EXPECT_THAT(failureToPrepare("/proc/a"), HasSubstr("check its folder"));
     EXPECT_THAT(failureToPrepare("one/two/a"), HasSubstr("there is no folder"));
     EXPECT_EQ(bytesOf(folder / "locked"), "older");
+}
+
+TEST_F(ReplacedFileTest, WhatWouldBeRefusedIsFoundWithoutAChange) {
+    fs::create_directory(folder / "folder");
+    writeBytes(folder / "locked", "older");
+    ASSERT_EQ(chmod((folder / "locked").c_str(), 0444), 0);
+    for (const std::string name : {"folder", "locked", "locked/a", "one/two/a", "folder/a", "new/a", "a"}) {
+        const std::set<std::string> before = names();
+        const std::string found = failureOf(requireReplaceable, name);
+        EXPECT_EQ(names(), before) << name;
+        EXPECT_EQ(found, failureToPrepare(name));
+    }
 }
 
 TEST_F(ReplacedFileTest, AFolderWhoseParentExistsIsMade) {
