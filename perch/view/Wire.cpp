@@ -3,6 +3,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <cstddef>
@@ -37,6 +38,18 @@ bool receiveAll(int socket, void* bytes, std::size_t size) {
         if (received <= 0) return false;
         rest += received;
         size -= static_cast<std::size_t>(received);
+    }
+    return true;
+}
+
+// The text grows with what has come: a size alone, which the other side may have wrong, takes no memory.
+bool receiveText(int socket, std::uint64_t size, std::string& text) {
+    constexpr std::uint64_t kStep = 1 << 20;
+    while (text.size() < size) {
+        const std::size_t begin = text.size();
+        const auto step = static_cast<std::size_t>(std::min(size - begin, kStep));
+        text.resize(begin + step);
+        if (!receiveAll(socket, text.data() + begin, step)) return false;
     }
     return true;
 }
@@ -92,8 +105,7 @@ std::optional<Wire::Parts> Wire::receiveParts() {
     for (std::string& part : parts) {
         std::uint64_t size = 0;
         if (!receiveAll(socket, &size, sizeof size) || size > kLargestPart) return std::nullopt;
-        part.resize(size);
-        if (!receiveAll(socket, part.data(), size)) return std::nullopt;
+        if (!receiveText(socket, size, part)) return std::nullopt;
     }
     return parts;
 }
