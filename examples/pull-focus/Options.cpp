@@ -70,6 +70,27 @@ void AddPercent(CLI::App& app, const std::string& name, float& fraction, const s
         ->default_str("0");
 }
 
+void AddControlFile(CLI::App& app, ControlFile& control) {
+    app.add_option_function<std::string>(
+           "CONTROL",
+           [&control](const std::string& text) { control.file = pictures::parseSelectedPicture(text); },
+           "The control layer: what lies at the focal point stays sharp; a channel of it as depth.exr:Z")
+        ->required()
+        ->type_name("");
+    app.add_option_function<std::string>(
+           "--control-range",
+           [&control](const std::string& text) {
+               control.range = pictures::parseDepthRange(text);
+               if (!control.range)
+                   throw CLI::ValidationError(
+                       "--control-range",
+                       "\"" + text + "\" is no range; give it as 2.5:40 or 2.5:40:reciprocal");
+           },
+           "Depths in the control layer that become white and black, as 2.5:40; 2.5:40:reciprocal in even "
+           "steps of 1 / depth")
+        ->type_name("NEAR:FAR");
+}
+
 void AddControls(CLI::App& app, RenderInputs& inputs) {
     AddPopup(app, "--view-mode", inputs.viewMode, {"Normal", "Focus"},
              "The picture, or the map of what is out of focus");
@@ -93,13 +114,13 @@ void AddControls(CLI::App& app, RenderInputs& inputs) {
 Options ParseOptions(int argc, const char* const* argv) {
     Options options;
     CLI::App app("Blurs a picture by a control picture, such as its depth pass.", "pull-focus");
-    app.add_option("BEAUTY", options.beauty, "The picture: PNG, TIFF or JPEG, 8 or 16 bits per channel")
+    app.add_option(
+           "BEAUTY", options.beauty,
+           "The picture: PNG, TIFF, OpenEXR, DPX, TGA, JPEG or WebP, 8 or 16 bits or floats of 0 to 1")
         ->required()
         ->type_name("");
-    app.add_option("CONTROL", options.control, "The control layer: what lies at the focal point stays sharp")
-        ->required()
-        ->type_name("");
-    app.add_option("OUT", options.output, "The result, as .png, .tif, .tiff, .jpg or .jpeg")
+    AddControlFile(app, options.control);
+    app.add_option("OUT", options.output, "The result, as .png, .tif, .exr, .dpx, .tga or .jpg")
         ->required()
         ->type_name("");
     AddControls(app, options.inputs);

@@ -5,10 +5,11 @@
 #include <string>
 
 #include "FocusPipeline.h"
+#include "Pictures.h"
 
 struct Options {
     std::string beauty;
-    std::string control;
+    ControlFile control;
     std::string output;
     RenderInputs inputs;
     int threads = 0;   // 0 takes one per processor

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <optional>
 #include <sstream>
+#include <string_view>
 #include <vector>
 
 #include "CodeRows.h"
@@ -61,16 +62,16 @@ void FromPixels(const PixelBuffer& pixels, pictures::Picture& picture) {
 }
 
 // Floats are taken as they are stored, and the codes of buffers end at 1.
-void RequireShares(const std::string& path, const pictures::Picture& picture) {
+void RequireShares(const std::string& path, const pictures::Picture& picture, std::string_view mend) {
     const std::optional<pictures::Extent> extent = extentOf(picture);
     if (hasInfinity(picture)) {
-        throw pictures::PictureError("cannot read \"" + path +
-                                     "\": it has infinite values; convert it to 16 bits per channel");
+        throw pictures::PictureError("cannot read \"" + path + "\": it has infinite values; " +
+                                     std::string(mend));
     }
     if (!extent || (extent->least >= 0 && extent->greatest <= 1)) return;
     std::ostringstream sentence;
     sentence << "cannot read \"" << path << "\": its values are " << extent->least << " to "
-             << extent->greatest << ", not 0 to 1; convert it to 16 bits per channel";
+             << extent->greatest << ", not 0 to 1; " << mend;
     throw pictures::PictureError(sentence.str());
 }
 
@@ -95,14 +96,19 @@ Picture NewPictureLike(const Picture& picture) {
 
 Picture ReadPicture(const std::string& path) {
     const pictures::Picture picture = pictures::readPicture(path);
-    RequireShares(path, picture);
+    RequireShares(path, picture, "convert it to 16 bits per channel");
     const bool isWide = picture.type() != SampleType::Bits8;
     return {ToPixels(picture, isWide, picture.width, picture.height), picture.hasAlpha()};
 }
 
-Picture ReadPictureLike(const std::string& path, const Picture& like) {
-    const pictures::Picture picture = pictures::readPicture(path);
-    RequireShares(path, picture);
+Picture ReadControl(const ControlFile& control, const Picture& like) {
+    const auto& [path, selected] = control.file;
+    pictures::Picture picture = pictures::readPicture(path, selected);
+    if (control.range) {
+        picture = ranged(picture, *control.range);
+    } else {
+        RequireShares(path, picture, "give the depths that are near and far by --control-range NEAR:FAR");
+    }
     return {ToPixels(picture, IsWide(like), like.pixels->width, like.pixels->height), picture.hasAlpha()};
 }
 

@@ -8,10 +8,13 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "DepthRange.h"
 #include "FrameBuffer.h"
+#include "PictureFile.h"
 
 struct Picture {
     std::unique_ptr<PILib::PixelBuffer> pixels;  // of Pixel<Channel8> or Pixel<Channel15>
@@ -23,9 +26,14 @@ bool IsWide(const Picture& picture);
 
 Picture ReadPicture(const std::string& path);
 
+struct ControlFile {
+    pictures::SelectedPicture file;
+    std::optional<pictures::DepthRange> range{};  // of scene depths; absent: it has values of 0 to 1
+};
+
 // The same, converted to the depth of `like` and resampled to its size where they differ: bilinear, pixel
 // centres aligned on the frame's edges, colours weighted by alpha.
-Picture ReadPictureLike(const std::string& path, const Picture& like);
+Picture ReadControl(const ControlFile& control, const Picture& like);
 
 // A picture of the same depth, size and alpha; its pixels are not set.
 Picture NewPictureLike(const Picture& picture);

@@ -20,9 +20,9 @@ constexpr int kFailed = 1;
 constexpr int kWrongUsage = 2;
 
 void PullFocus(const Options& options) {
-    PrepareOutput(options.output, {options.beauty, options.control});
+    PrepareOutput(options.output, {options.beauty, options.control.file.path});
     const Picture beauty = ReadPicture(options.beauty);
-    const Picture control = ReadPictureLike(options.control, beauty);
+    const Picture control = ReadControl(options.control, beauty);
     RequireWritable(options.output, beauty);
 
     const Picture result = NewPictureLike(beauty);

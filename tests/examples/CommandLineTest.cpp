@@ -102,9 +102,12 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"BrightFloats", "float.tif rgb.png out.png", kFailed,
              "cannot read \"float.tif\": its values are 0.5 to 1.5, not 0 to 1; convert it to 16 bits per "
              "channel"},
-        Case{"SceneDepths", "rgb.png float.exr out.png", kFailed,
-             "cannot read \"float.exr\": its values are 5.5 to 5.5, not 0 to 1; convert it to 16 bits per "
-             "channel"},
+        Case{
+            "SceneDepths", "rgb.png float.exr out.png", kFailed,
+            "cannot read \"float.exr\": its values are 5.5 to 5.5, not 0 to 1; give the depths that are near "
+            "and far by --control-range NEAR:FAR"},
+        Case{"NoSuchChannel", "rgb.png float.exr:W out.png", kFailed,
+             "cannot read \"float.exr\": it has no layer or channel \"W\"; it has the channels Y"},
         Case{"Integers", "int32.tif rgb.png out.png", kFailed,
              "cannot read \"int32.tif\": it has 32-bit integer" + kConvert},
         Case{"FiveChannels", "five.tif rgb.png out.png", kFailed,
@@ -187,6 +190,8 @@ INSTANTIATE_TEST_SUITE_P(
                    "--focal-point: \"near\" is not a number"),
         WrongUsage("NumberAndUnit", "rgb.png rgb.png out.png --maximum-blur 5px",
                    "--maximum-blur: \"5px\" is not a number"),
+        WrongUsage("NoRange", "rgb.png float.exr out.png --control-range 2.5-40",
+                   "--control-range: \"2.5-40\" is no range; give it as 2.5:40 or 2.5:40:reciprocal"),
         WrongUsage("UnknownView", "rgb.png rgb.png out.png --view-mode Depth",
                    "--view-mode: \"Depth\" is none of Normal|Focus"),
         WrongUsage("UnknownBlur", "rgb.png rgb.png out.png --blur-type 1",
@@ -204,7 +209,7 @@ TEST(HelpTest, NamesEveryControlAndItsRange) {
          {"BEAUTY CONTROL OUT", "--view-mode Normal|Focus=Normal", "--blur-type Coarse|Fine=Coarse",
           "--control-channel Alpha|Red|Green|Blue|Luma|Lightness|Brightness=Luma", "--focal-point 0..100=0",
           "--in-focus-range 0..100=0", "--maximum-blur 0..200=10", "--aspect-ratio -1..1=0",
-          "--invert-control", "--conform-control-size,--no-conform-control-size",
+          "--control-range NEAR:FAR", "--invert-control", "--conform-control-size,--no-conform-control-size",
           "--blend-with-original 0..100=0", "--threads 1..256"}) {
         EXPECT_NE(outcome.out.find(text), std::string::npos) << text << " is not in:\n" << outcome.out;
     }

@@ -45,6 +45,10 @@ protected:
         return ReadPicture(folder.file("like.png"));
     }
 
+    ControlFile controlFile(const std::string& name) const {
+        return {.file = {.path = folder.file(name), .selected = {}}};
+    }
+
     ScratchFolder folder;
 };
 
@@ -71,7 +75,7 @@ TEST_F(ReadPictureTest, SixteenBitCodesAreRoundedToTheNearestOf32769) {
 
 TEST_F(ReadPictureTest, ControlOfEightBitsIsWidenedToADeepBeauty) {
     WriteRaw(folder.file("codes.png"), AllCodes8());
-    const Picture picture = ReadPictureLike(folder.file("codes.png"), sized<std::uint16_t>(256, 1));
+    const Picture picture = ReadControl(controlFile("codes.png"), sized<std::uint16_t>(256, 1));
     for (int code = 0; code < 256; ++code) {
         ASSERT_EQ(PixelAt<Channel15>(picture, code, 0).red, Nearest(code, 255, 32768));
     }
@@ -79,7 +83,7 @@ TEST_F(ReadPictureTest, ControlOfEightBitsIsWidenedToADeepBeauty) {
 
 TEST_F(ReadPictureTest, ControlOfSixteenBitsIsNarrowedToAnEightBitBeauty) {
     WriteRaw(folder.file("codes.png"), AllCodes16());
-    const Picture picture = ReadPictureLike(folder.file("codes.png"), sized<std::uint8_t>(256, 256));
+    const Picture picture = ReadControl(controlFile("codes.png"), sized<std::uint8_t>(256, 256));
     for (int code = 0; code < 65536; ++code) {
         ASSERT_EQ(PixelAt<Channel8>(picture, code % 256, code / 256).red, Nearest(code, 65535, 255)) << code;
     }
@@ -87,10 +91,20 @@ TEST_F(ReadPictureTest, ControlOfSixteenBitsIsNarrowedToAnEightBitBeauty) {
 
 TEST_F(ReadPictureTest, ControlTakesTheSizeOfTheBeauty) {
     WriteRaw(folder.file("two.png"), Raw<std::uint8_t>{2, 1, 1, {0, 255}});
-    const Picture picture = ReadPictureLike(folder.file("two.png"), sized<std::uint8_t>(4, 3));
+    const Picture picture = ReadControl(controlFile("two.png"), sized<std::uint8_t>(4, 3));
     ASSERT_EQ(picture.pixels->width, 4);
     ASSERT_EQ(picture.pixels->height, 3);
     EXPECT_EQ(PixelAt<Channel8>(picture, 1, 2).green, 64);
+}
+
+TEST_F(ReadPictureTest, DepthsOfTheControlBecomeWhiteNearAndBlackFar) {
+    WriteRaw(folder.file("depth.exr"), Raw<float>{4, 1, 1, {1, 2, 6, 1e10F}});
+    ControlFile control = controlFile("depth.exr");
+    control.file.selected = "Y";
+    control.range = pictures::DepthRange{.near = 2, .far = 6};
+    const Picture picture = ReadControl(control, sized<std::uint8_t>(4, 1));
+    for (const auto& [x, grey] : {std::pair{0, 255}, {1, 255}, {2, 0}, {3, 0}})
+        EXPECT_EQ(PixelAt<Channel8>(picture, x, 0).red, grey) << x;
 }
 
 TEST_F(ReadPictureTest, GreyAndMissingAlphaAreFilledIn) {

@@ -34,7 +34,8 @@ void WritePictures(const ScratchFolder& folder) {
 // What the program is to write, by the library alone.
 std::string Expected(const ScratchFolder& folder, const std::string& beautyName, const RenderInputs& inputs) {
     const Picture beauty = ReadPicture(folder.file(beautyName));
-    const Picture control = ReadPictureLike(folder.file("control.png"), beauty);
+    const Picture control =
+        ReadControl({.file = {.path = folder.file("control.png"), .selected = {}}}, beauty);
     const Picture result = NewPictureLike(beauty);
     PILib::ThreadPoolContext context(1);
     RenderFrame(context, inputs, Downsample{}, *result.pixels, *beauty.pixels, control.pixels.get());
