@@ -137,15 +137,18 @@ void reportTiming(const RenderReport& report, std::chrono::steady_clock::duratio
 void reportNotes(const RenderReport& report, std::optional<pictures::Transfer> transfer,
                  JobDisplay& display) {
     display.tellNotes(report.notes.all());
-    if (report.pixelsClipped == 0) return;
     const bool isLog = transfer == pictures::Transfer::Log;
-    const double share =
-        100.0 * static_cast<double>(report.pixelsClipped) / static_cast<double>(report.pixelsRead);
-    const std::size_t frames = report.framesWritten;
-    display.tellNote(fmt::format(
-        "note: {} % of the pixels of {} frame{} are below 0 or above {} and were clipped{}",
-        share < 0.1 ? "less than 0.1" : fmt::format("{:.1f}", share), frames, frames == 1 ? "" : "s",
-        isLog ? "64" : "1", isLog ? "" : "; --encode log keeps light up to 64"));
+    const auto tellClipped = [&](std::int64_t pixels, std::string_view where, std::string_view mend) {
+        if (pixels == 0) return;
+        const double share = 100.0 * static_cast<double>(pixels) / static_cast<double>(report.pixelsRead);
+        const std::size_t frames = report.framesWritten;
+        display.tellNote(fmt::format("note: {} % of the pixels of {} frame{} are {} and were clipped{}",
+                                     share < 0.1 ? "less than 0.1" : fmt::format("{:.1f}", share), frames,
+                                     frames == 1 ? "" : "s", where, mend));
+    };
+    tellClipped(report.pixelsAbove, isLog ? "above 64" : "above 1",
+                isLog ? "" : "; --encode log keeps light up to 64");
+    tellClipped(report.pixelsBelow, "below 0", "");
 }
 
 void warnOfKeysOnAStill(const FramePlan& plan, const std::vector<ParameterCurve>& curves, Notes& notes) {

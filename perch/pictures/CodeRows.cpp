@@ -59,29 +59,32 @@ constexpr std::size_t kGreyChannels = 2;  // at most
 
 // As light: every sample by itself, through the curve.
 template <typename T>
-std::int32_t fillRowOfLight(const T* samples, const Picture& picture, std::uint32_t white,
-                            std::span<Codes> row, Transfer transfer) {
-    std::int32_t clipped = 0;
+Clipped fillRowOfLight(const T* samples, const Picture& picture, std::uint32_t white, std::span<Codes> row,
+                       Transfer transfer) {
+    Clipped clipped;
     const bool withAlpha = picture.hasAlpha();
     const std::size_t green = picture.channels > kGreyChannels ? 1 : 0;
     for (Codes& codes : row) {
-        bool isClipped = false;
         const auto code = [&](double value) {
-            isClipped = isClipped || value > 1 || value < 0;
             // Not a number fails both comparisons.
             return static_cast<std::uint16_t>((value > 0 ? std::min(value, 1.0) : 0) * white + 0.5);
         };
         const double share = withAlpha ? static_cast<double>(samples[picture.channels - 1]) / kMost<T> : 1;
         codes.alpha = code(share);
-        isClipped = false;
         const double scale = picture.isPremultiplied && share > 0 ? 1 / share : 1;
+        bool isAbove = false;
+        bool isBelow = false;
         const auto colour = [&](std::size_t channel) {
-            return code(codeOfLight(transfer, static_cast<double>(samples[channel]) / kMost<T> * scale));
+            const double value =
+                codeOfLight(transfer, static_cast<double>(samples[channel]) / kMost<T> * scale);
+            isAbove = isAbove || value > 1;
+            isBelow = isBelow || value < 0;
+            return code(value);
         };
         codes.red = colour(0);
         codes.green = green != 0 ? colour(green) : codes.red;
         codes.blue = green != 0 ? colour(2) : codes.red;
-        clipped += isClipped ? 1 : 0;
+        clipped += {isAbove ? 1 : 0, isBelow ? 1 : 0};
         samples += picture.channels;
     }
     return clipped;
@@ -159,17 +162,17 @@ void writeRow(std::span<const Codes> row, std::uint32_t white, T* next) {
 
 }  // namespace
 
-std::int32_t readCodes(const Picture& picture, std::int32_t y, std::uint32_t white, std::span<Codes> row,
-                       Transfer transfer) {
+Clipped readCodes(const Picture& picture, std::int32_t y, std::uint32_t white, std::span<Codes> row,
+                  Transfer transfer) {
     return std::visit(
-        [&]<typename T>(const std::vector<T>& samples) -> std::int32_t {
+        [&]<typename T>(const std::vector<T>& samples) -> Clipped {
             const T* const first = rowOf(samples, picture, y);
             if constexpr (std::is_integral_v<T>) {
                 if (transfer == Transfer::Linear) {
                     constexpr decltype(&fillRow<1, T>) kFill[] = {fillRow<1, T>, fillRow<2, T>, fillRow<3, T>,
                                                                   fillRow<4, T>};
                     kFill[picture.channels - 1](first, picture.isPremultiplied, white, row);
-                    return 0;
+                    return {};
                 }
             }
             return fillRowOfLight(first, picture, white, row, transfer);

@@ -24,11 +24,22 @@ constexpr std::uint32_t rescale(std::uint32_t value, std::uint32_t from, std::ui
     return from == to ? value : (value * to + from / 2) / from;
 }
 
-// Fills a row of the picture's width and returns how many of its pixels have a colour that the codes do not
-// reach and that was clipped. Without alpha a picture is opaque; premultiplied colours are divided by it.
-// What is no number is 0.
-std::int32_t readCodes(const Picture& picture, std::int32_t y, std::uint32_t white, std::span<Codes> row,
-                       Transfer transfer = Transfer::Linear);
+// How many pixels have a colour that the codes do not reach, and that was clipped.
+struct Clipped {
+    std::int64_t above = 0;
+    std::int64_t below = 0;
+
+    Clipped& operator+=(const Clipped& more) {
+        above += more.above;
+        below += more.below;
+        return *this;
+    }
+};
+
+// Fills a row of the picture's width. Without alpha a picture is opaque; premultiplied colours are divided by
+// it. What is no number is 0.
+Clipped readCodes(const Picture& picture, std::int32_t y, std::uint32_t white, std::span<Codes> row,
+                  Transfer transfer = Transfer::Linear);
 
 // How whole numbers come from more exact ones: the nearest, or up or down in a fixed pattern of 8 x 8 pixels
 // whose mean is the exact one. Numbers that are whole stay.

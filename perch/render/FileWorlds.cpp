@@ -26,8 +26,8 @@ using pictures::SampleType;
 using pictures::Transfer;
 
 template <typename P>
-std::int64_t fillWorld(const Picture& picture, Transfer transfer, const World& world) {
-    std::int64_t clipped = 0;
+pictures::Clipped fillWorld(const Picture& picture, Transfer transfer, const World& world) {
+    pictures::Clipped clipped;
     std::vector<Codes> row(static_cast<std::size_t>(picture.width));
     for (std::int32_t y = 0; y < picture.height; ++y) {
         clipped += readCodes(picture, y, kWhite<P>, row, transfer);
@@ -141,7 +141,7 @@ Depth depthOf(const Picture& picture) {
 
 FileWorld worldOf(const SharedPicture& picture, Depth depth, Transfer transfer) {
     const bool isDeep = depth == Depth::Bits16;
-    FileWorld world{World(picture->width, picture->height, isDeep), picture, transfer, 0};
+    FileWorld world{World(picture->width, picture->height, isDeep), picture, transfer};
     world.clippedPixels = isDeep ? fillWorld<PF_Pixel16>(*picture, transfer, world.pixels)
                                  : fillWorld<PF_Pixel>(*picture, transfer, world.pixels);
     return world;

@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "CodeRows.h"
 #include "PictureFile.h"
 #include "Transfer.h"
 #include "World.h"
@@ -28,7 +29,7 @@ struct FileWorld {
     World pixels;
     std::shared_ptr<const pictures::Picture> source;
     pictures::Transfer transfer = pictures::Transfer::Linear;
-    std::int64_t clippedPixels = 0;  // with light that the codes do not reach
+    pictures::Clipped clippedPixels{};
 };
 
 using SharedPicture = std::shared_ptr<const pictures::Picture>;

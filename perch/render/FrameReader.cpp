@@ -43,7 +43,8 @@ FramePictures FrameReader::picturesOf(std::size_t index) {
         pictures.fullHeight = picture->height;
     }
     report.pixelsRead += std::int64_t{picture->width} * picture->height;
-    report.pixelsClipped += pictures.input->clippedPixels;
+    report.pixelsAbove += pictures.input->clippedPixels.above;
+    report.pixelsBelow += pictures.input->clippedPixels.below;
     pictures.layers = stillLayers.worlds(depth);
     for (const auto& [layer, layerPicture] : layers) {
         pictures.layers[layer] =

@@ -15,7 +15,8 @@ struct RenderReport {
 
     std::atomic<std::size_t> framesWritten{0};
     std::atomic<std::int64_t> pixelsRead{0};
-    std::atomic<std::int64_t> pixelsClipped{0};  // of the input, with light that the codes do not reach
+    std::atomic<std::int64_t> pixelsAbove{0};  // of those, with light that the codes do not reach
+    std::atomic<std::int64_t> pixelsBelow{0};
     Notes notes;
     Time decodeTime{0};  // processor time
     Time renderTime{0};  // elapsed

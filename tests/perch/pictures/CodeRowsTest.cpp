@@ -28,7 +28,7 @@ Codes codesOf(const Picture& picture, Transfer transfer) {
     return row[0];
 }
 
-std::int32_t clippedIn(const Picture& picture, Transfer transfer) {
+Clipped clippedIn(const Picture& picture, Transfer transfer) {
     std::vector<Codes> row(static_cast<std::size_t>(picture.width));
     return readCodes(picture, 0, kDeepWhite, row, transfer);
 }
@@ -113,25 +113,30 @@ TEST(CodeRowsTest, PixelsWithColoursThatCodesDoNotReachAreCounted) {
     struct Case {
         Transfer transfer;
         std::vector<float> samples;  // of RGBA, associated
-        std::int32_t clipped;
+        std::int64_t above;
+        std::int64_t below;
     };
     const float nan = std::numeric_limits<float>::quiet_NaN();
     const Case cases[] = {
-        {Transfer::Linear, {1, 1, 1, 1}, 0},
-        {Transfer::Srgb, {1, 1, 1, 1}, 0},
-        {Transfer::Log, {64, 64, 64, 1}, 0},
-        {Transfer::Linear, {1.01F, 2, 3, 1}, 1},  // once per pixel
-        {Transfer::Srgb, {1.01F, 0, 0, 1}, 1},
-        {Transfer::Log, {1.01F, 0, 0, 1}, 0},
-        {Transfer::Log, {65, 0, 0, 1}, 1},
-        {Transfer::Srgb, {-0.01F, 0, 0, 1}, 1},
-        {Transfer::Srgb, {0.5F, 0, 0, 0.4F}, 1},  // 1.25 where it is opaque
-        {Transfer::Srgb, {0.4F, 0, 0, 0.5F, 2, 0, 0, 1}, 1},
-        {Transfer::Srgb, {nan, 0, 0, 1}, 0},
-        {Transfer::Srgb, {0.5F, 0, 0, 1.5F}, 0},  // alpha is not a colour
+        {Transfer::Linear, {1, 1, 1, 1}, 0, 0},
+        {Transfer::Srgb, {1, 1, 1, 1}, 0, 0},
+        {Transfer::Log, {64, 64, 64, 1}, 0, 0},
+        {Transfer::Linear, {1.01F, 2, 3, 1}, 1, 0},  // once per pixel
+        {Transfer::Srgb, {1.01F, 0, 0, 1}, 1, 0},
+        {Transfer::Log, {1.01F, 0, 0, 1}, 0, 0},
+        {Transfer::Log, {65, 0, 0, 1}, 1, 0},
+        {Transfer::Srgb, {-0.01F, 0, 0, 1}, 0, 1},
+        {Transfer::Log, {-0.01F, 65, 0, 1}, 1, 1},
+        {Transfer::Srgb, {0.5F, 0, 0, 0.4F}, 1, 0},  // 1.25 where it is opaque
+        {Transfer::Srgb, {0.4F, 0, 0, 0.5F, 2, 0, 0, 1}, 1, 0},
+        {Transfer::Srgb, {nan, 0, 0, 1}, 0, 0},
+        {Transfer::Srgb, {0.5F, 0, 0, 1.5F}, 0, 0},  // alpha is not a colour
     };
-    for (const Case& c : cases)
-        EXPECT_EQ(clippedIn(floats(4, c.samples, true), c.transfer), c.clipped) << c.samples[0];
+    for (const Case& c : cases) {
+        const Clipped clipped = clippedIn(floats(4, c.samples, true), c.transfer);
+        EXPECT_EQ(clipped.above, c.above) << c.samples[0];
+        EXPECT_EQ(clipped.below, c.below) << c.samples[0];
+    }
 }
 
 TEST(CodeRowsTest, WhatIsNoNumberIsBlack) {
