@@ -37,6 +37,7 @@
 #include "ReportFile.h"
 #include "Seconds.h"
 #include "StartFolder.h"
+#include "UseNotes.h"
 #include "Whereabouts.h"
 
 namespace perch {
@@ -149,14 +150,6 @@ void reportNotes(const RenderReport& report, std::optional<pictures::Transfer> t
     tellClipped(report.pixelsAbove, isLog ? "above 64" : "above 1",
                 isLog ? "" : "; --encode log keeps light up to 64");
     tellClipped(report.pixelsBelow, "below 0", "");
-}
-
-void warnOfKeysOnAStill(const FramePlan& plan, const std::vector<ParameterCurve>& curves, Notes& notes) {
-    if (plan.isSequence || std::ranges::none_of(curves, &ParameterCurve::moves)) return;
-    notes.warnOfUse("keys",
-                    "parameters have keys and the picture has no frame number, so that their values at "
-                    "frame 0 are taken; for another frame name the sequence, like in.####.png, and the "
-                    "frame by --frames");
 }
 
 int reportInterrupt(const RenderReport& report, std::size_t count, bool isFed) {
@@ -364,8 +357,7 @@ int runRenderCommand(const std::vector<std::string>& arguments) {
         .plan = plan, .settings = settings, .options = parameterOptions, .parameters = parameters};
     RenderReport report;
     report.notes.areWarningsErrors = options.areWarningsErrors;
-    warnOfMistakes(parameters, report.notes);
-    warnOfKeysOnAStill(plan, parameters.curves, report.notes);
+    noteUse(options, parameters, plan, report.notes);
     if (options.use != PlanUse::Render) return printPlan(job, effect, options.use, report, display);
     catchInterrupts();
     pictures::watchTemporaryFiles({.appears = noteTemporary, .isGone = forgetTemporary});

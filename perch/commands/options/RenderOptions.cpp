@@ -4,12 +4,12 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <limits>
 #include <thread>
 
 #include "CommandLine.h"
+#include "EncodingArguments.h"
 #include "Error.h"
 #include "JobOptions.h"
 #include "NearestName.h"
@@ -37,8 +37,7 @@ struct Texts {
     std::string outputDepth;
     std::string encode;
     std::string threads = "0";
-    std::string compression;
-    std::string jpegQuality;
+    EncodingTexts encoding;
     std::string mostPixels;
     std::string mostMemory;
     bool hasNoProvenance = false;
@@ -98,25 +97,6 @@ int parseThreads(const std::string& text) {
     return parseNumber("--threads", text, 0, kMostThreads);
 }
 
-constexpr std::array kOpenExrCompressions{"none",  "rle", "zips", "zip",  "piz",
-                                          "pxr24", "b44", "b44a", "dwaa", "dwab"};
-
-void takeCompression(const std::string& text, pictures::EncodingOptions& encoding) {
-    if (text.empty()) return;
-    if (std::ranges::find(kOpenExrCompressions, text) != kOpenExrCompressions.end()) {
-        encoding.openExrCompression = text;
-        return;
-    }
-    const bool isNumber = text.find_first_not_of("0123456789") == std::string::npos;
-    if (!isNumber) {
-        throw UsageError(
-            fmt::format("--compression takes a whole number from 0 to {}, or for OpenEXR one of {}, not "
-                        "\"{}\"",
-                        kMostCompression, fmt::join(kOpenExrCompressions, ", "), text));
-    }
-    encoding.compression = parseNumber("--compression", text, 0, kMostCompression);
-}
-
 // A picture may take half, as the output has as many samples; how many frames there is room for, the first
 // one shows.
 void takeLimits(const Texts& texts, RenderOptions& options) {
@@ -159,13 +139,7 @@ void addOwnOptions(CLI::App& app, Texts& texts) {
     app.add_option("--threads", texts.threads,
                    "at work at once, reading, rendering and writing; 0 for one per processor (default 0)")
         ->type_name("N");
-    app.add_option(
-           "--compression", texts.compression,
-           fmt::format("of PNG and TIFF files, 0 for none to {} for the smallest (default {}); of OpenEXR "
-                       "files a name: {} (default zip)",
-                       kMostCompression, kFastCompression, fmt::join(kOpenExrCompressions, ", ")))
-        ->type_name("LEVEL");
-    app.add_option("--jpeg-quality", texts.jpegQuality, "of JPEG files, 1 to 100")->type_name("QUALITY");
+    addEncodingOptions(app, texts.encoding);
     app.add_option("--max-pixels", texts.mostPixels,
                    "that a picture read may have, against files that claim too much (default 268435456)")
         ->type_name("N");
@@ -290,9 +264,8 @@ RenderOptions parseRenderOptions(const std::vector<std::string>& arguments) {
     if (!texts.outputDepth.empty())
         options.settings.outputType = meaningOf("--output-depth", texts.outputDepth, kOutputDepth);
     if (!texts.encode.empty()) options.settings.transfer = meaningOf("--encode", texts.encode, kEncode);
-    takeCompression(texts.compression, options.settings.encoding);
-    if (!texts.jpegQuality.empty())
-        options.settings.encoding.jpegQuality = parseNumber("--jpeg-quality", texts.jpegQuality, 1, 100);
+    takeEncodingOptions(texts.encoding, options.settings.encoding);
+    options.idle = idleEncodingOptions(texts.encoding, texts.output);
     options.hasProvenance = !texts.hasNoProvenance;
     options.areWarningsErrors = texts.areWarningsErrors;
     options.settings.isDithered = texts.isDithered;

@@ -45,6 +45,7 @@ struct RenderOptions {
     RenderSettings settings;
     JobOptions job;
     std::optional<std::int64_t> memory;  // for pictures, in bytes
+    std::vector<std::string> idle{};     // sentences, of options that do nothing for such an output
     std::set<std::string> given;         // options that the command line has, without their dashes
 };
 

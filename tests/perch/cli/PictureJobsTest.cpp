@@ -255,25 +255,63 @@ TEST_F(PictureJobsTest, FilesTellWhatChangedTheirPixels) {
         << software;
 }
 
+TEST_F(PictureJobsTest, OptionsThatDoNothingForTheOutputAreWarnedOf) {
+    make("oiiotool --create 10x10 3 -d half -o in.exr && oiiotool --create 10x10 3 -d uint8 -o in.png");
+    struct Case {
+        const char* arguments;
+        const char* warning;  // empty: none
+    };
+    const Case cases[] = {
+        {"-i in.png -o a.png --compression piz",
+         "--compression piz is of OpenEXR files and does nothing for \"a.png\""},
+        {"-i in.exr -o a.exr --compression 5",
+         "--compression 5 is of PNG and TIFF files and does nothing for \"a.exr\""},
+        {"-i in.png -o a.jpg --compression 5",
+         "--compression 5 is of PNG and TIFF files and does nothing for \"a.jpg\""},
+        {"-i in.png -o a.png --jpeg-quality 90",
+         "--jpeg-quality is of JPEG files and does nothing for \"a.png\""},
+        {"-i in.png -o a.png --compression 5", ""},
+        {"-i in.exr -o a.exr --compression piz", ""},
+        {"-i in.png -o a.jpg --jpeg-quality 90", ""},
+    };
+    for (const auto& [arguments, warning] : cases) {
+        const std::string job = std::string(arguments) + " --control-layer none --progress none";
+        const auto outcome = perch(job);
+        EXPECT_EQ(outcome.status, 0) << arguments;
+        EXPECT_EQ(outcome.err.find("perch: warning: ") != std::string::npos, *warning != 0) << outcome.err;
+        EXPECT_NE(outcome.err.find(warning), std::string::npos) << outcome.err;
+        EXPECT_EQ(perch(job + " --warnings-as-errors").status, *warning != 0 ? 2 : 0) << arguments;
+    }
+}
+
+TEST_F(PictureJobsTest, CodesForScreensInOpenExrAreToldOf) {
+    make("oiiotool --create 10x10 3 -d uint8 -o in.png && oiiotool --create 10x10 3 -d uint16 -o in.tif");
+    const std::string job = " --control-layer none --progress none";
+    const std::string told = "read the output as sRGB";
+    EXPECT_NE(perch("-i in.png -o a.exr" + job).err.find(told), std::string::npos);
+    EXPECT_EQ(perch("-i in.png -o a.png" + job).err.find(told), std::string::npos);
+    EXPECT_EQ(perch("-i in.tif -o a.exr" + job).err.find(told), std::string::npos);
+}
+
 TEST_F(PictureJobsTest, ClippedLightIsCountedOnce) {
     make(
-        "oiiotool --create 10x10 3 --fill:color=2,0.5,0.5 10x3+0+0 -d half -o in.1.exr && cp in.1.exr "
-        "in.2.exr");
+        "oiiotool --create 10x10 3 --fill:color=2,0.5,0.5 10x3+0+0 --fill:color=-1,0,0 1x1+0+9 -d half -o "
+        "in.1.exr && cp in.1.exr in.2.exr");
     const std::string job = "-i in.#.exr -o out.#.exr --control-layer none --blend-with-original 100";
     const std::string plan = "perch: 2 frames, 1-2: in.#.exr -> out.#.exr";
     const std::string summary = "perch: 2 frames done in {time}: out.#.exr\n";
-    EXPECT_EQ(withoutTimes(withoutProgress(perch(job).err)),
-              plan +
-                  "\n"
-                  "perch: note: the pictures hold light in floats, which the effect gets by the curve of "
-                  "sRGB, as with "
-                  "--encode srgb\n"
-                  "perch: note: 30.0 % of the pixels of 2 frames are below 0 or above 1 and were clipped; "
-                  "--encode log "
-                  "keeps light up to 64\n" +
-                  summary);
+    const std::string below = "perch: note: 1.0 % of the pixels of 2 frames are below 0 and were clipped\n";
+    EXPECT_EQ(
+        withoutTimes(withoutProgress(perch(job).err)),
+        plan +
+            "\n"
+            "perch: note: the pictures hold light in floats, which the effect gets by the curve of sRGB, "
+            "as with --encode srgb\n"
+            "perch: note: 30.0 % of the pixels of 2 frames are above 1 and were clipped; --encode log "
+            "keeps light up to 64\n" +
+            below + summary);
     EXPECT_EQ(withoutTimes(withoutProgress(perch(job + " --encode log").err)),
-              plan + " (2 exist and are replaced)\n" + summary);
+              plan + " (2 exist and are replaced)\n" + below + summary);
     EXPECT_EQ(perch(job + " --quiet").err, "");
 }
 
