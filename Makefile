@@ -1,8 +1,7 @@
 # Thin wrapper around CMake: installs the Debian packages that are missing, builds, and runs.
 #   make demo   renders the sample picture and says where the results are
 #   make view   opens the page on which an effect is seen at work at every move of a control
-#   make test   builds and runs every test, optimised and under the address and undefined-behaviour sanitizers, and the
-#               plug-in for Windows where mingw-w64 and Wine are installed
+#   make test   builds and runs every test, and the plug-in for Windows where mingw-w64 and Wine are installed
 #   make test-elsewhere tests the libraries for other processors in emulators
 #   make bundles builds the plug-in for Windows, macOS and Linux and packs what ships into dist/
 #   make bench  runs the benchmarks; make bench-all every kind of frame as well; make bench-compare times other programs
@@ -33,7 +32,7 @@ view:
 test:
 	@scripts/install-packages.sh $(TEST_PACKAGES) chromium
 	@$(INSTALL_NPM)
-	@scripts/test.sh release asan
+	@scripts/test.sh release
 	@scripts/test-elsewhere.sh windows-x64
 
 test-elsewhere:
