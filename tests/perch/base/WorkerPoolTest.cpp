@@ -96,6 +96,7 @@ TEST(ThreadBudgetTest, WhoeverAsksFirstIsFirst) {
         order.push_back(2);
     });
     given.reset();  // nobody waits for a turn that is given up
+    EXPECT_EQ(later.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
     {
         const ThreadShare share(std::move(first));
         order.push_back(1);
