@@ -146,6 +146,9 @@ TEST_F(MistakesTest, MovesAtEightBitsAreToldOfOnce) {
               "note: a value moves from frame to frame, and 8 bits per channel show slow moves as steps; "
               "--depth 16 renders and writes finer ones");
     EXPECT_EQ(said(shotOf({"deep.png"})), "");
+    FramePlan still = shotOf({"a.png"});
+    still.isSequence = false;
+    EXPECT_EQ(said(still), "") << "nothing moves";
     settings.depth = Depth::Bits16;
     EXPECT_EQ(said(shot), "");
     settings.depth = {};

@@ -171,7 +171,9 @@ TEST(SupervisionTest, ReportAndLogSayWhatBecameOfAWorkerThatCouldNotEndIt) {
     const HostileMode mode("abort@RENDER");
     EXPECT_EQ(commandLine.run(std::string(kRender) + " --report report.json --log job.log").status, 8);
     const std::string report = bytesOf(commandLine.folder / "report.json");
-    EXPECT_NE(report.find("\n \"state\": \"failed\""), std::string::npos) << report;
+    const std::size_t job = report.find("\n \"state\": \"failed\"");
+    EXPECT_NE(job, std::string::npos) << report;
+    EXPECT_NE(report.find("\"state\": \"failed\"", job + 10), std::string::npos) << "its frame: " << report;
     EXPECT_NE(report.find("crashed at RENDER (SIGABRT"), std::string::npos) << report;
     const std::string log = bytesOf(commandLine.folder / "job.log");
     EXPECT_NE(log.find("crashed at RENDER (SIGABRT"), std::string::npos) << log;
