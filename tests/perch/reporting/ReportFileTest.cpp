@@ -139,7 +139,8 @@ TEST_F(ReportFileTest, ItIsBroughtToItsEndByAnotherWhereTheProgramCannot) {
     EXPECT_TRUE(isAsTheSchemaSays(folder, "report.json")) << bytesOf(folder / "tool.log");
     closeReport(path, "interrupted", "too late", std::nullopt);
     EXPECT_EQ(onDisk().state, "failed") << "it has come to its end";
-    ReportFile(path, record).frameEnds(1, {.index = 0});
+    record.frames[0].state = State::Done;
+    const ReportFile ended(path, record);
     closeReport(path, "failed", "it crashed when frame 1 was done", 1);
     EXPECT_EQ(onDisk().frames[0].state, State::Done);
     std::filesystem::remove(path);
