@@ -14,7 +14,9 @@ constexpr int kMostCompression = 9;
 struct EncodingOptions {
     int compression = kFastCompression;  // of PNG and TIFF
     std::string openExrCompression = "zip";
-    int jpegQuality = 0;     // 1 to 100; 0: the encoder's own
+    int jpegQuality = 0;  // 1 to 100; 0: the encoder's own
+    // Without it DPX files of 16 bits keep the 10 or 12 of a DPX file that the picture is from.
+    bool hasChosenDepth = false;
     std::string software{};  // what the file says that it was made by; empty: nothing
     // Called again and again while the file is made, every few rows; what it throws ends that, and nothing is
     // left of the file.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <memory>
+#include <string>
 
 #include "Error.h"
 #include "Fingerprint.h"
@@ -19,11 +20,12 @@ FramePictures FrameReader::picturesOf(std::size_t index) {
     const SharedPicture picture =
         readNoted(files.input, settings.selectedInput, settings.reading, report.notes, index + 1);
     FramePictures pictures;
-    pictures.output = {outputType(settings, files.output, *picture), settings.encoding, settings.isDithered};
-    if (!settings.encoding.software.empty())
-        pictures.output.encoding.software =
-            withFingerprint(settings.encoding.software + layerReader.rangesText(), files.fingerprint);
+    pictures.output = outputFormat(settings, files.output, *picture);
+    if (std::string& software = pictures.output.encoding.software; !software.empty())
+        software = withFingerprint(software + layerReader.rangesText(), files.fingerprint);
     if (writesFiles) requireOutput(files.output, pictures.output.type, picture->hasAlpha());
+    if (const std::string note = outputNote(settings, files.output, *picture); !note.empty())
+        report.notes.add("output type", note, index + 1);
     LayerPictures layers;
     for (const auto& [layer, path] : files.layers)
         layers[layer] = layerReader.read(layer, path, index + 1);

@@ -57,9 +57,14 @@ Depth workDepth(const RenderSettings& settings, const Effect& effect, const pict
                 const std::vector<LayerPictures>& layers);
 pictures::Transfer workTransfer(const RenderSettings& settings, const pictures::Picture& input);
 
-// Of the samples of a file written: the input's, unless another is asked for; the nearest that the format
-// has.
-pictures::SampleType outputType(const RenderSettings& settings, const std::filesystem::path& output,
-                                const pictures::Picture& input);
+// Of a file written. Its samples are of the input's type, unless another is asked for; the nearest that the
+// format has.
+OutputFormat outputFormat(const RenderSettings& settings, const std::filesystem::path& output,
+                          const pictures::Picture& input);
+
+// What is to be said where nobody asked for the type of such a file's samples and the format is the reason
+// for it; empty: nothing.
+std::string outputNote(const RenderSettings& settings, const std::filesystem::path& output,
+                       const pictures::Picture& input);
 
 }  // namespace perch

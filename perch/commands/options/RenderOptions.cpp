@@ -264,6 +264,7 @@ RenderOptions parseRenderOptions(const std::vector<std::string>& arguments) {
     if (!texts.outputDepth.empty())
         options.settings.outputType = meaningOf("--output-depth", texts.outputDepth, kOutputDepth);
     if (!texts.encode.empty()) options.settings.transfer = meaningOf("--encode", texts.encode, kEncode);
+    options.settings.encoding.hasChosenDepth = options.settings.depth || options.settings.outputType;
     takeEncodingOptions(texts.encoding, options.settings.encoding);
     options.idle = idleEncodingOptions(texts.encoding, texts.output);
     options.hasProvenance = !texts.hasNoProvenance;

@@ -199,6 +199,16 @@ ClaimedPicture claimOf(const OIIO::ImageSpec& layout, FileFormat format, const C
             .isReadByLibrary = isReadByLibrary(layout, format, channels, bytes)};
 }
 
+// The image library makes colours of them that are a little off.
+void requireColours(const OIIO::ImageSpec& layout, FileFormat format) {
+    constexpr int kFirstLab = 8;  // CIE, ICC and ITU
+    constexpr int kLastLab = 10;
+    if (format != FileFormat::Tiff) return;
+    const int colours = layout.get_int_attribute("tiff:PhotometricInterpretation");
+    if (colours >= kFirstLab && colours <= kLastLab)
+        throw PictureError("its colours are L*a*b*; save it as red, green and blue");
+}
+
 bool hasDamagedPixels(std::span<const unsigned char> bytes, FileFormat format, int part) {
     if (format == FileFormat::Tiff) return hasDamagedStrip(bytes, part);
     if (format == FileFormat::OpenExr) return lacksChunks(bytes, part);
@@ -262,6 +272,7 @@ Picture decode(std::span<const unsigned char> bytes, FileFormat format, const st
     const PictureSource source =
         selected.empty() ? firstPicture(layout, format) : namedPicture(*file, selected, parts);
     file->seek_subimage(source.part, 0);
+    requireColours(file->spec(), format);
     requireBelievable(file->spec(), format, claimOf(file->spec(), format, source.channels, bytes), bytes,
                       options);
     if (hasDamagedPixels(bytes, format, source.part)) isDamaged = true;

@@ -15,6 +15,7 @@
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <type_traits>
 #include <variant>
 
 #include "LibraryName.h"
@@ -57,6 +58,16 @@ void describeOpenExr(const Metadata* source, const std::string& compression, OII
     if (source == nullptr || source->format != FileFormat::OpenExr) return;
     layout.x = layout.full_x = source->originX;
     layout.y = layout.full_y = source->originY;
+}
+
+// Bits of each sample of a DPX file from one of 10 or 12, which are read as 16; else 0.
+int ownBits(const Picture& picture, const Encoding& encoding) {
+    const Metadata* const source = picture.metadata.get();
+    if (source == nullptr || source->format != FileFormat::Dpx || encoding.format != FileFormat::Dpx)
+        return 0;
+    if (picture.type() != SampleType::Bits16 || encoding.options.hasChosenDepth) return 0;
+    const int bits = source->attributes.get_int("oiio:BitsPerSample");
+    return bits == 10 || bits == 12 ? bits : 0;
 }
 
 // A profile of grey means nothing to colours. Of formats other than OpenEXR readers suppose a colour space
@@ -114,6 +125,7 @@ OIIO::ImageSpec layoutOf(const Picture& picture, const Encoding& encoding) {
     if (encoding.format == FileFormat::Png) describePng(options.compression, layout);
     if (encoding.format == FileFormat::Tiff) describeTiff(source, options.compression, layout);
     if (encoding.format == FileFormat::OpenExr) describeOpenExr(source, options.openExrCompression, layout);
+    if (const int bits = ownBits(picture, encoding); bits > 0) layout["oiio:BitsPerSample"] = bits;
     if (encoding.format == FileFormat::Jpeg && options.jpegQuality > 0)
         layout["compression"] = fmt::format("jpeg:{}", options.jpegQuality);
     return layout;
@@ -132,9 +144,9 @@ public:
 
     std::string name() const { return fmt::format("/proc/self/fd/{}", descriptor); }
 
-    // The encoder does not notice that a write fails. It fails here alone where the process may not write
-    // files of that size, and then the file ends just there.
-    std::vector<unsigned char> bytes() const {
+    // The encoder does not notice that a write fails, or does not say why. It fails here alone where the
+    // process may not write files of that size, and then the file ends just there.
+    void requireRoom() const {
         rlimit limit{};
         struct stat status {};
         const bool isKnown = getrlimit(RLIMIT_FSIZE, &limit) == 0 && fstat(descriptor, &status) == 0;
@@ -142,6 +154,9 @@ public:
             throw PictureError(fmt::format("{}; check its folder and the room on its disk",
                                            std::generic_category().message(EFBIG)));
         }
+    }
+
+    std::vector<unsigned char> bytes() const {
         std::ifstream file(name(), std::ios::binary | std::ios::ate);
         std::vector<unsigned char> bytes(static_cast<std::size_t>(std::max<std::streamoff>(file.tellg(), 0)));
         file.seekg(0);
@@ -153,6 +168,30 @@ private:
     const int descriptor;
 };
 
+// The code of fewer bits that is nearest to one of 16. Codes that were read from fewer bits, and filled up by
+// zeros or by their own highest bits, are what they were.
+std::uint32_t nearestCode(std::uint32_t sample, int bits) {
+    constexpr std::uint32_t kWhite = 65535;
+    const int filled = 16 - bits;
+    const std::uint32_t own = sample >> filled;
+    if (sample == own << filled || sample == (own << filled | own >> (bits - filled))) return own;
+    const std::uint32_t white = (std::uint32_t{1} << bits) - 1;
+    return (sample * white + kWhite / 2) / kWhite;
+}
+
+// The encoder takes the highest bits of each sample. `rounded` holds samples that differ.
+template <typename T>
+const T* ofBits(int bits, const T* samples, std::size_t count, std::vector<T>& rounded) {
+    if constexpr (std::is_same_v<T, std::uint16_t>) {
+        if (bits >= 16) return samples;
+        rounded.resize(count);
+        for (std::size_t i = 0; i < count; ++i)
+            rounded[i] = static_cast<std::uint16_t>(nearestCode(samples[i], bits) << (16 - bits));
+        return rounded.data();
+    }
+    return samples;
+}
+
 // The same bytes as of all rows at once: strips and blocks of formats have fewer rows, or as many.
 template <typename T>
 bool writeRows(OIIO::ImageOutput& file, const EncodingOptions& options, const std::vector<T>& samples) {
@@ -161,12 +200,15 @@ bool writeRows(OIIO::ImageOutput& file, const EncodingOptions& options, const st
     const OIIO::TypeDesc type(OIIO::BaseTypeFromC<T>::value);
     const std::size_t rowSamples = samples.size() / static_cast<std::size_t>(layout.height);
     const int end = layout.y + layout.height;
+    const int bits = layout.get_int_attribute("oiio:BitsPerSample", 16);
     const T* rows = samples.data();
+    std::vector<T> rounded;
     for (int y = layout.y; y < end; y += kRows) {
         options.reachCheckpoint();
         const int next = std::min(y + kRows, end);
-        if (!file.write_scanlines(y, next, 0, type, rows)) return false;
-        rows += rowSamples * static_cast<std::size_t>(next - y);
+        const std::size_t count = rowSamples * static_cast<std::size_t>(next - y);
+        if (!file.write_scanlines(y, next, 0, type, ofBits(bits, rows, count, rounded))) return false;
+        rows += count;
     }
     return true;
 }
@@ -221,7 +263,13 @@ EncodedPicture encode(const Picture& picture, const Encoding& encoding) {
     std::vector<unsigned char> bytes;
     if (encoding.format == FileFormat::Tiff && hasExif(layout)) {
         const MemoryFile memory;
-        encodeTo(memory.name(), nullptr, picture, encoding, layout);
+        try {
+            encodeTo(memory.name(), nullptr, picture, encoding, layout);
+        } catch (const PictureError&) {
+            memory.requireRoom();
+            throw;
+        }
+        memory.requireRoom();
         bytes = memory.bytes();
     } else {
         OIIO::Filesystem::IOVecOutput memory(bytes);

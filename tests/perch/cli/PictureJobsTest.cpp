@@ -198,6 +198,27 @@ TEST_F(PictureJobsTest, PartsOfOneFileAreBeautyAndDepth) {
     EXPECT_NE(out.values, before.values);
 }
 
+// Pixels that the blur has changed come from its codes, not from the file.
+TEST_F(PictureJobsTest, LightAboveWhiteSpreadsAsSuchByLogAlone) {
+    make(
+        "oiiotool --create 62x43 3 --fill:color=8,8,8 20x20+20+10 -d half -o in.exr && "
+        "oiiotool --pattern fill:left=0:right=0.3 62x43 1 -d uint16 -o matte.png");
+    const Samples before = samples("in.exr");
+    const auto brightestChanged = [&](const std::string& encode) {
+        const ProgramResult result = perch(
+            "-i in.exr -o out.exr --control-layer matte.png --focal-point 100 --maximum-blur 9 --encode " +
+            encode);
+        EXPECT_EQ(result.status, 0) << result.err;
+        const Samples after = samples("out.exr");
+        float brightest = 0;
+        for (std::size_t i = 0; i < after.values.size(); ++i)
+            if (after.values[i] != before.values[i]) brightest = std::max(brightest, after.values[i]);
+        return brightest;
+    };
+    EXPECT_GT(brightestChanged("log"), 3);
+    EXPECT_LE(brightestChanged("srgb"), 1);
+}
+
 TEST_F(PictureJobsTest, LayersOfTheInputAreRendered) {
     make(kNoise + "-d half -o a.exr && " + kNoise +
          "--mulc 0.5 --chnames fog.R,fog.G,fog.B,fog.A -d half -o fog.exr && "
@@ -343,6 +364,13 @@ TEST_F(PictureJobsTest, OutputHasTheDepthOfTheInputOrTheOneAskedFor) {
         EXPECT_EQ(result.status, 0) << c.arguments << ": " << result.err;
         EXPECT_EQ(samples(c.output).type, c.type) << c.arguments;
     }
+    make("convert in16.png -define quantum:format=floating-point half.tif");
+    EXPECT_EQ(
+        perch("-i half.tif -o m.tif --control-layer none --encode linear").err,
+        "perch: note: \"m.tif\" gets floats of 32 bits for the halves of the input, with the same values; "
+        ".exr files hold halves\n");
+    EXPECT_EQ(perch("-i half.tif -o n.tif --control-layer none --encode linear --output-depth float").err,
+              "");
     const ProgramResult refused = perch("-i in8.png -o out.png --output-depth half");
     EXPECT_EQ(refused.status, 4);
     EXPECT_EQ(refused.err,

@@ -1,11 +1,13 @@
 // Files with flipped bits, cut ends and false sizes: each is an error or the right picture, in no more memory
 // than it may have.
+#include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
 #include <memory>
 #include <random>
+#include <span>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -60,6 +62,7 @@ constexpr Format kFormats[] = {
     {"runs.tga", FileFormat::Targa, Covered::Nothing, 0, 0.05},
     {"a.jpg", FileFormat::Jpeg, Covered::Nothing, 5, kAny},
     {"a.webp", FileFormat::WebP, Covered::Nothing, 0, kAny},
+    {"lossless.webp", FileFormat::WebP, Covered::Nothing, 1, kAny},
 };
 
 constexpr std::int64_t kMostPixels = 1 << 21;
@@ -71,7 +74,8 @@ constexpr char kMakeAll[] =
     "--compression lzw -o lzw.tif --compression packbits -o bits.tif --compression zip -d uint16 -o 16.png "
     "-o zip.tif -d half -o zip.exr "
     "--compression piz -o piz.exr --compression zip --tile 16 16 -d uint8 -o tiles.tif && "
-    "convert 16.png -endian MSB -compress zip big.tif";
+    "convert 16.png -endian MSB -compress zip big.tif && "
+    "convert 8.png -define webp:lossless=true lossless.webp";
 
 // The same file with deflate named by its number of before it was registered.
 std::string withOldDeflate(std::string tiff) {
@@ -150,6 +154,51 @@ TEST_F(DamageTest, FlippedBitsAreFoundAsFarAsTheFormatLetsThem) {
         EXPECT_GE(refused, format.leastFound) << format.name;
         std::printf("%-10s %2d of %d flips refused; the others change at most %.2f %% of the samples\n",
                     format.name, refused, kFlips, 100 * worst);
+    }
+}
+
+// The functions of the WebP library that decode a whole file.
+std::uint8_t* decodedByLibrary(const FileBytes& bytes, bool hasAlpha, int& width, int& height) {
+    using Decode = std::uint8_t*(const std::uint8_t*, std::size_t, int*, int*);
+    auto* const decode =
+        reinterpret_cast<Decode*>(dlsym(RTLD_DEFAULT, hasAlpha ? "WebPDecodeRGBA" : "WebPDecodeRGB"));
+    return decode == nullptr ? nullptr : decode(bytes.data(), bytes.size(), &width, &height);
+}
+
+// Its files have no check sums: what the library gives up is refused, and the rest is what it decodes.
+TEST_F(DamageTest, WebPIsJudgedByItsLibrary) {
+    auto* const release = reinterpret_cast<void (*)(void*)>(dlsym(RTLD_DEFAULT, "WebPFree"));
+    ASSERT_NE(release, nullptr);
+    std::mt19937 random(2);
+    for (const char* const name : {"a.webp", "lossless.webp"}) {
+        const FileBytes whole = readFile(*folder / name);
+        int refused = 0;
+        int read = 0;
+        for (int change = 0; change < 2 * kFlips; ++change) {
+            FileBytes bytes = whole;
+            const std::size_t place = random() % bytes.size();
+            if (change % 2 == 0) {
+                bytes[place] = static_cast<unsigned char>(bytes[place] ^ (1U << random() % 8));
+            } else {
+                bytes.resize(place);
+            }
+            Picture picture;
+            const bool isFound = isRefused(bytes, FileFormat::WebP, &picture);
+            int width = 0;
+            int height = 0;
+            std::uint8_t* const samples = decodedByLibrary(bytes, picture.channels == 4, width, height);
+            EXPECT_EQ(isFound, samples == nullptr) << name << ", byte " << place << " of change " << change;
+            ++(isFound ? refused : read);
+            if (samples != nullptr && !isFound) {
+                const auto count = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+                EXPECT_TRUE(std::ranges::equal(std::get<std::vector<std::uint8_t>>(picture.samples),
+                                               std::span(samples, count * picture.channels)))
+                    << name << ", byte " << place;
+            }
+            release(samples);
+        }
+        EXPECT_GE(refused, kFlips) << name << ": cut files are found";
+        EXPECT_GE(read, 1) << name;
     }
 }
 

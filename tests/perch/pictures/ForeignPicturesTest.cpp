@@ -334,6 +334,11 @@ TEST_F(ForeignPicturesTest, LuminanceAndChromaAreNoGrey) {
               "its colours are luminance and chroma; save it as red, green and blue");
 }
 
+TEST_F(ForeignPicturesTest, LabIsRefused) {
+    runTool(folder.path, "convert -size 9x7 gradient:red-blue -colorspace Lab -depth 8 lab.tif");
+    EXPECT_EQ(failureToRead("lab.tif"), "its colours are L*a*b*; save it as red, green and blue");
+}
+
 TEST_F(ForeignPicturesTest, AlphaOfWebPIsStraight) {
     runTool(folder.path,
             "oiiotool --create 9x7 4 --fill:color=0.8,0.5,0.3,0.02 9x7 -d uint8 --attrib "

@@ -1,14 +1,13 @@
 #include "FileWorlds.h"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 #include <chrono>
-#include <csignal>
 #include <cstdint>
 #include <thread>
 
 #include "Error.h"
+#include "FileSizeLimit.h"
 #include "PictureFiles.h"
 #include "PixelAccess.h"
 #include "TemporaryFolder.h"
@@ -234,26 +233,6 @@ TEST_F(FileWorldsTest, OutputsThatCannotBeAreRefusedAndTheSentenceSaysHowToMendI
     }
     EXPECT_EQ(fileCount(), 1U);
 }
-
-// Files may grow to so many bytes while the object lives, as on a disk that is nearly full.
-class FileSizeLimit {
-public:
-    explicit FileSizeLimit(rlim_t bytes) : handler(std::signal(SIGXFSZ, SIG_IGN)) {
-        getrlimit(RLIMIT_FSIZE, &before);
-        const rlimit limit{bytes, before.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit() {
-        setrlimit(RLIMIT_FSIZE, &before);
-        std::signal(SIGXFSZ, handler);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
-private:
-    rlimit before{};
-    void (*const handler)(int);
-};
 
 TEST_F(FileWorldsTest, FullDiskLeavesTheFileBeforeAndNoPartOfTheNew) {
     World world(200, 200, false);

@@ -2,11 +2,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "CapturedStderr.h"
+#include "Error.h"
+#include "FileSizeLimit.h"
 #include "FileWorlds.h"
 #include "PictureFile.h"
 #include "PictureFiles.h"
@@ -216,6 +219,27 @@ TEST_F(MetadataTest, ExifSurvivesBetweenTheFormatsThatHoldIt) {
     EXPECT_EQ(linesOf(listOf(files, "exiftool -q -T -f -FileName " + std::string(kExifTags))), expected);
 }
 
+// It is made in a file that is nowhere but in memory, where the encoder does not notice the limit.
+TEST_F(MetadataTest, TiffWithExifThatFindsNoRoomLeavesTheFileBefore) {
+    runTool(folder.path, "oiiotool --pattern noise 200x150 3 --attrib Make Acme -d uint8 -o a.tif");
+    copy("a.tif", "whole.tif");
+    const std::uintmax_t size = std::filesystem::file_size(folder / "whole.tif");
+    test::writeBytes(folder / "out.tif", "before");
+    for (const std::uintmax_t limit : {std::uintmax_t{0}, std::uintmax_t{1000}, size / 2, size - 10}) {
+        std::string failure = "nothing was thrown";
+        try {
+            const test::FileSizeLimit full(limit);
+            copy("a.tif", "out.tif");
+        } catch (const Error& error) {
+            failure = error.what();
+        }
+        EXPECT_EQ(failure, "cannot write \"" + (folder / "out.tif").string() +
+                               "\": File too large; check its folder and the room on its disk")
+            << limit;
+        EXPECT_EQ(bytesOf(folder / "out.tif"), "before") << limit;
+    }
+}
+
 TEST_F(MetadataTest, WhatTiffDoesNotHoldOfExifIsNamed) {
     runTool(folder.path,
             "convert -size 9x7 gradient:red-blue -depth 8 a.jpg && "
@@ -248,6 +272,69 @@ TEST_F(MetadataTest, NumbersThatAFileLeavesUndefinedAreLeftOut) {
     const auto file = OIIO::ImageInput::open(folder / "b.exr");
     ASSERT_NE(file, nullptr);
     EXPECT_EQ(file->spec().get_float_attribute("PixelAspectRatio", 1), 1);
+}
+
+// Each code of 10 bits, whose highest bits come again as the lowest of 16.
+std::vector<std::uint16_t> tenBitCodes(std::size_t channels) {
+    std::vector<std::uint16_t> codes;
+    for (std::uint32_t code = 0; code < 1024; ++code)
+        for (std::size_t channel = 0; channel < channels; ++channel)
+            codes.push_back(static_cast<std::uint16_t>(code << 6 | code >> 4));
+    return codes;
+}
+
+int bitsOf(const std::filesystem::path& path) {
+    const auto file = OIIO::ImageInput::open(path);
+    return file == nullptr ? 0 : file->spec().get_int_attribute("oiio:BitsPerSample");
+}
+
+// Readers fill up the lowest bits in one of two ways.
+std::vector<int> codesOf(const std::filesystem::path& path, int bits) {
+    const pictures::Picture picture = pictures::readPicture(path);
+    std::vector<int> codes;
+    for (const std::uint16_t sample : std::get<std::vector<std::uint16_t>>(picture.samples))
+        codes.push_back(sample >> (16 - bits));
+    return codes;
+}
+
+TEST_F(MetadataTest, DpxFilesOfFewerBitsKeepThem) {
+    test::writeFile(folder / "rgb.png", {32, 32, 3}, tenBitCodes(3));
+    test::writeFile(folder / "rgba.png", {32, 32, 4}, tenBitCodes(4));
+    runTool(folder.path,
+            "oiiotool rgb.png -d uint10 -o rgb10.dpx -d uint12 -o rgb12.dpx && "
+            "oiiotool rgba.png -d uint10 -o rgba10.dpx && "
+            "ffmpeg -v error -i rgb.png -pix_fmt gbrp10le ff10.dpx -pix_fmt gbrp12le ff12.dpx");
+    for (const auto& [name, bits] : {std::pair("rgb10.dpx", 10),
+                                     {"rgb12.dpx", 12},
+                                     {"rgba10.dpx", 10},
+                                     {"ff10.dpx", 10},
+                                     {"ff12.dpx", 12}}) {
+        const std::string copied = std::string("copy-") + name;
+        copy(name, copied);
+        EXPECT_EQ(bitsOf(folder / copied), bits) << name;
+        EXPECT_EQ(codesOf(folder / copied, bits), codesOf(folder / name, bits)) << name;
+        runTool(folder.path, std::string("ffmpeg -v error -y -i ") + name +
+                                 " -f rawvideo a.raw && ffmpeg -v error -y -i " + copied +
+                                 " -f rawvideo b.raw");
+        EXPECT_EQ(bytesOf(folder / "b.raw"), bytesOf(folder / "a.raw")) << name;
+    }
+}
+
+TEST_F(MetadataTest, OtherSamplesOfSuchFilesAreRoundedUnlessADepthIsChosen) {
+    test::writeFile(folder / "a.png", {32, 32, 3}, tenBitCodes(3));
+    runTool(folder.path, "oiiotool a.png -d uint10 -o a.dpx");
+    pictures::Picture picture = pictures::readPicture(folder / "a.dpx");
+    auto& samples = std::get<std::vector<std::uint16_t>>(picture.samples);
+    for (std::size_t i = 0; i < samples.size(); ++i)
+        samples[i] = static_cast<std::uint16_t>(i * 65535 / (samples.size() - 1));
+    writePicture(folder / "ten.dpx", picture);
+    const std::vector<int> codes = codesOf(folder / "ten.dpx", 10);
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        const double mostAway = samples[i] % 64 == 0 ? 1 : 0.5;  // those may be from such a file
+        ASSERT_NEAR(codes[i], samples[i] * 1023.0 / 65535, mostAway) << samples[i];
+    }
+    writePicture(folder / "sixteen.dpx", picture, {.hasChosenDepth = true});
+    EXPECT_EQ(pictures::readPicture(folder / "sixteen.dpx").samples, picture.samples);
 }
 
 // Chunks that no library here reads pass as they are.
