@@ -148,8 +148,6 @@ void JobDisplay::finish(const std::string& failure) {
     Whereabouts& at = whereabouts();
     for (auto* const line : {&at.lastLine, &at.lastLineOfFailure})
         line->set("");
-    for (auto* const answer : {&at.unanswered, &at.totals})
-        answer->set("");
     printTotals();
     if (form == ProgressForm::OpenJd && !failure.empty()) printResult(openJdFailure(failure));
 }
@@ -165,6 +163,9 @@ void JobDisplay::printTotals() {
     if (form == ProgressForm::Json) printResult(totalsAsJson(counted));
     if (form == ProgressForm::OpenJd)
         printResult(fmt::format("openjd_status: {}\n", printable(lastLineOf(counted))));
+    // Nobody is to print them once more.
+    for (auto* const answer : {&whereabouts().unanswered, &whereabouts().totals})
+        answer->set("");
 }
 
 std::string JobDisplay::totalsAsJson(const JobTotals& totals) const {

@@ -284,6 +284,21 @@ TEST(JobDisplayTest, FramesWithoutAnAnswerAreKeptForTheParent) {
     EXPECT_EQ(at.unanswered.get() + at.totals.get(), "") << "nobody needs to tell it again";
 }
 
+TEST(JobDisplayTest, TotalsBeforeAFailureAreToldOnce) {
+    const FramePlan plan = planOf({7, 8, 9});
+    testing::internal::CaptureStdout();
+    JobDisplay display(ProgressForm::Json, true);
+    display.begin(plan, "out.#.png", true);
+    display.framesAreAsked({0, 1});
+    display.frameBegins(0);
+    display.frameEnds({.index = 0, .state = FrameEnd::State::Failed});
+    display.finishBeforeFailure();
+    const Whereabouts& at = whereabouts();
+    EXPECT_EQ(at.unanswered.get() + at.totals.get(), "") << "a crash behind it tells them again";
+    EXPECT_NE(at.lastLine.get(), "");
+    testing::internal::GetCapturedStdout();
+}
+
 TEST(JobDisplayTest, OfFramesThatNobodyAsksForTheOneUnderWayIsLost) {
     const FramePlan plan = planOf({7, 8, 9});
     testing::internal::CaptureStdout();
