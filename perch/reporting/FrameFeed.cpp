@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "Error.h"
 #include "FrameList.h"
 
@@ -17,30 +19,32 @@ FrameFeed::FrameFeed(const FramePlan& plan, const InputLines& lines, JobDisplay&
 
 std::optional<std::vector<std::size_t>> FrameFeed::next() {
     constexpr std::size_t kMostAtOnce = 1000;  // whoever never stops asking gets answers in between
-    std::vector<std::size_t> asked;
     while (asked.empty()) {
         const std::optional<std::string> line = lines.next();
         if (!line) return std::nullopt;
-        take(*line, asked);
+        take(*line);
     }
     while (asked.size() < kMostAtOnce) {
         const std::optional<std::string> line = lines.nextThatIsThere();
         if (!line) break;
-        take(*line, asked);
+        take(*line);
     }
-    return asked;
+    const auto end = asked.begin() + static_cast<std::ptrdiff_t>(std::min(asked.size(), kMostAtOnce));
+    const std::vector<std::size_t> handedOut(asked.begin(), end);
+    asked.erase(asked.begin(), end);
+    return handedOut;
 }
 
-void FrameFeed::take(const std::string& line, std::vector<std::size_t>& asked) {
+void FrameFeed::take(const std::string& line) {
     try {
         for (const std::int32_t frame : parseFrameList(line, "standard input"))
-            take(frame, asked);
+            take(frame);
     } catch (const UsageError& error) {
         display.refuseLine(line, error.what());
     }
 }
 
-void FrameFeed::take(std::int32_t frame, std::vector<std::size_t>& asked) {
+void FrameFeed::take(std::int32_t frame) {
     if (const auto place = places.find(frame); place != places.end()) {
         asked.push_back(place->second);
     } else if (const auto current = currentOnes.find(frame); current != currentOnes.end()) {

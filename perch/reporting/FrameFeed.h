@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <optional>
 #include <string>
@@ -25,16 +26,17 @@ public:
     FrameFeed(const FramePlan& plan, const InputLines& lines, JobDisplay& display);
 
     // Waits for a line with frames of the plan, and returns their places in it, with those of all lines that
-    // are there by then, so that reading, rendering and writing overlap. What cannot be rendered is answered
-    // at once. Absent at the end.
+    // are there by then, 1000 at most, so that reading, rendering and writing overlap. What cannot be
+    // rendered is answered at once. Absent at the end.
     std::optional<std::vector<std::size_t>> next();
 
 private:
-    void take(const std::string& line, std::vector<std::size_t>& asked);
-    void take(std::int32_t frame, std::vector<std::size_t>& asked);
+    void take(const std::string& line);
+    void take(std::int32_t frame);
 
     InputLines lines;
     JobDisplay& display;
+    std::deque<std::size_t> asked;                          // and not handed out
     std::map<std::int32_t, std::size_t> places;             // in the plan, by number
     std::map<std::int32_t, const FrameFiles*> currentOnes;  // that are up to date
 };

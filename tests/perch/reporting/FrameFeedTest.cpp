@@ -54,6 +54,17 @@ TEST_F(FrameFeedTest, WhoeverNeverStopsAskingGetsAnswersInBetween) {
     EXPECT_EQ(feed.next(), std::nullopt);
 }
 
+TEST_F(FrameFeedTest, FramesOfALongLineAreHandedOutInParts) {
+    for (std::int32_t frame = 4; frame <= 1003; ++frame)
+        plan.frames.push_back({frame, "in.png", "out.png", {}});
+    FrameFeed feed = feedOf("3,1,4-1003\n2\n");
+    const std::vector<std::size_t> first = feed.next().value();
+    ASSERT_EQ(first.size(), 1000U);
+    EXPECT_EQ(first.front(), 0U);
+    EXPECT_THAT(feed.next().value(), ElementsAre(1001, 1002, 2));
+    EXPECT_EQ(feed.next(), std::nullopt);
+}
+
 TEST_F(FrameFeedTest, WhatIsNotRenderedIsAnsweredAtOnce) {
     testing::internal::CaptureStdout();
     FrameFeed feed = feedOf("first\n\n7\n3,4\n9-1x0\n");
