@@ -102,6 +102,16 @@ TEST(ExrChunksTest, EveryCutBehindTheTableIsFound) {
     }
 }
 
+// A file of a few megabytes can have so many.
+TEST(ExrChunksTest, HeadersOfManyPartsTakeNoMoreThanTheyAre) {
+    constexpr char kMagicAndParts[] = {0x76, 0x2F, 0x31, 0x01, 2, 0x10, 0, 0};
+    constexpr char kHeader[] = {'n', 0, 't', 0, 0, 0, 0, 0, 0};  // of one attribute
+    FileBytes bytes(std::begin(kMagicAndParts), std::end(kMagicAndParts));
+    for (int part = 0; part < 500'000; ++part)
+        bytes.insert(bytes.end(), std::begin(kHeader), std::end(kHeader));
+    EXPECT_FALSE(lacksTables(bytes));
+}
+
 // Whatever is read of them: no error is one of memory.
 TEST(ExrChunksTest, HeadersThatAreCutAreLeftToReaders) {
     const TemporaryFolder folder;

@@ -33,7 +33,8 @@ struct PartHeader {
     bool isDeep = false;
     std::int64_t tileWidth = 0;
     std::int64_t tileHeight = 0;
-    std::uint64_t chunks = 0;  // where there are several parts
+    std::uint64_t chunks = 0;        // where there are several parts
+    std::uint64_t chunksBefore = 0;  // of the parts before
 };
 
 std::int64_t signedAt(std::string_view bytes, std::size_t place) {
@@ -124,6 +125,11 @@ public:
             headers[0].isTiled = (flags & kTiledFlag) != 0;
         }
         tables = file.size() - text.rest.size();
+        std::uint64_t chunks = 0;
+        for (PartHeader& header : headers) {
+            header.chunksBefore = chunks;
+            chunks += header.chunks;
+        }
     }
 
     std::size_t parts() const { return headers.size(); }
@@ -133,12 +139,13 @@ public:
     bool hasTable(std::size_t part) const {
         if (hasParts && headers[part].chunks < needed(part)) return false;
         const std::uint64_t most = (file.size() - tables) / kPlaceSize;
-        return before(part) <= most && needed(part) <= most - before(part);
+        const std::uint64_t before = headers[part].chunksBefore;
+        return before <= most && needed(part) <= most - before;
     }
 
     // Whether all chunks of a part with a table lie in the file, none within another.
     bool areThere(std::size_t part) const {
-        const std::size_t table = tables + before(part) * kPlaceSize;
+        const std::size_t table = tables + headers[part].chunksBefore * kPlaceSize;
         const std::size_t tableEnd = table + needed(part) * kPlaceSize;
         std::vector<std::uint64_t> places;
         for (std::size_t at = table; at < tableEnd; at += kPlaceSize)
@@ -154,14 +161,6 @@ public:
     }
 
 private:
-    // Chunks of the parts before.
-    std::uint64_t before(std::size_t part) const {
-        std::uint64_t chunks = 0;
-        for (std::size_t i = 0; i < part; ++i)
-            chunks += headers[i].chunks;
-        return chunks;
-    }
-
     std::uint64_t placeAt(std::size_t at) const {
         return littleEndianAt(file, at, 4) | std::uint64_t{littleEndianAt(file, at + 4, 4)} << 32;
     }
