@@ -46,7 +46,7 @@ Channels coloursOf(const OIIO::ImageSpec& layout, const std::string& prefix) {
 
 PictureSource pictureOf(int part, const OIIO::ImageSpec& layout, Channels channels,
                         const std::string& prefix = "") {
-    const bool isGrey = channels.front() == channelNamed(layout, prefix + "Y");
+    const bool isGrey = channels.front() == greyOf(layout, prefix);
     return {.part = part, .channels = std::move(channels), .isGrey = isGrey};
 }
 
@@ -123,7 +123,7 @@ std::optional<PictureSource> channelIn(int part, const OIIO::ImageSpec& layout, 
     for (int channel = 0; channel < layout.nchannels; ++channel) {
         const std::string& name = layout.channelnames[static_cast<std::size_t>(channel)];
         if (wanted == name || wanted == fullName(layout, name, hasParts))
-            return pictureOf(part, layout, {channel});
+            return pictureOf(part, layout, {channel}, name.substr(0, name.rfind('.') + 1));
     }
     return std::nullopt;
 }
