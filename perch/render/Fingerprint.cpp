@@ -100,6 +100,8 @@ std::string frameFingerprint(const FrameSources& sources, const FrameFiles& fram
         if (reading.hasUsualRange && first != sources.plan.firstLayers.end())
             add("range of " + textOf(first->second));
     }
+    // What else an effect knows of the whole shot.
+    if (sources.mayChangeValues) add(fmt::format("until frame {}", sources.plan.lastFrame));
     for (const ParameterCurve& curve : sources.parameters) {
         add(textOf(settingAt(curve, frame.frame)));
         if (sources.mayChangeValues) add("first " + textOf(settingAt(curve, sources.plan.firstFrame)));
