@@ -171,8 +171,8 @@ SharedPicture readNoted(const fs::path& path, const std::string& selected,
     }
     if (picture->parts > 1 && selected.empty()) {
         notes.add("parts",
-                  fmt::format("\"{}\" has {} parts and the first is read; the name of another, or of its "
-                              "channel, can follow the file's, as NAME:Z",
+                  fmt::format("\"{}\" has {} parts and the first is read; to read another, put "
+                              "its name after the file's, as in NAME.exr:depth",
                               path.string(), picture->parts),
                   place);
     }

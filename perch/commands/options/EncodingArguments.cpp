@@ -65,7 +65,8 @@ std::vector<std::string> idleEncodingOptions(const EncodingTexts& texts, const s
     std::vector<std::string> idle;
     if (!format) return idle;
     const auto add = [&](std::string_view option, std::string_view formats) {
-        idle.push_back(fmt::format("{} is of {} files and does nothing for \"{}\"", option, formats, output));
+        idle.push_back(
+            fmt::format("{} is for {} files and does nothing for \"{}\"", option, formats, output));
     };
     if (isOfOpenExr(texts.compression)) {
         if (format != FileFormat::OpenExr) add("--compression " + texts.compression, "OpenEXR");

@@ -266,7 +266,7 @@ RenderOptions parseRenderOptions(const std::vector<std::string>& arguments) {
     if (!texts.encode.empty()) options.settings.transfer = meaningOf("--encode", texts.encode, kEncode);
     options.settings.encoding.hasChosenDepth = options.settings.depth || options.settings.outputType;
     takeEncodingOptions(texts.encoding, options.settings.encoding);
-    options.idle = idleEncodingOptions(texts.encoding, texts.output);
+    options.idleOptions = idleEncodingOptions(texts.encoding, texts.output);
     options.hasProvenance = !texts.hasNoProvenance;
     options.areWarningsErrors = texts.areWarningsErrors;
     options.settings.isDithered = texts.isDithered;

@@ -44,9 +44,9 @@ struct RenderOptions {
     PictureNames names;
     RenderSettings settings;
     JobOptions job;
-    std::optional<std::int64_t> memory;  // for pictures, in bytes
-    std::vector<std::string> idle{};     // sentences, of options that do nothing for such an output
-    std::set<std::string> given;         // options that the command line has, without their dashes
+    std::optional<std::int64_t> memory;      // for pictures, in bytes
+    std::vector<std::string> idleOptions{};  // sentences, of those that do nothing for such an output
+    std::set<std::string> given;             // options that the command line has, without their dashes
 };
 
 // The names of the command's own options, which no parameter's option takes.

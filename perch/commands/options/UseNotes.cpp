@@ -31,9 +31,10 @@ bool isForScreens(const std::filesystem::path& picture) {
 void noteCodesAsLight(const RenderOptions& options, Notes& notes) {
     if (!isForScreens(options.names.input) || options.settings.transfer) return;
     if (pictures::formatOfName(options.names.output) != FileFormat::OpenExr) return;
-    notes.add("codes as light",
-              "the numbers of the input are written as they are stored, for screens, and programs take those "
-              "of OpenEXR files for light: read the output as sRGB, or it looks washed out");
+    notes.add(
+        "codes as light",
+        "the input's colours are sRGB and are written unchanged; tell the program that reads the OpenEXR "
+        "file so, or the picture looks washed out");
 }
 
 }  // namespace
@@ -42,7 +43,7 @@ void noteUse(const RenderOptions& options, const ParameterArguments& parameters,
              Notes& notes) {
     warnOfMistakes(parameters, notes);
     warnOfKeysOnAStill(plan, parameters.curves, notes);
-    for (const std::string& sentence : options.idle)
+    for (const std::string& sentence : options.idleOptions)
         notes.warnOfUse(sentence, sentence);
     noteCodesAsLight(options, notes);
 }

@@ -164,7 +164,7 @@ Json frameToJson(const PlannedJob& job, const FrameFiles& files) {
 std::string planLine(const FramePlan& plan, const PictureNames& names, bool isFed) {
     const std::string frames = countedFrames(numbersOf(plan.frames));
     const std::string files = fmt::format("{} -> {}", names.input, names.output);
-    if (isFed) return fmt::format("waits for frames to be asked for, of {}: {}", frames, files);
+    if (isFed) return fmt::format("{}, can be asked for: {}", frames, files);
     const std::size_t existing = existingOutputs(plan);
     return fmt::format("{}: {}{}", frames, files,
                        existing == 0 ? ""

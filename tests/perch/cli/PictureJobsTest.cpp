@@ -188,9 +188,8 @@ TEST_F(PictureJobsTest, PartsOfOneFileAreBeautyAndDepth) {
         "--maximum-blur 9");
     ASSERT_EQ(result.status, 0) << result.err;
     EXPECT_EQ(result.err,
-              "perch: note: \"parts.exr\" has 2 parts and the first is read; the name of another, or of its "
-              "channel, "
-              "can follow the file's, as NAME:Z\n");
+              "perch: note: \"parts.exr\" has 2 parts and the first is read; to read another, put its name "
+              "after the file's, as in NAME.exr:depth\n");
     const Samples out = samples("out.exr");
     EXPECT_EQ(out.type, OIIO::TypeHalf);
     EXPECT_GT(*std::ranges::max_element(out.values), 4);  // highlights stay above white
@@ -284,13 +283,13 @@ TEST_F(PictureJobsTest, OptionsThatDoNothingForTheOutputAreWarnedOf) {
     };
     const Case cases[] = {
         {"-i in.png -o a.png --compression piz",
-         "--compression piz is of OpenEXR files and does nothing for \"a.png\""},
+         "--compression piz is for OpenEXR files and does nothing for \"a.png\""},
         {"-i in.exr -o a.exr --compression 5",
-         "--compression 5 is of PNG and TIFF files and does nothing for \"a.exr\""},
+         "--compression 5 is for PNG and TIFF files and does nothing for \"a.exr\""},
         {"-i in.png -o a.jpg --compression 5",
-         "--compression 5 is of PNG and TIFF files and does nothing for \"a.jpg\""},
+         "--compression 5 is for PNG and TIFF files and does nothing for \"a.jpg\""},
         {"-i in.png -o a.png --jpeg-quality 90",
-         "--jpeg-quality is of JPEG files and does nothing for \"a.png\""},
+         "--jpeg-quality is for JPEG files and does nothing for \"a.png\""},
         {"-i in.png -o a.png --compression 5", ""},
         {"-i in.exr -o a.exr --compression piz", ""},
         {"-i in.png -o a.jpg --jpeg-quality 90", ""},
@@ -308,7 +307,7 @@ TEST_F(PictureJobsTest, OptionsThatDoNothingForTheOutputAreWarnedOf) {
 TEST_F(PictureJobsTest, CodesForScreensInOpenExrAreToldOf) {
     make("oiiotool --create 10x10 3 -d uint8 -o in.png && oiiotool --create 10x10 3 -d uint16 -o in.tif");
     const std::string job = " --control-layer none --progress none";
-    const std::string told = "read the output as sRGB";
+    const std::string told = "colours are sRGB";
     EXPECT_NE(perch("-i in.png -o a.exr" + job).err.find(told), std::string::npos);
     EXPECT_EQ(perch("-i in.png -o a.png" + job).err.find(told), std::string::npos);
     EXPECT_EQ(perch("-i in.tif -o a.exr" + job).err.find(told), std::string::npos);

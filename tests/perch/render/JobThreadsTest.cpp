@@ -44,6 +44,7 @@ TEST(JobThreadsTest, AFileOnItsWayToTheDiskLeavesTheThreadToOthers) {
     renderFrames(effect, settings, {}, plan, {}, report);
     pictures::watchTemporaryFiles(
         {.appears = [](const std::string&) {}, .isGone = [](const std::string&) {}});
+    ASSERT_TRUE(gOther.valid()) << "no temporary file appeared";
     gOther.get();
     gBudget = nullptr;
     EXPECT_TRUE(gIsOtherDone);
