@@ -2,7 +2,7 @@
 //
 // A file's 8 bits per channel become Channel8, its 16 bits Channel15: codes 0 to 65535 are mapped to 0 to
 // 32768 and back, rounded to the nearest, so that every Channel15 value survives a file. Floats of 0 to 1
-// become Channel15 as they are stored. Alpha is straight in buffers, and in all files but OpenEXR.
+// become Channel15 as they are stored. Alpha is straight in buffers, and in all files but OpenEXR and DPX.
 //
 // Failures are pictures::PictureError, whose what() is one sentence that names the file and how to mend it.
 #pragma once

@@ -171,6 +171,10 @@ bool holdsAlpha(FileFormat format) {
     return format != FileFormat::Jpeg;
 }
 
+bool isAssociated(FileFormat format) {
+    return format == FileFormat::OpenExr || format == FileFormat::Dpx;
+}
+
 std::optional<SampleType> nearestType(FileFormat format, SampleType type) {
     if (holds(format, type)) return type;
     if (format == FileFormat::OpenExr)

@@ -31,6 +31,8 @@ bool holds(FileFormat format, SampleType type);
 // "8 or 16 bits": all that it holds.
 std::string_view typesOf(FileFormat format);
 bool holdsAlpha(FileFormat format);
+// Whether colours are multiplied by alpha in every file of it.
+bool isAssociated(FileFormat format);
 
 // `type`, or the type of the format that keeps the most of it; absent where that would be 8 bits of more.
 std::optional<SampleType> nearestType(FileFormat format, SampleType type);

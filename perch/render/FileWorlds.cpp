@@ -123,8 +123,7 @@ Transfer transferToUndo(const FileWorld& source, SampleType written) {
 // TIFF has both, and keeps what it was. Readers take the alpha of DPX for associated.
 bool isWrittenPremultiplied(const fs::path& path, const Picture& source) {
     const std::optional<FileFormat> format = pictures::formatOfName(path);
-    return format == FileFormat::OpenExr || format == FileFormat::Dpx ||
-           (format == FileFormat::Tiff && source.isPremultiplied);
+    return format && (isAssociated(*format) || (format == FileFormat::Tiff && source.isPremultiplied));
 }
 
 }  // namespace

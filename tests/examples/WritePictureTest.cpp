@@ -81,6 +81,22 @@ TEST_F(WritePictureTest, FilesHaveTheDepthAndTheStraightAlphaOfThePicture) {
     }
 }
 
+TEST_F(WritePictureTest, SoftAlphaComesBackWithItsColours) {
+    Picture picture{std::make_unique<PILib::SimplePixelBuffer<PILib::Pixel<Channel15>>>(1, 1), true};
+    auto& pixels = dynamic_cast<PILib::PixelBuf<PILib::Pixel<Channel15>>&>(*picture.pixels);
+    pixels.row(0)[0] = {16384, 32768, 8192, 0};
+    for (const std::string name : {"soft.png", "soft.tif", "soft.exr", "soft.dpx"}) {
+        WritePicture(folder.file(name), picture);
+        const Picture read = ReadPicture(folder.file(name));
+        EXPECT_TRUE(read.hasAlpha) << name;
+        ASSERT_TRUE(IsWide(read)) << name;
+        const auto pixel =
+            dynamic_cast<const PILib::PixelBuf<PILib::Pixel<Channel15>>&>(*read.pixels).row(0)[0];
+        EXPECT_EQ(pixel.red, 32768) << name;
+        EXPECT_NEAR(pixel.green, 8192, 2) << name;
+    }
+}
+
 TEST_F(WritePictureTest, PicturesWithoutAlphaAreWrittenWithoutOne) {
     Picture picture = AllCodes<Channel8>(16, 16);
     picture.hasAlpha = false;
