@@ -103,7 +103,7 @@ Picture ReadPicture(const std::string& path) {
 
 Picture ReadControl(const ControlFile& control, const Picture& like) {
     const auto& [path, selected] = control.file;
-    pictures::Picture picture = pictures::readPicture(path, selected);
+    pictures::Picture picture = pictures::readPicture(path, selected, {.isOfDepths = true});
     if (control.range) {
         picture = ranged(picture, *control.range);
     } else {
@@ -125,7 +125,8 @@ void RequireWritable(const std::string& path, const Picture& picture) {
 void WritePicture(const std::string& path, const Picture& picture) {
     pictures::Picture file = pictures::newPicture(picture.pixels->width, picture.pixels->height,
                                                   picture.hasAlpha ? 4 : 3, TypeOf(path, picture));
-    file.isPremultiplied = picture.hasAlpha && pictures::formatOfName(path) == pictures::FileFormat::OpenExr;
+    const auto format = pictures::formatOfName(path);
+    file.isPremultiplied = picture.hasAlpha && format && isAssociated(*format);
     if (IsWide(picture)) {
         FromPixels<Channel15>(*picture.pixels, file);
     } else {

@@ -17,7 +17,9 @@ class LayerReader {
 public:
     // `notes` outlives the reader.
     LayerReader(const LayerReadings& readings, const pictures::ReadOptions& options, Notes& notes)
-        : readings(readings), options(options), notes(notes) {}
+        : readings(readings), options(options), notes(notes) {
+        this->options.isOfDepths = true;
+    }
 
     // Finds the ranges that are left to the first frame, before any picture is read.
     void findRanges(const FramePlan& plan);

@@ -216,12 +216,12 @@ bool hasDamagedPixels(std::span<const unsigned char> bytes, FileFormat format, i
 }
 
 Picture readPart(OIIO::ImageInput& file, FileFormat format, const PictureSource& source,
-                 std::span<const unsigned char> bytes) {
+                 std::span<const unsigned char> bytes, bool isOfDepths) {
     const OIIO::ImageSpec& layout = file.spec();
     const Channels& channels = source.channels;
     const SampleType type = requireType(layout, channels);
     const Window window = windowOf(layout, format);
-    const bool isDepth = channels.size() == 1 && isFloat(type) && !source.isGrey;
+    const bool isDepth = isOfDepths && channels.size() == 1 && isFloat(type) && !source.isGrey;
     // Outside of what was rendered a picture is transparent, so that it has alpha there.
     const bool needsAlpha = channels.size() % 2 == 1 && !isDepth && !covers(layout, window);
     Picture picture = newPicture(window.width, window.height, channels.size() + (needsAlpha ? 1 : 0), type);
@@ -277,7 +277,7 @@ Picture decode(std::span<const unsigned char> bytes, FileFormat format, const st
                       options);
     if (hasDamagedPixels(bytes, format, source.part)) isDamaged = true;
     if (isDamaged && !options.acceptsDamage) throw PictureError(kDamaged);
-    Picture picture = readPart(*file, format, source, bytes);
+    Picture picture = readPart(*file, format, source, bytes, options.isOfDepths);
     picture.metadata = metadataOf(file->spec(), format, bytes, picture.channels < 3);
     picture.parts = parts;
     if (selected.empty()) picture.depthChannel = depthBeside(file->spec(), format, source.channels);

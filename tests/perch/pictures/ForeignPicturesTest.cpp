@@ -183,12 +183,15 @@ TEST_F(ForeignPicturesTest, OutsideTheDataWindowThereIsNoDepth) {
     runTool(folder.path,
             "oiiotool --create 2x2 1 --fill:color=5 2x2+0+0 --chnames Z --origin +1+0 --fullsize 4x2+0+0 -d "
             "float -o z.exr");
-    const Picture picture = readPicture(folder / "z.exr");
+    const Picture picture = readPicture(folder / "z.exr", "", {.isOfDepths = true});
     const auto& samples = std::get<std::vector<float>>(picture.samples);
     ASSERT_EQ(samples.size(), 8U);
     EXPECT_TRUE(std::isnan(samples[0]));
     EXPECT_EQ(samples[1], 5);
     EXPECT_TRUE(std::isnan(samples[3]));
+    const Picture light = readPicture(folder / "z.exr");
+    EXPECT_EQ(light.channels, 2U) << "a picture is transparent there";
+    EXPECT_EQ(std::get<std::vector<float>>(light.samples)[0], 0);
 }
 
 TEST_F(ForeignPicturesTest, ChannelsArePickedByNameFromAnyPart) {
