@@ -148,7 +148,7 @@ void reportNotes(const RenderReport& report, std::optional<pictures::Transfer> t
                                      frames == 1 ? "" : "s", where, mend));
     };
     tellClipped(report.pixelsAbove, isLog ? "above 64" : "above 1",
-                isLog ? "" : "; --encode log keeps light up to 64");
+                isLog ? "" : "; --encode log keeps light up to 64 in OpenEXR files");
     tellClipped(report.pixelsBelow, "below 0", "");
 }
 

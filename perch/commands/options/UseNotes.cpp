@@ -1,5 +1,7 @@
 #include "UseNotes.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <filesystem>
 #include <optional>
@@ -33,8 +35,27 @@ void noteCodesAsLight(const RenderOptions& options, Notes& notes) {
     if (pictures::formatOfName(options.names.output) != FileFormat::OpenExr) return;
     notes.add(
         "codes as light",
-        "the input's colours are sRGB and are written unchanged; tell the program that reads the OpenEXR "
-        "file so, or the picture looks washed out");
+        "the input's numbers are written unchanged; where they are sRGB, tell the program that reads the "
+        "OpenEXR file so, or the picture looks washed out");
+}
+
+// Where the names and options tell that already.
+bool isInWholeNumbers(const RenderOptions& options) {
+    using pictures::SampleType;
+    const std::optional<FileFormat> format = pictures::formatOfName(options.names.output);
+    if (const auto type = options.settings.outputType) return !isFloat(*type);
+    return format && !holds(*format, SampleType::Float);
+}
+
+void warnOfLightAsCodes(const RenderOptions& options, Notes& notes) {
+    if (pictures::formatOfName(options.names.input) != FileFormat::OpenExr || !isInWholeNumbers(options))
+        return;
+    if (options.settings.transfer != pictures::Transfer::Log) return;
+    notes.warnOfUse(
+        "light as codes",
+        fmt::format("--encode log writes light, and \"{}\" is to have whole numbers: it looks dark "
+                    "and ends at white; write OpenEXR, or leave --encode out",
+                    options.names.output));
 }
 
 }  // namespace
@@ -46,6 +67,7 @@ void noteUse(const RenderOptions& options, const ParameterArguments& parameters,
     for (const std::string& sentence : options.idleOptions)
         notes.warnOfUse(sentence, sentence);
     noteCodesAsLight(options, notes);
+    warnOfLightAsCodes(options, notes);
 }
 
 }  // namespace perch

@@ -307,10 +307,20 @@ TEST_F(PictureJobsTest, OptionsThatDoNothingForTheOutputAreWarnedOf) {
 TEST_F(PictureJobsTest, CodesForScreensInOpenExrAreToldOf) {
     make("oiiotool --create 10x10 3 -d uint8 -o in.png && oiiotool --create 10x10 3 -d uint16 -o in.tif");
     const std::string job = " --control-layer none --progress none";
-    const std::string told = "colours are sRGB";
+    const std::string told = "numbers are written unchanged";
     EXPECT_NE(perch("-i in.png -o a.exr" + job).err.find(told), std::string::npos);
     EXPECT_EQ(perch("-i in.png -o a.png" + job).err.find(told), std::string::npos);
     EXPECT_EQ(perch("-i in.tif -o a.exr" + job).err.find(told), std::string::npos);
+}
+
+TEST_F(PictureJobsTest, LightInWholeNumbersIsWarnedOf) {
+    make("oiiotool --create 10x10 3 -d half -o in.exr");
+    const std::string job = "-i in.exr --control-layer none --progress none --encode log";
+    const std::string told = "looks dark and ends at white";
+    for (const char* const output : {" -o a.png", " -o a.dpx", " -o a.tif --output-depth 16"})
+        EXPECT_NE(perch(job + output).err.find(told), std::string::npos) << output;
+    for (const char* const output : {" -o a.exr", " -o a.tif", " -o a.tif --output-depth float"})
+        EXPECT_EQ(perch(job + output).err.find(told), std::string::npos) << output;
 }
 
 TEST_F(PictureJobsTest, ClippedLightIsCountedOnce) {
@@ -328,7 +338,7 @@ TEST_F(PictureJobsTest, ClippedLightIsCountedOnce) {
             "perch: note: the pictures hold light in floats, which the effect gets by the curve of sRGB, "
             "as with --encode srgb\n"
             "perch: note: 30.0 % of the pixels of 2 frames are above 1 and were clipped; --encode log "
-            "keeps light up to 64\n" +
+            "keeps light up to 64 in OpenEXR files\n" +
             below + summary);
     EXPECT_EQ(withoutTimes(withoutProgress(perch(job + " --encode log").err)),
               plan + " (2 exist and are replaced)\n" + below + summary);
