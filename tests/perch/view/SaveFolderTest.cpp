@@ -1,9 +1,7 @@
 #include "SaveFolder.h"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
-#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -11,6 +9,7 @@
 #include <vector>
 
 #include "Error.h"
+#include "FileSizeLimit.h"
 #include "TemporaryFolder.h"
 
 namespace perch::test {
@@ -77,33 +76,13 @@ TEST(SaveFolderTest, SavesOfOneNameAtOnceLeaveOneOfThem) {
     EXPECT_EQ(std::distance(fs::directory_iterator(folder.path), {}), 1);
 }
 
-// Files may have ten bytes while it lives, which a write notices as it does a full disk: after a part.
-class SmallFiles {
-public:
-    SmallFiles() {
-        getrlimit(RLIMIT_FSIZE, &before);
-        const rlimit small{10, before.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &small);
-    }
-    ~SmallFiles() {
-        setrlimit(RLIMIT_FSIZE, &before);
-        std::signal(SIGXFSZ, handler);
-    }
-    SmallFiles(const SmallFiles&) = delete;
-    SmallFiles& operator=(const SmallFiles&) = delete;
-
-private:
-    void (*const handler)(int) = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit before{};
-};
-
 TEST(SaveFolderTest, WhatDoesNotFitIsToldAndLeavesNothing) {
     const TemporaryFolder folder;
     const SaveFolder saves(folder.path.string());
     saves.save("look.json", "{}\n");
     std::string sentence;
     {
-        const SmallFiles small;
+        const FileSizeLimit limit(10);
         try {
             saves.save("look.json", "longer than ten bytes");
         } catch (const Error& error) {
